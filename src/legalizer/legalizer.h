@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The detailed placement: passes over all segments, and the moves out of those that are too full.
+#pragma once
+
+#include <cstdint>
+#include <list>
+#include <utility>
+#include <vector>
+
+class Design;
+struct Component;
+struct Segment;
+
+/// A component that may leave its segment: ((preferred x, preferred y), (component, sites freed)); DBU,
+/// sites.
+using MoveCandidate = std::pair<std::pair<int32_t, int32_t>, std::pair<Component*, int32_t>>;
+
+/// Orders candidates: the farthest from its preferred row first.
+bool byDeltaY(const MoveCandidate& a, const MoveCandidate& b);
+
+/// Orders (value, index) pairs: the largest value first.
+bool byDec(const std::pair<float, int>& a, const std::pair<float, int>& b);
+
+/// Places a design.
+class Legalizer {
+public:
+    /// @param placed  the design, set up, not owned
+    explicit Legalizer(Design* placed) : design(placed) {}
+
+    /// Runs passes over all segments, densest first, until a pass moves no component between segments.
+    ///
+    /// A segment whose coloured components do not fit gives some to segments that the pass has not come to
+    /// yet; a segment that is done stays as it is for the rest of the pass. The number of passes has no
+    /// limit.
+    ///
+    /// Errors: ends the run with an error line where moving cannot help, or with the greedy method at once.
+    void solveDPlace();
+
+    /// Moves components out of a segment until enough sites are free.
+    ///
+    /// @param seg   the segment
+    /// @param need  sites to free
+    /// @return whether that many were freed
+    bool globalMove(Segment* seg, int need);
+
+    /// Mean position of what shares a net with a component, corners not centres, clamped to the design; the
+    /// component's own position if there is none.
+    ///
+    /// @param x  out: DBU
+    /// @param y  out: DBU
+    void getOptimalPos(Component* c, int& x, int& y);
+
+    /// Moves a component into the least dense segment near a point that the pass has not come to yet.
+    ///
+    /// Required: into an empty segment, or right of all components of one, nothing is inserted, although the
+    /// result is 1; the caller takes the component out of its segment, and it is in none from then on.
+    ///
+    /// @param x  wanted x, DBU
+    /// @param y  wanted y, DBU
+    /// @pre   segDone and segDensity hold an entry per segment, as they do during solveDPlace().
+    /// @return 1 if a segment was found, else 0
+    int moveComponent(Component* c, int x, int y);
+
+    /// Moves every component out of a segment that sticks out of its right end. Not part of a run.
+    void postMove(Segment* seg);
+
+    /// Sites taken by a segment's cells over its capacity; 0 without any.
+    float getDensity(Segment* seg);
+
+    /// Sites that a segment's components need, packed from the left, with the spacings of their solutions.
+    ///
+    /// @param seg  at least one component
+    int getColoredSiteNum(Segment* seg);
+
+    /// getColoredSiteNum() over the segment's capacity.
+    ///
+    /// @param seg  at least one component
+    float getColoredDensity(Segment* seg);
+
+    /// Clears every mark of segDone. Not part of a run.
+    void refinement();
+
+    /// Does nothing.
+    void debugGlobalMove(int);
+
+    std::vector<bool> segDone;                     ///< [segment id] whether this pass has come to the segment
+    std::vector<float> segDensity;                 ///< [segment id] density at the start of the pass
+    int32_t passCount = 0;                         ///< passes begun
+    Design* design;                                ///< not owned
+    std::list<Component*>::iterator lastInsertPos; ///< where moveComponent() last inserted, or would have
+    Segment* lastTargetSeg = nullptr;              ///< segment that a move last worked on, not owned
+    int32_t metric = 0;                            ///< what SegLegalizer::getEdgeCost_bak() measures: 0 or 1
+
+private:
+    /// Starts a pass: densities, and the segment ids in the order of the visit.
+    std::vector<int32_t> beginPass();
+
+    /// Solves one segment.
+    ///
+    /// @return whether components were moved out of it
+    bool solveSegment(Segment* seg);
+
+    /// The segment that moveComponent() chooses, nullptr if there is none.
+    Segment* findTarget(int x, int y);
+
+    /// The least dense of some segments that are not done, the last of equals; nullptr if all are done.
+    Segment* leastDense(const std::vector<Segment*>& found) const;
+
+    /// Sites that a component takes behind its left neighbour, the spacing included.
+    int32_t sitesBehind(const Component& left, const Component& comp) const;
+};

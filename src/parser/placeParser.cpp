@@ -1,0 +1,241 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "parser/placeParser.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "db/design.h"
+#include "qlib/exact.h"
+#include "qlib/immortal.h"
+#include "qlib/report.h"
+
+namespace {
+
+constexpr double DBU_PER_MICROMETRE = 2000.0;
+
+/// The tokens of the line that strtok is cutting, taken from the left.
+class Tokens {
+public:
+    /// @param path    the file, for messages
+    /// @param line    the line's number, for messages
+    /// @param record  what the line holds, for messages
+    /// @param taken   tokens of the line that have been cut already
+    Tokens(const std::string& path, int64_t line, const char* record, int taken)
+        : m_path(path), m_line(line), m_record(record), m_taken(taken)
+    {
+    }
+
+    /// The next token. Ends the run if there is none.
+    const char* next() { return require(std::strtok(nullptr, " ")); }
+
+    /// The first token of a line. Ends the run if there is none.
+    const char* first(char* line) { return require(std::strtok(line, " ")); }
+
+    /// As next(), after passing over some tokens.
+    const char* nextAfter(int skipped)
+    {
+        for (int i = 0; i < skipped; ++i) {
+            next();
+        }
+        return next();
+    }
+
+    /// The next token as a decimal integer cut to 32 bits; 0 for text.
+    int32_t nextInt() { return nextIntAfter(0); }
+
+    /// As nextInt(), after passing over some tokens.
+    int32_t nextIntAfter(int skipped)
+    {
+        return static_cast<int32_t>(std::strtol(nextAfter(skipped), nullptr, 10));
+    }
+
+private:
+    const char* require(const char* token)
+    {
+        if (token == nullptr) {
+            vireloce::endRunAt(m_path, m_line,
+                               std::string(m_record) + " ends after " + std::to_string(m_taken) + " tokens");
+        }
+        ++m_taken;
+        return token;
+    }
+
+    const std::string& m_path;
+    int64_t m_line;
+    const char* m_record;
+    int m_taken;
+};
+
+} // namespace
+
+void PlaceParser::run(std::string base)
+{
+    m_path = base + ".place";
+    m_line = 0;
+    m_overlong = false;
+    in.open(m_path);
+    if (!in.is_open()) {
+        vireloce::endRun("ERROR| cannot open file: " + m_path);
+    }
+    while (readLine(m_buffer)) {
+        if (m_buffer[0] == '\0') {
+            continue;
+        }
+        setStatement(m_buffer);
+        processStmt();
+    }
+    in.close();
+    in.clear();
+}
+
+bool PlaceParser::readLine(char* line)
+{
+    line[0] = '\0';
+    if (!in.good()) {
+        return false;
+    }
+    ++m_line;
+    in.getline(line, LINE_SIZE);
+    m_overlong = in.fail() && in.gcount() == LINE_SIZE - 1;
+    return in.gcount() > 0;
+}
+
+void PlaceParser::readSectionLine(char* line, const char* section)
+{
+    if (readLine(line)) {
+        return;
+    }
+    if (m_overlong) {
+        vireloce::endRunAt(m_path, m_line,
+                           std::string("a line of over 255 characters inside the ") + section + " section");
+    }
+    vireloce::endRunAt(m_path, m_line, std::string("the file ends inside the ") + section + " section");
+}
+
+void PlaceParser::skipSecondLine(const char* section)
+{
+    // After an overlong line nothing more is read, but the record that it belongs to is complete.
+    char line[LINE_SIZE];
+    if (!m_overlong) {
+        readSectionLine(line, section);
+    }
+}
+
+void PlaceParser::setStatement(char* line)
+{
+    statement = line;
+    std::strtok(line, " ");
+    // The comparison is with the start of the line, not with the token: an indented keyword is none.
+    if (std::strcmp(line, "ROW") == 0) {
+        statementType = ROW_STMT;
+    } else if (std::strcmp(line, "COMPONENTS") == 0) {
+        statementType = COMPONENTS_STMT;
+    } else if (std::strcmp(line, "BIGNODES") == 0) {
+        statementType = BIGNODES_STMT;
+    } else if (std::strcmp(line, "PROPERTYDEFINITIONS") == 0) {
+        statementType = PROPERTY_STMT;
+    } else {
+        statementType = OTHER_STMT;
+    }
+}
+
+void PlaceParser::processStmt()
+{
+    switch (statementType) {
+    case ROW_STMT:
+        processRow();
+        break;
+    case COMPONENTS_STMT:
+        processComponents();
+        break;
+    case BIGNODES_STMT:
+        processMacros();
+        break;
+    case PROPERTY_STMT:
+        processCoreBox();
+        break;
+    case OTHER_STMT:
+        break;
+    }
+}
+
+void PlaceParser::processRow()
+{
+    Tokens tokens(m_path, m_line, "ROW", 1);
+    Row row;
+    row.name = tokens.next();
+    row.siteName = tokens.next();
+    row.x = tokens.nextInt();
+    row.y = tokens.nextInt();
+    row.orient = tokens.next();
+    row.numSites = tokens.nextIntAfter(1);
+    row.step = tokens.nextIntAfter(3);
+    design->rowIndexByY[row.y] = static_cast<int32_t>(design->rows.size());
+    design->rows.push_back(new Row(row));
+}
+
+void PlaceParser::processComponents()
+{
+    compNum = Tokens(m_path, m_line, "COMPONENTS", 1).nextInt();
+    char line[LINE_SIZE];
+    for (int32_t i = 0; i < compNum; ++i) {
+        readSectionLine(line, "COMPONENTS");
+        Tokens tokens(m_path, m_line, "component record", 0);
+        tokens.first(line);
+        Component comp;
+        comp.name = tokens.next();
+        if (comp.name == "FILLER_1") { // fillers come last and are not placed: the rest is passed over
+            return;
+        }
+        comp.cellName = tokens.next();
+        comp.x = tokens.nextIntAfter(3);
+        comp.y = tokens.nextInt();
+        comp.orientName = tokens.nextAfter(1);
+        skipSecondLine("COMPONENTS");
+        comp.orient = Component::s_orientMap[comp.orientName];
+        comp.cellIdx = design->lut.getCellIndex(comp.cellName);
+        design->compIndex[comp.name] = static_cast<int32_t>(design->components.size());
+        design->components.push_back(new Component(std::move(comp)));
+    }
+}
+
+void PlaceParser::processMacros()
+{
+    macroNum = Tokens(m_path, m_line, "BIGNODES", 1).nextInt();
+    char line[LINE_SIZE];
+    for (int32_t i = 0; i < macroNum; ++i) {
+        readSectionLine(line, "BIGNODES");
+        Tokens tokens(m_path, m_line, "macro record", 0);
+        tokens.first(line);
+        Macro macro;
+        macro.name = tokens.next();
+        macro.x = tokens.nextIntAfter(3);
+        macro.y = tokens.nextInt();
+        macro.width = tokens.nextIntAfter(2);
+        macro.height = tokens.nextInt();
+        tokens.nextAfter(1); // must be there
+        auto* kept = vireloce::makeImmortal<Macro>(std::move(macro));
+        design->macros.push_back(kept);
+        qLib::insertItem(design->macroTree, kept, kept->x, kept->y, kept->x + kept->width,
+                         kept->y + kept->height);
+        skipSecondLine("BIGNODES");
+    }
+}
+
+void PlaceParser::processCoreBox()
+{
+    char line[LINE_SIZE];
+    readSectionLine(line, "PROPERTYDEFINITIONS");
+    int32_t edges[4];
+    for (int32_t& edge : edges) {
+        readSectionLine(line, "PROPERTYDEFINITIONS");
+        Tokens tokens(m_path, m_line, "core box property", 0);
+        tokens.first(line);
+        const double micrometres = std::strtod(tokens.nextAfter(2), nullptr);
+        edge = vireloce::toInt(micrometres * DBU_PER_MICROMETRE);
+    }
+    design->boundXl = edges[0];
+    design->boundXh = edges[1];
+    design->boundYl = edges[2];
+    design->boundYh = edges[3];
+}

@@ -1,0 +1,1 @@
+# vireloce_test(db db/....cpp)

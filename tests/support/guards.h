@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// What a test must put back when it is done: parameters, the report's target, the end of a run, files.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "app/parameters.h"
+#include "qlib/report.h"
+
+namespace test {
+
+/// Starts with every parameter at its built-in value and restores what was there before.
+class ParameterGuard {
+public:
+    ParameterGuard()
+    {
+        SITE_WIDTH = 190;
+        SITE_HEIGHT = 1900;
+        MINDPLDIST = 185;
+        WEIGHT_WRLENG = 1.4F;
+        LDP_M = 8;
+        LDP_K = 0;
+    }
+    ~ParameterGuard()
+    {
+        SITE_WIDTH = m_siteWidth;
+        SITE_HEIGHT = m_siteHeight;
+        MINDPLDIST = m_minDist;
+        WEIGHT_WRLENG = m_weight;
+        LDP_M = m_range;
+        LDP_K = m_solutions;
+    }
+    ParameterGuard(const ParameterGuard&) = delete;
+    ParameterGuard& operator=(const ParameterGuard&) = delete;
+
+private:
+    int32_t m_siteWidth = SITE_WIDTH;
+    int32_t m_siteHeight = SITE_HEIGHT;
+    int32_t m_minDist = MINDPLDIST;
+    float m_weight = WEIGHT_WRLENG;
+    int32_t m_range = LDP_M;
+    int32_t m_solutions = LDP_K;
+};
+
+/// Collects the report while it lives.
+class ReportCapture {
+public:
+    ReportCapture() { vireloce::setReport(&m_text); }
+    ~ReportCapture() { vireloce::setReport(nullptr); }
+    ReportCapture(const ReportCapture&) = delete;
+    ReportCapture& operator=(const ReportCapture&) = delete;
+
+    /// The report so far.
+    std::string text() const { return m_text.str(); }
+
+private:
+    std::ostringstream m_text;
+};
+
+/// Thrown in place of the end of the process.
+struct RunEnded {};
+
+/// Turns the end of a run into RunEnded while it lives.
+class EndIntercept {
+public:
+    EndIntercept() : m_before(vireloce::setEndHandler([] { throw RunEnded{}; })) {}
+    ~EndIntercept() { vireloce::setEndHandler(m_before); }
+    EndIntercept(const EndIntercept&) = delete;
+    EndIntercept& operator=(const EndIntercept&) = delete;
+
+private:
+    vireloce::EndHandler m_before;
+};
+
+/// The report of an action that must end the run; a failure if it does not.
+template <class Action>
+std::string reportOfEndedRun(Action action)
+{
+    const ReportCapture capture;
+    const EndIntercept intercept;
+    bool ended = false;
+    try {
+        action();
+    } catch (const RunEnded&) {
+        ended = true;
+    }
+    EXPECT_TRUE(ended) << "the run went on";
+    return capture.text();
+}
+
+/// The report of an action that must not end the run.
+template <class Action>
+std::string reportOf(Action action)
+{
+    const ReportCapture capture;
+    const EndIntercept intercept;
+    try {
+        action();
+    } catch (const RunEnded&) {
+        ADD_FAILURE() << "the run ended: " << capture.text();
+    }
+    return capture.text();
+}
+
+/// A folder that is removed with all its files.
+class TempDir {
+public:
+    TempDir()
+    {
+        std::string pattern = (std::filesystem::temp_directory_path() / "vireloce-XXXXXX").string();
+        m_path = mkdtemp(pattern.data());
+    }
+    ~TempDir() { std::filesystem::remove_all(m_path); }
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+
+    /// Path of a file in the folder.
+    std::string path(const std::string& name) const { return (m_path / name).string(); }
+
+    /// Writes a file, byte for byte.
+    ///
+    /// @return its path
+    std::string write(const std::string& name, const std::string& text) const
+    {
+        std::filesystem::create_directories((m_path / name).parent_path());
+        std::ofstream(m_path / name, std::ios::binary) << text;
+        return path(name);
+    }
+
+private:
+    std::filesystem::path m_path;
+};
+
+} // namespace test
