@@ -9,52 +9,131 @@
 
 using vireloce::INFINITE_COST;
 
-namespace {
-
-/// A component of the segment in a colour solution at a shift: the best way to get there.
-struct State {
-    int32_t cost = INFINITE_COST; ///< of the components up to this one
-    int32_t prevOffset = -1;      ///< offset index of the left neighbour
-    int32_t prevColour = -1;      ///< solution of the left neighbour
-    bool pruned = false;          ///< not to be gone on from
-};
-
-/// The states of all components, [component][colour][offset index].
-class StateTable {
+/// One run of the program: a table of states, a state being a component in a colour solution at a shift.
+class SegLegalizer::LocalShift {
 public:
-    StateTable(size_t numComps, int32_t numColours, int32_t numOffsets)
-        : m_colours(static_cast<size_t>(numColours)), m_offsets(static_cast<size_t>(numOffsets)),
-          m_states(numComps * m_colours * m_offsets)
+    explicit LocalShift(SegLegalizer& solver)
+        : m_solver(solver), m_comps(solver.segment->components.begin(), solver.segment->components.end()),
+          m_colours(std::max(LDP_K, 0)), m_offsets(std::max(2 * LDP_M + 1, 0)), m_firstShift(-LDP_M - 1)
     {
+        const int64_t perComp = static_cast<int64_t>(m_colours) * m_offsets;
+        m_solver.requireSize(static_cast<int64_t>(m_comps.size()) * perComp);
+        m_states.resize(m_comps.size() * static_cast<size_t>(perComp));
+        if (!m_comps.empty()) {
+            std::fill_n(m_states.begin(), perComp, State{.cost = 0});
+        }
     }
 
-    State& at(size_t comp, int32_t colour, int32_t offset)
+    /// Fills the table from left to right.
+    ///
+    /// @param prune  leave out states that are dearer than one of the same colour further left
+    void fill(bool prune)
     {
-        return m_states[(comp * m_colours + static_cast<size_t>(colour)) * m_offsets +
-                        static_cast<size_t>(offset)];
+        for (size_t i = 0; i + 1 < m_comps.size(); ++i) {
+            for (int32_t a = 0; a < coloursOf(i); ++a) {
+                for (int32_t b = 0; b < coloursOf(i + 1); ++b) {
+                    extend(i, a, b);
+                }
+            }
+            if (prune) {
+                pruneDearer(i + 1);
+            }
+        }
+    }
+
+    /// Writes the cheapest choice for all components.
+    ///
+    /// @return false if there is none, and nothing was written
+    bool writeBest()
+    {
+        int32_t least = INFINITE_COST;
+        int32_t colour = -1;
+        int32_t offset = -1;
+        for (int32_t b = 0; b < m_colours && !m_comps.empty(); ++b) {
+            for (int32_t o = 0; o < m_offsets; ++o) {
+                const int32_t cost = at(m_comps.size() - 1, b, o).cost;
+                if (cost < least) {
+                    least = cost;
+                    colour = b;
+                    offset = o;
+                }
+            }
+        }
+        if (least > INFINITE_COST - 2) {
+            return false;
+        }
+        for (size_t i = m_comps.size(); i-- > 0;) {
+            const State& state = at(i, colour, offset);
+            m_solver.placeAt(*m_comps[i], m_comps[i]->siteX + shift(offset));
+            m_comps[i]->solution = colour;
+            colour = state.prevColour;
+            offset = state.prevOffset;
+        }
+        return true;
     }
 
 private:
-    size_t m_colours;
-    size_t m_offsets;
-    std::vector<State> m_states;
-};
+    struct State {
+        int32_t cost = INFINITE_COST; ///< least cost of the components up to this one
+        int32_t prevOffset = -1;      ///< offset index of the left neighbour on the way to it
+        int32_t prevColour = -1;      ///< solution of the left neighbour on the way to it
+        bool pruned = false;          ///< not to be gone on from
+    };
 
-/// A state is dearer than one of its colour further left: that one leaves as much room to the right, so this
-/// one is never needed.
-void pruneDearer(StateTable& table, size_t comp, int32_t numColours, int32_t numOffsets)
-{
-    for (int32_t colour = 0; colour < numColours; ++colour) {
-        int32_t least = numOffsets > 0 ? table.at(comp, colour, 0).cost : 0;
-        for (int32_t offset = 1; offset < numOffsets; ++offset) {
-            State& state = table.at(comp, colour, offset);
-            state.pruned = least < state.cost;
-            least = std::min(least, state.cost);
+    State& at(size_t comp, int32_t colour, int32_t offset)
+    {
+        return m_states[(comp * static_cast<size_t>(m_colours) + static_cast<size_t>(colour)) *
+                            static_cast<size_t>(m_offsets) +
+                        static_cast<size_t>(offset)];
+    }
+
+    int32_t coloursOf(size_t comp) const { return std::min(m_solver.numColours(*m_comps[comp]), m_colours); }
+
+    /// Sites that an offset index stands for. Required: the shifts lean to the left, from -LDP_M - 1 to
+    /// LDP_M - 1.
+    int32_t shift(int32_t offset) const { return m_firstShift + offset; }
+
+    /// Goes on from the states of component i in colour a to those of its right neighbour in colour b.
+    void extend(size_t i, int32_t a, int32_t b)
+    {
+        for (int32_t from = 0; from < m_offsets; ++from) {
+            const State& source = at(i, a, from);
+            if (source.cost >= INFINITE_COST - 1 || source.pruned) {
+                continue;
+            }
+            for (int32_t to = 0; to < m_offsets; ++to) {
+                // A step that does not fit is added like any other: with negative costs it may still win.
+                const int32_t step =
+                    m_solver.getLdpCost(m_comps[i], a, shift(from), m_comps[i + 1], b, shift(to));
+                State& target = at(i + 1, b, to);
+                if (step + source.cost < target.cost) { // of equals the first: not as in the graph programs
+                    target = {.cost = step + source.cost, .prevOffset = from, .prevColour = a};
+                }
+            }
         }
     }
-}
 
-} // namespace
+    /// Marks what is dearer than a state of its colour further left. That one leaves at least as much room to
+    /// the right, so the dearer one is never needed.
+    void pruneDearer(size_t comp)
+    {
+        for (int32_t colour = 0; colour < m_colours; ++colour) {
+            int32_t least = INFINITE_COST;
+            for (int32_t offset = 0; offset < m_offsets; ++offset) {
+                State& state = at(comp, colour, offset);
+                state.pruned = least < state.cost;
+                least = std::min(least, state.cost);
+            }
+        }
+    }
+
+    SegLegalizer& m_solver;
+    std::vector<Component*> m_comps;
+    int32_t m_colours;           ///< colour solutions in the table
+    int32_t m_offsets;           ///< shifts in the table; none with a negative range
+    int32_t m_firstShift;        ///< sites
+    std::vector<State> m_states; ///< [component][colour][offset index]
+};
 
 void SegLegalizer::solveLdp(int step)
 {
@@ -70,71 +149,14 @@ void SegLegalizer::solveLocalShift(int step, bool prune)
 {
     initFLRs();
     initLRIDs();
-    const std::vector<Component*> comps(segment->components.begin(), segment->components.end());
-    // Offset index o means a shift of o - LDP_M - 1 sites. Required: the lean to the left.
-    const int32_t numOffsets = std::max(2 * LDP_M + 1, 0);
-    const int32_t firstShift = -LDP_M - 1;
-    const int32_t tableColours = std::max(LDP_K, 0);
-    requireSize(static_cast<int64_t>(comps.size()) * tableColours * numOffsets);
-
-    StateTable table(comps.size(), tableColours, numOffsets);
-    for (int32_t colour = 0; colour < tableColours && !comps.empty(); ++colour) {
-        for (int32_t offset = 0; offset < numOffsets; ++offset) {
-            table.at(0, colour, offset).cost = 0;
-        }
-    }
-    for (size_t i = 0; i + 1 < comps.size(); ++i) {
-        Component* left = comps[i];
-        Component* comp = comps[i + 1];
-        for (int32_t a = 0; a < std::min(numColours(*left), tableColours); ++a) {
-            for (int32_t b = 0; b < std::min(numColours(*comp), tableColours); ++b) {
-                for (int32_t from = 0; from < numOffsets; ++from) {
-                    const State& source = table.at(i, a, from);
-                    if (source.cost >= INFINITE_COST - 1 || source.pruned) {
-                        continue;
-                    }
-                    for (int32_t to = 0; to < numOffsets; ++to) {
-                        const int32_t cost =
-                            getLdpCost(left, a, firstShift + from, comp, b, firstShift + to) + source.cost;
-                        State& target = table.at(i + 1, b, to);
-                        if (cost < target.cost) { // of equals the first: not as in the graph programs
-                            target = {cost, from, a};
-                        }
-                    }
-                }
-            }
-        }
-        if (prune) {
-            pruneDearer(table, i + 1, tableColours, numOffsets);
-        }
-    }
-
-    State best;
-    int32_t colour = -1;
-    int32_t offset = -1;
-    for (int32_t b = 0; b < tableColours && !comps.empty(); ++b) {
-        for (int32_t o = 0; o < numOffsets; ++o) {
-            const State& state = table.at(comps.size() - 1, b, o);
-            if (state.cost < best.cost) {
-                best = state;
-                colour = b;
-                offset = o;
-            }
-        }
-    }
-    if (best.cost > INFINITE_COST - 2) {
-        if (step == 1) {
-            solveTPL();
-        } else {
-            solveOSR();
-        }
+    LocalShift program(*this);
+    program.fill(prune);
+    if (program.writeBest()) {
         return;
     }
-    for (size_t i = comps.size(); i-- > 0;) {
-        const State state = table.at(i, colour, offset);
-        placeAt(*comps[i], comps[i]->siteX + firstShift + offset);
-        comps[i]->solution = colour;
-        colour = state.prevColour;
-        offset = state.prevOffset;
+    if (step == 1) {
+        solveTPL();
+    } else {
+        solveOSR();
     }
 }

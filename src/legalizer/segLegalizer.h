@@ -224,5 +224,8 @@ private:
     /// A coordinate as a site of the segment, rounded up, clamped to the segment.
     int32_t clampedSite(int32_t x) const;
 
+    class LocalShift;
+
+    /// The local shift program with its way out where nothing fits.
     void solveLocalShift(int step, bool prune);
 };
