@@ -2,6 +2,7 @@
 #include "app/driver.h"
 
 #include <memory>
+#include <new>
 
 #include "db/design.h"
 #include "legalizer/legalizer.h"
@@ -36,14 +37,16 @@ void printUsage()
 
 namespace vireloce {
 
-int runPlacer(int argc, char** argv)
+namespace {
+
+/// Does the work of runPlacer().
+void run(int argc, char** argv)
 {
     printWelcome();
     const auto design = std::make_unique<Design>();
     if (!design->parseParameters(argc, argv)) {
         printUsage();
-        report().flush();
-        return 0;
+        return;
     }
 
     const double setUpBegin = qLib::timer();
@@ -58,6 +61,17 @@ int runPlacer(int argc, char** argv)
     const double placeEnd = qLib::timer();
     design->evaluation();
     reportf("\nSTAT | Virelocer CPU time       = %.3f s\n\n", placeEnd - placeBegin);
+}
+
+} // namespace
+
+int runPlacer(int argc, char** argv)
+{
+    try {
+        run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        endRun("ERROR| out of memory");
+    }
     report().flush();
     return 0;
 }

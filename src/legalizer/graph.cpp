@@ -35,7 +35,8 @@ void SegLegalizer::addPlacement(const std::vector<myNode*>& from, const std::vec
                                 int32_t site, int32_t dist)
 {
     Component* comp = to[0]->comp;
-    addEdge(from[static_cast<size_t>(site - dist)], to[static_cast<size_t>(site + cellOf(*comp).siteWidth)],
+    const int32_t end = site + cellOf(*comp).siteWidth;
+    addEdge(from[static_cast<size_t>(site - dist)], to[static_cast<size_t>(end)],
             getEdgeCost(comp, site, to[0]->colorId));
 }
 
@@ -43,7 +44,8 @@ void SegLegalizer::addPlacements(const std::vector<myNode*>& from, const std::ve
                                  int32_t dist)
 {
     const int32_t width = to.empty() ? 0 : cellOf(*to[0]->comp).siteWidth;
-    for (int32_t site = dist; site + width <= segment->numSites; ++site) {
+    const int32_t lastSite = segment->numSites - width; // both 0 or more; a sum with dist could wrap around
+    for (int32_t site = dist; site <= lastSite; ++site) {
         addPlacement(from, to, site, dist);
     }
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The local shift program: every component moves a few sites and takes any of its colour solutions.
 #include <algorithm>
+#include <limits>
 
 #include "app/parameters.h"
 #include "db/design.h"
@@ -14,9 +15,10 @@ class SegLegalizer::LocalShift {
 public:
     explicit LocalShift(SegLegalizer& solver)
         : m_solver(solver), m_comps(solver.segment->components.begin(), solver.segment->components.end()),
-          m_colours(std::max(LDP_K, 0)), m_offsets(std::max(2 * LDP_M + 1, 0)), m_firstShift(-LDP_M - 1)
+          m_colours(std::max(LDP_K, 0)), m_offsets(countOffsets()), m_firstShift(-LDP_M - 1)
     {
         const int64_t perComp = static_cast<int64_t>(m_colours) * m_offsets;
+        m_solver.requireSize(perComp); // or the product with the number of components might not fit
         m_solver.requireSize(static_cast<int64_t>(m_comps.size()) * perComp);
         m_states.resize(m_comps.size() * static_cast<size_t>(perComp));
         if (!m_comps.empty()) {
@@ -79,6 +81,14 @@ private:
         int32_t prevColour = -1;      ///< solution of the left neighbour on the way to it
         bool pruned = false;          ///< not to be gone on from
     };
+
+    /// Number of shifts: none with a negative LDP_M; the largest integer, too many for a table, where 32 bits
+    /// do not hold it.
+    static int32_t countOffsets()
+    {
+        constexpr int64_t MOST = std::numeric_limits<int32_t>::max();
+        return static_cast<int32_t>(std::clamp<int64_t>(2 * int64_t{LDP_M} + 1, 0, MOST));
+    }
 
     State& at(size_t comp, int32_t colour, int32_t offset)
     {

@@ -34,6 +34,7 @@ public:
     /// @param owner   reaches the design, not owned
     /// @param solved  the segment, not owned
     SegLegalizer(Legalizer* owner, Segment* solved);
+    ~SegLegalizer() = default;
 
     SegLegalizer(const SegLegalizer&) = delete;
     SegLegalizer& operator=(const SegLegalizer&) = delete;

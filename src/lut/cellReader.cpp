@@ -21,14 +21,14 @@ public:
     /// @param what  what it stands for, for the message
     int32_t number(const char* what)
     {
-        int32_t value = 0;
-        if (m_in.readInt(value)) {
-            return value;
-        }
         if (m_in.atEnd()) {
             fail(std::string("the file ends before the ") + what);
         }
-        fail(std::string("the ") + what + " is not a 32-bit integer");
+        int32_t value = 0;
+        if (!m_in.readInt(value)) {
+            fail(std::string("the ") + what + " is not a 32-bit integer");
+        }
+        return value;
     }
 
     /// The next integer as a count of records. Ends the run if it is negative, or larger than the file can

@@ -114,15 +114,33 @@ int32_t shapeDist(const Placed& left, const std::vector<qBox*>& leftShape, const
 
 } // namespace
 
+int64_t LUTable::s_maxTableSize = 500'000'000; // 2 GiB for one cell, 11 for many of one solution
+
+void LUTable::requireTableSize() const
+{
+    size_t solutions = 0;
+    for (const Cell* cell : cells) {
+        solutions += cell->colors.size();
+    }
+    const auto side = static_cast<int64_t>(2 * (cells.size() + solutions)); // every cell and its mirror image
+    if (side > 0 && side > s_maxTableSize / side) {
+        vireloce::endRun(
+            "ERROR| the library is too large for a spacing table: " + std::to_string(cells.size()) +
+            " cells with " + std::to_string(solutions) + " colour solutions");
+    }
+}
+
 void LUTable::genLUTable()
 {
+    requireTableSize();
     const size_t n = cells.size();
+    const auto cellOfType = [this, n](size_t type) { return cells[type < n ? type : type - n]; };
     distTable.clear();
     distTable.resize(2 * n);
     for (size_t i = 0; i < 2 * n; ++i) {
         distTable[i].resize(2 * n);
         for (size_t j = 0; j < 2 * n; ++j) {
-            distTable[i][j] = genLUTable(cells[i % n], i >= n, cells[j % n], j >= n);
+            distTable[i][j] = genLUTable(cellOfType(i), i >= n, cellOfType(j), j >= n);
         }
     }
     evaluateLUT();

@@ -38,6 +38,8 @@ public:
     /// Builds the spacing table of all cells and prints its size.
     ///
     /// Type i of 0 .. 2N - 1 is cell i mod N, mirrored left to right from N on.
+    ///
+    /// Errors: ends the run if the table would be larger than s_maxTableSize.
     void genLUTable();
 
     /// Spacings between two cells that stand side by side.
@@ -84,4 +86,12 @@ public:
 
     /// [left type][right type][left solution][right solution] spacing, sites of the library.
     std::vector<std::vector<std::vector<std::vector<int32_t>>>> distTable;
+
+    /// Most entries of a table, those counted in that hold its blocks: the square of the number of types and
+    /// of their solutions.
+    static int64_t s_maxTableSize;
+
+private:
+    /// Ends the run if the table would be larger than s_maxTableSize.
+    void requireTableSize() const;
 };

@@ -1,1 +1,3 @@
-# vireloce_test(app app/....cpp)
+vireloce_test(app app/driver_test.cpp app/parameters_test.cpp app/program_test.cpp app/timer_test.cpp)
+target_compile_definitions(test_app PRIVATE VIRELOCE_PROGRAM="$<TARGET_FILE:vireloce>")
+add_dependencies(test_app vireloce)

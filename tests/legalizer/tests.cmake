@@ -1,1 +1,4 @@
-# vireloce_test(legalizer legalizer/....cpp)
+vireloce_test(legalizer legalizer/globalMove_test.cpp legalizer/graph_test.cpp legalizer/legalizer_test.cpp
+    legalizer/model_test.cpp legalizer/steps_test.cpp)
+vireloce_test(programs legalizer/ldp_test.cpp legalizer/osr_test.cpp legalizer/tpl_test.cpp
+    legalizer/tplosr_test.cpp)

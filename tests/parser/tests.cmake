@@ -1,1 +1,2 @@
-# vireloce_test(parser parser/....cpp)
+vireloce_test(parser parser/netParser_test.cpp parser/pinParser_test.cpp parser/placeParser_test.cpp
+    parser/placeParserFaults_test.cpp)

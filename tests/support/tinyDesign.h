@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <string>
 #include <vector>
@@ -98,6 +99,16 @@ public:
         return net;
     }
 
+    /// [component] what a placement changes: solution, siteX, x and y.
+    std::vector<std::array<int32_t, 4>> places() const
+    {
+        std::vector<std::array<int32_t, 4>> all;
+        for (const Component* comp : design.components) {
+            all.push_back({comp->solution, comp->siteX, comp->x, comp->y});
+        }
+        return all;
+    }
+
 private:
     int32_t& entry(int left, int right, int leftSolution, int rightSolution)
     {
@@ -128,6 +139,7 @@ private:
     }
 
     ParameterGuard m_parameters; // first: the design below may read them
+    EndIntercept m_noEnd;        // the end of a run would pass for a test that ended well
 
 public:
     Design design;
