@@ -364,9 +364,9 @@ TEST_P(SolveLdp, ATableBeyondTheSizeLimitEndsTheRunBeforeItIsMade)
     LDP_M = 2;
     add(1, {0, 0}, 3);
     add(1, {0, 0}, 8);
-    SegLegalizer::s_maxGraphSize = 2 * 2 * 5;
+    SegLegalizer::s_maxGraphSize = 20;
     EXPECT_EQ(test::reportOf([&] { solve(1); }), "");
-    SegLegalizer::s_maxGraphSize = 2 * 2 * 5 - 1;
+    SegLegalizer::s_maxGraphSize = 19;
     EXPECT_EQ(
         reportOfEndedRun([&] { solve(1); }),
         "ERROR| the segment at (570, 1900) of 10 sites and 2 components is too large to solve: 20 states of "

@@ -99,7 +99,7 @@ TEST_F(InitGraphOSR, LeavesTheSpacingOfTheColoursBetweenNeighbours)
     keepApart(a, 0, b, 0, 1);
     build();
     const Edges edges = edgesOf(solver);
-    EXPECT_EQ(Edges(edges.begin() + 3 * 4 + 4, edges.end()),
+    EXPECT_EQ(Edges(edges.begin() + 16, edges.end()),
               (Edges{{5, 13, 0}, {6, 14, 0}, {9, 15, 80}, {14, 15, 40}}));
 }
 

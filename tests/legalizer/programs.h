@@ -19,7 +19,7 @@ namespace test {
 /// One segment, filled by hand, and its solver.
 class ProgramTest : public testing::Test {
 protected:
-    ~ProgramTest() override { solver.cleanGraph(); }
+    void TearDown() override { solver.cleanGraph(); }
 
     /// Adds a component of a cell of its own, with a solution for every stitch number.
     Component* add(int sites, const std::vector<int>& stitches, int siteX = 0, int solution = 0)
@@ -80,8 +80,9 @@ public:
                 m_random.oneOf<float>({0.0F, 1.4F, -0.7F, -1.4F, -25.0F, 6e6F, 1e9F, -1e9F, 1e30F});
         }
         addCells();
-        segment = addSegment(m_random.oneOf<int>({0, -570, 1001}), m_random.pick(-1, 1) * SITE_HEIGHT,
-                             m_random.pick(0, 9));
+        const int x = m_random.oneOf<int>({0, -570, 1001});
+        const int y = m_random.pick(-1, 1) * SITE_HEIGHT;
+        segment = addSegment(x, y, m_random.pick(0, 9));
         addComponents();
         for (int i = m_random.pick(0, 3); i > 0; --i) {
             addRandomNet();
@@ -103,8 +104,7 @@ private:
 
     void addCells()
     {
-        const int numCells = m_random.pick(1, 3);
-        for (int i = 0; i < numCells; ++i) {
+        for (int i = m_random.pick(1, 3); i > 0; --i) {
             std::vector<int> stitches(static_cast<size_t>(m_random.oneOf<int>({0, 1, 2, 2, 3, 3, 3})));
             for (int& stitch : stitches) {
                 stitch = anyStitches();
@@ -139,7 +139,8 @@ private:
 
     int anyX()
     {
-        return segment->x + m_random.pick(-2, segment->numSites + 2) * SITE_WIDTH + m_random.pick(0, 1);
+        const int site = m_random.pick(-2, segment->numSites + 2);
+        return segment->x + site * SITE_WIDTH + m_random.pick(0, 1);
     }
 
     void addRandomNet()

@@ -99,7 +99,7 @@ TEST_F(InitGraphTPLOSR, LeavesTheSpacingOfEveryPairOfSolutions)
     keepApart(a, 1, b, 0, 2);
     build();
     const Edges edges = edgesOf(solver);
-    EXPECT_EQ(Edges(edges.begin() + 4 * 3 + 6, edges.end()),
+    EXPECT_EQ(Edges(edges.begin() + 18, edges.end()),
               (Edges{{4, 14, 0}, {5, 15, 0}, {8, 15, 0}, {7, 16, 60}, {11, 16, 60}, {15, 16, 30}}));
 }
 

@@ -9,7 +9,7 @@ target_compile_definitions(mutation_driver INTERFACE
     VIRELOCE_GOLDEN="${CMAKE_CURRENT_SOURCE_DIR}/golden"
     VIRELOCE_EXAMPLES="${PROJECT_SOURCE_DIR}/examples")
 target_compile_features(mutation_driver PUBLIC cxx_std_20)
-target_link_libraries(mutation_driver PRIVATE vireloce_warnings)
+target_link_libraries(mutation_driver PRIVATE vireloce_core vireloce_warnings)
 
 add_executable(mutate_inputs mutation/mutate_inputs.cpp)
 target_link_libraries(mutate_inputs PRIVATE mutation_driver vireloce_core vireloce_warnings)

@@ -193,6 +193,7 @@ TEST(SetEndHandler, ReturnsTheHandlerThatWasInForce)
 {
     const auto first = [] { throw test::RunEnded{}; };
     const auto second = [] { throw 5; };
+    const vireloce::EndHandler before = setEndHandler(nullptr);
     EXPECT_EQ(setEndHandler(first), nullptr);
     EXPECT_EQ(setEndHandler(second), first);
     {
@@ -200,7 +201,7 @@ TEST(SetEndHandler, ReturnsTheHandlerThatWasInForce)
         EXPECT_THROW(vireloce::endRun("x"), int);
     }
     EXPECT_EQ(setEndHandler(nullptr), second);
-    EXPECT_EQ(setEndHandler(nullptr), nullptr);
+    EXPECT_EQ(setEndHandler(before), nullptr);
 }
 
 /// What a process printed, and how it ended.
@@ -223,6 +224,7 @@ Ended inChild(Action action)
         dup2(ends[1], STDOUT_FILENO);
         close(ends[0]);
         close(ends[1]);
+        setEndHandler(nullptr);
         action();
         _exit(99);
     }
