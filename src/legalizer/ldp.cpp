@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The local shift program: every component moves a few sites and takes any of its colour solutions.
 #include <algorithm>
+#include <cstdlib>
 #include <limits>
+#include <utility>
 
 #include "app/parameters.h"
 #include "db/design.h"
@@ -106,21 +108,53 @@ private:
     /// Goes on from the states of component i in colour a to those of its right neighbour in colour b.
     void extend(size_t i, int32_t a, int32_t b)
     {
+        Component* left = m_comps[i];
+        Component* comp = m_comps[i + 1];
+        const int32_t dist = m_solver.design().safeSites(*left, a, *comp, b);
+        const bool wraps = mayWrap(*left, *comp, dist);
         for (int32_t from = 0; from < m_offsets; ++from) {
             const State& source = at(i, a, from);
             if (source.cost >= INFINITE_COST - 1 || source.pruned) {
                 continue;
             }
-            for (int32_t to = 0; to < m_offsets; ++to) {
-                // A step that does not fit is added like any other: with negative costs it may still win.
-                const int32_t step =
-                    m_solver.getLdpCost(m_comps[i], a, shift(from), m_comps[i + 1], b, shift(to));
+            // A step that does not fit is added like any other. On top of a cost of 0 or more it is no less
+            // than INFINITE_COST and cannot win, so what fits is enough to look at.
+            const Range tos =
+                wraps || source.cost < 0 ? Range{0, m_offsets} : fitting(*left, from, *comp, dist);
+            for (int32_t to = tos.first; to < tos.second; ++to) {
+                const int32_t step = m_solver.getLdpCost(left, a, shift(from), comp, b, shift(to));
                 State& target = at(i + 1, b, to);
                 if (step + source.cost < target.cost) { // of equals the first: not as in the graph programs
                     target = {.cost = step + source.cost, .prevOffset = from, .prevColour = a};
                 }
             }
         }
+    }
+
+    using Range = std::pair<int32_t, int32_t>; ///< first offset index, and the one behind the last
+
+    /// Offset indices of a component that fit behind its left neighbour at one of its own.
+    Range fitting(const Component& left, int32_t from, const Component& comp, int32_t dist) const
+    {
+        const int32_t siteLeft = left.siteX + shift(from);
+        if (siteLeft < 0) {
+            return {0, 0};
+        }
+        const int32_t leastSite = siteLeft + m_solver.cellOf(left).siteWidth + dist;
+        const int32_t mostSite = m_solver.segment->numSites - m_solver.cellOf(comp).siteWidth;
+        const int32_t site = comp.siteX + shift(0);
+        return {std::clamp(leastSite - site, 0, m_offsets), std::clamp(mostSite - site + 1, 0, m_offsets)};
+    }
+
+    /// Whether numbers are so large that sums of them might leave 32 bits.
+    bool mayWrap(const Component& left, const Component& comp, int32_t dist) const
+    {
+        constexpr int64_t FAR = int64_t{1} << 28;
+        const int64_t farthest =
+            std::max({std::abs(int64_t{left.siteX}), std::abs(int64_t{comp.siteX}),
+                      int64_t{m_solver.cellOf(left).siteWidth}, int64_t{m_solver.cellOf(comp).siteWidth},
+                      int64_t{dist}, int64_t{m_solver.segment->numSites}, int64_t{m_offsets}});
+        return farthest >= FAR;
     }
 
     /// Marks what is dearer than a state of its colour further left. That one leaves at least as much room to
