@@ -28,6 +28,7 @@ struct Component {
     int32_t siteX = 0;             ///< position, sites from the left end of its segment
     int32_t x = 0;                 ///< left edge, DBU
     int32_t y = 0;                 ///< bottom edge, DBU
+    int32_t id = -1;               ///< index in Design::components during a placement
 
     /// Orientation text to orientation, one map for the process.
     ///

@@ -7,6 +7,7 @@
 #include "app/parameters.h"
 #include "db/design.h"
 #include "legalizer/legalizer.h"
+#include "legalizer/solverMemory.h"
 #include "qlib/exact.h"
 
 bool byDeltaY(const MoveCandidate& a, const MoveCandidate& b)
@@ -127,6 +128,9 @@ int Legalizer::moveComponent(Component* c, int x, int y)
         c->x = x;
         c->siteX = vireloce::ceilSites(x - target->x, SITE_WIDTH);
         c->y = target->y;
+        if (memory != nullptr) {
+            memory->mirror.moved(*c);
+        }
     }
     return 1;
 }

@@ -17,11 +17,9 @@ class SegLegalizer::LocalShift {
 public:
     explicit LocalShift(SegLegalizer& solver)
         : m_solver(solver), m_comps(solver.segment->components.begin(), solver.segment->components.end()),
-          m_colours(std::max(LDP_K, 0)), m_offsets(countOffsets()), m_firstShift(-LDP_M - 1)
+          m_colours(std::max(LDP_K, 0)), m_offsets(countOffsets()), m_firstShift(firstOffset())
     {
         const int64_t perComp = static_cast<int64_t>(m_colours) * m_offsets;
-        m_solver.requireSize(perComp); // or the product with the number of components might not fit
-        m_solver.requireSize(static_cast<int64_t>(m_comps.size()) * perComp);
         m_states.resize(m_comps.size() * static_cast<size_t>(perComp));
         if (!m_comps.empty()) {
             std::fill_n(m_states.begin(), perComp, State{.cost = 0});
@@ -76,14 +74,6 @@ public:
         return true;
     }
 
-private:
-    struct State {
-        int32_t cost = INFINITE_COST; ///< least cost of the components up to this one
-        int32_t prevOffset = -1;      ///< offset index of the left neighbour on the way to it
-        int32_t prevColour = -1;      ///< solution of the left neighbour on the way to it
-        bool pruned = false;          ///< not to be gone on from
-    };
-
     /// Number of shifts: none with a negative LDP_M; the largest integer, too many for a table, where 32 bits
     /// do not hold it.
     static int32_t countOffsets()
@@ -91,6 +81,17 @@ private:
         constexpr int64_t MOST = std::numeric_limits<int32_t>::max();
         return static_cast<int32_t>(std::clamp<int64_t>(2 * int64_t{LDP_M} + 1, 0, MOST));
     }
+
+    /// Leftmost shift, sites. Required: the shifts lean to the left, from -LDP_M - 1 to LDP_M - 1.
+    static int32_t firstOffset() { return -LDP_M - 1; }
+
+private:
+    struct State {
+        int32_t cost = INFINITE_COST; ///< least cost of the components up to this one
+        int32_t prevOffset = -1;      ///< offset index of the left neighbour on the way to it
+        int32_t prevColour = -1;      ///< solution of the left neighbour on the way to it
+        bool pruned = false;          ///< not to be gone on from
+    };
 
     State& at(size_t comp, int32_t colour, int32_t offset)
     {
@@ -101,8 +102,7 @@ private:
 
     int32_t coloursOf(size_t comp) const { return std::min(m_solver.numColours(*m_comps[comp]), m_colours); }
 
-    /// Sites that an offset index stands for. Required: the shifts lean to the left, from -LDP_M - 1 to
-    /// LDP_M - 1.
+    /// Sites that an offset index stands for.
     int32_t shift(int32_t offset) const { return m_firstShift + offset; }
 
     /// Goes on from the states of component i in colour a to those of its right neighbour in colour b.
@@ -191,11 +191,22 @@ void SegLegalizer::solveLdpFast(int step)
 
 void SegLegalizer::solveLocalShift(int step, bool prune)
 {
-    initFLRs();
-    initLRIDs();
-    LocalShift program(*this);
-    program.fill(prune);
-    if (program.writeBest()) {
+    const int64_t perComp = int64_t{std::max(LDP_K, 0)} * LocalShift::countOffsets();
+    requireSize(perComp); // or the product with the number of components might not fit
+    requireSize(static_cast<int64_t>(segment->components.size()) * perComp);
+
+    std::optional<bool> fits;
+    if (!s_useGraphs) {
+        fits = shiftFast(LocalShift::firstOffset(), LocalShift::countOffsets(), prune);
+    }
+    if (!fits.has_value()) {
+        initFLRs();
+        initLRIDs();
+        LocalShift program(*this);
+        program.fill(prune);
+        fits = program.writeBest();
+    }
+    if (*fits) {
         return;
     }
     if (step == 1) {

@@ -5,7 +5,12 @@
 
 #include "db/design.h"
 #include "legalizer/segLegalizer.h"
+#include "legalizer/solverMemory.h"
 #include "qlib/report.h"
+
+Legalizer::Legalizer(Design* placed) : design(placed) {}
+
+Legalizer::~Legalizer() = default;
 
 bool byDec(const std::pair<float, int>& a, const std::pair<float, int>& b)
 {
@@ -14,6 +19,7 @@ bool byDec(const std::pair<float, int>& a, const std::pair<float, int>& b)
 
 void Legalizer::solveDPlace()
 {
+    memory = std::make_unique<vireloce::SolverMemory>(*design);
     passCount = 0;
     bool moved = true;
     while (moved) {
@@ -23,6 +29,7 @@ void Legalizer::solveDPlace()
             moved |= solveSegment(design->segments[static_cast<size_t>(id)]);
         }
     }
+    memory.reset();
 }
 
 std::vector<int32_t> Legalizer::beginPass()

@@ -4,12 +4,17 @@
 
 #include <cstdint>
 #include <list>
+#include <memory>
 #include <utility>
 #include <vector>
 
 class Design;
 struct Component;
 struct Segment;
+
+namespace vireloce {
+struct SolverMemory;
+} // namespace vireloce
 
 /// A component that may leave its segment: ((preferred x, preferred y), (component, sites freed)); DBU,
 /// sites.
@@ -25,7 +30,10 @@ bool byDec(const std::pair<float, int>& a, const std::pair<float, int>& b);
 class Legalizer {
 public:
     /// @param placed  the design, set up, not owned
-    explicit Legalizer(Design* placed) : design(placed) {}
+    explicit Legalizer(Design* placed);
+    ~Legalizer();
+    Legalizer(const Legalizer&) = delete;
+    Legalizer& operator=(const Legalizer&) = delete;
 
     /// Runs passes over all segments, densest first, until a pass moves no component between segments.
     ///
@@ -89,7 +97,8 @@ public:
     Design* design;                                ///< not owned
     std::list<Component*>::iterator lastInsertPos; ///< where moveComponent() last inserted, or would have
     Segment* lastTargetSeg = nullptr;              ///< segment that a move last worked on, not owned
-    int32_t metric = 0;                            ///< what SegLegalizer::getEdgeCost_bak() measures: 0 or 1
+    std::unique_ptr<vireloce::SolverMemory> memory; ///< of the segment solver, during solveDPlace() only
+    int32_t metric = 0;                             ///< what SegLegalizer::getEdgeCost_bak() measures: 0 or 1
 
 private:
     /// Starts a pass: densities, and the segment ids in the order of the visit.

@@ -9,6 +9,7 @@
 #include "db/design.h"
 #include "legalizer/legalizer.h"
 #include "legalizer/segLegalizer.h"
+#include "legalizer/solverMemory.h"
 #include "qlib/exact.h"
 #include "qlib/report.h"
 
@@ -16,9 +17,18 @@ using vireloce::addTruncated;
 using vireloce::ceilSites;
 using vireloce::INFINITE_COST;
 
+namespace {
+
+/// Left end of a range that holds nothing, DBU.
+constexpr int32_t UNSET = std::numeric_limits<int32_t>::max();
+
+} // namespace
+
 int64_t SegLegalizer::s_maxGraphSize = 200'000'000; // about 12 GiB
 
 SegLegalizer::SegLegalizer(Legalizer* owner, Segment* solved) : legalizer(owner), segment(solved) {}
+
+SegLegalizer::~SegLegalizer() = default;
 
 Design& SegLegalizer::design() const
 {
@@ -64,7 +74,6 @@ int32_t SegLegalizer::clampedSite(int32_t x) const
 
 std::pair<int32_t, int32_t> SegLegalizer::fixedRange(const Net& net) const
 {
-    constexpr int32_t UNSET = std::numeric_limits<int32_t>::max();
     int32_t lo = UNSET;
     int32_t hi = std::numeric_limits<int32_t>::min();
     const auto include = [&lo, &hi](int32_t x) {
@@ -79,10 +88,15 @@ std::pair<int32_t, int32_t> SegLegalizer::fixedRange(const Net& net) const
             include(comp->x + cellOf(*comp).width / 2);
         }
     }
-    if (lo == UNSET) {
+    return clampedRange({lo, hi});
+}
+
+std::pair<int32_t, int32_t> SegLegalizer::clampedRange(std::pair<int32_t, int32_t> range) const
+{
+    if (range.first == UNSET) {
         return {-1, -1};
     }
-    return {clampedSite(lo), clampedSite(hi)};
+    return {clampedSite(range.first), clampedSite(range.second)};
 }
 
 void SegLegalizer::initFLRs()
@@ -191,6 +205,9 @@ void SegLegalizer::placeAt(Component& comp, int32_t site) const
     }
     comp.siteX = site;
     comp.x = site * SITE_WIDTH + segment->x;
+    if (legalizer->memory != nullptr) {
+        legalizer->memory->mirror.moved(comp);
+    }
 }
 
 void SegLegalizer::shift2RightBnd()

@@ -3,15 +3,11 @@
 #include "db/design.h"
 #include "legalizer/segLegalizer.h"
 
-namespace {
-
-/// Distance of a node that has not been reached. Required: a cost above it loses to a path from such a node.
-constexpr int32_t UNREACHED_COST = 12345678;
-
-} // namespace
-
 void SegLegalizer::solveOSR()
 {
+    if (!s_useGraphs && placeOrderedFast()) {
+        return;
+    }
     initFLRs();
     initLRIDs();
     initGraph_OSR();
@@ -27,21 +23,14 @@ void SegLegalizer::initGraph_OSR()
     const auto numComps = static_cast<int32_t>(segment->components.size());
     requireSize((int64_t{2} * numComps + 1) * (int64_t{segment->numSites} + 1) * 2);
 
-    // A neighbour's colour decides the distance behind it, so missing ones are chosen from the left.
-    const Component* left = nullptr;
-    for (Component* comp : segment->components) {
-        if (left != nullptr && comp->solution < 0) {
-            comp->solution = closestSolution(*left, *comp).first;
-        }
-        left = comp;
-    }
+    postGreedyColorAssignment(); // a neighbour's colour decides the distance behind it
 
     addGridRow(nullptr, -1);
     for (Component* comp : segment->components) {
         addGridRow(comp, comp->solution);
     }
     addEndNode();
-    left = nullptr;
+    const Component* left = nullptr;
     size_t row = 1;
     for (Component* comp : segment->components) {
         const int32_t dist =

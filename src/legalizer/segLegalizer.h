@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -15,11 +17,18 @@ struct Component;
 struct Net;
 struct Segment;
 
+namespace vireloce {
+struct SolverMemory;
+} // namespace vireloce
+
 /// Solves one segment and writes the result into its components: solution, siteX and x. Positions are sites
 /// from the segment's left end; a component at site s of width w ends at site s + w.
 ///
-/// Life: constructed, solveStep1(), perhaps solveStep2(), destroyed. Each program builds one graph, solves it
-/// and releases it before the next is built.
+/// Life: constructed, solveStep1(), perhaps solveStep2(), destroyed.
+///
+/// Each program can take two roads that give the same result. The fast road gathers the segment into flat
+/// arrays and calls a kernel. The graph road builds an explicit graph, solves it and releases it: it is the
+/// model that the kernels are tested against, and what numbers are left to that a kernel does not take.
 class SegLegalizer {
 public:
     /// Placement methods that Design::algo chooses; any other number only fills in missing colours.
@@ -34,7 +43,7 @@ public:
     /// @param owner   reaches the design, not owned
     /// @param solved  the segment, not owned
     SegLegalizer(Legalizer* owner, Segment* solved);
-    ~SegLegalizer() = default;
+    ~SegLegalizer();
 
     SegLegalizer(const SegLegalizer&) = delete;
     SegLegalizer& operator=(const SegLegalizer&) = delete;
@@ -59,7 +68,7 @@ public:
 
     // --- colouring: keeps positions
 
-    /// Chooses the colour solutions that cost least, see initGraph_TPL().
+    /// Chooses the colour solutions that cost least, those of the graph of initGraph_TPL().
     void solveTPL();
 
     /// Builds the colouring graph: a layer of solutions per component, edges between neighbours' solutions.
@@ -70,7 +79,8 @@ public:
 
     // --- ordered placement: keeps colours
 
-    /// Places the components on the sites that cost least, in their order, see initGraph_OSR().
+    /// Places the components on the sites that cost least, in their order, those of the grid of
+    /// initGraph_OSR(). What the best path leaves out is parked.
     void solveOSR();
 
     /// Builds the placement grid: a row of end sites per component.
@@ -81,7 +91,8 @@ public:
 
     // --- joint placement and colouring
 
-    /// Chooses sites and colour solutions together, see initGraph_TPLOSR().
+    /// Chooses sites and colour solutions together, those of the grid of initGraph_TPLOSR(). What the best
+    /// path leaves out is parked and keeps its colour.
     void solveTPLOSR();
 
     /// Builds the joint grid: a row of end sites per component and solution.
@@ -173,6 +184,9 @@ public:
     /// need more ends the run with an error line, before memory is taken.
     static int64_t s_maxGraphSize;
 
+    /// Whether all programs take the graph road. For comparisons.
+    static bool s_useGraphs;
+
 private:
     Design& design() const;
     const Cell& cellOf(const Component& comp) const;
@@ -222,6 +236,9 @@ private:
     /// Fixed range of a net, see netFLRs.
     std::pair<int32_t, int32_t> fixedRange(const Net& net) const;
 
+    /// Least and largest x, DBU, as a fixed range, see netFLRs.
+    std::pair<int32_t, int32_t> clampedRange(std::pair<int32_t, int32_t> range) const;
+
     /// A coordinate as a site of the segment, rounded up, clamped to the segment.
     int32_t clampedSite(int32_t x) const;
 
@@ -229,4 +246,35 @@ private:
 
     /// The local shift program with its way out where nothing fits.
     void solveLocalShift(int step, bool prune);
+
+    /// Start value of the ordered placement grid. Required: a cost above it loses to a path from a node that
+    /// has not been reached.
+    static constexpr int32_t UNREACHED_COST = 12345678;
+
+    /// Memory of the placement that is under way, or one made for now.
+    vireloce::SolverMemory& solverMemory();
+
+    /// Fills the memory's flat arrays for this segment.
+    void gather(vireloce::SolverMemory& memory) const;
+    void gatherLeftEnds(vireloce::SolverMemory& memory) const;
+    static void gatherRightEnds(vireloce::SolverMemory& memory);
+
+    /// Writes what the grid kernel found; what it leaves out is parked.
+    void scatterGrid(const vireloce::SolverMemory& memory, bool colours) const;
+
+    /// The programs on the fast road.
+    ///
+    /// @return whether it could be taken; if not, no position has been changed
+    ///@{
+    void colourFast(); // it always can
+    bool placeOrderedFast();
+    bool placeJointFast();
+    ///@}
+
+    /// As these, the local shift program.
+    ///
+    /// @return whether anything fits, and was written; nothing if the road could not be taken
+    std::optional<bool> shiftFast(int32_t firstShift, int32_t numShifts, bool prune);
+
+    std::unique_ptr<vireloce::SolverMemory> m_ownMemory; ///< outside of a placement
 };

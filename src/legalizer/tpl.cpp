@@ -11,6 +11,10 @@ void SegLegalizer::solveTPL()
     if (segment->components.empty()) {
         return;
     }
+    if (!s_useGraphs) {
+        colourFast();
+        return;
+    }
     initGraph_TPL();
     solveTPL_DP();
     cleanGraph();

@@ -8,6 +8,9 @@
 
 void SegLegalizer::solveTPLOSR()
 {
+    if (!s_useGraphs && placeJointFast()) {
+        return;
+    }
     initFLRs();
     initLRIDs();
     initGraph_TPLOSR();

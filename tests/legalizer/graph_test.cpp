@@ -8,6 +8,7 @@
 
 #include "legalizer/randomDesign.h"
 #include "legalizer/segLegalizer.h"
+#include "legalizer/roads.h"
 #include "support/tinyDesign.h"
 
 namespace {
@@ -247,6 +248,7 @@ protected:
         tiny.addComponent(segment, tiny.addCell(1, {0, 0, 0}), 2);
     }
 
+    test::RoadGuard road{/*graphs=*/true};
     TinyDesign tiny;
     Segment* segment = tiny.addSegment(-570, 1900, 4);
     SegLegalizer solver{&tiny.legalizer, segment};

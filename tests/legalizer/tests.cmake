@@ -2,3 +2,4 @@ vireloce_test(legalizer legalizer/globalMove_test.cpp legalizer/graph_test.cpp l
     legalizer/model_test.cpp legalizer/steps_test.cpp)
 vireloce_test(programs legalizer/ldp_test.cpp legalizer/osr_test.cpp legalizer/tpl_test.cpp
     legalizer/tplosr_test.cpp)
+vireloce_test(roads legalizer/roads_test.cpp)

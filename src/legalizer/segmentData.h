@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// One segment as the kernels read it.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+struct Component;
+
+namespace vireloce {
+
+/// A segment's components in their order, and where their nets pull them. Positions are sites of the segment.
+struct SegmentData {
+    int32_t numSites = 0;               ///< capacity, sites
+    std::vector<Component*> comps;      ///< not owned
+    std::vector<int32_t> width;         ///< [component] sites
+    std::vector<int32_t> leftEndBegin;  ///< [component + 1] first of its entries in leftEnds
+    std::vector<int32_t> leftEnds;      ///< left ends of the fixed ranges of the nets that it is leftmost of
+    std::vector<int32_t> rightEndBegin; ///< [component + 1] first of its entries in rightEnds
+    std::vector<int32_t> rightEnds;     ///< right ends of those that it is rightmost of
+
+    /// Number of components.
+    int32_t size() const { return static_cast<int32_t>(comps.size()); }
+
+    /// What the centre of a component must not be left of, in the order of its nets.
+    std::span<const int32_t> leftOf(size_t comp) const { return part(leftEnds, leftEndBegin, comp); }
+
+    /// What the centre of a component must not be right of, in the order of its nets.
+    std::span<const int32_t> rightOf(size_t comp) const { return part(rightEnds, rightEndBegin, comp); }
+
+private:
+    static std::span<const int32_t> part(const std::vector<int32_t>& all, const std::vector<int32_t>& begins,
+                                         size_t comp)
+    {
+        return std::span(all).subspan(static_cast<size_t>(begins[comp]),
+                                      static_cast<size_t>(begins[comp + 1] - begins[comp]));
+    }
+};
+
+} // namespace vireloce
