@@ -134,8 +134,10 @@ bool GridKernel::window(const GridProblem& problem, int32_t fitting, int32_t las
     if (static_cast<int64_t>(next) > mostEntries()) {
         return false;
     }
-    if (m_rows.size() < next) {
-        m_rows.resize(next);
+    if (m_numEntries < next) {
+        m_rows.reset(); // nothing in them is needed again
+        m_numEntries = next + next / 2;
+        m_rows = std::make_unique_for_overwrite<int32_t[]>(m_numEntries);
     }
     m_costs.resize(std::max(m_costs.size(), m_stride));
     m_zeros.resize(std::max(m_zeros.size(), m_stride), 0);
@@ -154,7 +156,7 @@ bool GridKernel::fillRows(const GridProblem& problem, int32_t fitting)
         const Layer& layer = m_layers[static_cast<size_t>(q)];
         for (int32_t column = 0; column < layer.columns; ++column) {
             mergeInto(problem, q, column);
-            int32_t* out = m_rows.data() + rowBegin(q, column);
+            int32_t* out = m_rows.get() + rowBegin(q, column);
             std::fill_n(out - PAD, PAD, UNREACHABLE);
             m_ops.fall(out, m_terms.data(), static_cast<int32_t>(m_terms.size()), m_costs.data(),
                        layer.count);

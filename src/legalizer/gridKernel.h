@@ -26,6 +26,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -107,12 +108,13 @@ private:
         return m_layers[static_cast<size_t>(comp)].row + static_cast<size_t>(column) * m_stride;
     }
 
-    const int32_t* row(int32_t comp, int32_t column) const { return m_rows.data() + rowBegin(comp, column); }
+    const int32_t* row(int32_t comp, int32_t column) const { return m_rows.get() + rowBegin(comp, column); }
 
     const RowOps& m_ops;
-    std::vector<Layer> m_layers; ///< [component that may fit]
-    size_t m_stride = 0;         ///< from one row to the next
-    std::vector<int32_t> m_rows; ///< of all components; a block of UNREACHABLE before each
+    std::vector<Layer> m_layers;       ///< [component that may fit]
+    size_t m_stride = 0;               ///< from one row to the next
+    std::unique_ptr<int32_t[]> m_rows; ///< of all components; a block of UNREACHABLE before each
+    size_t m_numEntries = 0;           ///< room in m_rows
     std::vector<int32_t> m_costs;
     std::vector<int32_t> m_zeros;
     std::vector<RowTerm> m_terms;
