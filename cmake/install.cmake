@@ -1,7 +1,10 @@
-# What `cmake --install` puts in place: the program, its man page, and the library as a CMake package.
+# What `cmake --install` puts in place: the programs, the man page, and the library as a CMake package.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS vireloce RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+if(VIRELOCE_KIT)
+    install(TARGETS vireloce-kit RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
 install(TARGETS vireloce_core EXPORT vireloceTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vireloce FILES_MATCHING PATTERN "*.h")
 install(FILES docs/vireloce.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/gen/command.h"
+
+#include <memory>
+#include <string>
+
+#include "kit/gen/generate.h"
+#include "kit/gen/options.h"
+
+namespace kit::gen {
+
+namespace {
+
+/// Adds an integer option with its range and default.
+void addInteger(CLI::App& command, const std::string& name, int32_t& value, Range range,
+                const std::string& help)
+{
+    command.add_option("--" + name, value, help)
+        ->check(CLI::Range(range.least, range.greatest))
+        ->capture_default_str();
+}
+
+void addDesignOptions(CLI::App& command, Options& options)
+{
+    addInteger(command, "components", options.components, COMPONENTS_RANGE, "placed cells");
+    addInteger(command, "utilisation", options.utilisation, UTILISATION_RANGE,
+               "sites that the cells take, in per cent of those in the segments");
+    addInteger(command, "sites-per-row", options.sitesPerRow, SITES_PER_ROW_RANGE, "most sites in a row");
+    addInteger(command, "macros", options.macros, MACROS_RANGE, "macros that cut the rows");
+    addInteger(command, "site-step", options.siteStep, SITE_STEP_RANGE, "distance of two sites, DBU");
+    addInteger(command, "mirrored", options.mirrored, MIRRORED_RANGE, "mirrored components, in per cent");
+}
+
+void addLibraryOptions(CLI::App& command, Options& options)
+{
+    addInteger(command, "cell-types", options.cellTypes, CELL_TYPES_RANGE, "cells of the library");
+    addInteger(command, "solutions", options.solutions, SOLUTIONS_RANGE, "most colour solutions of a cell");
+}
+
+void addNetOptions(CLI::App& command, Options& options)
+{
+    addInteger(command, "window-sites", options.windowSites, WINDOW_SITES_RANGE,
+               "farthest member of a local net, in sites to either side of its driver");
+    addInteger(command, "window-rows", options.windowRows, WINDOW_ROWS_RANGE,
+               "farthest member of a local net, in rows up or down");
+    addInteger(command, "wide-nets", options.wideNets, WIDE_NETS_RANGE,
+               "nets of 10 to 1000 members, of every 1000 nets");
+}
+
+void addFileOptions(CLI::App& command, Options& options)
+{
+    command.add_option("OUT", options.out, "path and base name of the design files")->required();
+    command.add_option("--cell-dir", options.cellDir, "folder of the colour files (default: OUT.colors)");
+    command.add_option("--seed", options.seed, "the same seed gives the same files")->capture_default_str();
+    command.add_flag("--force", options.force, "replace files that exist");
+}
+
+} // namespace
+
+void addCommand(CLI::App& program)
+{
+    CLI::App& command = *program.add_subcommand("gen", "Write a synthetic design with its cell library");
+    const auto options = std::make_shared<Options>();
+    addFileOptions(command, *options);
+    addDesignOptions(command, *options);
+    addLibraryOptions(command, *options);
+    addNetOptions(command, *options);
+    command.callback([options] { generate(*options); });
+}
+
+} // namespace kit::gen

@@ -1,0 +1,202 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/gen/designWriter.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include "kit/fault.h"
+#include "kit/outputFile.h"
+
+namespace kit::gen {
+
+namespace {
+
+constexpr int32_t DBU_PER_MICROMETRE = 2000;
+constexpr int32_t BORDER_SITES = 6; // between the rows and the design's left and right edge
+constexpr int32_t BORDER_ROWS = 1;  // between the rows and its lower and upper edge
+
+/// From sites and rows to DBU.
+struct Scale {
+    explicit Scale(const Options& options)
+        : step(options.siteStep), height(options.siteStep * LIBRARY_HEIGHT / LIBRARY_SITE)
+    {
+    }
+
+    int32_t x(int32_t site) const { return (site + BORDER_SITES) * step; }
+    int32_t y(int32_t row) const { return (row + BORDER_ROWS) * height; }
+
+    int32_t step;   ///< site width, DBU
+    int32_t height; ///< row height, DBU
+};
+
+const char* orientOfRow(int32_t row)
+{
+    return row % 2 == 0 ? "N" : "FS";
+}
+
+std::string colorPath(const Options& options, const std::string& cell)
+{
+    return (std::filesystem::path(cellFolder(options)) / (cell + ".color")).string();
+}
+
+void writeBox(OutputFile& out, const Box& box)
+{
+    out << box.xl << " " << box.yl << " " << box.xh << " " << box.yh << "\n";
+}
+
+void writeCell(const LibraryCell& cell, const std::string& path)
+{
+    OutputFile out(path);
+    out << cell.sites * LIBRARY_SITE << " " << LIBRARY_HEIGHT << "\n1\n";
+    writeBox(out, {0, 0, cell.sites * LIBRARY_SITE, LIBRARY_HEIGHT});
+    out << cell.shapes.size() << "\n";
+    for (const Shape& shape : cell.shapes) {
+        out << "1\n";
+        writeBox(out, shape.box);
+    }
+    out << cell.solutions.size() << "\n";
+    for (const Solution& solution : cell.solutions) {
+        out << solution.stitches;
+        for (const int32_t mask : solution.masks) {
+            out << " " << mask;
+        }
+        out << "\n";
+    }
+    out.commit();
+}
+
+/// Micrometres with four decimals, which is exact.
+void writeMicrometres(OutputFile& out, int32_t dbu)
+{
+    const int32_t fraction = dbu % DBU_PER_MICROMETRE * (10'000 / DBU_PER_MICROMETRE);
+    const std::string digits = std::to_string(10'000 + fraction).substr(1);
+    out << dbu / DBU_PER_MICROMETRE << "." << digits << " ;\n";
+}
+
+void writeHeader(OutputFile& out, const Floorplan& plan, const Scale& scale, const Options& options)
+{
+    out << "VERSION 5.6 ;\nDESIGN " << std::filesystem::path(options.out).filename().string()
+        << " ;\nUNITS DISTANCE MICRONS " << DBU_PER_MICROMETRE << " ;\n\nPROPERTYDEFINITIONS\n"
+        << "  COMPONENTPIN designRuleWidth REAL ;\n  DESIGN CORE_BOX_LL_X REAL ";
+    writeMicrometres(out, scale.x(0));
+    out << "  DESIGN CORE_BOX_UR_X REAL ";
+    writeMicrometres(out, scale.x(plan.sitesPerRow));
+    out << "  DESIGN CORE_BOX_LL_Y REAL ";
+    writeMicrometres(out, scale.y(0));
+    out << "  DESIGN CORE_BOX_UR_Y REAL ";
+    writeMicrometres(out, scale.y(plan.rows));
+    out << "END PROPERTYDEFINITIONS\n\nDIEAREA ( 0 0 ) ( " << scale.x(plan.sitesPerRow + BORDER_SITES) << " "
+        << scale.y(plan.rows + BORDER_ROWS) << " ) ;\n\n";
+}
+
+void writeRows(OutputFile& out, const Floorplan& plan, const Scale& scale)
+{
+    for (int32_t row = 0; row < plan.rows; ++row) {
+        out << "ROW ROW_" << row << " core " << scale.x(0) << " " << scale.y(row) << " " << orientOfRow(row)
+            << " DO " << plan.sitesPerRow << " BY 1 STEP " << scale.step << " 0 ;\n";
+    }
+}
+
+void writeComponents(OutputFile& out, const Placement& placement, const std::vector<LibraryCell>& library,
+                     const Scale& scale)
+{
+    out << "\nCOMPONENTS " << placement.cells.size() << " ;\n";
+    for (size_t i = 0; i < placement.cells.size(); ++i) {
+        const Placed& cell = placement.cells[i];
+        // The placer knows a mirrored cell by FN alone, in every row.
+        out << "- u" << i << " " << library[cell.type].name << " + PLACED ( " << scale.x(cell.site) << " "
+            << scale.y(cell.row) << " ) " << (cell.mirrored ? "FN" : orientOfRow(cell.row)) << "\n  ;\n";
+    }
+    out << "END COMPONENTS\n";
+}
+
+void writeMacros(OutputFile& out, const Floorplan& plan, const Scale& scale)
+{
+    out << "\nBIGNODES " << plan.macros.size() << " ;\n";
+    for (size_t i = 0; i < plan.macros.size(); ++i) {
+        const MacroBox& macro = plan.macros[i];
+        out << "- m" << i << " MACRO + ( " << scale.x(macro.site) << " " << scale.y(macro.row) << " ) ( "
+            << macro.sites * scale.step << " " << macro.rows * scale.height << " ) N\n  ;\n";
+    }
+    out << "END BIGNODES\n";
+}
+
+} // namespace
+
+void requireNoFiles(const Options& options)
+{
+    if (options.force) {
+        return;
+    }
+    std::vector<std::string> paths;
+    for (const char* extension : {".place", ".pins", ".netlist", ".cells"}) {
+        paths.push_back(options.out + extension);
+    }
+    for (int32_t type = 0; type < options.cellTypes; ++type) {
+        paths.push_back(colorPath(options, nameOfType(type)));
+    }
+    for (const std::string& path : paths) {
+        std::error_code unknown; // then writing will tell
+        if (std::filesystem::exists(path, unknown)) {
+            throw Fault(path + " exists; --force replaces it");
+        }
+    }
+}
+
+void writeLibrary(const std::vector<LibraryCell>& library, const Options& options)
+{
+    std::error_code error;
+    std::filesystem::create_directories(cellFolder(options), error);
+    if (error) {
+        throw Fault("cannot make the folder " + cellFolder(options) + ": " + error.message());
+    }
+    OutputFile list(options.out + ".cells");
+    list << library.size() << "\n";
+    for (const LibraryCell& cell : library) {
+        writeCell(cell, colorPath(options, cell.name));
+        list << cell.name << "\n";
+    }
+    list.commit();
+}
+
+void writePlacement(const Placement& placement, const std::vector<LibraryCell>& library,
+                    const Options& options)
+{
+    const Scale scale(options);
+    OutputFile out(options.out + ".place");
+    writeHeader(out, placement.plan, scale, options);
+    writeRows(out, placement.plan, scale);
+    writeComponents(out, placement, library, scale);
+    writeMacros(out, placement.plan, scale);
+    out << "\nEND DESIGN\n";
+    out.commit();
+}
+
+void writePins(const Netlist& netlist, const Options& options)
+{
+    const Scale scale(options);
+    OutputFile out(options.out + ".pins");
+    out << netlist.pins.size() << "\n";
+    for (size_t i = 0; i < netlist.pins.size(); ++i) {
+        out << "p" << i << " " << scale.x(netlist.pins[i].site) << " " << scale.y(netlist.pins[i].row)
+            << "\n";
+    }
+    out.commit();
+}
+
+void writeNets(const Netlist& netlist, const Options& options)
+{
+    OutputFile out(options.out + ".netlist");
+    out << netlist.netBegin.size() - 1 << "\n";
+    for (size_t net = 0; net + 1 < netlist.netBegin.size(); ++net) {
+        out << netlist.netBegin[net + 1] - netlist.netBegin[net];
+        for (size_t i = netlist.netBegin[net]; i < netlist.netBegin[net + 1]; ++i) {
+            const int32_t member = netlist.members[i];
+            out << (member < 0 ? " p" : " u") << (member < 0 ? -1 - member : member);
+        }
+        out << "\n";
+    }
+    out.commit();
+}
+
+} // namespace kit::gen

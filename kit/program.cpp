@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/program.h"
+
+#include <iostream>
+
+#include "kit/fault.h"
+
+namespace kit {
+
+namespace {
+
+constexpr int BAD_USAGE = 2;
+
+int fail(const std::string& why)
+{
+    std::cerr << "vireloce-kit: " << why << '\n';
+    return BAD_USAGE;
+}
+
+} // namespace
+
+int runProgram(int argc, char** argv, const std::vector<AddCommand>& commands)
+{
+    CLI::App program{"Companion of the placer vireloce", "vireloce-kit"};
+    program.require_subcommand(1);
+    for (const AddCommand add : commands) {
+        add(program);
+    }
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::Success& help) {
+        return program.exit(help);
+    } catch (const CLI::ParseError& error) {
+        return fail(error.what());
+    } catch (const Fault& fault) {
+        return fail(fault.what());
+    }
+    return 0;
+}
+
+} // namespace kit
