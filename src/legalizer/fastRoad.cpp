@@ -28,20 +28,49 @@ void SegLegalizer::gather(SolverMemory& memory) const
     data.numSites = segment->numSites;
     data.comps.assign(segment->components.begin(), segment->components.end());
     data.width.clear();
+    for (const Component* comp : data.comps) {
+        data.width.push_back(cellOf(*comp).siteWidth);
+    }
+    memory.terms.prepare(WEIGHT_WRLENG, segment->numSites);
+    gatherLeftEnds(memory);
+    gatherRightEnds(memory);
+}
+
+void SegLegalizer::gatherSolutions(SolverMemory& memory) const
+{
     memory.behind.clear();
     memory.stitches.clear();
     const Component* left = nullptr;
-    for (const Component* comp : data.comps) {
-        const Cell& cell = cellOf(*comp);
-        data.width.push_back(cell.siteWidth);
-        memory.stitches.emplace_back(cell.stitchNums);
+    for (const Component* comp : memory.segment.comps) {
+        memory.stitches.emplace_back(cellOf(*comp).stitchNums);
         memory.behind.push_back(left == nullptr ? nullptr
                                                 : &memory.spacings.between(left->cellIdx, comp->cellIdx));
         left = comp;
     }
-    memory.terms.prepare(WEIGHT_WRLENG, std::max(segment->numSites, 0));
-    gatherLeftEnds(memory);
-    gatherRightEnds(memory);
+}
+
+void SegLegalizer::gatherChosen(SolverMemory& memory) const
+{
+    static constexpr int32_t ONLY_COLUMN = 0;
+    const std::vector<Component*>& comps = memory.segment.comps;
+    memory.chosen.resize(comps.size());
+    memory.behind.clear();
+    memory.stitches.clear();
+    const Component* left = nullptr;
+    for (size_t q = 0; q < comps.size(); ++q) {
+        const Component& comp = *comps[q];
+        SolverMemory::Chosen& chosen = memory.chosen[q];
+        chosen.stitches = cellOf(comp).stitchesOf(comp.solution);
+        chosen.sites = left == nullptr ? 0 : design().safeSites(*left, left->solution, comp, comp.solution);
+        chosen.spacing = {.least = chosen.sites,
+                          .most = chosen.sites,
+                          .numColumns = 1,
+                          .columnOf = &ONLY_COLUMN,
+                          .sites = &chosen.sites};
+        memory.stitches.emplace_back(&chosen.stitches, 1);
+        memory.behind.push_back(&chosen.spacing);
+        left = &comp;
+    }
 }
 
 void SegLegalizer::gatherLeftEnds(SolverMemory& memory) const
@@ -111,25 +140,10 @@ void SegLegalizer::colourFast()
 
 bool SegLegalizer::placeOrderedFast()
 {
-    static constexpr int32_t ONLY = 0; // column of the only solution
     SolverMemory& memory = solverMemory();
     postGreedyColorAssignment(); // a neighbour's colour decides the distance behind it
     gather(memory);
-    const size_t count = memory.segment.comps.size();
-    memory.chosen.resize(2 * count);
-    memory.chosenSpacing.resize(count);
-    const Component* left = nullptr;
-    for (size_t q = 0; q < count; ++q) {
-        const Component* comp = memory.segment.comps[q];
-        int32_t& stitches = memory.chosen[2 * q];
-        int32_t& sites = memory.chosen[2 * q + 1];
-        stitches = cellOf(*comp).stitchesOf(comp->solution);
-        sites = left == nullptr ? 0 : design().safeSites(*left, left->solution, *comp, comp->solution);
-        memory.chosenSpacing[q] = {sites, sites, 1, &ONLY, &sites};
-        memory.stitches[q] = std::span(&stitches, 1);
-        memory.behind[q] = &memory.chosenSpacing[q];
-        left = comp;
-    }
+    gatherChosen(memory);
     if (!memory.grid.solve({memory.segment, memory.behind, memory.stitches, memory.terms, UNREACHED_COST})) {
         return false;
     }
@@ -141,6 +155,7 @@ bool SegLegalizer::placeJointFast()
 {
     SolverMemory& memory = solverMemory();
     gather(memory);
+    gatherSolutions(memory);
     if (!memory.grid.solve(
             {memory.segment, memory.behind, memory.stitches, memory.terms, vireloce::INFINITE_COST})) {
         return false;
@@ -165,6 +180,7 @@ std::optional<bool> SegLegalizer::shiftFast(int32_t firstShift, int32_t numShift
 {
     SolverMemory& memory = solverMemory();
     gather(memory);
+    gatherSolutions(memory);
     memory.sites.clear();
     for (size_t q = 0; q < memory.segment.comps.size(); ++q) {
         memory.sites.push_back(memory.segment.comps[q]->siteX);

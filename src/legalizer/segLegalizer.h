@@ -256,6 +256,8 @@ private:
 
     /// Fills the memory's flat arrays for this segment.
     void gather(vireloce::SolverMemory& memory) const;
+    void gatherSolutions(vireloce::SolverMemory& memory) const; // all of the components' cells
+    void gatherChosen(vireloce::SolverMemory& memory) const;    // the one that each component has
     void gatherLeftEnds(vireloce::SolverMemory& memory) const;
     static void gatherRightEnds(vireloce::SolverMemory& memory);
 

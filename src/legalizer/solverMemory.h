@@ -34,6 +34,13 @@ struct SolverMemory {
         int32_t rightEnd = -1;  ///< right end of its fixed range, -1 if it has none
     };
 
+    /// The solution that a component has, as the only one of its cell.
+    struct Chosen {
+        int32_t stitches = 0;
+        int32_t sites = 0; ///< between it and its left neighbour
+        PairSpacing spacing;
+    };
+
     PlacementMirror mirror;
     SpacingCache spacings;
     PairCostCache pairCosts;
@@ -48,8 +55,7 @@ struct SolverMemory {
     std::vector<const PairSpacing*> behind;         ///< [component]
     std::vector<std::span<const int32_t>> stitches; ///< [component]
     std::vector<PairCosts> costs;                   ///< [component - 1]
-    std::vector<PairSpacing> chosenSpacing;         ///< [component] of the solutions that are chosen
-    std::vector<int32_t> chosen;                    ///< [component][2] their stitches and spacing
+    std::vector<Chosen> chosen;                     ///< [component]
     std::vector<int32_t> sites;                     ///< [component]
 };
 

@@ -29,31 +29,39 @@ const PairSpacing& SpacingCache::between(int32_t leftCell, int32_t rightCell)
 const PairSpacing* SpacingCache::make(int32_t leftCell, int32_t rightCell)
 {
     const auto& block = m_design.lut.distTable[static_cast<size_t>(leftCell)][static_cast<size_t>(rightCell)];
-    const size_t numLeft = block.size();
     const size_t numRight = m_design.lut.cells[static_cast<size_t>(rightCell)]->colors.size();
 
-    std::vector<std::vector<int32_t>> columns; // distinct, [column][left solution]
-    std::vector<int32_t> column(numLeft);
+    auto toSites = [entry = 0, sites = 0](int32_t next) mutable {
+        if (next != 0 && next != entry) { // few distinct entries, and a division for each
+            entry = next;
+            sites = ceilSites(entry, SITE_WIDTH);
+        }
+        return next == 0 ? 0 : sites;
+    };
     std::pmr::polymorphic_allocator<int32_t> numbers(&m_storage);
     int32_t* columnOf = numbers.allocate(numRight);
+    std::vector<size_t> columns; // the first solution of each
     for (size_t j = 0; j < numRight; ++j) {
-        std::transform(block.begin(), block.end(), column.begin(),
-                       [j](const std::vector<int32_t>& row) { return ceilSites(row[j], SITE_WIDTH); });
-        const auto at = std::find(columns.begin(), columns.end(), column);
+        const auto at = std::find_if(columns.begin(), columns.end(), [&](size_t column) {
+            return std::all_of(block.begin(), block.end(), [&](const std::vector<int32_t>& row) {
+                return toSites(row[j]) == toSites(row[column]);
+            });
+        });
         columnOf[j] = static_cast<int32_t>(at - columns.begin());
         if (at == columns.end()) {
-            columns.push_back(column);
+            columns.push_back(j);
         }
     }
 
     PairSpacing pair{.least = std::numeric_limits<int32_t>::max(),
                      .most = std::numeric_limits<int32_t>::min(),
                      .numColumns = static_cast<int32_t>(columns.size())};
-    int32_t* sites = numbers.allocate(numLeft * columns.size());
-    for (size_t i = 0; i < numLeft; ++i) {
-        for (size_t c = 0; c < columns.size(); ++c) {
-            const int32_t dist = columns[c][i];
-            sites[i * columns.size() + c] = dist;
+    int32_t* sites = numbers.allocate(block.size() * columns.size());
+    int32_t* next = sites;
+    for (const std::vector<int32_t>& row : block) {
+        for (const size_t column : columns) {
+            const int32_t dist = toSites(row[column]);
+            *next++ = dist;
             pair.least = std::min(pair.least, dist);
             pair.most = std::max(pair.most, dist);
         }
