@@ -22,6 +22,7 @@ namespace {
 using namespace vireloce;
 
 constexpr int32_t NUM_SOLUTIONS = 12;
+constexpr int32_t COLUMNS = 3; ///< distinct columns of a pair's spacings
 
 /// A segment as a real one: cells of 2 to 9 sites, four fifths full, 12 solutions each, spacings of 0 and 1
 /// with three distinct columns, three nets on each side that pull from where the cell stands.
@@ -70,9 +71,9 @@ private:
             numbers.push_back(pick(0, 2)); // stitches
         }
         for (int32_t j = 0; j < NUM_SOLUTIONS; ++j) {
-            numbers.push_back(j % 3); // columns
+            numbers.push_back(j % COLUMNS);
         }
-        for (int32_t i = 0; i < NUM_SOLUTIONS * 3; ++i) {
+        for (int32_t i = 0; i < NUM_SOLUTIONS * COLUMNS; ++i) {
             numbers.push_back(pick(0, 3) == 0 ? 1 : 0); // spacings
         }
         for (int32_t i = 0; i < NUM_SOLUTIONS * NUM_SOLUTIONS; ++i) {
@@ -80,9 +81,10 @@ private:
         }
         stitches.emplace_back(numbers.data(), NUM_SOLUTIONS);
         const int32_t* columnOf = numbers.data() + NUM_SOLUTIONS;
-        behind.push_back(&m_spacings.emplace_back(PairSpacing{0, 1, 3, columnOf, columnOf + NUM_SOLUTIONS}));
+        behind.push_back(
+            &m_spacings.emplace_back(PairSpacing{0, 1, COLUMNS, columnOf, columnOf + NUM_SOLUTIONS}));
         if (data.width.size() > 1) {
-            costs.push_back({columnOf + 4 * NUM_SOLUTIONS, NUM_SOLUTIONS, NUM_SOLUTIONS});
+            costs.push_back({columnOf + (1 + COLUMNS) * NUM_SOLUTIONS, NUM_SOLUTIONS, NUM_SOLUTIONS});
         }
     }
 
@@ -113,36 +115,37 @@ void grid(benchmark::State& state, const RowOps& ops, int32_t numSites)
         benchmark::DoNotOptimize(kernel.places().data());
     }
     reportCells(state, segment);
-    reportEntries(state, kernel.entries());
+    reportEntries(state, kernel.work().entries);
 }
 
 void gridCeiling(benchmark::State& state, const RowOps& ops, int32_t numSites)
 {
     const Segment segment(numSites);
-    GridKernel kernel(ops); // says how many entries there are
+    GridKernel kernel(ops);
     if (!kernel.solve({segment.data, segment.behind, segment.stitches, segment.terms, UNREACHABLE})) {
         state.SkipWithError("not taken");
         return;
     }
-    constexpr int32_t ROWS = 3;
-    const int32_t numComps = segment.data.size();
-    const auto length = static_cast<int32_t>(kernel.entries() / (ROWS * numComps));
+    const GridKernel::Work& work = kernel.work();
+    const auto length = static_cast<int32_t>(work.entries / work.rows);
+    const auto numTerms = static_cast<size_t>((work.terms + work.rows / 2) / work.rows);
     const auto stride = static_cast<size_t>(rowSpace(length) + ROW_BLOCK);
-    std::vector<int32_t> rows(stride * ROWS * static_cast<size_t>(numComps + 1));
+    std::vector<int32_t> rows(stride * static_cast<size_t>(work.rows + COLUMNS));
     const std::vector<int32_t> costs(stride, 3);
+    std::vector<RowTerm> terms(numTerms);
     for (auto _ : state) {
-        int32_t* out = rows.data() + ROW_BLOCK + ROWS * stride;
-        for (int32_t q = 0; q < numComps; ++q) {
-            const int32_t* before = out - ROWS * stride;
-            const RowTerm terms[ROWS] = {{before, 0}, {before + stride - 1, 1}, {before + 2 * stride, 2}};
-            for (int32_t r = 0; r < ROWS; ++r, out += stride) {
-                ops.fall(out, terms, ROWS, costs.data(), length);
+        for (int64_t r = 0; r < work.rows; ++r) {
+            const size_t before = static_cast<size_t>(r / COLUMNS) * COLUMNS; // rows of the left neighbour
+            for (size_t t = 0; t < numTerms; ++t) {
+                terms[t] = {rows.data() + (before + t % COLUMNS) * stride + ROW_BLOCK - t / COLUMNS, 1};
             }
+            int32_t* out = rows.data() + (static_cast<size_t>(r) + COLUMNS) * stride + ROW_BLOCK;
+            ops.fall(out, terms.data(), static_cast<int32_t>(numTerms), costs.data(), length);
         }
         benchmark::ClobberMemory();
     }
     reportCells(state, segment);
-    reportEntries(state, int64_t{numComps} * ROWS * length);
+    reportEntries(state, work.rows * length);
 }
 
 void colours(benchmark::State& state, int32_t numSites)

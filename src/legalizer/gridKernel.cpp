@@ -35,7 +35,7 @@ int64_t GridKernel::mostEntries()
 
 bool GridKernel::solve(const GridProblem& problem)
 {
-    m_entries = 0;
+    m_work = {};
     if (!isSane(problem)) {
         return false;
     }
@@ -134,10 +134,10 @@ bool GridKernel::window(const GridProblem& problem, int32_t fitting, int32_t las
     if (static_cast<int64_t>(next) > mostEntries()) {
         return false;
     }
-    if (m_numEntries < next) {
+    if (m_room < next) {
         m_rows.reset(); // nothing in them is needed again
-        m_numEntries = next + next / 2;
-        m_rows = std::make_unique_for_overwrite<int32_t[]>(m_numEntries);
+        m_room = next + next / 2;
+        m_rows = std::make_unique_for_overwrite<int32_t[]>(m_room);
     }
     m_costs.resize(std::max(m_costs.size(), m_stride));
     m_zeros.resize(std::max(m_zeros.size(), m_stride), 0);
@@ -154,14 +154,23 @@ bool GridKernel::fillRows(const GridProblem& problem, int32_t fitting)
             return false;
         }
         const Layer& layer = m_layers[static_cast<size_t>(q)];
+        if (q == 0) {
+            m_terms.assign(1, {m_zeros.data(), 0}); // the first may begin anywhere
+        } else {
+            fillCheapest(problem, q);
+        }
         for (int32_t column = 0; column < layer.columns; ++column) {
-            mergeInto(problem, q, column);
+            if (q > 0) {
+                chooseTerms(problem, q, column);
+            }
             int32_t* out = m_rows.get() + rowBegin(q, column);
             std::fill_n(out - PAD, PAD, UNREACHABLE);
+            m_work.terms += static_cast<int64_t>(m_terms.size());
             m_ops.fall(out, m_terms.data(), static_cast<int32_t>(m_terms.size()), m_costs.data(),
                        layer.count);
         }
-        m_entries += int64_t{layer.columns} * layer.count;
+        m_work.rows += layer.columns;
+        m_work.entries += int64_t{layer.columns} * layer.count;
     }
     return true;
 }
@@ -194,34 +203,40 @@ bool GridKernel::fillCosts(const GridProblem& problem, int32_t comp)
     return most < problem.terms.additiveLimit();
 }
 
-/// Fills m_terms with the ways to a row from those of the left neighbour.
-void GridKernel::mergeInto(const GridProblem& problem, int32_t comp, int32_t column)
+/// Fills m_cheapest for a component and its left neighbour.
+void GridKernel::fillCheapest(const GridProblem& problem, int32_t comp)
 {
-    m_terms.clear();
-    if (comp == 0) {
-        m_terms.push_back({m_zeros.data(), 0});
-        return;
-    }
     const auto q = static_cast<size_t>(comp);
     const PairSpacing& behind = *problem.behind[q];
-    const int32_t spread = behind.most - behind.least + 1;
     const int32_t* const leftColumns = comp > 1 ? problem.behind[q - 1]->columnOf : nullptr;
     const std::span<const int32_t> stitches = problem.stitches[q - 1];
-    m_cheapest.assign(static_cast<size_t>(m_layers[q - 1].columns * spread), NO_SOLUTION);
+    const int32_t spread = behind.most - behind.least + 1;
+    const int32_t perColumn = m_layers[q - 1].columns * spread;
+    m_cheapest.assign(static_cast<size_t>(behind.numColumns * perColumn), NO_SOLUTION);
+    const int32_t* sites = behind.sites;
     for (size_t i = 0; i < stitches.size(); ++i) {
-        const int32_t excess =
-            behind.sites[static_cast<int32_t>(i) * behind.numColumns + column] - behind.least;
-        int32_t& cheapest =
-            m_cheapest[static_cast<size_t>((leftColumns != nullptr ? leftColumns[i] : 0) * spread + excess)];
-        cheapest = std::min(cheapest, stitches[i]);
+        int32_t* cheapest = m_cheapest.data() + (leftColumns != nullptr ? leftColumns[i] : 0) * spread;
+        for (int32_t column = 0; column < behind.numColumns; ++column, cheapest += perColumn, ++sites) {
+            int32_t& least = cheapest[*sites - behind.least];
+            least = std::min(least, stitches[i]);
+        }
     }
-    for (int32_t left = 0; left < m_layers[q - 1].columns; ++left) {
+}
+
+/// Fills m_terms with the ways to a row from those of the left neighbour, as m_cheapest has them.
+void GridKernel::chooseTerms(const GridProblem& problem, int32_t comp, int32_t column)
+{
+    const PairSpacing& behind = *problem.behind[static_cast<size_t>(comp)];
+    const int32_t spread = behind.most - behind.least + 1;
+    const int32_t leftColumns = m_layers[static_cast<size_t>(comp) - 1].columns;
+    const int32_t* cheapest = m_cheapest.data() + column * leftColumns * spread;
+    m_terms.clear();
+    for (int32_t left = 0; left < leftColumns; ++left) {
         int32_t least = NO_SOLUTION; // values never rise, so that farther away only fewer stitches help
-        for (int32_t excess = 0; excess < spread; ++excess) {
-            const int32_t cost = m_cheapest[static_cast<size_t>(left * spread + excess)];
-            if (cost < least) {
-                least = cost;
-                m_terms.push_back({row(comp - 1, left) - excess, cost});
+        for (int32_t excess = 0; excess < spread; ++excess, ++cheapest) {
+            if (*cheapest < least) {
+                least = *cheapest;
+                m_terms.push_back({row(comp - 1, left) - excess, least});
             }
         }
     }

@@ -68,8 +68,15 @@ public:
     /// [component] the result of the last solve() that returned true.
     std::span<const GridPlace> places() const { return m_places; }
 
-    /// Entries of the rows that the last solve() filled, each time that it did.
-    int64_t entries() const { return m_entries; }
+    /// How much there is to do, summed over all tries of a solve().
+    struct Work {
+        int64_t rows = 0;    ///< rows filled
+        int64_t terms = 0;   ///< rows that they were filled from
+        int64_t entries = 0; ///< entries filled
+    };
+
+    /// What the last solve() did.
+    const Work& work() const { return m_work; }
 
     /// Most entries of all rows at a time.
     static int64_t mostEntries();
@@ -95,7 +102,8 @@ private:
     bool window(const GridProblem& problem, int32_t fitting, int32_t last);
     bool fillRows(const GridProblem& problem, int32_t fitting);
     bool fillCosts(const GridProblem& problem, int32_t comp);
-    void mergeInto(const GridProblem& problem, int32_t comp, int32_t column);
+    void fillCheapest(const GridProblem& problem, int32_t comp);
+    void chooseTerms(const GridProblem& problem, int32_t comp, int32_t column);
     End bestEnd(const GridProblem& problem, int32_t fitting, int32_t last) const;
     int32_t mustPlace(const GridProblem& problem, int32_t last, int64_t best) const;
     void traceBack(const GridProblem& problem, End end);
@@ -114,13 +122,13 @@ private:
     std::vector<Layer> m_layers;       ///< [component that may fit]
     size_t m_stride = 0;               ///< from one row to the next
     std::unique_ptr<int32_t[]> m_rows; ///< of all components; a block of UNREACHABLE before each
-    size_t m_numEntries = 0;           ///< room in m_rows
+    size_t m_room = 0;                 ///< entries that m_rows has room for
     std::vector<int32_t> m_costs;
     std::vector<int32_t> m_zeros;
     std::vector<RowTerm> m_terms;
-    std::vector<int32_t> m_cheapest; ///< [column of the left neighbour][spacing over the least] stitches
+    std::vector<int32_t> m_cheapest; ///< [column][left one's column][spacing over the least] stitches
     std::vector<GridPlace> m_places;
-    int64_t m_entries = 0;
+    Work m_work;
 };
 
 } // namespace vireloce
