@@ -61,6 +61,17 @@ void addColumn(std::vector<Shape>& shapes, int32_t x, Emptiness emptiness, Rando
     }
 }
 
+int32_t drawEdgeDist(Random& random)
+{
+    return LEAST_EDGE_DIST + EDGE_DIST_STEP * random.below(EDGE_DISTS);
+}
+
+/// The emptiness of a column on an edge.
+Emptiness drawEmptiness(Random& random)
+{
+    return random.perMille(CROWDED_EDGES) ? CROWDED : SPARSE;
+}
+
 } // namespace
 
 std::vector<Shape> drawShapes(int32_t sites, Random& random)
@@ -68,15 +79,15 @@ std::vector<Shape> drawShapes(int32_t sites, Random& random)
     const int32_t width = sites * LIBRARY_SITE;
     std::vector<Shape> shapes{{{0, 0, width, RAIL_WIDTH}, /*rail=*/true},
                               {{0, LIBRARY_HEIGHT - RAIL_WIDTH, width, LIBRARY_HEIGHT}, /*rail=*/true}};
-    const auto edgeDist = [&random] { return LEAST_EDGE_DIST + EDGE_DIST_STEP * random.below(EDGE_DISTS); };
-    const auto edgeEmptiness = [&random] { return random.perMille(CROWDED_EDGES) ? CROWDED : SPARSE; };
-    addColumn(shapes, edgeDist(), edgeEmptiness(), random);
+    const int32_t leftDist = drawEdgeDist(random);
+    addColumn(shapes, leftDist, drawEmptiness(random), random);
     for (int32_t column = 1; column < sites; ++column) {
         if (random.perMille(INNER_COLUMNS)) {
             addColumn(shapes, column * LIBRARY_SITE + INNER_BAR_START, SPARSE, random);
         }
     }
-    addColumn(shapes, width - edgeDist() - BAR_WIDTH, edgeEmptiness(), random);
+    const int32_t rightDist = drawEdgeDist(random);
+    addColumn(shapes, width - rightDist - BAR_WIDTH, drawEmptiness(random), random);
     return shapes;
 }
 

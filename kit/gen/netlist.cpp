@@ -115,9 +115,10 @@ private:
         const Placed& from = m_near.cell(driver);
         const int32_t degree = m_random.pick(DEGREES);
         for (int32_t tries = degree * TRIES_PER_MEMBER; tries > 0 && size() < degree; --tries) {
-            const int32_t rowOffset = m_random.below(2) * (1 + m_random.lowBelow(m_options.windowRows));
-            const int32_t siteOffset = m_random.lowBelow(m_options.windowSites + 1);
-            addNear(from, withSign(rowOffset), withSign(siteOffset));
+            const bool sameRow = m_random.below(2) == 0;
+            const int32_t rowOffset = sameRow ? 0 : withSign(1 + m_random.lowBelow(m_options.windowRows));
+            const int32_t siteOffset = withSign(m_random.lowBelow(m_options.windowSites + 1));
+            addNear(from, rowOffset, siteOffset);
         }
     }
 
@@ -133,7 +134,8 @@ private:
         const int32_t sites = rows * SITES_PER_ROW_HEIGHT;
         for (int32_t tries = degree * TRIES_PER_MEMBER; tries > 0 && size() < degree; --tries) {
             const int32_t rowOffset = m_random.below(2 * rows + 1) - rows;
-            addNear(from, rowOffset, m_random.below(2 * sites + 1) - sites);
+            const int32_t siteOffset = m_random.below(2 * sites + 1) - sites;
+            addNear(from, rowOffset, siteOffset);
         }
     }
 
