@@ -8,9 +8,7 @@ namespace kit::gen {
 
 namespace {
 
-constexpr std::array<int32_t, 50> DEGREES{2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2,
-                                          2, 2, 2, 2, 2, 2, 2, 2, 2, 3, 3, 3, 3, 3, 3, 3, 3,
-                                          3, 3, 3, 3, 4, 4, 4, 4, 4, 4, 4, 5, 5, 5, 5, 5};
+constexpr std::array<int32_t, 10> DEGREES{2, 2, 2, 2, 2, 3, 3, 4, 4, 5}; // of local nets
 constexpr int32_t SECOND_NETS = 100; // per mille of the components that drive two nets
 constexpr int32_t LEAST_WIDE = 10;
 constexpr int32_t MOST_WIDE = 1000;
