@@ -11,11 +11,11 @@ namespace {
 constexpr int32_t LEAST_SITES = 2;
 
 /// Of 1000 placed cells, how many have LEAST_SITES sites, one site more, and so on: 5.3 sites on average.
-constexpr std::array<int32_t, 19> WIDTHS{150, 190, 190, 140, 95, 60, 45, 35, 22, 15,
-                                         12,  9,   8,   8,   6,  5,  5,  3,  2};
+constexpr std::array<int32_t, 19> WIDTHS{140, 180, 190, 140, 100, 65, 50, 38, 25, 17,
+                                         13,  10,  8,   7,   5,   4,  3,  3,  2};
 
 constexpr int32_t FEW_SOLUTIONS = 100; // per mille of the cells that have fewer solutions than they might
-constexpr int32_t FAMILY = 8;          // cells of similar width, of which the first are the most used
+constexpr int32_t FAMILY = 4;          // cells of similar width, of which the first are the most used
 
 /// Width of a cell such that all cells together have the distribution WIDTHS, sites.
 int32_t sitesOfType(int32_t type, int32_t types)

@@ -10,8 +10,9 @@ namespace {
 
 constexpr int32_t MOST_STITCHES = 3;
 constexpr int32_t TRIES_PER_SOLUTION = 30;
-constexpr int32_t STITCHED_SHARE = 400; // per mille of the solutions that may have stitches
-constexpr int32_t STITCHES = 400;       // per mille of the joints that part where stitches are allowed
+constexpr int32_t STITCHED_SHARE = 400; // per mille of the solutions that have stitches
+constexpr int32_t STITCHES = 400;       // per mille of the joints that part in a solution with stitches
+constexpr int32_t PINNED = 250;         // per mille of the shapes that have one mask in all solutions
 
 using Conflicts = std::vector<std::vector<size_t>>; ///< [shape] earlier shapes that need another mask
 
@@ -33,8 +34,16 @@ Conflicts findConflicts(const std::vector<Shape>& shapes)
 class Painter {
 public:
     Painter(const std::vector<Shape>& shapes, Random& random)
-        : m_shapes(shapes), m_conflicts(findConflicts(shapes)), m_random(random)
+        : m_shapes(shapes), m_conflicts(findConflicts(shapes)), m_pins(shapes.size(), -1), m_random(random)
     {
+    }
+
+    /// Keeps some shapes on their masks in a solution from now on.
+    void pin(const Solution& solution)
+    {
+        for (size_t i = 0; i < m_pins.size(); ++i) {
+            m_pins[i] = m_random.perMille(PINNED) ? solution.masks[i] : -1;
+        }
     }
 
     /// A solution, or nothing where this attempt got stuck.
@@ -58,7 +67,8 @@ private:
     {
         std::vector<int32_t> free;
         for (int32_t mask = 0; mask < MASKS; ++mask) {
-            if (std::none_of(m_conflicts[shape].begin(), m_conflicts[shape].end(),
+            if ((m_pins[shape] < 0 || m_pins[shape] == mask) &&
+                std::none_of(m_conflicts[shape].begin(), m_conflicts[shape].end(),
                              [&](size_t other) { return masks[other] == mask; })) {
                 free.push_back(mask);
             }
@@ -71,16 +81,19 @@ private:
 
     const std::vector<Shape>& m_shapes;
     Conflicts m_conflicts;
+    std::vector<int32_t> m_pins; ///< [shape] its only mask, -1: any
     Random& m_random;
 };
 
-/// Appends new solutions until there are enough or the tries are used up.
+/// Appends new solutions, either all with or all without stitches, until there are enough or the tries are
+/// used up.
 void collect(std::vector<Solution>& solutions, Painter& painter, int32_t most, bool withStitches)
 {
     const auto enough = static_cast<size_t>(most);
     for (int32_t i = 0; i < most * TRIES_PER_SOLUTION && solutions.size() < enough; ++i) {
         const std::optional<Solution> solution = painter.paint(withStitches);
-        if (solution && std::find(solutions.begin(), solutions.end(), *solution) == solutions.end()) {
+        if (solution && (solution->stitches > 0) == withStitches &&
+            std::find(solutions.begin(), solutions.end(), *solution) == solutions.end()) {
             solutions.push_back(*solution);
         }
     }
@@ -92,10 +105,14 @@ std::vector<Solution> findSolutions(const std::vector<Shape>& shapes, int32_t mo
 {
     Painter painter(shapes, random);
     std::vector<Solution> solutions;
-    collect(solutions, painter, most - most * STITCHED_SHARE / 1000, /*withStitches=*/false);
-    if (!solutions.empty()) {
-        collect(solutions, painter, most, /*withStitches=*/true);
+    collect(solutions, painter, 1, /*withStitches=*/false);
+    if (solutions.empty()) {
+        return solutions;
     }
+    painter.pin(solutions.front());
+    collect(solutions, painter, most - most * STITCHED_SHARE / 1000, /*withStitches=*/false);
+    collect(solutions, painter, most, /*withStitches=*/true);
+    collect(solutions, painter, most, /*withStitches=*/false); // where stitches are no help
     std::stable_sort(solutions.begin(), solutions.end(),
                      [](const Solution& a, const Solution& b) { return a.stitches < b.stitches; });
     return solutions;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/gen/command.h"
 
+#include <charconv>
 #include <memory>
 #include <string>
 
@@ -47,11 +48,24 @@ void addNetOptions(CLI::App& command, Options& options)
                "nets of 10 to 1000 members, of every 1000 nets");
 }
 
+/// Why a text is no seed, empty if it is one. The option's own conversion lets a sign pass, and cuts what is
+/// too large.
+std::string faultOfSeed(const std::string& text)
+{
+    uint64_t seed = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, seed);
+    const bool whole = error == std::errc() && stop == end;
+    return whole ? "" : "Value " + text + " is not a whole number from 0 to 2^64 - 1";
+}
+
 void addFileOptions(CLI::App& command, Options& options)
 {
     command.add_option("OUT", options.out, "path and base name of the design files")->required();
     command.add_option("--cell-dir", options.cellDir, "folder of the colour files (default: OUT.colors)");
-    command.add_option("--seed", options.seed, "the same seed gives the same files")->capture_default_str();
+    command.add_option("--seed", options.seed, "the same seed gives the same files")
+        ->check(CLI::Validator(faultOfSeed, ""))
+        ->capture_default_str();
     command.add_flag("--force", options.force, "replace files that exist");
 }
 

@@ -7,6 +7,20 @@
 
 namespace kit::gen {
 
+namespace {
+
+void describe(const Options& options, const Placement& placement, const Netlist& netlist)
+{
+    const Floorplan& plan = placement.plan;
+    std::cout << options.out << ": " << placement.cells.size() << " components on " << plan.rows
+              << " rows of " << plan.sitesPerRow << " sites, " << plan.stretches.size() << " segments, "
+              << (placement.cellSites * 200 / plan.capacity + 1) / 2 << " % utilised; "
+              << netlist.netBegin.size() - 1 << " nets with " << netlist.members.size() << " members, "
+              << netlist.pins.size() << " pins\n";
+}
+
+} // namespace
+
 void generate(const Options& options)
 {
     checkTogether(options);
@@ -19,10 +33,7 @@ void generate(const Options& options)
     writePlacement(placement, library, options);
     writePins(netlist, options);
     writeNets(netlist, options);
-    std::cout << options.out << ": " << placement.cells.size() << " components on " << placement.plan.rows
-              << " rows of " << placement.plan.sitesPerRow << " sites, " << placement.plan.stretches.size()
-              << " segments; " << netlist.netBegin.size() - 1 << " nets with " << netlist.members.size()
-              << " members, " << netlist.pins.size() << " pins\n";
+    describe(options, placement, netlist);
 }
 
 } // namespace kit::gen

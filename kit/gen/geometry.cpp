@@ -40,15 +40,36 @@ void addBar(std::vector<Shape>& shapes, int32_t x, int32_t first, int32_t last, 
     shapes.push_back({{bar.xl, cut, bar.xh, bar.yh}, /*rail=*/false, /*joined=*/true});
 }
 
+/// How much of a column stays empty: tracks below the first bar, and between two bars, each less than this.
+struct Emptiness {
+    int32_t below;
+    int32_t between;
+};
+
+constexpr Emptiness CROWDED{1, 2};
+constexpr Emptiness SPARSE{TRACKS, TRACKS};
+constexpr int32_t CROWDED_EDGES = 400; // per mille
+
 /// Adds the bars above each other at one x.
-void addColumn(std::vector<Shape>& shapes, int32_t x, Random& random)
+void addColumn(std::vector<Shape>& shapes, int32_t x, Emptiness emptiness, Random& random)
 {
-    int32_t first = random.below(TRACKS);
+    int32_t first = random.below(emptiness.below);
     while (first < TRACKS) {
         const int32_t last = std::min(first + random.lowBelow(TRACKS), TRACKS - 1);
         addBar(shapes, x, first, last, random);
-        first = last + 1 + random.below(TRACKS);
+        first = last + 1 + random.below(emptiness.between);
     }
+}
+
+int32_t drawEdgeDist(Random& random)
+{
+    return LEAST_EDGE_DIST + EDGE_DIST_STEP * random.below(EDGE_DISTS);
+}
+
+/// The emptiness of a column on an edge.
+Emptiness drawEmptiness(Random& random)
+{
+    return random.perMille(CROWDED_EDGES) ? CROWDED : SPARSE;
 }
 
 } // namespace
@@ -58,14 +79,15 @@ std::vector<Shape> drawShapes(int32_t sites, Random& random)
     const int32_t width = sites * LIBRARY_SITE;
     std::vector<Shape> shapes{{{0, 0, width, RAIL_WIDTH}, /*rail=*/true},
                               {{0, LIBRARY_HEIGHT - RAIL_WIDTH, width, LIBRARY_HEIGHT}, /*rail=*/true}};
-    const auto edgeDist = [&random] { return LEAST_EDGE_DIST + EDGE_DIST_STEP * random.below(EDGE_DISTS); };
-    addColumn(shapes, edgeDist(), random);
+    const int32_t leftDist = drawEdgeDist(random);
+    addColumn(shapes, leftDist, drawEmptiness(random), random);
     for (int32_t column = 1; column < sites; ++column) {
         if (random.perMille(INNER_COLUMNS)) {
-            addColumn(shapes, column * LIBRARY_SITE + INNER_BAR_START, random);
+            addColumn(shapes, column * LIBRARY_SITE + INNER_BAR_START, SPARSE, random);
         }
     }
-    addColumn(shapes, width - edgeDist() - BAR_WIDTH, random);
+    const int32_t rightDist = drawEdgeDist(random);
+    addColumn(shapes, width - rightDist - BAR_WIDTH, drawEmptiness(random), random);
     return shapes;
 }
 

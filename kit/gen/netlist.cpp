@@ -8,9 +8,7 @@ namespace kit::gen {
 
 namespace {
 
-constexpr std::array<int32_t, 50> DEGREES{2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2,
-                                          2, 2, 2, 2, 2, 2, 2, 2, 2, 3, 3, 3, 3, 3, 3, 3, 3,
-                                          3, 3, 3, 3, 4, 4, 4, 4, 4, 4, 4, 5, 5, 5, 5, 5};
+constexpr std::array<int32_t, 10> DEGREES{2, 2, 2, 2, 2, 3, 3, 4, 4, 5}; // of local nets
 constexpr int32_t SECOND_NETS = 100; // per mille of the components that drive two nets
 constexpr int32_t LEAST_WIDE = 10;
 constexpr int32_t MOST_WIDE = 1000;
@@ -115,9 +113,10 @@ private:
         const Placed& from = m_near.cell(driver);
         const int32_t degree = m_random.pick(DEGREES);
         for (int32_t tries = degree * TRIES_PER_MEMBER; tries > 0 && size() < degree; --tries) {
-            const int32_t rowOffset = m_random.below(2) * (1 + m_random.lowBelow(m_options.windowRows));
-            const int32_t siteOffset = m_random.lowBelow(m_options.windowSites + 1);
-            addNear(from, withSign(rowOffset), withSign(siteOffset));
+            const bool sameRow = m_random.below(2) == 0;
+            const int32_t rowOffset = sameRow ? 0 : withSign(1 + m_random.lowBelow(m_options.windowRows));
+            const int32_t siteOffset = withSign(m_random.lowBelow(m_options.windowSites + 1));
+            addNear(from, rowOffset, siteOffset);
         }
     }
 
@@ -133,7 +132,8 @@ private:
         const int32_t sites = rows * SITES_PER_ROW_HEIGHT;
         for (int32_t tries = degree * TRIES_PER_MEMBER; tries > 0 && size() < degree; --tries) {
             const int32_t rowOffset = m_random.below(2 * rows + 1) - rows;
-            addNear(from, rowOffset, m_random.below(2 * sites + 1) - sites);
+            const int32_t siteOffset = m_random.below(2 * sites + 1) - sites;
+            addNear(from, rowOffset, siteOffset);
         }
     }
 

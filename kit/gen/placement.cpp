@@ -2,11 +2,24 @@
 #include "kit/gen/placement.h"
 
 #include <algorithm>
+#include <functional>
 #include <limits>
+#include <numeric>
+#include <utility>
 
 namespace kit::gen {
 
 namespace {
+
+/// Cells that are tried at the end of a stretch, lest dense rows stay short of their share.
+constexpr size_t LOOK_AHEAD = 64;
+
+/// Width of all cells together, sites.
+int64_t widthOf(const std::vector<uint16_t>& types, const std::vector<LibraryCell>& library)
+{
+    return std::transform_reduce(types.begin(), types.end(), int64_t{0}, std::plus<>(),
+                                 [&](uint16_t type) { return library[type].sites; });
+}
 
 /// What the cells of a stretch take at least: their widths and the spacings of the best colouring.
 class Occupancy {
@@ -50,14 +63,12 @@ private:
 /// Fills the stretches of a floorplan one after the other.
 class Filler {
 public:
-    Filler(const Floorplan& plan, const std::vector<uint16_t>& types, const std::vector<LibraryCell>& library,
+    Filler(const Floorplan& plan, std::vector<uint16_t> types, const std::vector<LibraryCell>& library,
            const Options& options)
-        : m_plan(plan), m_types(types), m_library(library), m_gaps(options.seed, GAP_STREAM),
+        : m_plan(plan), m_types(std::move(types)), m_library(library), m_gaps(options.seed, GAP_STREAM),
           m_mirrors(options.seed, MIRROR_STREAM), m_mirrored(options.mirrored)
     {
-        for (const uint16_t type : types) {
-            m_total += library[type].sites;
-        }
+        m_total = widthOf(m_types, library);
     }
 
     /// The cells where they stand, or nothing if they do not fit.
@@ -78,16 +89,30 @@ private:
     {
         Occupancy occupancy;
         const size_t first = m_cells.size();
-        while (m_cells.size() < m_types.size() && m_width + occupancy.width() < target) {
+        while (m_width + occupancy.width() < target && bringFitting(occupancy, stretch.sites)) {
             const uint16_t type = m_types[m_cells.size()];
-            if (occupancy.with(m_library[type]) > stretch.sites) {
-                break;
-            }
             occupancy.join(m_library[type]);
             m_cells.push_back({stretch.row, 0, type, m_mirrors.below(100) < m_mirrored});
         }
         m_width += occupancy.width();
         spread(first, stretch, stretch.sites - occupancy.width());
+    }
+
+    /// Makes the next cell one that fits, the first of those that come soon.
+    ///
+    /// @param sites  capacity of the stretch
+    /// @return false if there is none
+    bool bringFitting(Occupancy& occupancy, int32_t sites)
+    {
+        const size_t next = m_cells.size();
+        const size_t end = std::min(next + LOOK_AHEAD, m_types.size());
+        for (size_t i = next; i < end; ++i) {
+            if (occupancy.with(m_library[m_types[i]]) <= sites) {
+                std::swap(m_types[next], m_types[i]);
+                return true;
+            }
+        }
+        return false;
     }
 
     /// Sets the cells from one on apart, every free site in a gap chosen at random.
@@ -108,7 +133,7 @@ private:
     }
 
     const Floorplan& m_plan;
-    const std::vector<uint16_t>& m_types;
+    std::vector<uint16_t> m_types; ///< [component] its cell, in the order of placing
     const std::vector<LibraryCell>& m_library;
     Random m_gaps;
     Random m_mirrors;
@@ -124,17 +149,14 @@ private:
 Placement placeAll(const std::vector<uint16_t>& types, const std::vector<LibraryCell>& library,
                    const Options& options)
 {
-    int64_t cellSites = 0;
-    for (const uint16_t type : types) {
-        cellSites += library[type].sites;
-    }
+    const int64_t cellSites = widthOf(types, library);
     Floorplan plan = fitFloorplan(cellSites, options);
     std::optional<std::vector<Placed>> cells = Filler(plan, types, library, options).fill();
-    while (!cells) { // dense rows in short pieces may be too tight: a little longer ones then
-        plan = makeFloorplan(plan.rows, plan.sitesPerRow + 1 + plan.sitesPerRow / 200, options);
+    while (!cells) { // spacings and the ends of short stretches take more than is free: some more rows
+        plan = makeFloorplan(plan.rows + 1 + plan.rows / 200, plan.sitesPerRow, options);
         cells = Filler(plan, types, library, options).fill();
     }
-    return {std::move(plan), std::move(*cells)};
+    return {std::move(plan), std::move(*cells), cellSites};
 }
 
 } // namespace kit::gen

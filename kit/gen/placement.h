@@ -23,6 +23,7 @@ struct Placed {
 struct Placement {
     Floorplan plan;
     std::vector<Placed> cells; ///< by row, then from left to right
+    int64_t cellSites = 0;     ///< width of all cells together, sites
 };
 
 /// Places all cells: none overlaps another, each lies on one stretch, the free sites are spread at random.
