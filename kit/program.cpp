@@ -23,8 +23,9 @@ int runProgram(int argc, char** argv, const std::vector<AddCommand>& commands)
 {
     CLI::App program{"Companion of the placer vireloce", "vireloce-kit"};
     program.require_subcommand(1);
+    int exitStatus = 0;
     for (const AddCommand add : commands) {
-        add(program);
+        add(program, exitStatus);
     }
     try {
         program.parse(argc, argv);
@@ -35,7 +36,7 @@ int runProgram(int argc, char** argv, const std::vector<AddCommand>& commands)
     } catch (const Fault& fault) {
         return fail(fault.what());
     }
-    return 0;
+    return exitStatus;
 }
 
 } // namespace kit

@@ -71,7 +71,7 @@ void addFileOptions(CLI::App& command, Options& options)
 
 } // namespace
 
-void addCommand(CLI::App& program)
+void addCommand(CLI::App& program, int& /*exitStatus*/)
 {
     CLI::App& command = *program.add_subcommand("gen", "Write a synthetic design with its cell library");
     const auto options = std::make_shared<Options>();

@@ -6,6 +6,6 @@
 namespace kit::gen {
 
 /// Adds the subcommand `gen`, which writes a synthetic design.
-void addCommand(CLI::App& program);
+void addCommand(CLI::App& program, int& exitStatus);
 
 } // namespace kit::gen

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <string>
+
+#include "kit/input/design.h"
+#include "kit/input/finding.h"
+
+namespace kit::input {
+
+/// The files of a design.
+struct Paths {
+    std::string base;    ///< of BASE.place, .pins, .netlist and .cells
+    std::string cellDir; ///< folder of the colour files
+};
+
+/// Reads a design to the end, whatever is wrong with it: what cannot be read is left out.
+///
+/// Every problem of form is appended to `findings`: missing and surplus tokens, wrong counts, over-long lines
+/// and the like; so is every name that means nothing.
+///
+/// Errors: throws Fault if a file cannot be opened.
+Design readDesign(const Paths& paths, Findings& findings);
+
+/// As readDesign(), the placement file alone. Cells are looked up in design.cells if there are any.
+void readPlacement(const std::string& path, Design& design, Findings& findings);
+
+/// As readDesign(), the cell list and the colour files alone.
+void readLibrary(const Paths& paths, Design& design, Findings& findings);
+
+} // namespace kit::input
