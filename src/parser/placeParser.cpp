@@ -37,13 +37,18 @@ public:
     /// The next token. Ends the run if there is none.
     const char* next()
     {
-        char* const token = m_rest != nullptr ? m_rest + std::strspn(m_rest, " ") : nullptr;
-        if (token == nullptr || *token == '\0') {
+        while (m_rest != nullptr && *m_rest == ' ') {
+            ++m_rest;
+        }
+        if (m_rest == nullptr || *m_rest == '\0') {
             vireloce::endRunAt(m_path, m_line,
                                std::string(m_record) + " ends after " + std::to_string(m_taken) + " tokens");
         }
         ++m_taken;
-        m_rest = token + std::strcspn(token, " ");
+        const char* const token = m_rest;
+        while (*m_rest != ' ' && *m_rest != '\0') {
+            ++m_rest;
+        }
         if (*m_rest != '\0') {
             *m_rest++ = '\0';
         }

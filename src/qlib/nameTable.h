@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "qlib/largeBlock.h"
+
 namespace vireloce {
 
 /// Names and their numbers, for many look-ups: an open-addressing hash table with linear probing.
@@ -26,8 +28,17 @@ public:
     template <class Map>
     void insertAll(const Map& numbers)
     {
+        // The slots are asked for some names ahead: see below.
+        auto ahead = numbers.begin();
+        for (size_t i = 0; i < LEAD && ahead != numbers.end(); ++i, ++ahead) {
+            askForSlot(hashOf(ahead->first));
+        }
         for (const auto& [name, number] : numbers) {
             insert(name, number);
+            if (ahead != numbers.end()) {
+                askForSlot(hashOf(ahead->first));
+                ++ahead;
+            }
         }
     }
 
@@ -51,6 +62,8 @@ public:
     void askForName(uint64_t hash) const { __builtin_prefetch(m_slots[firstSlot(hash)].name); }
 
 private:
+    static constexpr size_t LEAD = 16; ///< names
+
     struct Slot {
         const std::string* name = nullptr; ///< nullptr: free
         uint32_t check = 0;                ///< bits of the hash, to compare few names
@@ -68,7 +81,7 @@ private:
     /// The slot of a name, or the free one where it belongs.
     size_t slotOf(std::string_view name, uint64_t hash) const;
 
-    std::vector<Slot> m_slots; ///< one at least is free
+    std::vector<Slot, BlockAllocator<Slot>> m_slots; ///< one at least is free
 };
 
 } // namespace vireloce

@@ -5,6 +5,8 @@
 #include <new>
 #include <utility>
 
+#include "qlib/largeBlock.h"
+
 #if defined(__has_feature)
 #define VIRELOCE_HAS_FEATURE(feature) __has_feature(feature)
 #else
@@ -30,14 +32,14 @@ public:
         if constexpr (IS_WATCHED) {
             return ::operator new(sizeof(T));
         }
+        if (s_free == nullptr && s_fresh == s_freshEnd) {
+            addSlab();
+        }
         ++s_live;
         if (s_free != nullptr) {
             return std::exchange(s_free, s_free->next);
         }
-        if (s_fresh == 0) {
-            addSlab();
-        }
-        return s_slabs->places + --s_fresh * sizeof(T);
+        return std::exchange(s_fresh, s_fresh + sizeof(T));
     }
 
     /// Gives the memory of a T back.
@@ -65,42 +67,46 @@ private:
     static constexpr bool IS_WATCHED = false;
 #endif
 
-    static constexpr size_t SLAB_SIZE = 1024; ///< records
-    static constexpr size_t CACHE_LINE = 64;  ///< bytes
+    static constexpr size_t FIRST_SIZE = 65536;    ///< bytes of the first slab
+    static constexpr size_t SIZE = 2 * LARGE_PAGE; ///< bytes of the others
 
     /// A place without a record.
     struct Place {
         Place* next;
     };
 
-    /// The places of many records, which straddle no more cache lines than they must.
-    struct alignas(CACHE_LINE) Slab {
+    /// The head of a slab. The places behind it straddle no more cache lines than they must.
+    struct alignas(64) Slab {
         Slab* next;
-        alignas(CACHE_LINE) unsigned char places[SLAB_SIZE * sizeof(T)];
+        size_t bytes; ///< of the slab
+
+        unsigned char* places() { return reinterpret_cast<unsigned char*>(this + 1); }
     };
 
     static void addSlab()
     {
-        auto* const slab = new Slab; // not initialised: its pages are touched when they are used
-        slab->next = s_slabs;
-        s_slabs = slab;
-        s_fresh = SLAB_SIZE;
+        const size_t bytes = s_slabs == nullptr ? FIRST_SIZE : SIZE;
+        s_slabs = ::new (takeBlock(bytes)) Slab{s_slabs, bytes};
+        s_fresh = s_slabs->places();
+        s_freshEnd = s_fresh + (bytes - sizeof(Slab)) / sizeof(T) * sizeof(T);
     }
 
     static void freeSlabs()
     {
         while (s_slabs != nullptr) {
-            delete std::exchange(s_slabs, s_slabs->next);
+            Slab* const slab = std::exchange(s_slabs, s_slabs->next);
+            giveBlockBack(slab, slab->bytes);
         }
         s_free = nullptr;
-        s_fresh = 0;
+        s_fresh = s_freshEnd = nullptr;
     }
 
     // Of trivial types: records may end after the static objects of the process.
-    static inline Slab* s_slabs = nullptr; ///< the newest first
-    static inline size_t s_fresh = 0;      ///< places of the newest slab, from its front, never handed out
-    static inline Place* s_free = nullptr; ///< places that were given back
-    static inline size_t s_live = 0;       ///< records in existence
+    static inline Slab* s_slabs = nullptr;             ///< the newest first
+    static inline unsigned char* s_fresh = nullptr;    ///< first place of the newest slab never handed out
+    static inline unsigned char* s_freshEnd = nullptr; ///< end of its places
+    static inline Place* s_free = nullptr;             ///< places that were given back
+    static inline size_t s_live = 0;                   ///< records in existence
 };
 
 } // namespace vireloce

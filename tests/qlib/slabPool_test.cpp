@@ -29,12 +29,12 @@ TEST(SlabPool, PlacesDoNotOverlapAndAreAligned)
 {
     using Pool = vireloce::SlabPool<Record<1>>;
     std::vector<void*> places;
-    for (int i = 0; i < 5000; ++i) {
+    for (int i = 0; i < 60000; ++i) {
         places.push_back(Pool::take());
         std::memset(places.back(), i % 256, sizeof(Record<1>));
         EXPECT_EQ(reinterpret_cast<uintptr_t>(places.back()) % alignof(Record<1>), 0U);
     }
-    for (int i = 0; i < 5000; ++i) {
+    for (int i = 0; i < 60000; ++i) {
         const auto* bytes = static_cast<const unsigned char*>(places[static_cast<size_t>(i)]);
         for (size_t k = 0; k < sizeof(Record<1>); ++k) {
             ASSERT_EQ(bytes[k], i % 256);
@@ -48,15 +48,15 @@ TEST(SlabPool, PlacesGivenBackAreUsedAgain)
     using Pool = vireloce::SlabPool<Record<2>>;
     void* const stays = Pool::take();
     std::vector<void*> places;
-    for (int i = 0; i < 3000; ++i) {
+    for (int i = 0; i < 30000; ++i) {
         places.push_back(Pool::take());
     }
     giveAllBack<Record<2>>(places);
     std::set<void*> again;
-    for (int i = 0; i < 3000; ++i) {
+    for (int i = 0; i < 30000; ++i) {
         again.insert(Pool::take());
     }
-    EXPECT_EQ(again.size(), 3000U);
+    EXPECT_EQ(again.size(), 30000U);
     EXPECT_EQ(again.count(stays), 0U);
 #if !defined(__SANITIZE_ADDRESS__) && !VIRELOCE_HAS_FEATURE(address_sanitizer)
     EXPECT_EQ(again, std::set<void*>(places.begin(), places.end()));
