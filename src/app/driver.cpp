@@ -54,6 +54,9 @@ void run(int argc, char** argv)
     // Required: the label says LUT, but the time is that of the whole set-up.
     reportf("\nSTAT | LUT CPU time             = %.3f s\n\n", qLib::timer() - setUpBegin);
     design->requireSolutions();
+    // Names served the readers. Their memory, a good part of what the design takes, now serves the solver.
+    design->compIndex.clear();
+    design->pinIndex.clear();
 
     const auto legalizer = std::make_unique<Legalizer>(design.get());
     const double placeBegin = qLib::timer();
