@@ -42,7 +42,7 @@ public:
     std::pair<int32_t, int32_t> outside(int32_t net, const Stretch& stretch) const;
 
     /// Number of nets.
-    size_t numNets() const { return m_nets.size(); }
+    size_t numNets() const { return m_nets.size() - 1; }
 
 private:
     struct Place {
