@@ -272,9 +272,9 @@ TEST(GridKernel, LeavesCostsThatWouldWrapAroundOnTopOfANodeThatIsNotReached)
     // The only place of the second component costs nothing. On site 0, which no path reaches, its 68 terms
     // are less than 2^30 by their whole parts, but more as floats: on top of the start value that is
     // negative.
-    HandMade made{.numSites = 1000, .weight = 15790.3135F, .comps = {{.width = 1000}, {.width = 0}}};
-    made.comps[1].lefts = Ints(68, 1000);
-    ASSERT_LT(static_cast<int64_t>(1000 * made.weight) * 68, int64_t{1} << 30);
+    HandMade made{.numSites = 104, .weight = 151830.0F, .comps = {{.width = 104}, {.width = 0}}};
+    made.comps[1].lefts = Ints(68, 104);
+    ASSERT_LT(static_cast<int64_t>(104 * made.weight) * 68, int64_t{1} << 30);
     ASSERT_GT(made.cost(1, 0, 0), 1 << 30);
     ASSERT_EQ(LiteralGrid(made, INFINITE_COST).places(), (GridPlaces{LEFT_OUT, {0, 0}}));
     const auto places = solved(made);
