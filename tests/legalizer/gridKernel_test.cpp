@@ -17,6 +17,7 @@ using test::HandMade;
 using test::HandMadeArrays;
 using test::HandMadeComp;
 using test::Ints;
+using test::largeHandMade;
 using test::LiteralGrid;
 using test::randomHandMade;
 using vireloce::GridKernel;
@@ -265,6 +266,24 @@ TEST(GridKernel, AgreesWithTheGridForEveryStartValueThatItTakes)
             EXPECT_EQ(places.has_value(), best < start) << "seed " << seed;
         }
     }
+}
+
+TEST(GridKernel, AgreesWithTheGridOnLargeNumbersWhereItTakesThem)
+{
+    GridKernel kernel;
+    int taken = 0;
+    int refused = 0;
+    for (uint32_t seed = 1; seed <= 1500 && !HasFailure(); ++seed) {
+        const HandMade made = largeHandMade(seed);
+        const int32_t unreached = seed % 2 == 0 ? INFINITE_COST : ORDERED_START;
+        const auto places = solved(kernel, made, unreached);
+        (places.has_value() ? taken : refused) += 1;
+        if (places.has_value()) {
+            ASSERT_EQ(*places, LiteralGrid(made, unreached).places()) << "seed " << seed;
+        }
+    }
+    EXPECT_GT(taken, 100);
+    EXPECT_GT(refused, 100);
 }
 
 TEST(GridKernel, LeavesCostsThatWouldWrapAroundOnTopOfANodeThatIsNotReached)
