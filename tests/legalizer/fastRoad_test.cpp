@@ -220,14 +220,15 @@ TEST_P(Limits, RoadsAgreeWhereACostWouldWrapAroundOnTopOfTheStartValue)
 {
     // The only place of the second component costs nothing. On site 0, which no path reaches, its 68 terms
     // are less than 2^30 by their whole parts, but more as floats: on top of the joint program's start value
-    // that is negative.
+    // that is negative. The third one takes the nets' right ends from it.
     const auto [fast, graph] = onBothRoads(GetParam(), [](TinyDesign& tiny) {
-        WEIGHT_WRLENG = 15790.3135F;
-        Segment* segment = tiny.addSegment(0, 0, 1000);
-        tiny.addComponent(segment, tiny.addCell(1000, {0}), 0, 0);
-        Component* comp = tiny.addComponent(segment, tiny.addCell(0, {0}), 1000, 0);
+        WEIGHT_WRLENG = 151830.0F;
+        Segment* segment = tiny.addSegment(0, 0, 104);
+        tiny.addComponent(segment, tiny.addCell(104, {0}), 0, 0);
+        Component* comp = tiny.addComponent(segment, tiny.addCell(0, {0}), 50, 0);
+        Component* last = tiny.addComponent(segment, tiny.addCell(0, {0}), 60, 0);
         for (int i = 0; i < 68; ++i) {
-            tiny.addNet({comp}, {tiny.addPin(1000 * SITE_WIDTH, 0)});
+            tiny.addNet({comp, last}, {tiny.addPin(104 * SITE_WIDTH, 0)});
         }
         return segment;
     });

@@ -17,6 +17,7 @@ using test::HandMade;
 using test::HandMadeArrays;
 using test::HandMadeComp;
 using test::Ints;
+using test::largeHandMade;
 using test::LiteralGrid;
 using test::randomHandMade;
 using vireloce::GridKernel;
@@ -267,14 +268,32 @@ TEST(GridKernel, AgreesWithTheGridForEveryStartValueThatItTakes)
     }
 }
 
+TEST(GridKernel, AgreesWithTheGridOnLargeNumbersWhereItTakesThem)
+{
+    GridKernel kernel;
+    int taken = 0;
+    int refused = 0;
+    for (uint32_t seed = 1; seed <= 1500 && !HasFailure(); ++seed) {
+        const HandMade made = largeHandMade(seed);
+        const int32_t unreached = seed % 2 == 0 ? INFINITE_COST : ORDERED_START;
+        const auto places = solved(kernel, made, unreached);
+        (places.has_value() ? taken : refused) += 1;
+        if (places.has_value()) {
+            ASSERT_EQ(*places, LiteralGrid(made, unreached).places()) << "seed " << seed;
+        }
+    }
+    EXPECT_GT(taken, 100);
+    EXPECT_GT(refused, 100);
+}
+
 TEST(GridKernel, LeavesCostsThatWouldWrapAroundOnTopOfANodeThatIsNotReached)
 {
     // The only place of the second component costs nothing. On site 0, which no path reaches, its 68 terms
     // are less than 2^30 by their whole parts, but more as floats: on top of the start value that is
     // negative.
-    HandMade made{.numSites = 1000, .weight = 15790.3135F, .comps = {{.width = 1000}, {.width = 0}}};
-    made.comps[1].lefts = Ints(68, 1000);
-    ASSERT_LT(static_cast<int64_t>(1000 * made.weight) * 68, int64_t{1} << 30);
+    HandMade made{.numSites = 104, .weight = 151830.0F, .comps = {{.width = 104}, {.width = 0}}};
+    made.comps[1].lefts = Ints(68, 104);
+    ASSERT_LT(static_cast<int64_t>(104 * made.weight) * 68, int64_t{1} << 30);
     ASSERT_GT(made.cost(1, 0, 0), 1 << 30);
     ASSERT_EQ(LiteralGrid(made, INFINITE_COST).places(), (GridPlaces{LEFT_OUT, {0, 0}}));
     const auto places = solved(made);

@@ -372,4 +372,27 @@ inline HandMade randomHandMade(uint32_t seed)
     return made;
 }
 
+/// The same with numbers around the limits of what a kernel may take.
+inline HandMade largeHandMade(uint32_t seed)
+{
+    HandMade made = randomHandMade(seed);
+    Random random(seed + 1000000);
+    made.weight = random.oneOf<float>({1.4F, 100.25F, 1000.5F, 4096.0F, 65536.0F, 151830.0F, 1e6F, 1e9F});
+    const Ints stitchNums = random.oneOf<Ints>({{0, 1},
+                                                {0, 12345600, 12345678},
+                                                {0, (1 << 22) - 5, (1 << 23) - 1},
+                                                {1 << 23, (1 << 24) - 1, 1 << 24},
+                                                {0, 1 << 24, 1 << 28, 1 << 30},
+                                                {-1, 0, 1}});
+    for (HandMadeComp& comp : made.comps) {
+        for (int32_t& stitch : comp.stitches) {
+            stitch = random.oneOf(stitchNums);
+        }
+        for (int i = random.oneOf<int>({0, 0, 5, 70, 200}); i > 0; --i) {
+            (random.pick(0, 1) == 0 ? comp.lefts : comp.rights).push_back(random.pick(0, made.numSites));
+        }
+    }
+    return made;
+}
+
 } // namespace test

@@ -14,6 +14,7 @@ using test::HandMade;
 using test::HandMadeArrays;
 using test::HandMadeComp;
 using test::Ints;
+using test::largeHandMade;
 using test::literalShifts;
 using test::Random;
 using test::randomHandMade;
@@ -118,6 +119,36 @@ INSTANTIATE_TEST_SUITE_P(
                   0,
                   {{0, 0}, {0, 0}}}),
     [](const auto& row) { return row.param.name; });
+
+TEST(ShiftKernel, AgreesWithTheTableOnLargeNumbersWhereItTakesThem)
+{
+    ShiftKernel kernel;
+    int taken = 0;
+    int refused = 0;
+    for (uint32_t seed = 1; seed <= 1500 && !HasFailure(); ++seed) {
+        const HandMade made = largeHandMade(seed);
+        const auto places = solved(kernel, made, 2, seed % 2 == 0);
+        (places.has_value() ? taken : refused) += 1;
+        if (places.has_value()) {
+            ASSERT_EQ(*places, literalShifts(made, 2, seed % 2 == 0)) << "seed " << seed;
+        }
+    }
+    EXPECT_GT(taken, 100);
+    EXPECT_GT(refused, 100);
+}
+
+TEST(ShiftKernel, SaturatesSumsThatGrowBeyondTheStartValue)
+{
+    for (const size_t n : {60U, 64U, 65U, 66U, 70U, 140U}) { // 2 * (n - 1) times 2^23: 65 make 2^30
+        HandMade made{.numSites = 200, .weight = 1.0F, .comps = std::vector<HandMadeComp>(n)};
+        for (size_t q = 0; q < n; ++q) {
+            made.comps[q].stitches = {(1 << 23) - static_cast<int32_t>(q % 3), 1 << 23};
+            made.comps[q].site = static_cast<int32_t>(q) + 1;
+        }
+        ASSERT_EQ(literalShifts(made, 1, false).empty(), n > 65);
+        EXPECT_EQ(solved(made, 1), literalShifts(made, 1, false)) << n << " components";
+    }
+}
 
 TEST(ShiftKernel, ChoosesTheSameWithPruning)
 {

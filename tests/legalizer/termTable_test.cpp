@@ -173,6 +173,16 @@ TEST(TermTable, KeepsALargerTableOfTheSameWeight)
     EXPECT_EQ(table.falling(10)[3], table.rising()[7]);
 }
 
+TEST(TermTable, VouchesForNothingWithANegativeRangeAfterALargerTable)
+{
+    TermTable table;
+    table.prepare(1.4F, 100);
+    table.prepare(1.4F, -1);
+    EXPECT_EQ(table.additiveLimit(), 0);
+    table.prepare(1.4F, 10);
+    EXPECT_GT(table.additiveLimit(), 0);
+}
+
 TEST(TermTable, IsMadeAnewForAnotherWeightOrALargerRange)
 {
     TermTable table;
