@@ -106,7 +106,7 @@ int32_t GridKernel::layOut(const GridProblem& problem)
     m_layers.clear();
     int64_t end = 0;
     for (size_t q = 0; q < segment.comps.size(); ++q) {
-        end += segment.width[q] + (q > 0 ? problem.behind[q]->least : 0);
+        end += int64_t{segment.width[q]} + (q > 0 ? problem.behind[q]->least : 0);
         if (end > segment.numSites) {
             break;
         }
