@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/gen/command.h"
+#include "kit/lint/command.h"
 #include "kit/program.h"
 
 int main(int argc, char** argv)
 {
-    return kit::runProgram(argc, argv, {kit::gen::addCommand});
+    return kit::runProgram(argc, argv, {kit::gen::addCommand, kit::lint::addCommand});
 }
