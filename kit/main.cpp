@@ -3,8 +3,11 @@
 #include "kit/lint/command.h"
 #include "kit/place/command.h"
 #include "kit/program.h"
+#include "kit/verify/command.h"
 
 int main(int argc, char** argv)
 {
-    return kit::runProgram(argc, argv, {kit::gen::addCommand, kit::lint::addCommand, kit::place::addCommand});
+    return kit::runProgram(
+        argc, argv,
+        {kit::gen::addCommand, kit::lint::addCommand, kit::place::addCommand, kit::verify::addCommand});
 }

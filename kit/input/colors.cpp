@@ -2,12 +2,10 @@
 #include "kit/input/colors.h"
 
 #include <charconv>
-#include <fstream>
 #include <optional>
-#include <sstream>
 #include <string_view>
 
-#include "kit/fault.h"
+#include "kit/input/text.h"
 #include "kit/outputFile.h"
 
 namespace kit::input {
@@ -17,17 +15,6 @@ namespace {
 constexpr std::string_view HEADER = "VIRELOCE COLORS 1";
 constexpr std::string_view COUNT = "COMPONENTS ";
 constexpr std::string_view END = "END";
-
-std::string contentOf(const std::string& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    if (!file || !text) {
-        throw Fault("cannot read " + path);
-    }
-    return std::move(text).str();
-}
 
 /// A whole text as a decimal integer.
 std::optional<int32_t> toInteger(std::string_view text)
@@ -176,7 +163,7 @@ private:
 
 std::vector<ColorRecord> readColors(const std::string& path, Findings& findings)
 {
-    const std::string text = contentOf(path);
+    const std::string text = readText(path);
     return ColorReader(path, text, findings).read();
 }
 
