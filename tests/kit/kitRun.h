@@ -13,6 +13,7 @@
 #include "db/design.h"
 #include "db/orientMapGuard.h"
 #include "kit/gen/command.h"
+#include "kit/lint/command.h"
 #include "kit/program.h"
 #include "support/guards.h"
 
@@ -37,7 +38,8 @@ inline KitOutcome runKit(Words words)
     }
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    const int status = kit::runProgram(static_cast<int>(argv.size()), argv.data(), {kit::gen::addCommand});
+    const int status = kit::runProgram(static_cast<int>(argv.size()), argv.data(),
+                                       {kit::gen::addCommand, kit::lint::addCommand});
     const std::string output = testing::internal::GetCapturedStdout();
     return {status, output, testing::internal::GetCapturedStderr()};
 }
