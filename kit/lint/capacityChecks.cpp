@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <algorithm>
-#include <numeric>
 #include <string>
 #include <utility>
 #include <vector>
@@ -29,13 +28,13 @@ public:
 
     void run()
     {
-        int64_t used = 0;
         int64_t sites = 0;
         for (size_t i = 0; i < m_occupancy.stretches.size(); ++i) {
-            used += checkStretch(m_occupancy.stretches[i], m_occupancy.components[i]);
+            checkStretch(m_occupancy.stretches[i], m_occupancy.components[i]);
             sites += m_occupancy.stretches[i].numSites;
         }
-        if (used > sites) {
+        const int64_t used = sitesOf(m_design.components);
+        if (used > sites && sites > 0) {
             m_reporter.error("overfull-design", {},
                              "the components take " + std::to_string(used) + " sites of the " +
                                  std::to_string(sites) + " in all rows, and no placement is legal",
@@ -44,13 +43,22 @@ public:
     }
 
 private:
-    /// @return sites that the components take
-    int64_t checkStretch(const Stretch& stretch, const std::vector<int32_t>& comps)
+    /// Sites that components take without spacings.
+    int64_t sitesOf(const std::vector<Component>& comps) const
     {
-        const int64_t used =
-            std::accumulate(comps.begin(), comps.end(), int64_t{0}, [this](int64_t sum, int32_t comp) {
-                return sum + input::widthInSites(m_design, component(comp));
-            });
+        int64_t sites = 0;
+        for (const Component& comp : comps) {
+            sites += input::widthInSites(m_design, comp);
+        }
+        return sites;
+    }
+
+    void checkStretch(const Stretch& stretch, const std::vector<int32_t>& comps)
+    {
+        int64_t used = 0;
+        for (const int32_t comp : comps) {
+            used += input::widthInSites(m_design, component(comp));
+        }
         const int64_t gaps = std::max<int64_t>(static_cast<int64_t>(comps.size()) - 1, 0);
         if (used > stretch.numSites) {
             report("overfull-row", stretch, used, "which fits only if others leave the row",
@@ -63,7 +71,6 @@ private:
                        "leave more room in the row, or add solutions to its cells");
             }
         }
-        return used;
     }
 
     const Component& component(int32_t index) const

@@ -4,6 +4,7 @@
 
 #include "kit/input/occupancy.h"
 #include "kit/input/reporter.h"
+#include "kit/input/text.h"
 #include "kit/lint/checks.h"
 
 namespace kit::lint {
@@ -149,9 +150,9 @@ void checkFillers(const Subject& subject)
     }
     input::Reporter reporter(subject.findings, subject.options.paths.place());
     reporter.note("fillers", {fillers[0].line, 0},
-                  "the placer leaves out FILLER_1 and the " + std::to_string(fillers.size() - 1) +
-                      " records after it",
-                  "nothing, if they are fillers");
+                  "the placer leaves out FILLER_1 and what follows it, " +
+                      input::counted(static_cast<int64_t>(fillers.size()), "record") + " in all",
+                  "that is no problem if they are fillers");
     for (const Component& comp : fillers) {
         if (!comp.name.starts_with("FILLER")) {
             reporter.warning("after-filler", {comp.line, 0},

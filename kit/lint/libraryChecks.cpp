@@ -4,8 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "kit/input/names.h"
 #include "kit/input/reporter.h"
 #include "kit/input/stretches.h"
+#include "kit/input/text.h"
 #include "kit/lint/checks.h"
 
 namespace kit::lint {
@@ -79,7 +81,7 @@ private:
             m_reporter.add(
                 m_users > 0 ? input::Severity::ERROR : input::Severity::WARNING, "no-solutions", {},
                 "the cell has no colour solution" +
-                    (m_users > 0 ? ", " + std::to_string(m_users) + " components use it, and the placer ends"
+                    (m_users > 0 ? ", " + input::counted(m_users, "component") + " of it make the placer end"
                                  : std::string(", but no component uses it")),
                 "add a solution");
         }
@@ -187,10 +189,12 @@ void checkLibrary(const Subject& subject)
         list.error("no-cells", {}, "there are no cells, and the placer ends at the first component",
                    "list the cells of the components");
     }
+    const std::vector<Cell>& cells = subject.design.cells;
     const std::vector<int64_t> users = usersOf(subject.design);
-    for (size_t i = 0; i < users.size(); ++i) {
-        if (subject.design.cells[i].complete) {
-            CellCheck(subject.design.cells[i], users[i], subject.findings).run();
+    const input::NameIndex last = input::indexNames(cells); // components have the last cell of a name
+    for (size_t i = 0; i < cells.size(); ++i) {
+        if (cells[i].complete && input::findName(last, cells[i].name) == static_cast<int32_t>(i)) {
+            CellCheck(cells[i], users[i], subject.findings).run();
         }
     }
     checkTable(subject, list);

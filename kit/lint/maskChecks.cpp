@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "kit/input/names.h"
 #include "kit/input/reporter.h"
 #include "kit/input/spacing.h"
 #include "kit/lint/checks.h"
@@ -104,9 +105,11 @@ private:
 
 void checkMasks(const Subject& subject)
 {
-    for (const Cell& cell : subject.design.cells) {
-        if (cell.complete) {
-            MaskCheck(cell, subject.options.distance, subject.findings).run();
+    const std::vector<Cell>& cells = subject.design.cells;
+    const input::NameIndex last = input::indexNames(cells);
+    for (size_t i = 0; i < cells.size(); ++i) {
+        if (cells[i].complete && input::findName(last, cells[i].name) == static_cast<int32_t>(i)) {
+            MaskCheck(cells[i], subject.options.distance, subject.findings).run();
         }
     }
 }

@@ -8,6 +8,8 @@
 #include <tuple>
 #include <unordered_map>
 
+#include "kit/input/text.h"
+
 namespace kit::lint {
 
 namespace {
@@ -51,11 +53,6 @@ void writeLine(const Finding& finding, std::string& line)
     line += " [";
     line += finding.code;
     line += "]\n";
-}
-
-std::string counted(int64_t count, const char* what)
-{
-    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
 
 nlohmann::ordered_json jsonOf(const Finding& finding)
@@ -109,8 +106,8 @@ void writeText(const Findings& findings, std::ostream& out)
         out << line;
     }
     const Counts counts = countsOf(findings);
-    out << counted(counts.errors, "error") << ", " << counted(counts.warnings, "warning") << ", "
-        << counted(counts.notes, "note") << '\n';
+    out << input::counted(counts.errors, "error") << ", " << input::counted(counts.warnings, "warning")
+        << ", " << input::counted(counts.notes, "note") << '\n';
     out.flush();
 }
 
