@@ -14,6 +14,7 @@
 #include "db/orientMapGuard.h"
 #include "kit/gen/command.h"
 #include "kit/program.h"
+#include "kit/verify/command.h"
 #include "support/guards.h"
 
 namespace test {
@@ -37,7 +38,8 @@ inline KitOutcome runKit(Words words)
     }
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    const int status = kit::runProgram(static_cast<int>(argv.size()), argv.data(), {kit::gen::addCommand});
+    const int status = kit::runProgram(static_cast<int>(argv.size()), argv.data(),
+                                       {kit::gen::addCommand, kit::verify::addCommand});
     const std::string output = testing::internal::GetCapturedStdout();
     return {status, output, testing::internal::GetCapturedStderr()};
 }
