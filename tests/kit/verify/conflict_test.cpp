@@ -270,7 +270,7 @@ std::vector<Span> randomSpans()
     for (int i = 0; i < count; ++i) {
         const int64_t from = *rc::gen::inRange(-200, 200);
         const bool isLong = *rc::gen::inRange(0, 5) == 0;
-        spans.push_back({from, from + *rc::gen::inRange(0, isLong ? 200 : 20)});
+        spans.push_back({from, from + *rc::gen::inRange(1, isLong ? 200 : 20)});
     }
     std::sort(spans.begin(), spans.end(), [](const Span& x, const Span& y) { return x.from < y.from; });
     return spans;
