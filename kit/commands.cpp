@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/commands.h"
 
+#include "kit/compare/command.h"
 #include "kit/gen/command.h"
 #include "kit/lint/command.h"
 #include "kit/place/command.h"
@@ -10,7 +11,7 @@ namespace kit {
 
 std::vector<AddCommand> allCommands()
 {
-    return {gen::addCommand, lint::addCommand, place::addCommand, verify::addCommand};
+    return {gen::addCommand, lint::addCommand, place::addCommand, verify::addCommand, compare::addCommand};
 }
 
 } // namespace kit

@@ -754,6 +754,6 @@ const DamageCase DAMAGES[] = {
 };
 
 INSTANTIATE_TEST_SUITE_P(Damages, Lint, testing::ValuesIn(DAMAGES),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& row) { return std::string(row.param.name); });
 
 } // namespace
