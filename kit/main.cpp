@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/gen/command.h"
 #include "kit/lint/command.h"
+#include "kit/place/command.h"
 #include "kit/program.h"
+#include "kit/verify/command.h"
 
 int main(int argc, char** argv)
 {
-    return kit::runProgram(argc, argv, {kit::gen::addCommand, kit::lint::addCommand});
+    return kit::runProgram(
+        argc, argv,
+        {kit::gen::addCommand, kit::lint::addCommand, kit::place::addCommand, kit::verify::addCommand});
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -38,4 +39,10 @@ struct Component {
 
     /// The order of components in a segment: strictly by siteX, equals in no order.
     static bool bySiteX(const Component* a, const Component* b) { return a->siteX < b->siteX; }
+
+    /// Components lie side by side in memory.
+    ///@{
+    static void* operator new(size_t size);
+    static void operator delete(void* place);
+    ///@}
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // From the files to the working structure of the placer.
 #include <algorithm>
+#include <cassert>
 #include <cstdlib>
 #include <limits>
 
@@ -139,6 +140,8 @@ void Design::initCompInSegments()
     for (Segment* segment : segments) {
         segment->components.clear();
     }
+    // Gathered in vectors, because lists that grow all together lie scattered in memory.
+    std::vector<std::vector<Component*>> members(segments.size());
     for (Component* comp : components) {
         const int32_t width = SITE_WIDTH * cellOf(*comp).siteWidth;
         findSegments(comp->x, comp->y + 1, comp->x + width, comp->y + SITE_HEIGHT - 1);
@@ -147,11 +150,14 @@ void Design::initCompInSegments()
             warnUnassigned(*comp);
             continue;
         }
-        m_lastHit->components.push_back(comp);
+        assert(segments[static_cast<size_t>(m_lastHit->id)] == m_lastHit);
+        members[static_cast<size_t>(m_lastHit->id)].push_back(comp);
         comp->siteX = ceilSites(comp->x - m_lastHit->x, SITE_WIDTH);
     }
     for (Segment* segment : segments) {
-        segment->components.sort(Component::bySiteX);
+        std::vector<Component*> own = std::move(members[static_cast<size_t>(segment->id)]);
+        std::stable_sort(own.begin(), own.end(), Component::bySiteX);
+        segment->components.assign(own.begin(), own.end());
     }
 }
 

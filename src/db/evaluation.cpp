@@ -9,13 +9,16 @@
 
 void Design::evaluateBound(Net* net)
 {
-    net->boxXl = net->boxYl = std::numeric_limits<int32_t>::max();
-    net->boxXh = net->boxYh = std::numeric_limits<int32_t>::min();
-    const auto include = [net](int32_t x, int32_t y) {
-        net->boxXl = std::min(net->boxXl, x);
-        net->boxXh = std::max(net->boxXh, x);
-        net->boxYl = std::min(net->boxYl, y);
-        net->boxYh = std::max(net->boxYh, y);
+    // In locals, which the compiler keeps in registers; the members could be any integers of the components.
+    int32_t xl = std::numeric_limits<int32_t>::max();
+    int32_t yl = xl;
+    int32_t xh = std::numeric_limits<int32_t>::min();
+    int32_t yh = xh;
+    const auto include = [&](int32_t x, int32_t y) {
+        xl = std::min(xl, x);
+        xh = std::max(xh, x);
+        yl = std::min(yl, y);
+        yh = std::max(yh, y);
     };
     for (const Component* comp : net->components) {
         const Cell& cell = cellOf(*comp);
@@ -24,6 +27,10 @@ void Design::evaluateBound(Net* net)
     for (const Pin* pin : net->pins) {
         include(pin->x, pin->y);
     }
+    net->boxXl = xl;
+    net->boxYl = yl;
+    net->boxXh = xh;
+    net->boxYh = yh;
 }
 
 long Design::evaluateHPWL()

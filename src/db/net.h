@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -16,4 +17,10 @@ struct Net {
     int32_t boxYl = 0;                  ///< bottom edge, DBU
     int32_t boxXh = 0;                  ///< right edge, DBU
     int32_t boxYh = 0;                  ///< top edge, DBU
+
+    /// Nets lie side by side in memory.
+    ///@{
+    static void* operator new(size_t size);
+    static void operator delete(void* place);
+    ///@}
 };

@@ -56,7 +56,7 @@ bool GridKernel::solve(const GridProblem& problem)
             back *= 2;
             continue;
         }
-        const int32_t needed = mustPlace(problem, last, end.cost);
+        const int32_t needed = firstCheaperEnd(problem, last, end.cost);
         if (needed < last) {
             last = needed;
             continue;
@@ -74,7 +74,7 @@ bool GridKernel::isSane(const GridProblem& problem) const
 {
     const SegmentData& segment = problem.segment;
     const int64_t limit = problem.terms.additiveLimit();
-    if (segment.numSites < 1 || segment.comps.empty() || limit == 0 ||
+    if (segment.numSites < 1 || segment.comps.empty() || limit == 0 || !endsWithin(segment) ||
         LEFT_OUT * segment.numSites * segment.size() >= UNREACHABLE) {
         return false;
     }
@@ -84,7 +84,9 @@ bool GridKernel::isSane(const GridProblem& problem) const
         if (least == problem.stitches[q].end() || *least < 0 || *most >= limit) {
             return false;
         }
-        if (mostCost(segment, problem.terms, q, *most) >= UNREACHABLE) {
+        // The grid's own sum, in floats, may be larger, but not four times as large. It must not wrap around
+        // on top of the start value either, on sites that are not looked at here.
+        if (mostCost(segment, problem.terms, q, *most) >= UNREACHABLE / 4) {
             return false;
         }
         if (q > 0 &&
@@ -104,7 +106,7 @@ int32_t GridKernel::layOut(const GridProblem& problem)
     m_layers.clear();
     int64_t end = 0;
     for (size_t q = 0; q < segment.comps.size(); ++q) {
-        end += segment.width[q] + (q > 0 ? problem.behind[q]->least : 0);
+        end += int64_t{segment.width[q]} + (q > 0 ? problem.behind[q]->least : 0);
         if (end > segment.numSites) {
             break;
         }
@@ -267,7 +269,7 @@ GridKernel::End GridKernel::bestEnd(const GridProblem& problem, int32_t fitting,
 }
 
 /// The first component up to `last` that may end a path which is cheaper than the best one found.
-int32_t GridKernel::mustPlace(const GridProblem& problem, int32_t last, int64_t best) const
+int32_t GridKernel::firstCheaperEnd(const GridProblem& problem, int32_t last, int64_t best) const
 {
     int64_t floor = 0;
     for (int32_t q = 0; q < last; ++q) {

@@ -43,3 +43,9 @@ int Cell::isVDDGND(int shape, int solution) const
                ? 1
                : 0;
 }
+
+bool Cell::isCritical(size_t shape, size_t solution) const
+{
+    const int32_t mask = colors[solution][shape];
+    return mask >= 0 && mask <= 2 && isVDDGND(static_cast<int>(shape), static_cast<int>(solution)) == 0;
+}

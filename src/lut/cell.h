@@ -34,6 +34,13 @@ public:
     /// @return 1 or 0
     int isVDDGND(int shape, int solution) const;
 
+    /// Whether a shape can conflict with another at all in a solution: it has one of the three masks and is
+    /// no rail.
+    ///
+    /// @param shape     index in shapes
+    /// @param solution  index in colors
+    bool isCritical(size_t shape, size_t solution) const;
+
     /// Stitches of a solution, 0 if there is no such solution.
     int32_t stitchesOf(int32_t solution) const
     {

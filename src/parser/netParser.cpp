@@ -1,22 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "parser/netParser.h"
 
-#include <map>
-
 #include "db/design.h"
+#include "parser/memberFinder.h"
 #include "qlib/report.h"
 #include "qlib/wordReader.h"
-
-namespace {
-
-/// Index of a name, -1 if it is not in the map.
-int32_t indexOf(const std::map<std::string, int32_t>& index, const std::string& name)
-{
-    const auto at = index.find(name);
-    return at != index.end() ? at->second : -1;
-}
-
-} // namespace
 
 void NetParser::run(std::string base)
 {
@@ -24,6 +12,12 @@ void NetParser::run(std::string base)
     if (!in.open(base + ".netlist")) {
         vireloce::endRun("ERROR| cannot open file: " + in.path());
     }
+    reserveNets(readNets(in));
+}
+
+std::vector<uint32_t> NetParser::readNets(vireloce::WordReader& in)
+{
+    vireloce::MemberFinder members(*design);
     int32_t count = 0;
     in.readInt(count);
     // Once a read has failed, every later degree is 0, and the nets that are left are none.
@@ -36,26 +30,18 @@ void NetParser::run(std::string base)
             }
             continue;
         }
-        Net net;
-        for (int32_t k = 0; k < degree; ++k) {
-            addMember(net, in.readWord());
+        for (int32_t k = 1; k <= degree; ++k) {
+            members.add(in.readWord(), k == degree);
         }
-        net.id = static_cast<int32_t>(design->nets.size());
-        design->nets.push_back(new Net(std::move(net)));
     }
+    members.finish();
+    return members.uses();
 }
 
-void NetParser::addMember(Net& net, std::string_view name)
+void NetParser::reserveNets(const std::vector<uint32_t>& uses)
 {
-    const std::string key(name);
-    const int32_t comp = indexOf(design->compIndex, key);
-    const int32_t pin = comp < 0 ? indexOf(design->pinIndex, key) : -1;
-    if (comp >= 0) {
-        net.components.push_back(design->components[static_cast<size_t>(comp)]);
-    } else if (pin >= 0) {
-        net.pins.push_back(design->pins[static_cast<size_t>(pin)]);
-    } else {
-        // Required: although the line says WARNING, the run ends.
-        vireloce::endRun("WARNING| invalid compID and pinID, pname = " + key);
+    for (size_t i = 0; i < uses.size(); ++i) {
+        std::vector<Net*>& nets = design->components[i]->nets;
+        nets.reserve(nets.size() + uses[i]);
     }
 }

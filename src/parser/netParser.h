@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <cstdint>
 #include <string>
-#include <string_view>
+#include <vector>
 
 class Design;
-struct Net;
+
+namespace vireloce {
+class WordReader;
+} // namespace vireloce
 
 /// Reads the nets into the design and links them to their components and pins.
 class NetParser {
@@ -24,6 +28,13 @@ public:
     Design* design; ///< not owned
 
 private:
-    /// Adds the component or the pin of a name to a net; ends the run if there is none.
-    void addMember(Net& net, std::string_view name);
+    /// Reads the nets. What it needs for that is gone when it returns, which keeps the peak of memory low.
+    ///
+    /// @return [component] how often it is a member of a net
+    std::vector<uint32_t> readNets(vireloce::WordReader& in);
+
+    /// Makes room in Component::nets for what Design::initNetInComp() will enter, and no more than that.
+    ///
+    /// @param uses  [component] how often it is a member of a net
+    void reserveNets(const std::vector<uint32_t>& uses);
 };

@@ -5,31 +5,55 @@
 #include <cstring>
 
 #include "db/design.h"
+#include "parser/componentNames.h"
 #include "qlib/exact.h"
 #include "qlib/immortal.h"
+#include "qlib/nameTable.h"
 #include "qlib/report.h"
 
 namespace {
 
 constexpr double DBU_PER_MICROMETRE = 2000.0;
 
-/// The tokens of the line that strtok is cutting, taken from the left.
+/// The tokens of a line, taken from the left, with spaces between them.
 class Tokens {
 public:
     /// @param path    the file, for messages
     /// @param line    the line's number, for messages
     /// @param record  what the line holds, for messages
-    /// @param taken   tokens of the line that have been cut already
-    Tokens(const std::string& path, int64_t line, const char* record, int taken)
-        : m_path(path), m_line(line), m_record(record), m_taken(taken)
+    /// @param text    the line; its tokens are cut in place
+    Tokens(const std::string& path, int64_t line, const char* record, char* text)
+        : m_path(path), m_line(line), m_record(record), m_rest(text)
     {
     }
 
-    /// The next token. Ends the run if there is none.
-    const char* next() { return require(std::strtok(nullptr, " ")); }
+    /// The rest of the statement whose first token strtok has cut.
+    Tokens(const std::string& path, int64_t line, const char* record)
+        : Tokens(path, line, record, std::strtok(nullptr, ""))
+    {
+        m_taken = 1;
+    }
 
-    /// The first token of a line. Ends the run if there is none.
-    const char* first(char* line) { return require(std::strtok(line, " ")); }
+    /// The next token. Ends the run if there is none.
+    const char* next()
+    {
+        while (m_rest != nullptr && *m_rest == ' ') {
+            ++m_rest;
+        }
+        if (m_rest == nullptr || *m_rest == '\0') {
+            vireloce::endRunAt(m_path, m_line,
+                               std::string(m_record) + " ends after " + std::to_string(m_taken) + " tokens");
+        }
+        ++m_taken;
+        const char* const token = m_rest;
+        while (*m_rest != ' ' && *m_rest != '\0') {
+            ++m_rest;
+        }
+        if (*m_rest != '\0') {
+            *m_rest++ = '\0';
+        }
+        return token;
+    }
 
     /// As next(), after passing over some tokens.
     const char* nextAfter(int skipped)
@@ -50,20 +74,11 @@ public:
     }
 
 private:
-    const char* require(const char* token)
-    {
-        if (token == nullptr) {
-            vireloce::endRunAt(m_path, m_line,
-                               std::string(m_record) + " ends after " + std::to_string(m_taken) + " tokens");
-        }
-        ++m_taken;
-        return token;
-    }
-
     const std::string& m_path;
     int64_t m_line;
     const char* m_record;
-    int m_taken;
+    char* m_rest;    ///< behind the tokens taken; nullptr: nothing is left
+    int m_taken = 0; ///< tokens taken
 };
 
 } // namespace
@@ -161,7 +176,7 @@ void PlaceParser::processStmt()
 
 void PlaceParser::processRow()
 {
-    Tokens tokens(m_path, m_line, "ROW", 1);
+    Tokens tokens(m_path, m_line, "ROW");
     Row row;
     row.name = tokens.next();
     row.siteName = tokens.next();
@@ -176,37 +191,49 @@ void PlaceParser::processRow()
 
 void PlaceParser::processComponents()
 {
-    compNum = Tokens(m_path, m_line, "COMPONENTS", 1).nextInt();
-    char line[LINE_SIZE];
+    compNum = Tokens(m_path, m_line, "COMPONENTS").nextInt();
+    const size_t first = design->components.size();
+    vireloce::NameTable cellTable(design->lut.cellIndex.size());
+    cellTable.insertAll(design->lut.cellIndex);
     for (int32_t i = 0; i < compNum; ++i) {
-        readSectionLine(line, "COMPONENTS");
-        Tokens tokens(m_path, m_line, "component record", 0);
-        tokens.first(line);
-        Component comp;
-        comp.name = tokens.next();
-        if (comp.name == "FILLER_1") { // fillers come last and are not placed: the rest is passed over
-            return;
+        std::unique_ptr<Component> comp = readComponent();
+        if (comp == nullptr) {
+            break;
         }
-        comp.cellName = tokens.next();
-        comp.x = tokens.nextIntAfter(3);
-        comp.y = tokens.nextInt();
-        comp.orientName = tokens.nextAfter(1);
-        skipSecondLine("COMPONENTS");
-        comp.orient = Component::s_orientMap[comp.orientName];
-        comp.cellIdx = design->lut.getCellIndex(comp.cellName);
-        design->compIndex[comp.name] = static_cast<int32_t>(design->components.size());
-        design->components.push_back(new Component(std::move(comp)));
+        comp->orient = Component::s_orientMap[comp->orientName];
+        comp->cellIdx = cellTable.find(comp->cellName);
+        design->components.push_back(comp.release());
     }
+    vireloce::enterNames(*design, first);
+}
+
+std::unique_ptr<Component> PlaceParser::readComponent()
+{
+    char line[LINE_SIZE];
+    readSectionLine(line, "COMPONENTS");
+    Tokens tokens(m_path, m_line, "component record", line);
+    tokens.next();
+    auto comp = std::make_unique<Component>();
+    comp->name = tokens.next();
+    if (comp->name == "FILLER_1") { // fillers come last and are not placed: the rest is passed over
+        return nullptr;
+    }
+    comp->cellName = tokens.next();
+    comp->x = tokens.nextIntAfter(3);
+    comp->y = tokens.nextInt();
+    comp->orientName = tokens.nextAfter(1);
+    skipSecondLine("COMPONENTS");
+    return comp;
 }
 
 void PlaceParser::processMacros()
 {
-    macroNum = Tokens(m_path, m_line, "BIGNODES", 1).nextInt();
+    macroNum = Tokens(m_path, m_line, "BIGNODES").nextInt();
     char line[LINE_SIZE];
     for (int32_t i = 0; i < macroNum; ++i) {
         readSectionLine(line, "BIGNODES");
-        Tokens tokens(m_path, m_line, "macro record", 0);
-        tokens.first(line);
+        Tokens tokens(m_path, m_line, "macro record", line);
+        tokens.next();
         Macro macro;
         macro.name = tokens.next();
         macro.x = tokens.nextIntAfter(3);
@@ -229,8 +256,8 @@ void PlaceParser::processCoreBox()
     int32_t edges[4];
     for (int32_t& edge : edges) {
         readSectionLine(line, "PROPERTYDEFINITIONS");
-        Tokens tokens(m_path, m_line, "core box property", 0);
-        tokens.first(line);
+        Tokens tokens(m_path, m_line, "core box property", line);
+        tokens.next();
         const double micrometres = std::strtod(tokens.nextAfter(2), nullptr);
         edge = vireloce::toInt(micrometres * DBU_PER_MICROMETRE);
     }

@@ -4,9 +4,11 @@
 
 #include <cstdint>
 #include <fstream>
+#include <memory>
 #include <string>
 
 class Design;
+struct Component;
 
 /// Reads rows, components, macros and the core box into the design.
 ///
@@ -62,6 +64,13 @@ private:
 
     void processRow();
     void processComponents();
+
+    /// Reads the two lines of a component record.
+    ///
+    /// @return the component without its orientation and cell index; nullptr if it is the first filler, whose
+    ///         second line is then still to be read
+    std::unique_ptr<Component> readComponent();
+
     void processMacros();
     void processCoreBox();
 

@@ -2,13 +2,13 @@
 #include "qlib/wordReader.h"
 
 #include <algorithm>
-#include <array>
-#include <fstream>
 #include <limits>
 
 namespace vireloce {
 
 namespace {
+
+constexpr size_t WINDOW_SIZE = 65536;
 
 bool isSpace(char c)
 {
@@ -25,34 +25,64 @@ bool isDigit(char c)
 bool WordReader::open(const std::string& path)
 {
     m_path = path;
-    m_text.clear();
     m_pos = 0;
+    m_end = 0;
     m_line = 1;
     m_failed = false;
-    std::ifstream in(path, std::ios::binary);
-    if (!in.is_open()) {
-        return false;
+    m_in = std::ifstream();
+    m_in.rdbuf()->pubsetbuf(nullptr, 0); // the window is the buffer
+    m_in.open(path, std::ios::binary);
+    return m_in.is_open();
+}
+
+bool WordReader::readMore()
+{
+    std::copy(m_window.data() + m_pos, m_window.data() + m_end, m_window.data());
+    m_end -= m_pos;
+    m_pos = 0;
+    if (m_end == m_window.size()) {
+        m_window.resize(std::max(2 * m_window.size(), WINDOW_SIZE));
     }
     // A file that opens but cannot be read, a directory for one, reads as an empty one.
-    std::array<char, 65536> chunk;
-    while (in.read(chunk.data(), chunk.size()) || in.gcount() > 0) {
-        m_text.append(chunk.data(), static_cast<size_t>(in.gcount()));
-    }
-    return true;
+    m_in.read(m_window.data() + m_end, static_cast<std::streamsize>(m_window.size() - m_end));
+    m_end += static_cast<size_t>(m_in.gcount());
+    return m_in.gcount() > 0;
 }
 
 bool WordReader::skipSpace()
 {
-    while (m_pos < m_text.size() && isSpace(m_text[m_pos])) {
-        m_line += m_text[m_pos] == '\n' ? 1 : 0;
-        ++m_pos;
-    }
-    return m_pos < m_text.size();
+    do {
+        for (; m_pos < m_end; ++m_pos) {
+            if (!isSpace(m_window[m_pos])) {
+                return true;
+            }
+            m_line += m_window[m_pos] == '\n' ? 1 : 0;
+        }
+    } while (readMore());
+    return false;
+}
+
+size_t WordReader::findWordEnd()
+{
+    size_t length = 0;
+    do {
+        while (m_pos + length < m_end && !isSpace(m_window[m_pos + length])) {
+            ++length;
+        }
+    } while (m_pos + length == m_end && readMore());
+    return m_pos + length;
 }
 
 bool WordReader::atEnd()
 {
     return !skipSpace();
+}
+
+int64_t WordReader::bytesLeft()
+{
+    while (readMore()) {
+    }
+    return static_cast<int64_t>(m_end - m_pos);
 }
 
 bool WordReader::readInt(int32_t& value)
@@ -61,8 +91,9 @@ bool WordReader::readInt(int32_t& value)
         m_failed = true;
         return false;
     }
-    const bool negative = m_text[m_pos] == '-';
-    if (negative || m_text[m_pos] == '+') {
+    const size_t end = findWordEnd();
+    const bool negative = m_window[m_pos] == '-';
+    if (negative || m_window[m_pos] == '+') {
         ++m_pos;
     }
     // One past the largest magnitude is enough to know that a value is out of range.
@@ -70,8 +101,8 @@ bool WordReader::readInt(int32_t& value)
     const int64_t limit = negative ? LARGEST + 1 : LARGEST;
     const size_t begin = m_pos;
     int64_t magnitude = 0;
-    for (; m_pos < m_text.size() && isDigit(m_text[m_pos]); ++m_pos) {
-        magnitude = std::min(magnitude * 10 + (m_text[m_pos] - '0'), limit + 1);
+    for (; m_pos < end && isDigit(m_window[m_pos]); ++m_pos) {
+        magnitude = std::min(magnitude * 10 + (m_window[m_pos] - '0'), limit + 1);
     }
     m_failed = m_pos == begin || magnitude > limit;
     magnitude = std::min(magnitude, limit);
@@ -85,11 +116,10 @@ std::string_view WordReader::readWord()
         m_failed = true;
         return {};
     }
-    const size_t begin = m_pos;
-    while (m_pos < m_text.size() && !isSpace(m_text[m_pos])) {
-        ++m_pos;
-    }
-    return std::string_view(m_text).substr(begin, m_pos - begin);
+    const size_t end = findWordEnd();
+    const std::string_view word(m_window.data() + m_pos, end - m_pos);
+    m_pos = end;
+    return word;
 }
 
 } // namespace vireloce

@@ -3,12 +3,14 @@
 #pragma once
 
 #include <cstdint>
+#include <fstream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace vireloce {
 
-/// A text file, read whole, handed out word by word.
+/// A text file, handed out word by word. No more of it is in memory than a stretch around the next word.
 ///
 /// It follows the rules of formatted stream extraction: an integer ends before the first character that
 /// cannot belong to it; text where an integer should be gives 0, a value out of the 32-bit range gives the
@@ -16,7 +18,7 @@ namespace vireloce {
 /// it is. A read at the end of the file fails too.
 class WordReader {
 public:
-    /// Opens and reads a file. A second open() starts anew.
+    /// Opens a file. A second open() starts anew.
     ///
     /// @return false if the file cannot be opened
     bool open(const std::string& path);
@@ -29,7 +31,7 @@ public:
 
     /// Reads up to the next white space.
     ///
-    /// @return the word, valid until the next open(); empty if the reader has failed, now or before
+    /// @return the word, valid until the next call; empty if the reader has failed, now or before
     std::string_view readWord();
 
     /// True once a read has failed.
@@ -45,7 +47,9 @@ public:
     int64_t line() const { return m_line; }
 
     /// Bytes not yet read: no count of records still to come can be larger.
-    int64_t bytesLeft() const { return static_cast<int64_t>(m_text.size() - m_pos); }
+    ///
+    /// It reads the rest of the file into memory, for only then is it known: a file may be a pipe.
+    int64_t bytesLeft();
 
 private:
     /// Goes to the next word and notes its line.
@@ -53,9 +57,19 @@ private:
     /// @return false at the end of the file
     bool skipSpace();
 
+    /// End of the word at m_pos, which is then in the window as a whole.
+    size_t findWordEnd();
+
+    /// Reads more of the file behind what the window holds; moves that to its front.
+    ///
+    /// @return false at the end of the file
+    bool readMore();
+
     std::string m_path;
-    std::string m_text;
-    size_t m_pos = 0;   ///< first byte not yet read
+    std::ifstream m_in;
+    std::vector<char> m_window; ///< [m_pos .. m_end - 1] the bytes read from the file and not yet handed out
+    size_t m_pos = 0;
+    size_t m_end = 0;
     int64_t m_line = 1; ///< line of m_pos after skipSpace()
     bool m_failed = false;
 };

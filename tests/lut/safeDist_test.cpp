@@ -9,6 +9,7 @@
 
 #include "lut/cells.h"
 #include "lut/lutable.h"
+#include "lut/randomCell.h"
 #include "support/guards.h"
 
 namespace {
@@ -16,6 +17,7 @@ namespace {
 using test::Corners;
 using test::makeCell;
 using test::MaskList;
+using test::pickCell;
 using test::reportOf;
 using test::ShapeList;
 
@@ -462,34 +464,6 @@ TEST_F(GetSafeDist, OfFiftyAndFiftyInSitesIsOne)
     const auto cell = makeCell(600, 1400, {{{50, 500, 550, 900}}}, {{1}});
     EXPECT_EQ(lut.getSafeDist(cell.get(), false, 0, cell.get(), false, 0), 155);
     EXPECT_EQ(lut.getSafeSiteDist(cell.get(), false, 0, cell.get(), false, 0), 1);
-}
-
-/// A random cell. Its shapes may stick out on every side, so that they overlap those of a neighbour.
-///
-/// @param scale  factor of all widths and x coordinates
-std::unique_ptr<Cell> pickCell(int32_t scale)
-{
-    const auto width = *rc::gen::inRange(1, 400);
-    const auto height = *rc::gen::inRange(100, 600);
-    const rc::Gen<int32_t> x = rc::gen::inRange(-60, width + 61);
-    const rc::Gen<int32_t> y = rc::gen::weightedOneOf<int32_t>(
-        {{6, rc::gen::inRange(1, height)}, {1, rc::gen::inRange(-9, height + 9)}});
-    const rc::Gen<Corners> rectangle = rc::gen::map(
-        rc::gen::tuple(x, y, x, y), [scale](const std::tuple<int32_t, int32_t, int32_t, int32_t>& c) {
-            const auto& [x1, y1, x2, y2] = c;
-            return Corners{x1 * scale, y1, x2 * scale, y2};
-        });
-    ShapeList shapes;
-    for (int k = *rc::gen::inRange(0, 4); k > 0; --k) {
-        shapes.push_back(*rc::gen::container<std::vector<Corners>>(
-            static_cast<size_t>(*rc::gen::inRange(0, 4)), rectangle));
-    }
-    const auto colors = *rc::gen::container<MaskList>(
-        static_cast<size_t>(*rc::gen::inRange(1, 4)),
-        rc::gen::container<std::vector<int32_t>>(
-            shapes.size(),
-            rc::gen::weightedOneOf<int32_t>({{1, rc::gen::inRange(-1, 5)}, {4, rc::gen::inRange(0, 3)}})));
-    return makeCell(width * scale, height, shapes, colors);
 }
 
 /// The cell in words, for the report of a failure.

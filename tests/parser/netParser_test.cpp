@@ -125,6 +125,52 @@ TEST(NetParser, NameOfTwoComponentsIsTheLater)
     EXPECT_EQ(n.design.nets[0]->components[0], n.design.components[3]);
 }
 
+TEST(NetParser, IndicesMayBeFilledByHand)
+{
+    Reading r;
+    r.place("COMPONENTS 2\n- u C0 + P ( 0 0 ) N\n;\n- v C0 + P ( 0 0 ) N\n;\n");
+    r.pins("1 a 1 2");
+    r.design.compIndex = {{"other", 1}, {"a", -1}};
+    r.netlist("1 3 other a other");
+    ASSERT_EQ(r.design.nets.size(), 1U);
+    EXPECT_EQ(r.design.nets[0]->components, (std::vector<Component*>(2, r.design.components[1])));
+    EXPECT_EQ(r.design.nets[0]->pins, r.design.pins);
+}
+
+TEST(NetParser, LongNetlistIsReadToItsEnd)
+{
+    Netlist n;
+    std::string text = "1000\n";
+    std::string want;
+    for (int i = 0; i < 1000; ++i) {
+        const std::string members = i % 2 == 0 ? "u v w a" : "w b";
+        text += (i % 2 == 0 ? "4 " : "2 ") + members + "\n";
+        want += (i == 0 ? "" : "; ") + members;
+    }
+    EXPECT_EQ(n.nets(text), want);
+    EXPECT_EQ(n.design.nets[999]->id, 999);
+}
+
+TEST(NetParser, UnknownMemberOfALateNetLeavesTheNetsBeforeIt)
+{
+    Netlist n;
+    std::string text = "501\n";
+    for (int i = 0; i < 500; ++i) {
+        text += "2 u v\n";
+    }
+    EXPECT_EQ(n.netFault(text + "2 w nobody\n"), "WARNING| invalid compID and pinID, pname = nobody\n");
+    EXPECT_EQ(n.design.nets.size(), 500U);
+}
+
+TEST(NetParser, ComponentHasRoomForItsNetsAndNoMore)
+{
+    Netlist n;
+    n.nets("3 3 u v u 2 u a 2 v a");
+    EXPECT_EQ(n.design.components[0]->nets.capacity(), 3U);
+    EXPECT_EQ(n.design.components[1]->nets.capacity(), 2U);
+    EXPECT_EQ(n.design.components[2]->nets.capacity(), 0U);
+}
+
 TEST(NetParser, UnknownMemberEndsTheRun)
 {
     Netlist n;

@@ -3,6 +3,7 @@
 #include "parser/placeParser.h"
 
 #include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
 
 #include <cstring>
 #include <limits>
@@ -182,6 +183,33 @@ TEST(PlaceParser, RepeatedComponentNameKeepsBothAndTheMapHoldsTheLater)
     EXPECT_EQ(componentNames(r.design), (Names{"u", "v", "u"}));
     const std::map<std::string, int32_t> want{{"u", 2}, {"v", 1}};
     EXPECT_EQ(r.design.compIndex, want);
+}
+
+TEST(PlaceParser, MapHoldsTheComponentsOfAllSections)
+{
+    Reading r;
+    r.place("COMPONENTS 2 ;\n" + componentRecord("m") + componentRecord("z") + "END COMPONENTS\n" +
+            "COMPONENTS 4 ;\n" + componentRecord("z") + componentRecord("a") + componentRecord("FILLER_1"));
+    const std::map<std::string, int32_t> want{{"a", 3}, {"m", 0}, {"z", 2}};
+    EXPECT_EQ(r.design.compIndex, want);
+}
+
+RC_GTEST_PROP(PlaceParser, MapHoldsTheLastComponentOfEveryName, ())
+{
+    // Names that are alike, differ late, begin with each other, or hold bytes beyond ASCII.
+    const auto names = *rc::gen::container<std::vector<std::string>>(
+        rc::gen::map(rc::gen::pair(rc::gen::element<std::string>("", "u", "core/alu/", "core/alu/adder/bit_"),
+                                   rc::gen::container<std::string>(rc::gen::element('a', 'b', '1', '\xe4'))),
+                     [](const std::pair<std::string, std::string>& n) { return n.first + n.second + "x"; }));
+    std::string text = "COMPONENTS " + std::to_string(names.size()) + "\n";
+    std::map<std::string, int32_t> want;
+    for (size_t i = 0; i < names.size(); ++i) {
+        text += componentRecord(names[i].substr(0, 200));
+        want[names[i].substr(0, 200)] = static_cast<int32_t>(i);
+    }
+    Reading r;
+    r.place(text);
+    RC_ASSERT(r.design.compIndex == want);
 }
 
 TEST(PlaceParser, ComponentsHeaderWithCountZeroReadsNoRecordLine)

@@ -157,14 +157,52 @@ TEST(ReadWord, EndsAtWhiteSpaceAndKeepsEveryOtherByte)
     EXPECT_TRUE(in.failed());
 }
 
-TEST(ReadWord, WordsStayValidUntilTheNextOpen)
+TEST(WordReader, FileLongerThanTheWindowIsReadToItsEnd)
 {
-    TextReader in("one two three");
-    const std::string_view one = in.readWord();
-    const std::string_view two = in.readWord();
-    in.readWord();
-    EXPECT_EQ(one, "one");
-    EXPECT_EQ(two, "two");
+    std::string text;
+    for (int i = 0; i < 50000; ++i) {
+        text += std::to_string(i) + (i % 10 == 9 ? "\n" : " ");
+    }
+    TextReader in(text);
+    for (int32_t i = 0; i < 50000; ++i) {
+        if (i % 3 == 0) {
+            ASSERT_EQ(in.readWord(), std::to_string(i));
+        } else {
+            int32_t value = -1;
+            ASSERT_TRUE(in.readInt(value));
+            ASSERT_EQ(value, i);
+        }
+        ASSERT_EQ(in.line(), i / 10 + 1);
+    }
+    EXPECT_TRUE(in.atEnd());
+    EXPECT_EQ(in.bytesLeft(), 0);
+}
+
+TEST(WordReader, WordOrNumberMayStandAtAnyPlaceOfTheWindow)
+{
+    for (const size_t before : {65530U, 65535U, 65536U, 65537U, 131071U}) {
+        TextReader in(std::string(before, '\n') + "word -2147483648 next");
+        EXPECT_EQ(in.readWord(), "word");
+        int32_t value = 0;
+        EXPECT_TRUE(in.readInt(value));
+        EXPECT_EQ(value, SMALLEST);
+        EXPECT_EQ(in.line(), static_cast<int64_t>(before) + 1);
+        EXPECT_EQ(in.bytesLeft(), 5);
+        EXPECT_EQ(in.readWord(), "next");
+    }
+}
+
+TEST(WordReader, WordMayBeLongerThanTheWindow)
+{
+    const std::string word(300000, 'x');
+    TextReader in("a " + word + " " + std::string(300000, '0') + "7 b");
+    EXPECT_EQ(in.readWord(), "a");
+    EXPECT_EQ(in.readWord(), word);
+    int32_t value = 0;
+    EXPECT_TRUE(in.readInt(value));
+    EXPECT_EQ(value, 7);
+    EXPECT_EQ(in.readWord(), "b");
+    EXPECT_TRUE(in.atEnd());
 }
 
 TEST(ReadWord, FailedReaderReadsNothingMore)

@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The spacing table against the safe distance of every pair of solutions.
+#include "lut/facing.h"
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include <limits>
+
+#include "lut/cells.h"
+#include "lut/lutable.h"
+#include "lut/randomCell.h"
+#include "support/guards.h"
+
+namespace {
+
+using test::makeCell;
+using test::reportOf;
+using vireloce::Edge;
+
+constexpr int32_t LARGEST = std::numeric_limits<int32_t>::max();
+
+/// Fills the table entry by entry, as the rules are written.
+void fillLiterally(LUTable& lut)
+{
+    const size_t n = lut.cells.size();
+    lut.distTable.assign(2 * n, std::vector<std::vector<std::vector<int32_t>>>(2 * n));
+    for (size_t i = 0; i < 2 * n; ++i) {
+        for (size_t j = 0; j < 2 * n; ++j) {
+            lut.distTable[i][j].resize(lut.cells[i % n]->colors.size());
+            for (size_t s = 0; s < lut.distTable[i][j].size(); ++s) {
+                for (size_t t = 0; t < lut.cells[j % n]->colors.size(); ++t) {
+                    lut.distTable[i][j][s].push_back(
+                        lut.getSafeSiteDist(lut.cells[i % n], i >= n, static_cast<int32_t>(s),
+                                            lut.cells[j % n], j >= n, static_cast<int32_t>(t)));
+                }
+            }
+        }
+    }
+    lut.evaluateLUT();
+}
+
+/// Compares the table of a random library, and the lines printed on the way to it, with the literal ones.
+void compareWithLiteral(int32_t minDist, int32_t scale)
+{
+    const test::ParameterGuard parameters;
+    MINDPLDIST = minDist;
+    const auto stickOut = *rc::gen::element(0, 0, 3, 60);
+    LUTable lut;
+    for (int n = *rc::gen::inRange(1, 4); n > 0; --n) {
+        lut.cells.push_back(test::pickCell(scale, stickOut).release());
+    }
+    // A width that is not the outline's comes from no file, but a caller may set it.
+    lut.cells[0]->outlineXh += *rc::gen::weightedElement<int32_t>({{9, 0}, {1, 7}, {1, -7}});
+    const std::string want = reportOf([&lut] { fillLiterally(lut); });
+    const auto wantTable = lut.distTable;
+    RC_ASSERT(reportOf([&lut] { lut.genLUTable(); }) == want);
+    RC_ASSERT(lut.distTable == wantTable);
+}
+
+RC_GTEST_PROP(SpacingTable, IsTheLiteralOne, ())
+{
+    // Entries count sites of 190: only large distances tell one pair of rectangles from another.
+    const auto scale = *rc::gen::element(1, 20, 100);
+    compareWithLiteral(*rc::gen::inRange(1, 400) * scale, scale);
+}
+
+RC_GTEST_PROP(SpacingTable, IsTheLiteralOneAtAnyMinimumDistance, ())
+{
+    const auto minDist =
+        *rc::gen::oneOf(rc::gen::element(0, -1, -60, 1, 46340, 46341, 65536, 65537, LARGEST, -LARGEST - 1),
+                        rc::gen::inRange(-200, 200000), rc::gen::arbitrary<int32_t>());
+    compareWithLiteral(minDist, *rc::gen::element(1, 100, 300, 1000000, 5000000));
+}
+
+/// Edges of cells that are 600 wide.
+class EdgeTest : public testing::Test {
+    test::ParameterGuard m_parameters;
+};
+
+TEST_F(EdgeTest, ShowsWhatIsNearerThanTheMinimumDistance)
+{
+    const auto cell = makeCell(600, 1400, {{{184, 500, 416, 900}}, {{185, 500, 415, 900}}}, {{1, 2}});
+    const Edge left(*cell, /*isLeft=*/true);
+    const Edge right(*cell, /*isLeft=*/false);
+    for (const Edge& edge : {left, right}) {
+        EXPECT_EQ(edge.facings, (std::vector<vireloce::Facing>{{{1, {{184, 500, 900}}}}}));
+        EXPECT_EQ(edge.nearest, 184);
+    }
+}
+
+TEST_F(EdgeTest, ShowsNeitherRailsNorOtherMasks)
+{
+    const auto cell = makeCell(600, 1400, {{{0, 0, 600, 90}}, {{0, 500, 600, 900}}}, {{0, 3}, {0, -1}});
+    const Edge edge(*cell, /*isLeft=*/true);
+    EXPECT_EQ(edge.facings, std::vector<vireloce::Facing>(1));
+    EXPECT_EQ(edge.nearest, LARGEST);
+}
+
+TEST_F(EdgeTest, SolutionsThatDifferFarFromItShowTheSame)
+{
+    const auto cell =
+        makeCell(600, 1400, {{{0, 500, 90, 900}}, {{300, 500, 600, 900}}}, {{1, 0}, {2, 0}, {1, 2}, {2, 1}});
+    EXPECT_EQ(Edge(*cell, /*isLeft=*/true).shown, (std::vector<size_t>{0, 1, 0, 1}));
+    EXPECT_EQ(Edge(*cell, /*isLeft=*/false).shown, (std::vector<size_t>{0, 0, 1, 2}));
+}
+
+TEST_F(EdgeTest, IsClearOfAnotherUnlessRectanglesWouldOverlap)
+{
+    const auto sticksOutBy20 = makeCell(600, 1400, {{{0, 500, 620, 900}}}, {{1}});
+    const auto twentyInside = makeCell(600, 1400, {{{20, 500, 600, 900}}}, {{1}});
+    const auto nineteenInside = makeCell(600, 1400, {{{19, 500, 600, 900}}}, {{1}});
+    const Edge edge(*sticksOutBy20, /*isLeft=*/false);
+    EXPECT_TRUE(edge.isClear(Edge(*twentyInside, /*isLeft=*/true)));
+    EXPECT_FALSE(edge.isClear(Edge(*nineteenInside, /*isLeft=*/true)));
+}
+
+TEST_F(EdgeTest, OfAnOutlineThatIsNotTheWidthIsNeverClear)
+{
+    const auto good = makeCell(600, 1400, {}, {{}});
+    const auto odd = makeCell(600, 1400, {}, {{}});
+    odd->outlineXh = 590;
+    EXPECT_TRUE(Edge(*good, /*isLeft=*/true).isClear(Edge(*good, /*isLeft=*/false)));
+    EXPECT_FALSE(Edge(*good, /*isLeft=*/true).isClear(Edge(*odd, /*isLeft=*/false)));
+    EXPECT_FALSE(Edge(*odd, /*isLeft=*/true).isClear(Edge(*good, /*isLeft=*/false)));
+}
+
+TEST_F(EdgeTest, OfAWidthWhoseSumsCouldWrapIsNeverClear)
+{
+    const auto widest = makeCell(1 << 28, 1400, {}, {{}});
+    const auto tooWide = makeCell((1 << 28) + 1, 1400, {}, {{}});
+    EXPECT_TRUE(Edge(*widest, /*isLeft=*/true).isClear(Edge(*widest, /*isLeft=*/false)));
+    EXPECT_FALSE(Edge(*tooWide, /*isLeft=*/true).isClear(Edge(*widest, /*isLeft=*/false)));
+}
+
+} // namespace
