@@ -89,11 +89,10 @@ void PlacementReader::reportReturns()
     if (m_returns == 0) {
         return;
     }
-    m_reporter.add(m_mirrorLost ? Severity::ERROR : Severity::WARNING, "carriage-return", {m_firstReturn, 0},
-                   "carriage returns stand at the end of " + counted(m_returns, "line") +
-                       (m_mirrorLost ? ", and the placer takes mirrored components for upright ones"
-                                     : ", and belong to the last token there"),
-                   "convert the file to plain line ends");
+    m_reporter.warning("carriage-return", {m_firstReturn, 0},
+                       "carriage returns stand at the end of " + counted(m_returns, "line") +
+                           ", and belong to the last token there: FN is then taken as N",
+                       "convert the file to plain line ends");
 }
 
 void PlacementReader::statement()
@@ -287,16 +286,13 @@ Component PlacementReader::componentOf(Fields& fields)
     fields.literal(9, ")");
     fields.endAt(11);
     if (!m_fillers) {
-        checkOrient(fields, comp);
+        checkCell(fields, comp);
     }
     return comp;
 }
 
-void PlacementReader::checkOrient(Fields& fields, const Component& comp)
+void PlacementReader::checkCell(Fields& fields, const Component& comp)
 {
-    if (comp.orient == "FN" && m_lines.endsWithReturn() && m_lines.tokens().size() == 10) {
-        m_mirrorLost = true;
-    }
     if (comp.cell < 0 && !m_cells.empty()) {
         m_reporter.error("unknown-cell", fields.at(3),
                          "the cell " + comp.cellName + " of " + comp.name + " is not in the cell list",

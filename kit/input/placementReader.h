@@ -53,7 +53,7 @@ private:
     void checkCount(const Section& section);
     void readComponent(Fields& fields);
     Component componentOf(Fields& fields);
-    void checkOrient(Fields& fields, const Component& comp);
+    void checkCell(Fields& fields, const Component& comp);
     void readMacro(Fields& fields);
     void readCoreBox();
     bool readBoxEdges();
@@ -66,7 +66,6 @@ private:
     bool m_fillers = false;    ///< the rest of the section is fillers, which the placer passes over
     int64_t m_returns = 0;     ///< lines with a carriage return
     int64_t m_firstReturn = 0; ///< the first of them
-    bool m_mirrorLost = false; ///< a carriage return turns a mirrored component into another
 };
 
 } // namespace kit::input

@@ -68,10 +68,11 @@ bool isRail(const Cell& cell, size_t shape, const Solution& solution)
                        [&](const Rect& rect) { return rect.yl <= bottom || rect.yh >= top; });
 }
 
-Spacing::Spacing(const std::vector<Cell>& cells, int32_t distance) : m_cells(cells), m_distance(distance)
+Spacing::Spacing(const std::vector<Cell>& cells, int32_t distance) : m_distance(distance)
 {
-    for (size_t i = 0; i < 4 * cells.size(); ++i) {
-        m_sides.push_back(sideOf({static_cast<int32_t>(i / 4), i % 4 >= 2}, i % 2 == 1));
+    for (const Cell& cell : cells) {
+        m_sides.push_back(sideOf(cell, false));
+        m_sides.push_back(sideOf(cell, true));
     }
 }
 
@@ -80,14 +81,12 @@ int32_t Spacing::largest() const
     return static_cast<int32_t>((m_distance + LIBRARY_SITE_WIDTH - 1) / LIBRARY_SITE_WIDTH);
 }
 
-Spacing::Side Spacing::sideOf(Standing standing, bool right) const
+Spacing::Side Spacing::sideOf(const Cell& cell, bool right) const
 {
-    const Cell& cell = m_cells[static_cast<size_t>(standing.cell)];
     Side side{&cell, {}};
-    const bool drawnRight = right != standing.mirrored;
     for (size_t i = 0; i < cell.shapes.size(); ++i) {
         for (const Rect& rect : cell.shapes[i].rects) {
-            const int64_t gap = drawnRight ? int64_t{cell.width} - rect.xh : rect.xl;
+            const int64_t gap = right ? int64_t{cell.width} - rect.xh : rect.xl;
             if (gap < m_distance) {
                 side.edges.push_back({gap, rect.yl, rect.yh, i});
             }
@@ -96,14 +95,13 @@ Spacing::Side Spacing::sideOf(Standing standing, bool right) const
     return side;
 }
 
-const std::vector<int32_t>& Spacing::between(Standing left, Standing right)
+const std::vector<int32_t>& Spacing::between(int32_t left, int32_t right)
 {
-    const auto type = [](Standing standing) {
-        return 2 * static_cast<uint64_t>(standing.cell) + (standing.mirrored ? 1 : 0);
-    };
-    std::vector<int32_t>& sites = m_known[type(left) << 32 | type(right)];
-    const Side& a = m_sides[2 * type(left) + 1];
-    const Side& b = m_sides[2 * type(right)];
+    const auto leftCell = static_cast<uint64_t>(left);
+    const auto rightCell = static_cast<uint64_t>(right);
+    std::vector<int32_t>& sites = m_known[leftCell << 32 | rightCell];
+    const Side& a = m_sides[2 * leftCell + 1];
+    const Side& b = m_sides[2 * rightCell];
     if (sites.empty()) {
         for (size_t s = 0; s < a.cell->solutions.size(); ++s) {
             for (size_t t = 0; t < b.cell->solutions.size(); ++t) {

@@ -26,20 +26,18 @@ bool isRail(const Cell& cell, size_t shape, const Solution& solution);
 /// The spacing is the least distance, in sites of the library, at which all pairs of rectangles of one mask,
 /// rails excepted, stand at least the colouring distance apart (Euclidean). It is that of the geometry; for a
 /// colouring distance of up to one site the placer's table says the same, beyond that it may ask for less.
+/// Cells are taken as drawn, not mirrored, as the placer looks them up whatever their orientation.
 class Spacing {
 public:
     /// @param cells     the library; must outlive this
     /// @param distance  colouring distance, library coordinates
     Spacing(const std::vector<Cell>& cells, int32_t distance);
 
-    /// A cell as it stands.
-    struct Standing {
-        int32_t cell = 0; ///< index in the library
-        bool mirrored = false;
-    };
-
     /// Spacings of two neighbours, sites: [left solution * solutions of the right cell + right solution].
-    const std::vector<int32_t>& between(Standing left, Standing right);
+    ///
+    /// @param left   index in the library
+    /// @param right  index in the library
+    const std::vector<int32_t>& between(int32_t left, int32_t right);
 
     /// No spacing is larger, sites.
     int32_t largest() const;
@@ -59,13 +57,12 @@ private:
         std::vector<Edge> edges;
     };
 
-    Side sideOf(Standing standing, bool right) const;
+    Side sideOf(const Cell& cell, bool right) const;
     int32_t sitesOf(const Side& left, size_t leftSolution, const Side& right, size_t rightSolution) const;
     int64_t need(const Edge& left, const Edge& right) const;
 
-    const std::vector<Cell>& m_cells;
     int64_t m_distance;
-    std::vector<Side> m_sides; ///< [4 * cell + 2 * mirrored + right]
+    std::vector<Side> m_sides; ///< [2 * cell + right]
     std::unordered_map<uint64_t, std::vector<int32_t>> m_known;
 };
 

@@ -22,6 +22,7 @@ public:
     explicit CapacityCheck(const Subject& subject)
         : m_design(subject.design), m_occupancy(input::occupancyOf(subject.design)),
           m_spacing(subject.design.cells, subject.options.distance),
+          m_tableFits(tableFits(subject.design.cells)),
           m_reporter(subject.findings, subject.options.paths.place())
     {
     }
@@ -63,7 +64,8 @@ private:
         if (used > stretch.numSites) {
             report("overfull-row", stretch, used, "which fits only if others leave the row",
                    "move some of them to other rows");
-        } else if (used + gaps * m_spacing.largest() > stretch.numSites) { // or any spacings fit
+        } else if (m_tableFits &&
+                   used + gaps * m_spacing.largest() > stretch.numSites) { // or any spacings fit
             const int64_t coloured = used + leastSpacing(comps);
             if (coloured > stretch.numSites) {
                 report("overfull-colours", stretch, coloured,
@@ -95,8 +97,6 @@ private:
         return comp.cell >= 0 && !m_design.cells[static_cast<size_t>(comp.cell)].solutions.empty();
     }
 
-    static Spacing::Standing standing(const Component& comp) { return {comp.cell, comp.orient == "FN"}; }
-
     /// Sites that the components need between them in their order, with the best choice of solutions.
     int64_t leastSpacing(const std::vector<int32_t>& comps)
     {
@@ -117,7 +117,7 @@ private:
     std::vector<int64_t> step(const std::vector<int64_t>& before, const Component& left,
                               const Component& right, size_t solutions)
     {
-        const std::vector<int32_t>& sites = m_spacing.between(standing(left), standing(right));
+        const std::vector<int32_t>& sites = m_spacing.between(left.cell, right.cell);
         std::vector<int64_t> after(solutions);
         for (size_t t = 0; t < solutions; ++t) {
             after[t] = before[0] + sites[t];
@@ -131,6 +131,7 @@ private:
     const input::Design& m_design;
     input::Occupancy m_occupancy;
     Spacing m_spacing;
+    bool m_tableFits;
     input::Reporter m_reporter;
 };
 

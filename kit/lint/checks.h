@@ -2,6 +2,8 @@
 // What can be wrong with a design whose files are well-formed. Each check appends to the findings.
 #pragma once
 
+#include <vector>
+
 #include "kit/input/design.h"
 #include "kit/input/finding.h"
 #include "kit/lint/options.h"
@@ -14,6 +16,9 @@ struct Subject {
     const Options& options;
     input::Findings& findings;
 };
+
+/// Whether the placer has room for the spacing table of a library.
+bool tableFits(const std::vector<input::Cell>& cells);
 
 /// Cells without solutions, masks that are none, shapes outside the outline, odd sizes.
 void checkLibrary(const Subject& subject);

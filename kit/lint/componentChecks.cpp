@@ -60,11 +60,11 @@ private:
     void checkOrientation(const Component& comp)
     {
         if (comp.orient != "N" && comp.orient != "FS" && comp.orient != "FN") {
-            m_reporter.error("orientation", {comp.line, 0},
-                             "the orientation of " + comp.name + " is " + comp.orient +
-                                 ", and the placer takes it as N",
-                             comp.orient == "S" ? "write FN: a cell in S is mirrored left to right"
-                                                : "write N, FS or, if it is mirrored left to right, FN");
+            m_reporter.warning("orientation", {comp.line, 0},
+                               "the orientation of " + comp.name + " is " + comp.orient +
+                                   ", and the placer takes it as N",
+                               comp.orient == "S" ? "write FN: a cell in S is mirrored left to right"
+                                                  : "write N, FS or, if it is mirrored left to right, FN");
         }
     }
 

@@ -150,19 +150,6 @@ private:
     Reporter m_reporter;
 };
 
-void checkTable(const Subject& subject, Reporter& list)
-{
-    int64_t types = 0;
-    for (const Cell& cell : subject.design.cells) {
-        types += 2 + 2 * static_cast<int64_t>(cell.solutions.size()); // each cell and its mirror image
-    }
-    if (types > 0 && types > LARGEST_TABLE / types) {
-        list.error("large-library", {},
-                   "the cells and their solutions are too many for the placer's spacing table",
-                   "list only the cells in use, with fewer solutions");
-    }
-}
-
 void checkHeights(const Subject& subject)
 {
     const std::vector<Cell>& cells = subject.design.cells;
@@ -182,6 +169,15 @@ void checkHeights(const Subject& subject)
 
 } // namespace
 
+bool tableFits(const std::vector<Cell>& cells)
+{
+    int64_t types = 0;
+    for (const Cell& cell : cells) {
+        types += 2 + 2 * static_cast<int64_t>(cell.solutions.size()); // each cell and its mirror image
+    }
+    return types == 0 || types <= LARGEST_TABLE / types;
+}
+
 void checkLibrary(const Subject& subject)
 {
     Reporter list(subject.findings, subject.options.paths.cells());
@@ -197,7 +193,11 @@ void checkLibrary(const Subject& subject)
             CellCheck(cells[i], users[i], subject.findings).run();
         }
     }
-    checkTable(subject, list);
+    if (!tableFits(cells)) {
+        list.error("large-library", {},
+                   "the cells and their solutions are too many for the placer's spacing table",
+                   "list only the cells in use, with fewer solutions");
+    }
     checkHeights(subject);
 }
 

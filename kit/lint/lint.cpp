@@ -68,7 +68,7 @@ Findings findingsOf(const Options& options)
         const bool worse = options.strict && finding.severity == Severity::WARNING;
         finding.severity = worse ? Severity::ERROR : finding.severity;
     }
-    sortFindings(findings);
+    sortFindings(findings, paths);
     return findings;
 }
 

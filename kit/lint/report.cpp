@@ -72,6 +72,26 @@ std::string dump(const nlohmann::ordered_json& json)
     return json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
 }
 
+/// Ranks of files by their paths.
+using Ranks = std::unordered_map<std::string, size_t>;
+
+/// The cell list comes first, then the colour files as they were met, then the rest.
+Ranks ranksOf(const Findings& findings, const input::Paths& paths)
+{
+    Ranks ranks{{paths.cells(), 0}};
+    const Ranks last{{paths.place(), 0}, {paths.pins(), 1}, {paths.netlist(), 2}};
+    for (const Finding& finding : findings) {
+        if (last.count(finding.file) == 0) {
+            ranks.try_emplace(finding.file, ranks.size());
+        }
+    }
+    const size_t firstOfLast = ranks.size();
+    for (const auto& [file, rank] : last) {
+        ranks.try_emplace(file, firstOfLast + rank);
+    }
+    return ranks;
+}
+
 } // namespace
 
 Counts countsOf(const Findings& findings)
@@ -85,12 +105,9 @@ Counts countsOf(const Findings& findings)
     return counts;
 }
 
-void sortFindings(Findings& findings)
+void sortFindings(Findings& findings, const input::Paths& paths)
 {
-    std::unordered_map<std::string, size_t> ranks;
-    for (const Finding& finding : findings) {
-        ranks.try_emplace(finding.file, ranks.size());
-    }
+    const Ranks ranks = ranksOf(findings, paths);
     std::stable_sort(findings.begin(), findings.end(), [&ranks](const Finding& a, const Finding& b) {
         const size_t aRank = a.file == b.file ? 0 : ranks.at(a.file);
         const size_t bRank = a.file == b.file ? 0 : ranks.at(b.file);

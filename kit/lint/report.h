@@ -6,6 +6,7 @@
 #include <iosfwd>
 
 #include "kit/input/finding.h"
+#include "kit/input/reader.h"
 
 namespace kit::lint {
 
@@ -18,9 +19,9 @@ struct Counts {
 
 Counts countsOf(const input::Findings& findings);
 
-/// Sorts findings by file, in the order in which the files were first met, then by line and column. Findings
-/// of one place keep their order.
-void sortFindings(input::Findings& findings);
+/// Sorts findings by file, in the order in which the placer reads them, then by line and column. Findings of
+/// one place keep their order.
+void sortFindings(input::Findings& findings, const input::Paths& paths);
 
 /// Writes a line for each finding, and a last one with their counts. Characters of the files that would not
 /// show are written as "?".

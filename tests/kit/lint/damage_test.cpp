@@ -138,13 +138,13 @@ const DamageCase DAMAGES[] = {
     {"CarriageReturns",
      {{"d.place", "( 760 0 ) N\n", "( 760 0 ) N\r\n"}},
      1,
-     {"d.place:18: warning: carriage returns stand at the end of 1 line, and belong to the last token there; "
-      "convert the file to plain line ends [carriage-return]"}},
+     {"d.place:18: warning: carriage returns stand at the end of 1 line, and belong to the last token there: "
+      "FN is then taken as N; convert the file to plain line ends [carriage-return]"}},
     {"CarriageReturnBehindMirrored",
      {{"d.place", "( 380 0 ) FN\n", "( 380 0 ) FN\r\n"}},
-     2,
-     {"d.place:16: error: carriage returns stand at the end of 1 line, and the placer takes mirrored "
-      "components for upright ones; convert the file to plain line ends [carriage-return]"}},
+     1,
+     {"d.place:16: warning: carriage returns stand at the end of 1 line, and belong to the last token there: "
+      "FN is then taken as N; convert the file to plain line ends [carriage-return]"}},
     {"CountTooSmall",
      {{"d.place", "COMPONENTS 4", "COMPONENTS 3"}},
      2,
@@ -183,8 +183,8 @@ const DamageCase DAMAGES[] = {
      2,
      {"d.place:16: warning: u2 at (380 0) overlaps u3 (line 18), which ends at 570, and the placer moves "
       "them apart; legalise the placement first [overlap]",
-      "d.place:18: error: the orientation of u3 is ;, and the placer takes it as N; write N, FS or, if it is "
-      "mirrored left to right, FN [orientation]",
+      "d.place:18: warning: the orientation of u3 is ;, and the placer takes it as N; write N, FS or, if it "
+      "is mirrored left to right, FN [orientation]",
       "d.place:18: warning: u3 at (0 0) overlaps u1 (line 14), which ends at 380, and the placer moves them "
       "apart; legalise the placement first [overlap]",
       "d.place:18: warning: token 6 of the component is \"760\" where \"(\" belongs; check that no token is "
@@ -462,10 +462,11 @@ const DamageCase DAMAGES[] = {
     {"ComponentTwice",
      {{"d.place", "- u3 NAND", "- u1 NAND"}},
      2,
-     {"d.netlist:4: error: u3 is neither a component nor a pin; add it, or correct the name [unknown-member]",
-      "d.netlist:5: error: u3 is neither a component nor a pin; add it, or correct the name [unknown-member]",
-      "d.place:18: error: the component u1 is also on line 14, and all nets of that name get the later one; "
-      "rename or remove one of them [duplicate-name]"}},
+     {"d.place:18: error: the component u1 is also on line 14, and all nets of that name get the later one; "
+      "rename or remove one of them [duplicate-name]",
+      "d.netlist:4: error: u3 is neither a component nor a pin; add it, or correct the name [unknown-member]",
+      "d.netlist:5: error: u3 is neither a component nor a pin; add it, or correct the name "
+      "[unknown-member]"}},
     {"RowTwice",
      {{"d.place", "ROW row_1", "ROW row_0"}},
      1,
@@ -589,14 +590,14 @@ const DamageCase DAMAGES[] = {
      {"d.place:25: warning: macro tap_1 is 0 by 1900; correct its size, or remove it [macro-size]"}},
     {"OtherOrientation",
      {{"d.place", "( 0 0 ) N", "( 0 0 ) W"}},
-     2,
-     {"d.place:14: error: the orientation of u1 is W, and the placer takes it as N; write N, FS or, if it is "
-      "mirrored left to right, FN [orientation]"}},
+     1,
+     {"d.place:14: warning: the orientation of u1 is W, and the placer takes it as N; write N, FS or, if it "
+      "is mirrored left to right, FN [orientation]"}},
     {"RotatedComponent",
      {{"d.place", "( 0 0 ) N", "( 0 0 ) S"}},
-     2,
-     {"d.place:14: error: the orientation of u1 is S, and the placer takes it as N; write FN: a cell in S is "
-      "mirrored left to right [orientation]"}},
+     1,
+     {"d.place:14: warning: the orientation of u1 is S, and the placer takes it as N; write FN: a cell in S "
+      "is mirrored left to right [orientation]"}},
     {"OffEveryRow",
      {{"d.place", "( 1520 1900 )", "( 1520 9500 )"}},
      2,
@@ -753,7 +754,6 @@ const DamageCase DAMAGES[] = {
       "here; correct the degree, or add the members [short-net]"}},
 };
 
-INSTANTIATE_TEST_SUITE_P(Damages, Lint, testing::ValuesIn(DAMAGES),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(Damages, Lint, testing::ValuesIn(DAMAGES), testing::PrintToStringParamName());
 
 } // namespace

@@ -125,13 +125,30 @@ TEST(LintDesigns, GeneratedDesignsAreSound)
     }
 }
 
-TEST(LintDesigns, DenseGeneratedDesignsAreTooFullOnlyForTheirColours)
+TEST(LintDesigns, DenseGeneratedDesignsHaveRoomForTheirSpacings)
 {
-    const GeneratedDesign design({"--utilisation", "95", "--solutions", "1"});
+    const GeneratedDesign design({"--utilisation", "95", "--mirrored", "50"});
     const KitOutcome outcome = runKit({"lint", design.base(), "--cell-path", design.lib()});
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_NE(outcome.output.find("[overfull-colours]"), std::string::npos);
-    EXPECT_EQ(outcome.output.find("[overfull-row]"), std::string::npos);
+    EXPECT_EQ(outcome.output, "0 errors, 0 warnings, 0 notes\n");
+}
+
+TEST(LintDesigns, LibraryMayBeTooLargeForTheSpacingTable)
+{
+    std::string solutions;
+    for (int i = 0; i < 11'176; ++i) {
+        solutions += "0  0 0 1 1\n";
+    }
+    const auto withSolutions = [&solutions](int more) {
+        const std::string count = std::to_string(11'176 + more) + "\n";
+        const std::string rest = more == 0 ? "" : "0  0 0 1 1\n";
+        return SmallDesign({{"lib/INV.color", "2\n0  0 0 1 1\n0  0 0 1 2\n", count + solutions + rest}})
+            .lint();
+    };
+    EXPECT_EQ(withSolutions(0).status, 0); // with NAND 22,360 types, so 499,969,600 entries
+    EXPECT_EQ(
+        withSolutions(1).output,
+        "d.cells: error: the cells and their solutions are too many for the placer's spacing table; list "
+        "only the cells in use, with fewer solutions [large-library]\n1 error, 0 warnings, 0 notes\n");
 }
 
 TEST(LintDesigns, ExampleHasTheKnownConflictsOfItsLibrary)
