@@ -16,10 +16,13 @@ int64_t square(int64_t length)
     return length * length;
 }
 
+/// No distance counts as larger: two squares of it still have 64 bits.
+constexpr int64_t FARTHEST = int64_t{1} << 30;
+
 /// Distance of two ranges, 0 if they touch or overlap.
 int64_t gapOf(int64_t aBegin, int64_t aEnd, int64_t bBegin, int64_t bEnd)
 {
-    return std::max({bBegin - aEnd, aBegin - bEnd, int64_t{0}});
+    return std::min(std::max({bBegin - aEnd, aBegin - bEnd, int64_t{0}}), FARTHEST);
 }
 
 int32_t bottomOf(const Cell& cell)
