@@ -1,7 +1,9 @@
 vireloce_test(kit kit/cellLibrary_test.cpp kit/colors_test.cpp kit/command_test.cpp kit/design_test.cpp kit/netlist_test.cpp
-    kit/outputFile_test.cpp kit/placer_test.cpp kit/random_test.cpp
+    kit/outputFile_test.cpp kit/place/place_test.cpp kit/placer_test.cpp kit/random_test.cpp
     kit/verify/command_test.cpp kit/verify/conflict_test.cpp kit/verify/kinds_test.cpp
     kit/verify/report_test.cpp)
-target_compile_definitions(test_kit PRIVATE VIRELOCE_KIT_PROGRAM="$<TARGET_FILE:vireloce-kit>")
+target_compile_definitions(test_kit PRIVATE
+    VIRELOCE_KIT_PROGRAM="$<TARGET_FILE:vireloce-kit>"
+    VIRELOCE_PLACE_SCHEMA="${PROJECT_SOURCE_DIR}/kit/place/result.schema.json")
 target_link_libraries(test_kit PRIVATE vireloce_kit)
 add_dependencies(test_kit vireloce-kit)

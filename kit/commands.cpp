@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/commands.h"
+
+#include "kit/gen/command.h"
+#include "kit/lint/command.h"
+#include "kit/place/command.h"
+#include "kit/verify/command.h"
+
+namespace kit {
+
+std::vector<AddCommand> allCommands()
+{
+    return {gen::addCommand, lint::addCommand, place::addCommand, verify::addCommand};
+}
+
+} // namespace kit
