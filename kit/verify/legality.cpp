@@ -127,10 +127,10 @@ void checkLeftOut(const input::Design& design, Issues& issues)
         }
     }
     if (fillers > 0) {
-        issues.push_back(
-            {.kind = Kind::FILLERS,
-             .line = design.fillers.front().line,
-             .what = std::to_string(fillers) + " fillers from here on are not judged: fill the rows again"});
+        issues.push_back({.kind = Kind::FILLERS,
+                          .line = design.fillers.front().line,
+                          .what = "the fillers from here on, " + std::to_string(fillers) +
+                                  ", are not judged: fill the rows again"});
     }
 }
 

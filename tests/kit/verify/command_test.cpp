@@ -136,6 +136,35 @@ TEST(KitVerifyCommand, CellWithoutAFileHasStatusTwo)
     EXPECT_NE(outcome.output.find(" [no-file]\n"), std::string::npos) << outcome.output;
 }
 
+/// Places a generated design by algorithm 0 and judges the result; the placer reports no conflict.
+KitOutcome verifyPlaced(const std::string& mirrored)
+{
+    const GeneratedDesign files({"--mirrored", mirrored});
+    const TempDir dir;
+    const std::string out = dir.path("out");
+    const KitOutcome placed =
+        runKit({"place", files.base(), "--cell-path", files.lib(), "-o", out, "--quiet"});
+    EXPECT_EQ(placed.status, 0) << placed.error;
+    EXPECT_NE(placed.output.find("final conflict #         = 0\n"), std::string::npos) << placed.output;
+    return runKit(
+        {"verify", out + ".place", "--colors", out + ".colors", "--cell-path", files.lib(), "--json"});
+}
+
+TEST(KitVerifyCommand, PlacedDesignWithoutMirroredCellsIsClean)
+{
+    EXPECT_EQ(verifyPlaced("0").status, 0);
+}
+
+TEST(KitVerifyCommand, MirroredCellsAreTooCloseWhereThePlacerReportsNone)
+{
+    const KitOutcome outcome = verifyPlaced("30");
+    EXPECT_EQ(outcome.status, 1);
+    const nlohmann::json counts = countsOf(outcome);
+    for (const auto& [kind, count] : counts.items()) {
+        EXPECT_EQ(count.get<int>() > 0, kind == "conflict") << kind;
+    }
+}
+
 struct UsageCase {
     const char* name;
     Words words; ///< behind `verify`

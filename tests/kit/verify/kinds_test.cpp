@@ -72,7 +72,7 @@ const KindCase KIND_CASES[] = {
          j.input.design.fillers.push_back({.name = "FILLER_1", .cellName = "F", .orient = "N", .line = 90});
          j.input.design.fillers.push_back({.name = "FILLER_2", .cellName = "F", .orient = "N", .line = 92});
      },
-     "fillers", 90, "2 fillers from here on are not judged: fill the rows again"},
+     "fillers", 90, "the fillers from here on, 2, are not judged: fill the rows again"},
     {"UnknownCell",
      [](Judged& j) {
          j.component(1).cell = -1;

@@ -60,23 +60,24 @@ std::string textOf(const Judged& judged, const Options& options)
 
 TEST(KitVerifyReport, TextHasLinesTableAndCounts)
 {
-    EXPECT_EQ(textOf(mixedInput(), optionsOf()),
-              "out.place:40: error: u3 (A<&>) at (1717, 0) is 7 DBU right of a site of row_0 [off-grid]\n"
-              "out.place:90: note: 1 fillers from here on are not judged: fill the rows again [fillers]\n"
-              "out.place:10: error: u0 (A<&>) at (0, 0) and u1 (A<&>) at (190, 0) have shapes of mask 1 20.0 "
-              "apart, 185 are needed; 1 pair of shapes too close [conflict]\n"
-              "out.place:20: error: u1 (A<&>) at (190, 0) and u2 (B) at (380, 0) have shapes of mask 1 60.0 "
-              "apart, 185 are needed; 1 pair of shapes too close [conflict]\n"
-              "\n"
-              "Closest pairs of cells in a row, of 2; shapes of one mask must be 185 apart\n"
-              "distance  shape pairs  mask  cells\n"
-              "    20.0            1     1  u0 (A<&>) at (0, 0), u1 (A<&>) at (190, 0)\n"
-              "    60.0            1     1  u1 (A<&>) at (190, 0), u2 (B) at (380, 0)\n"
-              "\n"
-              "       1  off-grid: cells between the sites\n"
-              "       2  conflict: pairs of cells in a row with metal of one mask too close\n"
-              "       1  fillers: fillers, which are not judged\n"
-              "out.place: not clean, 3 errors, 1 note\n");
+    EXPECT_EQ(
+        textOf(mixedInput(), optionsOf()),
+        "out.place:40: error: u3 (A<&>) at (1717, 0) is 7 DBU right of a site of row_0 [off-grid]\n"
+        "out.place:90: note: the fillers from here on, 1, are not judged: fill the rows again [fillers]\n"
+        "out.place:10: error: u0 (A<&>) at (0, 0) and u1 (A<&>) at (190, 0) have shapes of mask 1 20.0 "
+        "apart, 185 are needed; 1 pair of shapes too close [conflict]\n"
+        "out.place:20: error: u1 (A<&>) at (190, 0) and u2 (B) at (380, 0) have shapes of mask 1 60.0 "
+        "apart, 185 are needed; 1 pair of shapes too close [conflict]\n"
+        "\n"
+        "Closest pairs of cells in a row, of 2; shapes of one mask must be 185 apart\n"
+        "distance  shape pairs  mask  cells\n"
+        "    20.0            1     1  u0 (A<&>) at (0, 0), u1 (A<&>) at (190, 0)\n"
+        "    60.0            1     1  u1 (A<&>) at (190, 0), u2 (B) at (380, 0)\n"
+        "\n"
+        "       1  off-grid: cells between the sites\n"
+        "       2  conflict: pairs of cells in a row with metal of one mask too close\n"
+        "       1  fillers: fillers, which are not judged\n"
+        "out.place: not clean, 3 errors, 1 note\n");
 }
 
 TEST(KitVerifyReport, TextOfACleanPlacementIsOneLine)
@@ -84,6 +85,17 @@ TEST(KitVerifyReport, TextOfACleanPlacementIsOneLine)
     Judged judged;
     judged.add(0, 0, 0);
     EXPECT_EQ(textOf(judged, optionsOf()), "\nout.place: clean, 0 errors, 0 notes\n");
+}
+
+TEST(KitVerifyReport, TextNamesBothCellsOfAnOverlap)
+{
+    Judged judged({makeCell("A", 380, {}, {})});
+    judged.add(0, 0, 0);
+    judged.add(0, 1, 0);
+    EXPECT_EQ(textOf(judged, optionsOf()),
+              "out.place:10: error: u0 (A) at (0, 0) and u1 (A) at (190, 0) overlap [cell-overlap]\n\n"
+              "       1  cell-overlap: pairs of cells that overlap\n"
+              "out.place: not clean, 1 error, 0 notes\n");
 }
 
 TEST(KitVerifyReport, DistancesAreRoundedDown)
