@@ -95,14 +95,16 @@ struct Cell {
     std::vector<Rect> headerBoxes;
     std::vector<Shape> shapes;
     std::vector<Solution> solutions;
-    int64_t line = 0; ///< in the cell list
+    bool complete = false; ///< the colour file could be read to its end
+    int64_t line = 0;      ///< in the cell list
 };
 
 /// A design with its library.
 struct Design {
     std::vector<Row> rows;
     std::vector<Macro> macros;
-    std::vector<Component> components;
+    std::vector<Component> components; ///< those that the placer places
+    std::vector<Component> fillers;    ///< from FILLER_1 to the end of its section: the placer skips them
     std::vector<Pin> pins;
     std::vector<Net> nets;
     std::vector<Cell> cells;

@@ -10,16 +10,23 @@ namespace kit::input {
 
 /// The files of a design.
 struct Paths {
-    std::string base;    ///< of BASE.place, .pins, .netlist and .cells
+    std::string base;    ///< of BASE.place, .pins, .netlist and .cells; one trailing dot does not count
     std::string cellDir; ///< folder of the colour files
+
+    std::string place() const;
+    std::string pins() const;
+    std::string netlist() const;
+    std::string cells() const;
 };
 
 /// Reads a design to the end, whatever is wrong with it: what cannot be read is left out.
 ///
 /// Every problem of form is appended to `findings`: missing and surplus tokens, wrong counts, over-long lines
-/// and the like; so is every name that means nothing.
+/// and the like; so is every name that means nothing. A design without findings means the same as to the
+/// placer.
 ///
-/// Errors: throws Fault if a file cannot be opened.
+/// Errors: throws Fault if one of the four BASE files cannot be opened; a colour file that cannot is a
+/// finding.
 Design readDesign(const Paths& paths, Findings& findings);
 
 /// As readDesign(), the placement file alone. Cells are looked up in design.cells if there are any.
@@ -27,5 +34,11 @@ void readPlacement(const std::string& path, Design& design, Findings& findings);
 
 /// As readDesign(), the cell list and the colour files alone.
 void readLibrary(const Paths& paths, Design& design, Findings& findings);
+
+/// As readDesign(), the pin file alone.
+void readPins(const std::string& path, Design& design, Findings& findings);
+
+/// As readDesign(), the netlist alone. Members are looked up in the design's components and pins.
+void readNets(const std::string& path, Design& design, Findings& findings);
 
 } // namespace kit::input

@@ -8,6 +8,9 @@
 
 namespace kit::input {
 
+/// Site width that the cell library is drawn at, library coordinates.
+inline constexpr int32_t LIBRARY_SITE_WIDTH = 190;
+
 /// A free stretch of a row: what no macro covers.
 struct Stretch {
     int32_t row = 0;      ///< index in Design::rows
@@ -16,10 +19,14 @@ struct Stretch {
 };
 
 /// Height of the design's rows, DBU: the least distance of two of them; with fewer than two, the height of
-/// the library's cells.
+/// the library's cells. At least 1.
 int32_t rowHeight(const Design& design);
 
-/// The free stretches of all rows, row by row, from the left.
+/// Site width of the design, DBU: the first row's step; with fewer than two rows the library's, as in the
+/// placer. At least 1.
+int32_t siteWidth(const Design& design);
+
+/// The free stretches of all rows, row by row, from the left. Those under one site are left out.
 std::vector<Stretch> freeStretches(const Design& design);
 
 /// Width of a component, sites: its cell's width over the library's site width of 190, rounded up; 0 if the

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/input/text.h"
+
+#include <charconv>
+#include <cstdio>
+#include <limits>
+#include <memory>
+
+#include "kit/fault.h"
+
+namespace kit::input {
+
+namespace {
+
+constexpr size_t CHUNK = size_t{1} << 16;
+constexpr size_t LONGEST_QUOTE = 60;
+
+struct CloseFile {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+std::string_view withoutPlus(std::string_view token)
+{
+    const bool plus = token.size() > 1 && token[0] == '+' && token[1] != '-';
+    return plus ? token.substr(1) : token;
+}
+
+} // namespace
+
+std::string readText(const std::string& path)
+{
+    const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path.c_str(), "rb"));
+    if (!file) {
+        throw Fault("cannot open file " + path);
+    }
+    std::string text;
+    size_t got = CHUNK;
+    for (size_t used = 0; got == CHUNK; used += got) {
+        text.resize(used + CHUNK);
+        got = std::fread(text.data() + used, 1, CHUNK, file.get());
+        text.resize(used + got);
+    }
+    if (std::ferror(file.get()) != 0) {
+        throw Fault("cannot read file " + path);
+    }
+    return text;
+}
+
+Integer parseInteger(std::string_view token)
+{
+    const std::string_view digits = withoutPlus(token);
+    int64_t value = 0;
+    const char* const end = digits.data() + digits.size();
+    const auto [stop, error] = std::from_chars(digits.data(), end, value);
+    if (error == std::errc::result_out_of_range) {
+        value = digits[0] == '-' ? std::numeric_limits<int64_t>::min() : std::numeric_limits<int64_t>::max();
+    }
+    const auto cut = static_cast<int32_t>(value);
+    return {cut, error == std::errc() && stop == end && cut == value};
+}
+
+bool isReal(std::string_view token)
+{
+    const std::string_view digits = withoutPlus(token);
+    double value = 0;
+    const char* const end = digits.data() + digits.size();
+    const auto [stop, error] = std::from_chars(digits.data(), end, value);
+    return error == std::errc() && stop == end;
+}
+
+std::string quoted(std::string_view text)
+{
+    std::string quote = "\"";
+    quote += text.substr(0, LONGEST_QUOTE);
+    quote += text.size() > LONGEST_QUOTE ? "...\"" : "\"";
+    return quote;
+}
+
+} // namespace kit::input

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Files as text, and the numbers in them.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace kit::input {
+
+/// Reads a whole file. Errors: throws Fault if it cannot be opened or read, a folder for one.
+std::string readText(const std::string& path);
+
+/// A token as an integer.
+struct Integer {
+    int32_t value = 0;  ///< what the placer's line reader takes: the longest decimal prefix, cut to 32 bits
+    bool sound = false; ///< the whole token is a decimal integer of 32 bits
+};
+
+/// Reads a token as a decimal integer with an optional sign.
+Integer parseInteger(std::string_view token);
+
+/// Whether a whole token is a decimal number, with or without a fraction or an exponent.
+bool isReal(std::string_view token);
+
+/// A text in quotation marks, cut with "..." if it is long.
+std::string quoted(std::string_view text);
+
+} // namespace kit::input
