@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/gen/command.h"
 #include "kit/program.h"
+#include "kit/view/command.h"
 
 int main(int argc, char** argv)
 {
-    return kit::runProgram(argc, argv, {kit::gen::addCommand});
+    return kit::runProgram(argc, argv, {kit::gen::addCommand, kit::view::addCommand});
 }

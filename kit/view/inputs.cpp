@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/view/inputs.h"
+
+#include <filesystem>
+#include <vector>
+
+#include "kit/fault.h"
+#include "kit/input/reader.h"
+#include "kit/view/build.h"
+
+namespace kit::view {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A path without an ending that it may have.
+std::string without(const std::string& path, const std::string& ending)
+{
+    return path.ends_with(ending) ? path.substr(0, path.size() - ending.size()) : path;
+}
+
+std::string mustExist(const std::string& path)
+{
+    if (!path.empty() && !fs::exists(path)) {
+        throw Fault("there is no " + path);
+    }
+    return path;
+}
+
+/// The file of an option; without the option, the first that exists of the bases with the ending.
+std::string find(const std::string& named, const std::vector<std::string>& bases, const std::string& ending)
+{
+    if (!named.empty()) {
+        return mustExist(named);
+    }
+    for (const std::string& base : bases) {
+        if (fs::is_regular_file(base + ending)) {
+            return base + ending;
+        }
+    }
+    return "";
+}
+
+std::string placementFile(const std::string& path)
+{
+    return path.empty() ? "" : mustExist(without(path, ".place") + ".place");
+}
+
+} // namespace
+
+InputPaths findInputs(const Options& options)
+{
+    std::vector<std::string> bases{without(options.placement, ".place")};
+    if (!options.before.empty()) {
+        bases.push_back(without(options.before, ".place"));
+    }
+    InputPaths paths;
+    paths.placement = placementFile(options.placement);
+    paths.before = placementFile(options.before);
+    paths.cells = find(options.cells, bases, ".cells");
+    paths.pins = find(options.pins, bases, ".pins");
+    paths.netlist = find(options.netlist, bases, ".netlist");
+    paths.colors = mustExist(options.colors);
+    paths.cellDir = mustExist(options.cellDir);
+    if (!paths.cells.empty() && !paths.cells.ends_with(".cells")) {
+        throw Fault("the name of the cell list must end in .cells: " + paths.cells);
+    }
+    return paths;
+}
+
+Scene readScene(const InputPaths& paths, int32_t minDist, input::Findings& findings)
+{
+    input::Design design;
+    if (!paths.cells.empty() && !paths.cellDir.empty()) {
+        input::readLibrary({without(paths.cells, ".cells"), paths.cellDir}, design, findings);
+    }
+    input::readPlacement(paths.placement, design, findings);
+    if (!paths.netlist.empty()) {
+        if (!paths.pins.empty()) {
+            input::readPins(paths.pins, design, findings);
+        }
+        input::readNets(paths.netlist, design, findings);
+    }
+    Extras extras;
+    input::Design before;
+    if (!paths.before.empty()) {
+        input::readPlacement(paths.before, before, findings);
+        extras.before = &before;
+    }
+    Scene scene = buildScene(design, extras);
+    scene.title = paths.placement;
+    scene.minDist = minDist;
+    return scene;
+}
+
+} // namespace kit::view
