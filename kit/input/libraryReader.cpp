@@ -176,20 +176,42 @@ std::string withoutSlashes(std::string path)
     return path;
 }
 
-} // namespace
-
-void readLibrary(const Paths& paths, Design& design, Findings& findings)
+void readColourFiles(std::vector<Cell>& cells, const std::string& cellDir, Reporter& reporter,
+                     Findings& findings)
 {
-    Reporter reporter(findings, paths.cells());
-    design.cells = readList(readText(paths.cells()), reporter);
-    for (Cell& cell : design.cells) {
-        cell.path = withoutSlashes(paths.cellDir) + "/" + cell.name + ".color";
+    for (Cell& cell : cells) {
+        cell.path = withoutSlashes(cellDir) + "/" + cell.name + ".color";
         const std::string fault = readCell(cell, findings);
         if (!fault.empty()) {
             reporter.error("no-file", {cell.line, 0}, fault,
                            "write the colour file, or correct the cell's name");
         }
     }
+}
+
+} // namespace
+
+void readLibrary(const Paths& paths, Design& design, Findings& findings)
+{
+    readLibrary(paths.cells(), paths.cellDir, design, findings);
+}
+
+void readLibrary(const std::string& list, const std::string& cellDir, Design& design, Findings& findings)
+{
+    Reporter reporter(findings, list);
+    design.cells = readList(readText(list), reporter);
+    readColourFiles(design.cells, cellDir, reporter, findings);
+}
+
+void readCells(const std::vector<std::string>& names, const std::string& cellDir, Design& design,
+               Findings& findings)
+{
+    design.cells.clear();
+    for (const std::string& name : names) {
+        design.cells.emplace_back().name = name;
+    }
+    Reporter reporter(findings, cellDir);
+    readColourFiles(design.cells, cellDir, reporter, findings);
 }
 
 } // namespace kit::input

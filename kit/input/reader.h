@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "kit/input/design.h"
 #include "kit/input/finding.h"
@@ -34,6 +35,13 @@ void readPlacement(const std::string& path, Design& design, Findings& findings);
 
 /// As readDesign(), the cell list and the colour files alone.
 void readLibrary(const Paths& paths, Design& design, Findings& findings);
+
+/// As readLibrary() of Paths, with the cell list under any name.
+void readLibrary(const std::string& list, const std::string& cellDir, Design& design, Findings& findings);
+
+/// As readLibrary(), for cells by their names: there is no cell list, and their `line` is 0.
+void readCells(const std::vector<std::string>& names, const std::string& cellDir, Design& design,
+               Findings& findings);
 
 /// As readDesign(), the pin file alone.
 void readPins(const std::string& path, Design& design, Findings& findings);

@@ -1,4 +1,4 @@
-vireloce_test(kit kit/cellLibrary_test.cpp kit/command_test.cpp kit/design_test.cpp kit/netlist_test.cpp
+vireloce_test(kit kit/cellLibrary_test.cpp kit/colors_test.cpp kit/command_test.cpp kit/design_test.cpp kit/netlist_test.cpp
     kit/outputFile_test.cpp kit/placer_test.cpp kit/random_test.cpp)
 target_compile_definitions(test_kit PRIVATE VIRELOCE_KIT_PROGRAM="$<TARGET_FILE:vireloce-kit>")
 target_link_libraries(test_kit PRIVATE vireloce_kit)
