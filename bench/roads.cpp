@@ -63,6 +63,14 @@ private:
     uint64_t m_value = 0xcbf29ce484222325;
 };
 
+/// Largest resident memory so far, KiB.
+long peakMemory()
+{
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
 /// Thrown in place of the end of a run.
 struct RunEnded {};
 
@@ -91,23 +99,23 @@ int run(char** argv)
     design.algo = std::atoi(argv[3]);
     Times setUp;
     Times placement;
+    long setUpPeak = 0;
     bool ended = false;
     try {
         setUp = measure([&] { design.initAll(); });
+        setUpPeak = peakMemory();
         Legalizer legalizer(&design);
         placement = measure([&] { legalizer.solveDPlace(); });
         design.evaluation();
     } catch (const RunEnded&) {
         ended = true; // the report says why
     }
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
     std::printf("{\"components\": %zu, \"segments\": %zu, \"sites\": %d, \"ended_early\": %s, "
                 "\"setup_user\": %.6f, \"setup_wall\": %.6f, \"place_user\": %.6f, \"place_wall\": %.6f, "
-                "\"peak_kib\": %ld, \"hash\": \"%016llx\"}\n",
+                "\"setup_peak_kib\": %ld, \"peak_kib\": %ld, \"hash\": \"%016llx\"}\n",
                 design.components.size(), design.segments.size(), design.getMaxSiteNum(),
-                ended ? "true" : "false", setUp.user, setUp.wall, placement.user, placement.wall,
-                usage.ru_maxrss, static_cast<unsigned long long>(hashOf(design, report.str())));
+                ended ? "true" : "false", setUp.user, setUp.wall, placement.user, placement.wall, setUpPeak,
+                peakMemory(), static_cast<unsigned long long>(hashOf(design, report.str())));
     vireloce::setReport(nullptr);
     return 0;
 }

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/gen/command.h"
+#include "kit/place/command.h"
 #include "kit/program.h"
 #include "kit/view/command.h"
 
 int main(int argc, char** argv)
 {
-    return kit::runProgram(argc, argv, {kit::gen::addCommand, kit::view::addCommand});
+    return kit::runProgram(argc, argv, {kit::gen::addCommand, kit::place::addCommand, kit::view::addCommand});
 }

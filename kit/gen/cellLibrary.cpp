@@ -59,6 +59,7 @@ std::vector<LibraryCell> makeLibrary(const Options& options)
 {
     Random random(options.seed, CELL_STREAM);
     std::vector<LibraryCell> library;
+    library.reserve(static_cast<size_t>(options.cellTypes));
     for (int32_t type = 0; type < options.cellTypes; ++type) {
         library.push_back(makeCell(type, options, random));
     }

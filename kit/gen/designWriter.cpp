@@ -17,10 +17,7 @@ constexpr int32_t BORDER_ROWS = 1;  // between the rows and its lower and upper 
 
 /// From sites and rows to DBU.
 struct Scale {
-    explicit Scale(const Options& options)
-        : step(options.siteStep), height(options.siteStep * LIBRARY_HEIGHT / LIBRARY_SITE)
-    {
-    }
+    explicit Scale(const Options& options) : step(options.siteStep), height(rowHeight(options)) {}
 
     int32_t x(int32_t site) const { return (site + BORDER_SITES) * step; }
     int32_t y(int32_t row) const { return (row + BORDER_ROWS) * height; }

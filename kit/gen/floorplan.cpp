@@ -2,6 +2,7 @@
 #include "kit/gen/floorplan.h"
 
 #include <algorithm>
+#include <string>
 #include <utility>
 
 #include "kit/fault.h"
@@ -13,6 +14,9 @@ namespace {
 
 /// The placer takes step and row height from the rows only if there are two of them.
 constexpr int32_t LEAST_ROWS = 2;
+
+/// Half of what 32 bits hold, DBU: a wirelength adds a width, and macros and spacings may add rows.
+constexpr int64_t HIGHEST_DESIGN = int64_t{1} << 30U;
 
 /// A macro's width and height, in per cent of its field's.
 constexpr int32_t LEAST_SHARE = 20;
@@ -87,6 +91,16 @@ void cutRows(Floorplan& plan)
     }
 }
 
+/// Ends with a Fault if rows would reach beyond what the placer's 32-bit coordinates hold.
+void requireHeight(int64_t rows, const Options& options)
+{
+    if (rows * rowHeight(options) > HIGHEST_DESIGN) {
+        throw Fault(std::to_string(rows) +
+                    " rows are too high for 32-bit coordinates: raise --sites-per-row or "
+                    "--utilisation, or lower --site-step");
+    }
+}
+
 } // namespace
 
 Floorplan makeFloorplan(int32_t rows, int32_t sitesPerRow, const Options& options)
@@ -105,6 +119,7 @@ Floorplan fitFloorplan(int64_t cellSites, const Options& options)
     const int32_t most = options.sitesPerRow;
     const auto rowsFor = [most](int64_t sites) { return static_cast<int32_t>((sites + most - 1) / most); };
 
+    requireHeight(rowsFor(needed), options);
     Floorplan plan = makeFloorplan(std::max(rowsFor(needed), LEAST_ROWS), most, options);
     while (plan.capacity < needed) {
         plan = makeFloorplan(plan.rows + rowsFor(needed - plan.capacity), most, options);

@@ -40,6 +40,8 @@ Floorplan makeFloorplan(int32_t rows, int32_t sitesPerRow, const Options& option
 /// The smallest floorplan, of at least two rows, in which cells have the utilisation wanted.
 ///
 /// @param cellSites  width of all cells together, sites
+///
+/// Errors: as makeFloorplan(); a Fault if the rows would reach beyond 32-bit coordinates.
 Floorplan fitFloorplan(int64_t cellSites, const Options& options);
 
 } // namespace kit::gen

@@ -24,9 +24,9 @@ struct Netlist {
 
 /// Connects the components to others near by, as a good placement leaves them.
 ///
-/// Every component drives a net, one in ten another one. Most nets have 2 to 5 members, of which half are in
-/// the driver's row and all inside the window of the options; wide nets have more, all around the driver.
-/// Every pin has a net with a component on the border next to it.
+/// Every component drives a net, one in ten another one. Most nets have 2 to 5 members, of which about half
+/// are in the driver's row and all inside the window of the options; wide nets have more, all around the
+/// driver. Every pin has a net with a component on the border next to it.
 Netlist connect(const Placement& placement, const Options& options);
 
 } // namespace kit::gen

@@ -2,6 +2,7 @@
 #include "kit/gen/options.h"
 
 #include "kit/fault.h"
+#include "kit/gen/geometry.h"
 
 namespace kit::gen {
 
@@ -25,6 +26,11 @@ void checkTogether(const Options& options)
         throw Fault("--cell-types times one more than --solutions is over " +
                     std::to_string(LARGEST_LIBRARY) + ", the most that the placer's spacing table holds");
     }
+}
+
+int32_t rowHeight(const Options& options)
+{
+    return options.siteStep * LIBRARY_HEIGHT / LIBRARY_SITE;
 }
 
 std::string cellFolder(const Options& options)

@@ -49,6 +49,9 @@ inline constexpr Range MIRRORED_RANGE{0, 100};
 /// library too large for its spacing table.
 void checkTogether(const Options& options);
 
+/// Height of a row, DBU: that of the library's cells at the site step of the design.
+int32_t rowHeight(const Options& options);
+
 /// The folder of the colour files.
 std::string cellFolder(const Options& options);
 

@@ -47,7 +47,10 @@ public:
 private:
     int32_t leastBefore(const Sides& sides) const
     {
-        int32_t least = m_last == nullptr ? 0 : std::numeric_limits<int32_t>::max();
+        if (m_last == nullptr) {
+            return 0;
+        }
+        int32_t least = std::numeric_limits<int32_t>::max();
         for (size_t i = 0; i < m_spacings.size(); ++i) {
             least = std::min(least, m_spacings[i] + spacing(m_last->plainSides[i], sides));
         }

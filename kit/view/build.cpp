@@ -6,6 +6,7 @@
 #include <unordered_map>
 
 #include "kit/input/stretches.h"
+#include "kit/verify/standing.h"
 #include "kit/view/joints.h"
 
 namespace kit::view {
@@ -48,8 +49,8 @@ public:
     /// The box between two opposite corners.
     Box box(const input::Rect& rect) const
     {
-        const auto [xl, xh] = std::minmax(x(rect.xl), x(rect.xh));
-        const auto [yl, yh] = std::minmax(y(rect.yl), y(rect.yh));
+        const auto [xl, xh] = std::minmax({x(rect.xl), x(rect.xh)});
+        const auto [yl, yh] = std::minmax({y(rect.yl), y(rect.yh)});
         return {xl, yl, xh, yh};
     }
 
@@ -79,7 +80,8 @@ Kind kindOf(const Scene& scene, const input::Cell& cell)
 
 Place placeOf(const input::Component& comp)
 {
-    return {coordinate(comp.x), coordinate(comp.y), comp.orient == "FN"};
+    const verify::Turn turn = verify::turnOf(comp.orient);
+    return {coordinate(comp.x), coordinate(comp.y), turn.mirrorX, turn.mirrorY};
 }
 
 void addFloorplan(Scene& scene, const input::Design& design)
@@ -104,7 +106,9 @@ void addFloorplan(Scene& scene, const input::Design& design)
 /// The solution of a component, -1 if it is unknown or its cell has none of that number.
 int32_t solutionOf(const Extras& extras, const Scene& scene, size_t component, int32_t kind)
 {
-    const int32_t solution = component < extras.solutions.size() ? extras.solutions[component] : -1;
+    const input::ColorRecord* const record =
+        component < extras.colours.size() ? extras.colours[component] : nullptr;
+    const int32_t solution = record != nullptr ? record->solution : -1;
     const bool exists =
         kind >= 0 && solution >= 0 &&
         static_cast<size_t>(solution) < scene.kinds[static_cast<size_t>(kind)].colourings.size();
@@ -165,7 +169,7 @@ Scene buildScene(const input::Design& design, const Extras& extras)
     Scene scene;
     scene.siteWidth = clampTo(input::siteWidth(design), WIDEST);
     scene.rowHeight = clampTo(input::rowHeight(design), WIDEST);
-    scene.coloured = !extras.solutions.empty();
+    scene.coloured = !extras.colours.empty();
     for (const input::Cell& cell : design.cells) {
         scene.kinds.push_back(kindOf(scene, cell));
     }

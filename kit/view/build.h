@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "kit/input/colors.h"
 #include "kit/input/design.h"
 #include "kit/view/scene.h"
 
@@ -11,7 +12,7 @@ namespace kit::view {
 
 /// What to draw besides the design.
 struct Extras {
-    std::vector<int32_t> solutions; ///< [components] index of the colour solution, -1 if unknown; or empty
+    std::vector<const input::ColorRecord*> colours; ///< [components] nullptr if unknown; not owned; or empty
     const input::Design* before = nullptr; ///< the input placement, found by names; not owned; or none
 };
 

@@ -30,7 +30,7 @@ void writeData(OutputFile& file, const Scene& scene)
     writeArray(file, "y", arrays.y);
     writeArray(file, "kind", arrays.kind);
     writeArray(file, "colouring", arrays.colouring);
-    writeArray(file, "mirrored", arrays.mirrored);
+    writeArray(file, "turns", arrays.turns);
     writeArray(file, "names", arrays.names);
     writeArray(file, "stripes", arrays.stripes);
     writeArray(file, "beforeX", arrays.beforeX);

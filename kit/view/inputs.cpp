@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/view/inputs.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <vector>
 
 #include "kit/fault.h"
+#include "kit/input/colors.h"
 #include "kit/input/reader.h"
 #include "kit/view/build.h"
+#include "kit/view/conflicts.h"
 
 namespace kit::view {
 
@@ -47,6 +50,14 @@ std::string placementFile(const std::string& path)
     return path.empty() ? "" : mustExist(without(path, ".place") + ".place");
 }
 
+void checkColours(const std::vector<const input::ColorRecord*>& colours, const InputPaths& paths)
+{
+    const auto isKnown = [](const input::ColorRecord* record) { return record != nullptr; };
+    if (!colours.empty() && std::none_of(colours.begin(), colours.end(), isKnown)) {
+        throw Fault(paths.colors + " has colours of no component of " + paths.placement);
+    }
+}
+
 } // namespace
 
 InputPaths findInputs(const Options& options)
@@ -83,6 +94,12 @@ Scene readScene(const InputPaths& paths, int32_t minDist, input::Findings& findi
         input::readNets(paths.netlist, design, findings);
     }
     Extras extras;
+    std::vector<input::ColorRecord> records;
+    if (!paths.colors.empty()) {
+        records = input::readColors(paths.colors, findings);
+        extras.colours = matchColours(design, records);
+        checkColours(extras.colours, paths);
+    }
     input::Design before;
     if (!paths.before.empty()) {
         input::readPlacement(paths.before, before, findings);
@@ -91,6 +108,9 @@ Scene readScene(const InputPaths& paths, int32_t minDist, input::Findings& findi
     Scene scene = buildScene(design, extras);
     scene.title = paths.placement;
     scene.minDist = minDist;
+    if (scene.coloured) {
+        scene.conflicts = findConflicts(design, extras.colours, scene.siteWidth, minDist);
+    }
     return scene;
 }
 

@@ -28,14 +28,18 @@ std::vector<int32_t> invert(const std::vector<int32_t>& order)
     return placeOf;
 }
 
+unsigned bitsOf(const Place& place)
+{
+    return (place.mirrored ? 1U : 0U) | (place.flipped ? 2U : 0U);
+}
+
 void addCell(PageArrays& arrays, const Cell& cell)
 {
     arrays.x.push_back(cell.place.x);
     arrays.y.push_back(cell.place.y);
     arrays.kind.push_back(shortIndex(cell.kind));
     arrays.colouring.push_back(shortIndex(cell.colouring));
-    const unsigned mirrored = (cell.place.mirrored ? 1U : 0U) | (cell.before.mirrored ? 2U : 0U);
-    arrays.mirrored.push_back(static_cast<uint8_t>(mirrored));
+    arrays.turns.push_back(static_cast<uint8_t>(bitsOf(cell.place) | bitsOf(cell.before) << 2U));
     arrays.names += printable(cell.name);
     arrays.names += '\n';
 }

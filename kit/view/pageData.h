@@ -16,15 +16,15 @@ namespace kit::view {
 struct PageArrays {
     static constexpr uint16_t NONE = 65'535; ///< no kind, or no colouring
 
-    std::vector<int32_t> x;             ///< [cells] DBU
-    std::vector<int32_t> y;             ///< [cells] DBU
-    std::vector<uint16_t> kind;         ///< [cells]
-    std::vector<uint16_t> colouring;    ///< [cells]
-    std::vector<uint8_t> mirrored;      ///< [cells] bit 0: where it stands; bit 1: where it stood
-    std::string names;                  ///< [cells] one per line
-    std::vector<int32_t> stripes;       ///< RowIndex::begin
-    std::vector<int32_t> beforeX;       ///< [cells] DBU; empty if nothing is known, as are the next three
-    std::vector<int32_t> beforeY;       ///< [cells] DBU
+    std::vector<int32_t> x;          ///< [cells] DBU
+    std::vector<int32_t> y;          ///< [cells] DBU
+    std::vector<uint16_t> kind;      ///< [cells]
+    std::vector<uint16_t> colouring; ///< [cells]
+    std::vector<uint8_t> turns;      ///< [cells] bits 0 and 1: mirrored, flipped; 2 and 3: as it stood before
+    std::string names;               ///< [cells] one per line
+    std::vector<int32_t> stripes;    ///< RowIndex::begin
+    std::vector<int32_t> beforeX;    ///< [cells] DBU; empty if nothing is known, as are the next three
+    std::vector<int32_t> beforeY;    ///< [cells] DBU
     std::vector<int32_t> beforeOrder;   ///< RowIndex::order of the input placement, of the cells here
     std::vector<int32_t> beforeStripes; ///< RowIndex::begin of the input placement
     std::vector<int32_t> netBegin;      ///< [nets + 1]

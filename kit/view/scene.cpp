@@ -49,11 +49,13 @@ Box boundsOf(const Scene& scene)
     return bounds;
 }
 
-Box placed(const Box& box, const Place& place, int32_t width)
+Box placed(const Scene& scene, const Cell& cell, const Box& box)
 {
+    const Place& place = cell.place;
+    const int32_t width = widthOf(scene, cell);
     const int32_t xl = place.mirrored ? width - box.xh : box.xl;
-    const int32_t xh = place.mirrored ? width - box.xl : box.xh;
-    return {place.x + xl, place.y + box.yl, place.x + xh, place.y + box.yh};
+    const int32_t yl = place.flipped ? scene.rowHeight - box.yh : box.yl;
+    return {place.x + xl, place.y + yl, place.x + xl + box.xh - box.xl, place.y + yl + box.yh - box.yl};
 }
 
 int64_t countStitches(const Scene& scene)

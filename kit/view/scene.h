@@ -51,9 +51,10 @@ struct Kind {
 
 /// Where a cell stands.
 struct Place {
-    int32_t x = 0; ///< left edge, DBU
-    int32_t y = 0; ///< bottom edge, DBU
-    bool mirrored = false;
+    int32_t x = 0;         ///< left edge, DBU
+    int32_t y = 0;         ///< bottom edge, DBU
+    bool mirrored = false; ///< left and right change places
+    bool flipped = false;  ///< bottom and top change places
 
     friend bool operator==(const Place&, const Place&) = default;
 };
@@ -112,8 +113,8 @@ int32_t widthOf(const Scene& scene, const Cell& cell);
 /// The smallest box around everything but the pins, at least one site wide and one row high.
 Box boundsOf(const Scene& scene);
 
-/// A box of a cell's kind at its place, mirrored about the middle of the cell where the place says so.
-Box placed(const Box& box, const Place& place, int32_t width);
+/// A box of a cell's kind where the cell stands, turned as the cell is.
+Box placed(const Scene& scene, const Cell& cell, const Box& box);
 
 /// Stitches of all cells as the colour files count them.
 int64_t countStitches(const Scene& scene);

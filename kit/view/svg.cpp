@@ -169,7 +169,7 @@ private:
         }
         for (const Metal& metal : kindOf(cell).metal) {
             if (maskOf(cell, metal) == mask) {
-                addToPath(placed(metal.box, cell.place, kindOf(cell).width));
+                addToPath(placed(m_scene, cell, metal.box));
             }
         }
     }
@@ -184,7 +184,7 @@ private:
             }
             for (const Joint& joint : kindOf(cell).joints) {
                 if (isStitch(joint, *colouring)) {
-                    addDiamond(placed(joint.box, cell.place, kindOf(cell).width));
+                    addDiamond(placed(m_scene, cell, joint.box));
                 }
             }
         }

@@ -39,7 +39,7 @@ const shorts = (id) => new Uint16Array(take(id).buffer);
 const design = JSON.parse(byId("design").textContent);
 const kinds = design.kinds;
 const cells = {
-  x: integers("x"), y: integers("y"), kind: shorts("kind"), colouring: shorts("colouring"), mirrored: take("mirrored"),
+  x: integers("x"), y: integers("y"), kind: shorts("kind"), colouring: shorts("colouring"), turns: take("turns"),
 };
 const count = cells.x.length;
 const nets = {begin: integers("netBegin"), members: integers("members")};
@@ -47,9 +47,9 @@ const conflicts = integers("conflictList");
 const CONFLICT_SIZE = 6; // numbers per conflict
 
 /** A placement of the cells: where they stand, and their index by rows. */
-const after = {x: cells.x, y: cells.y, mirrorBit: 1, stripes: integers("stripes"), order: null, coloured: design.coloured,
+const after = {x: cells.x, y: cells.y, turnShift: 0, stripes: integers("stripes"), order: null, coloured: design.coloured,
   density: design.density};
-const before = {x: integers("beforeX"), y: integers("beforeY"), mirrorBit: 2, stripes: integers("beforeStripes"),
+const before = {x: integers("beforeX"), y: integers("beforeY"), turnShift: 2, stripes: integers("beforeStripes"),
   order: integers("beforeOrder"), coloured: false, density: design.densityBefore};
 
 const names = new TextDecoder().decode(take("names"));
@@ -502,19 +502,21 @@ function drawMetal(visible) {
 }
 
 function fillMetal(cell, corners) {
-  const {x: left, mirror} = frameOf(cell);
-  const bottom = shown.y[cell];
+  const x = toPxX(shown.x[cell]);
+  const y = toPxY(shown.y[cell]);
+  const {mirrored, flipped} = turnOf(cell);
+  const width = widthOf(cell);
+  const scale = view.scale;
   for (let i = 0; i < corners.length; i += 4) {
-    const xl = mirror ? mirror - corners[i + 2] : left + corners[i];
-    base.fillRect(toPxX(xl), toPxY(bottom + corners[i + 3]), (corners[i + 2] - corners[i]) * view.scale,
-      (corners[i + 3] - corners[i + 1]) * view.scale);
+    const left = mirrored ? width - corners[i + 2] : corners[i];
+    const top = flipped ? design.rowHeight - corners[i + 1] : corners[i + 3];
+    base.fillRect(x + left * scale, y - top * scale, (corners[i + 2] - corners[i]) * scale, (corners[i + 3] - corners[i + 1]) * scale);
   }
 }
 
-/** The left edge of a cell; and, if it is mirrored, its right edge, from which its metal counts. */
-function frameOf(cell) {
-  const x = shown.x[cell];
-  return {x, mirror: cells.mirrored[cell] & shown.mirrorBit ? x + widthOf(cell) : 0};
+function turnOf(cell) {
+  const bits = cells.turns[cell] >> shown.turnShift;
+  return {mirrored: (bits & 1) !== 0, flipped: (bits & 2) !== 0};
 }
 
 function drawStitches(visible, rowPx, exact) {
@@ -540,11 +542,12 @@ function drawStitches(visible, rowPx, exact) {
 function addStitches(cell, radius) {
   const {joints, masks} = kinds[cells.kind[cell]];
   const digits = masks[cells.colouring[cell]];
-  const {x, mirror} = frameOf(cell);
+  const {mirrored, flipped} = turnOf(cell);
   for (let i = 0; i < joints.length; i += 6) {
     if (digits[joints[i]] !== digits[joints[i + 1]]) {
-      const middle = (joints[i + 2] + joints[i + 4]) / 2;
-      addDiamond(toPxX(mirror ? mirror - middle : x + middle), toPxY(shown.y[cell] + (joints[i + 3] + joints[i + 5]) / 2), radius);
+      const x = (joints[i + 2] + joints[i + 4]) / 2;
+      const y = (joints[i + 3] + joints[i + 5]) / 2;
+      addDiamond(toPxX(shown.x[cell] + (mirrored ? widthOf(cell) - x : x)), toPxY(shown.y[cell] + (flipped ? design.rowHeight - y : y)), radius);
     }
   }
 }
@@ -905,8 +908,9 @@ function factsOf(cell) {
   facts.push(["Position", `${number(shown.x[cell])}, ${number(shown.y[cell])} DBU`],
     ["", `${microns(shown.x[cell])}, ${microns(shown.y[cell])} \u00b5m`],
     ["Width", `${number(widthOf(cell))} DBU`]);
-  if (cells.mirrored[cell] & shown.mirrorBit) {
-    facts.push(["Orientation", "mirrored"]);
+  const {mirrored, flipped} = turnOf(cell);
+  if (mirrored || flipped) {
+    facts.push(["Orientation", mirrored && flipped ? "S" : mirrored ? "FN (mirrored)" : "FS (upside down)"]);
   }
   if (design.moved) {
     const dx = after.x[cell] - before.x[cell];

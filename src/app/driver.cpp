@@ -40,7 +40,7 @@ namespace vireloce {
 namespace {
 
 /// Does the work of runPlacer().
-void run(int argc, char** argv)
+void run(int argc, char** argv, const RunHooks& hooks)
 {
     printWelcome();
     const auto design = std::make_unique<Design>();
@@ -54,21 +54,31 @@ void run(int argc, char** argv)
     // Required: the label says LUT, but the time is that of the whole set-up.
     reportf("\nSTAT | LUT CPU time             = %.3f s\n\n", qLib::timer() - setUpBegin);
     design->requireSolutions();
+    // Names served the readers. Their memory, a good part of what the design takes, now serves the solver.
+    design->compIndex.clear();
+    design->pinIndex.clear();
 
+    if (hooks.afterSetUp) {
+        hooks.afterSetUp(*design);
+    }
     const auto legalizer = std::make_unique<Legalizer>(design.get());
+    legalizer->onProgress = hooks.onProgress;
     const double placeBegin = qLib::timer();
     legalizer->solveDPlace();
     const double placeEnd = qLib::timer();
     design->evaluation();
     reportf("\nSTAT | Virelocer CPU time       = %.3f s\n\n", placeEnd - placeBegin);
+    if (hooks.afterEvaluation) {
+        hooks.afterEvaluation(*design);
+    }
 }
 
 } // namespace
 
-int runPlacer(int argc, char** argv)
+int runPlacer(int argc, char** argv, const RunHooks& hooks)
 {
     try {
-        run(argc, argv);
+        run(argc, argv, hooks);
     } catch (const std::bad_alloc&) {
         endRun("ERROR| out of memory");
     }

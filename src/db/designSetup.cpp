@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // From the files to the working structure of the placer.
 #include <algorithm>
+#include <cassert>
 #include <cstdlib>
 #include <limits>
 
@@ -149,6 +150,7 @@ void Design::initCompInSegments()
             warnUnassigned(*comp);
             continue;
         }
+        assert(segments[static_cast<size_t>(m_lastHit->id)] == m_lastHit);
         members[static_cast<size_t>(m_lastHit->id)].push_back(comp);
         comp->siteX = ceilSites(comp->x - m_lastHit->x, SITE_WIDTH);
     }

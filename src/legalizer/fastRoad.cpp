@@ -78,6 +78,7 @@ void SegLegalizer::gatherLeftEnds(SolverMemory& memory) const
     vireloce::SegmentData& data = memory.segment;
     const vireloce::Stretch stretch{segment->y, segment->x, segment->x + SITE_WIDTH * segment->numSites};
     ++memory.solved;
+    memory.touched.clear();
     data.leftEnds.clear();
     data.leftEndBegin.clear();
     for (int32_t q = 0; q < data.size(); ++q) {
@@ -86,12 +87,13 @@ void SegLegalizer::gatherLeftEnds(SolverMemory& memory) const
             SolverMemory::Mark& mark = memory.marks[static_cast<size_t>(net)];
             if (mark.segment != memory.solved) {
                 const auto [left, right] = clampedRange(memory.mirror.outside(net, stretch));
-                mark = {.segment = memory.solved, .rightEnd = right};
+                mark = {memory.solved, static_cast<int32_t>(memory.touched.size())};
+                memory.touched.push_back({.rightEnd = right});
                 if (left >= 0) {
                     data.leftEnds.push_back(left);
                 }
             }
-            mark.rightmost = q;
+            memory.touched[static_cast<size_t>(mark.touched)].rightmost = q;
         }
     }
     data.leftEndBegin.push_back(static_cast<int32_t>(data.leftEnds.size()));
@@ -105,12 +107,14 @@ void SegLegalizer::gatherRightEnds(SolverMemory& memory)
     for (int32_t q = 0; q < data.size(); ++q) {
         data.rightEndBegin.push_back(static_cast<int32_t>(data.rightEnds.size()));
         for (const int32_t net : memory.mirror.netsOf(data.comps[static_cast<size_t>(q)]->id)) {
-            SolverMemory::Mark& mark = memory.marks[static_cast<size_t>(net)];
-            if (mark.rightmost == q && mark.rightEnd >= 0) {
-                data.rightEnds.push_back(mark.rightEnd);
+            SolverMemory::Touched& touched =
+                memory.touched[static_cast<size_t>(memory.marks[static_cast<size_t>(net)].touched)];
+            if (touched.rightmost != q) {
+                continue;
             }
-            if (mark.rightmost == q) {
-                mark.rightmost = -1; // its other memberships of the net do not count
+            touched.rightmost = -1; // its other memberships of the net do not count
+            if (touched.rightEnd >= 0) {
+                data.rightEnds.push_back(touched.rightEnd);
             }
         }
     }

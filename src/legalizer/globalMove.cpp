@@ -42,6 +42,7 @@ bool Legalizer::globalMove(Segment* seg, int need)
             continue;
         }
         seg->components.remove(what.first);
+        ++movedOut;
         freed += what.second;
         if (freed >= need) {
             break;

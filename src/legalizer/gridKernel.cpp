@@ -74,7 +74,7 @@ bool GridKernel::isSane(const GridProblem& problem) const
 {
     const SegmentData& segment = problem.segment;
     const int64_t limit = problem.terms.additiveLimit();
-    if (segment.numSites < 1 || segment.comps.empty() || limit == 0 ||
+    if (segment.numSites < 1 || segment.comps.empty() || limit == 0 || !endsWithin(segment) ||
         LEFT_OUT * segment.numSites * segment.size() >= UNREACHABLE) {
         return false;
     }
@@ -84,7 +84,9 @@ bool GridKernel::isSane(const GridProblem& problem) const
         if (least == problem.stitches[q].end() || *least < 0 || *most >= limit) {
             return false;
         }
-        if (mostCost(segment, problem.terms, q, *most) >= UNREACHABLE) {
+        // The grid's own sum, in floats, may be larger, but not four times as large. It must not wrap around
+        // on top of the start value either, on sites that are not looked at here.
+        if (mostCost(segment, problem.terms, q, *most) >= UNREACHABLE / 4) {
             return false;
         }
         if (q > 0 &&

@@ -24,9 +24,19 @@ void Legalizer::solveDPlace()
     bool moved = true;
     while (moved) {
         moved = false;
+        vireloce::Progress progress{};
         for (const int32_t id : beginPass()) {
             segDone[static_cast<size_t>(id)] = true;
-            moved |= solveSegment(design->segments[static_cast<size_t>(id)]);
+            const bool overfull = solveSegment(design->segments[static_cast<size_t>(id)]);
+            moved |= overfull;
+            if (onProgress) {
+                progress.overfull += overfull ? 1 : 0;
+                ++progress.segmentsDone;
+                progress.pass = passCount;
+                progress.numSegments = static_cast<int32_t>(design->segments.size());
+                progress.movedOut = movedOut;
+                onProgress(progress);
+            }
         }
     }
     memory.reset();
@@ -35,6 +45,7 @@ void Legalizer::solveDPlace()
 std::vector<int32_t> Legalizer::beginPass()
 {
     ++passCount;
+    movedOut = 0;
     segDensity.clear();
     std::vector<std::pair<float, int>> byDensity;
     for (Segment* segment : design->segments) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <list>
 #include <memory>
 #include <utility>
@@ -25,6 +26,19 @@ bool byDeltaY(const MoveCandidate& a, const MoveCandidate& b);
 
 /// Orders (value, index) pairs: the largest value first.
 bool byDec(const std::pair<float, int>& a, const std::pair<float, int>& b);
+
+namespace vireloce {
+
+/// How far a placement has got.
+struct Progress {
+    int32_t pass;         ///< passes begun
+    int32_t segmentsDone; ///< segments solved in this pass
+    int32_t numSegments;  ///< segments in a pass
+    int32_t overfull;     ///< segments of this pass that components had to be moved out of
+    int32_t movedOut;     ///< components moved out in this pass
+};
+
+} // namespace vireloce
 
 /// Places a design.
 class Legalizer {
@@ -91,12 +105,14 @@ public:
     /// Does nothing.
     void debugGlobalMove(int);
 
-    std::vector<bool> segDone;                     ///< [segment id] whether this pass has come to the segment
-    std::vector<float> segDensity;                 ///< [segment id] density at the start of the pass
-    int32_t passCount = 0;                         ///< passes begun
-    Design* design;                                ///< not owned
-    std::list<Component*>::iterator lastInsertPos; ///< where moveComponent() last inserted, or would have
-    Segment* lastTargetSeg = nullptr;              ///< segment that a move last worked on, not owned
+    std::vector<bool> segDone;     ///< [segment id] whether this pass has come to the segment
+    std::vector<float> segDensity; ///< [segment id] density at the start of the pass
+    int32_t passCount = 0;         ///< passes begun
+    int32_t movedOut = 0;          ///< components moved out of their segment in this pass
+    std::function<void(const vireloce::Progress&)> onProgress; ///< called after every segment, if not empty
+    Design* design;                                            ///< not owned
+    std::list<Component*>::iterator lastInsertPos;  ///< where moveComponent() last inserted, or would have
+    Segment* lastTargetSeg = nullptr;               ///< segment that a move last worked on, not owned
     std::unique_ptr<vireloce::SolverMemory> memory; ///< of the segment solver, during solveDPlace() only
     int32_t metric = 0;                             ///< what SegLegalizer::getEdgeCost_bak() measures: 0 or 1
 

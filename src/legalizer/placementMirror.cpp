@@ -45,34 +45,35 @@ void PlacementMirror::addNets(const Design& design)
     m_nets.reserve(design.nets.size() + 1);
     m_members.reserve(m_compNets.size());
     for (const Net* net : design.nets) {
-        NetRecord record{static_cast<int32_t>(m_members.size()), LARGEST, SMALLEST, -1};
-        for (const Pin* pin : net->pins) {
-            record.pinLo = std::min(record.pinLo, pin->x);
-            record.pinHi = std::max(record.pinHi, pin->x);
-        }
+        const bool hasRest = !net->pins.empty() || net->components.size() >= LARGE_NET;
+        m_nets.push_back({.begin = static_cast<int32_t>(m_members.size()),
+                          .rest = hasRest ? static_cast<int32_t>(m_rests.size()) : -1});
         for (const Component* comp : net->components) {
             m_members.push_back(comp->id);
         }
-        m_nets.push_back(record);
-    }
-    m_nets.push_back({static_cast<int32_t>(m_members.size()), LARGEST, SMALLEST, -1});
-    for (size_t net = 0; net < design.nets.size(); ++net) {
-        if (design.nets[net]->components.size() >= LARGE_NET) {
-            sortLarge(net);
+        if (hasRest) {
+            addRest(*net);
         }
     }
+    m_nets.push_back({.begin = static_cast<int32_t>(m_members.size()), .rest = -1});
 }
 
-void PlacementMirror::sortLarge(size_t net)
+void PlacementMirror::addRest(const Net& net)
 {
-    m_nets[net].large = static_cast<int32_t>(m_large.size());
-    Sorted& sorted = m_large.emplace_back();
-    for (int32_t k = m_nets[net].begin; k < m_nets[net + 1].begin; ++k) {
-        const int32_t comp = m_members[static_cast<size_t>(k)];
-        sorted.emplace_back(centre(m_places[static_cast<size_t>(comp)]), comp);
-        m_inLarge[static_cast<size_t>(comp)] = true;
+    Rest& rest = m_rests.emplace_back(Rest{.pinLo = LARGEST, .pinHi = SMALLEST, .sorted = {}});
+    for (const Pin* pin : net.pins) {
+        rest.pinLo = std::min(rest.pinLo, pin->x);
+        rest.pinHi = std::max(rest.pinHi, pin->x);
     }
-    std::sort(sorted.begin(), sorted.end());
+    if (net.components.size() < LARGE_NET) {
+        return;
+    }
+    for (const Component* comp : net.components) {
+        const auto id = static_cast<size_t>(comp->id);
+        rest.sorted.emplace_back(centre(m_places[id]), comp->id);
+        m_inLarge[id] = true;
+    }
+    std::sort(rest.sorted.begin(), rest.sorted.end());
 }
 
 void PlacementMirror::moved(const Component& comp)
@@ -90,11 +91,11 @@ void PlacementMirror::moved(const Component& comp)
 void PlacementMirror::moveInLarge(int32_t comp, int32_t from, int32_t to)
 {
     for (const int32_t net : netsOf(comp)) { // once per membership, as it is in the sorted list
-        const int32_t large = m_nets[static_cast<size_t>(net)].large;
-        if (large < 0) {
+        const int32_t rest = m_nets[static_cast<size_t>(net)].rest;
+        if (rest < 0 || m_rests[static_cast<size_t>(rest)].sorted.empty()) {
             continue;
         }
-        Sorted& sorted = m_large[static_cast<size_t>(large)];
+        auto& sorted = m_rests[static_cast<size_t>(rest)].sorted;
         const auto at = std::lower_bound(sorted.begin(), sorted.end(), std::pair(from, comp));
         const auto target = std::lower_bound(sorted.begin(), sorted.end(), std::pair(to, comp));
         *at = {to, comp};
@@ -108,31 +109,47 @@ void PlacementMirror::moveInLarge(int32_t comp, int32_t from, int32_t to)
 
 std::pair<int32_t, int32_t> PlacementMirror::outside(int32_t net, const Stretch& stretch) const
 {
-    const NetRecord& record = m_nets[static_cast<size_t>(net)];
-    int32_t lo = record.pinLo;
-    int32_t hi = record.pinHi;
-    if (record.large >= 0) {
-        const Sorted& sorted = m_large[static_cast<size_t>(record.large)];
-        const auto isOutside = [&](const auto& entry) {
-            return !isInside(m_places[static_cast<size_t>(entry.second)], stretch);
-        };
-        const auto first = std::find_if(sorted.begin(), sorted.end(), isOutside);
-        if (first != sorted.end()) {
-            const auto last = std::find_if(sorted.rbegin(), sorted.rend(), isOutside);
-            lo = std::min(lo, first->first);
-            hi = std::max(hi, last->first);
+    const int32_t rest = m_nets[static_cast<size_t>(net)].rest;
+    std::pair<int32_t, int32_t> range{LARGEST, SMALLEST};
+    if (rest >= 0) {
+        const Rest& few = m_rests[static_cast<size_t>(rest)];
+        range = {few.pinLo, few.pinHi};
+        if (!few.sorted.empty()) {
+            includeSorted(few, stretch, range);
+            return range;
         }
-        return {lo, hi};
     }
-    const int32_t end = m_nets[static_cast<size_t>(net) + 1].begin;
-    for (int32_t k = record.begin; k < end; ++k) {
+    includeMembers(static_cast<size_t>(net), stretch, range);
+    return range;
+}
+
+/// Widens a range by the members of a net that are outside of a stretch.
+void PlacementMirror::includeMembers(size_t net, const Stretch& stretch,
+                                     std::pair<int32_t, int32_t>& range) const
+{
+    for (int32_t k = m_nets[net].begin; k < m_nets[net + 1].begin; ++k) {
         const Place& place = m_places[static_cast<size_t>(m_members[static_cast<size_t>(k)])];
         if (!isInside(place, stretch)) {
-            lo = std::min(lo, centre(place));
-            hi = std::max(hi, centre(place));
+            range.first = std::min(range.first, centre(place));
+            range.second = std::max(range.second, centre(place));
         }
     }
-    return {lo, hi};
+}
+
+/// As includeMembers(), from the outermost members inwards.
+void PlacementMirror::includeSorted(const Rest& rest, const Stretch& stretch,
+                                    std::pair<int32_t, int32_t>& range) const
+{
+    const auto isOutside = [&](const auto& entry) {
+        return !isInside(m_places[static_cast<size_t>(entry.second)], stretch);
+    };
+    const auto first = std::find_if(rest.sorted.begin(), rest.sorted.end(), isOutside);
+    if (first == rest.sorted.end()) {
+        return;
+    }
+    const auto last = std::find_if(rest.sorted.rbegin(), rest.sorted.rend(), isOutside);
+    range.first = std::min(range.first, first->first);
+    range.second = std::max(range.second, last->first);
 }
 
 } // namespace vireloce

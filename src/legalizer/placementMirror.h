@@ -9,6 +9,7 @@
 
 class Design;
 struct Component;
+struct Net;
 
 namespace vireloce {
 
@@ -41,7 +42,7 @@ public:
     std::pair<int32_t, int32_t> outside(int32_t net, const Stretch& stretch) const;
 
     /// Number of nets.
-    size_t numNets() const { return m_nets.size(); }
+    size_t numNets() const { return m_nets.size() - 1; }
 
 private:
     struct Place {
@@ -52,14 +53,19 @@ private:
 
     struct NetRecord {
         int32_t begin; ///< first of its members in m_members
-        int32_t pinLo; ///< least x of its pins, DBU; the largest integer without pins
-        int32_t pinHi; ///< largest x of its pins, DBU; the smallest integer without pins
-        int32_t large; ///< index in m_large, -1 if it has few members
+        int32_t rest;  ///< index in m_rests, -1 if it has neither pins nor many members
     };
 
-    /// A net of many members. They are kept sorted by where they are, so that the outermost ones need not be
-    /// searched for anew for every segment that the net touches.
-    using Sorted = std::vector<std::pair<int32_t, int32_t>>; ///< (centre x, component), ascending
+    /// What only few nets have.
+    struct Rest {
+        int32_t pinLo; ///< least x of its pins, DBU; the largest integer without pins
+        int32_t pinHi; ///< largest x of its pins, DBU; the smallest integer without pins
+
+        /// The members of a net of many, (centre x, component), ascending; empty for others. They are kept
+        /// sorted so that the outermost ones need not be searched for anew for every segment that the net
+        /// touches.
+        std::vector<std::pair<int32_t, int32_t>> sorted;
+    };
 
     static std::span<const int32_t> entries(const std::vector<int32_t>& all,
                                             const std::vector<int32_t>& begins, size_t of)
@@ -76,7 +82,9 @@ private:
     static int32_t centre(const Place& place) { return place.x + place.half; }
 
     void addNets(const Design& design);
-    void sortLarge(size_t net);
+    void addRest(const Net& net);
+    void includeMembers(size_t net, const Stretch& stretch, std::pair<int32_t, int32_t>& range) const;
+    void includeSorted(const Rest& rest, const Stretch& stretch, std::pair<int32_t, int32_t>& range) const;
     void moveInLarge(int32_t comp, int32_t from, int32_t to);
 
     std::vector<Place> m_places;      ///< [component]
@@ -84,7 +92,7 @@ private:
     std::vector<int32_t> m_compNets;
     std::vector<NetRecord> m_nets; ///< [net + 1]
     std::vector<int32_t> m_members;
-    std::vector<Sorted> m_large;
+    std::vector<Rest> m_rests;
     std::vector<bool> m_inLarge; ///< [component] whether it belongs to a large net
 };
 

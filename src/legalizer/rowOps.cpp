@@ -15,7 +15,7 @@ std::span<const RowOps* const> rowOpsHere()
 {
 #ifdef VIRELOCE_X86_VARIANTS
     static constexpr std::array ALL{&ROW_OPS_BASELINE, &ROW_OPS_AVX2, &ROW_OPS_AVX512};
-    static const size_t s_count = [] {
+    static const size_t s_count = []() -> size_t {
         __builtin_cpu_init();
         if (__builtin_cpu_supports("avx2") == 0) {
             return 1;

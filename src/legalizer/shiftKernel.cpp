@@ -51,7 +51,8 @@ bool ShiftKernel::isSane(const ShiftProblem& problem)
 {
     const SegmentData& segment = problem.segment;
     const int64_t limit = problem.terms.additiveLimit();
-    if (segment.comps.empty() || problem.numShifts < 1 || problem.numShifts >= FAR || limit == 0) {
+    if (segment.comps.empty() || problem.numShifts < 1 || problem.numShifts >= FAR || limit == 0 ||
+        segment.numSites < 0 || !endsWithin(segment)) {
         return false;
     }
     for (size_t q = 0; q < segment.comps.size(); ++q) {

@@ -29,7 +29,15 @@ inline int32_t siteCost(const SegmentData& segment, const TermTable& terms, size
     return cost;
 }
 
-/// More than a component costs anywhere in the segment: the most stitches and all nets at their farthest.
+/// Whether all ends are within the reach of a table up to the segment's number of sites. They may be beyond
+/// it by the rounding of a long segment's coordinates.
+inline bool endsWithin(const SegmentData& segment)
+{
+    return std::all_of(segment.leftEnds.begin(), segment.leftEnds.end(),
+                       [&segment](int32_t left) { return left <= segment.numSites; });
+}
+
+/// At least what a component costs anywhere in the segment: the most stitches and all nets at their farthest.
 inline int64_t mostCost(const SegmentData& segment, const TermTable& terms, size_t comp, int32_t stitches)
 {
     const size_t pulls = segment.leftOf(comp).size() + segment.rightOf(comp).size();

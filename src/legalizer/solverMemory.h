@@ -27,10 +27,15 @@ struct SolverMemory {
     {
     }
 
-    /// A net that the segment in hand touches.
+    /// The last segment that touched a net.
     struct Mark {
-        int32_t segment = 0;    ///< number of the last segment that touched the net, counted in `solved`
-        int32_t rightmost = -1; ///< index of its rightmost component in that segment, -1 once it is entered
+        int32_t segment = 0; ///< its number, counted in `solved`
+        int32_t touched = 0; ///< index of the net in `touched`
+    };
+
+    /// A net that the segment in hand touches.
+    struct Touched {
+        int32_t rightmost = -1; ///< index of its rightmost component in the segment, -1 once it is entered
         int32_t rightEnd = -1;  ///< right end of its fixed range, -1 if it has none
     };
 
@@ -51,6 +56,7 @@ struct SolverMemory {
 
     int32_t solved = 0;      ///< segments gathered so far
     std::vector<Mark> marks; ///< [net]
+    std::vector<Touched> touched;
     SegmentData segment;
     std::vector<const PairSpacing*> behind;         ///< [component]
     std::vector<std::span<const int32_t>> stitches; ///< [component]

@@ -8,19 +8,28 @@
 
 namespace vireloce {
 
+namespace {
+
+/// Largest distance that a table is made for: two tables of 32 MiB.
+constexpr int32_t MOST_SITES = 1 << 23;
+
+} // namespace
+
 void TermTable::prepare(float weight, int32_t most)
 {
-    if (m_most >= most && m_weight == weight) {
+    if (0 <= most && most <= m_most && weight == m_weight) {
         return;
     }
+    m_limit = 0;
     m_weight = weight;
-    m_most = most;
-    fill();
+    m_most = 0 <= most && most <= MOST_SITES ? most : -1;
+    if (m_most >= 0) {
+        fill();
+    }
 }
 
 void TermTable::fill()
 {
-    m_limit = 0;
     if (!(m_weight >= 0.0F) || !std::isfinite(m_weight)) {
         return;
     }

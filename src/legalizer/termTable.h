@@ -22,11 +22,12 @@ public:
     /// Makes the table; nothing to do if it is there already.
     ///
     /// @param weight  cost of a site
-    /// @param most    largest distance, sites, 0 or more
+    /// @param most    largest distance, sites
     void prepare(float weight, int32_t most);
 
     /// Least sum of a cost for which terms may add differently; 0 if the weight is negative, infinite or
-    /// not a number, or if some term is too large for any sum.
+    /// not a number, if some term is too large for any sum, or if the largest distance is negative or so
+    /// large that no table is made.
     int32_t additiveLimit() const { return m_limit; }
 
     /// [most + 1] cost of d sites at index d; meaningless with an additiveLimit() of 0.

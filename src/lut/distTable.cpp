@@ -41,6 +41,7 @@ void LUTable::genLUTable()
 {
     requireTableSize();
     const size_t n = cells.size();
+    const auto cellOfType = [this, n](size_t type) { return cells[type < n ? type : type - n]; };
     const std::vector<vireloce::Edge> leftEdges = edgesOf(cells, /*isLeft=*/true);
     const std::vector<vireloce::Edge> rightEdges = edgesOf(cells, /*isLeft=*/false);
     distTable.clear();
@@ -53,7 +54,7 @@ void LUTable::genLUTable()
             // Rectangles that overlap are warned of once for every pair of solutions, in their order.
             distTable[i].push_back(left.isClear(right)
                                        ? blockOf(left, right)
-                                       : genLUTable(cells[i % n], i >= n, cells[j % n], j >= n));
+                                       : genLUTable(cellOfType(i), i >= n, cellOfType(j), j >= n));
         }
     }
     evaluateLUT();

@@ -42,7 +42,10 @@ void sortByName(const std::vector<Component*>& components, std::span<Item> items
     for (Item& item : items) {
         item.block = blockAt(components[static_cast<size_t>(item.index)]->name, from);
     }
-    std::sort(items.begin(), items.end());
+    // Often they are sorted: names in file order, or names that are all the same up to here.
+    if (!std::is_sorted(items.begin(), items.end())) {
+        std::sort(items.begin(), items.end());
+    }
     for (size_t begin = 0, end = 0; begin < items.size(); begin = end) {
         const uint64_t block = items[begin].block;
         for (end = begin + 1; end < items.size() && items[end].block == block; ++end) {

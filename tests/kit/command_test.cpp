@@ -76,6 +76,9 @@ const BadCase BAD_CASES[] = {
     {"LibraryTooLarge",
      {"--cell-types", "1000"},
      "--cell-types times one more than --solutions is over 11000"},
+    {"RowsTooHigh",
+     {"--components", "1000000", "--utilisation", "10", "--sites-per-row", "50", "--site-step", "1900"},
+     " rows are too high for 32-bit coordinates"},
     {"MacrosThatDoNotFit", {"--macros", "10000", "--components", "1000"}, "--macros: 10000 do not fit"},
 };
 

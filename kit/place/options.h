@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// What the subcommand `place` is asked to do.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace kit::place {
+
+/// The arguments of `place`. Empty texts were not given: the placer's own default holds.
+struct Options {
+    std::string base;      ///< path of the design files without extension
+    std::string cellPath;  ///< folder of the colour files
+    std::string out;       ///< path of the result files without extension
+    std::string algo;      ///< placement method, an integer
+    std::string mindp;     ///< colouring distance, DBU of the library, an integer
+    std::string siteWidth; ///< site width until the rows give theirs, DBU, an integer
+    std::string moveRange; ///< move range of the local shift program, sites, an integer
+    std::string weight;    ///< cost of a site of wirelength against a stitch
+    bool rescue = false;   ///< find places for the cells that the placer left without one
+    bool force = false;    ///< replace earlier results
+    bool quiet = false;    ///< no progress line
+};
+
+/// The placer's own arguments for these, its name first.
+std::vector<std::string> placerArguments(const Options& options);
+
+/// The result files: extensions ".place", ".colors" and ".json", and copies of the other inputs, so that OUT
+/// is a design of its own.
+inline constexpr const char* WRITTEN[] = {".place", ".colors", ".json"};
+inline constexpr const char* COPIED[] = {".cells", ".pins", ".netlist"};
+
+/// Checks that the results may be written.
+///
+/// Errors: throws Fault if a result would replace an input, or anything without `force`.
+void checkOutputs(const Options& options);
+
+} // namespace kit::place

@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/place/placeRun.h"
+
+#include <chrono>
+#include <filesystem>
+#include <iostream>
+#include <nlohmann/json.hpp>
+
+#include "app/parameters.h"
+#include "db/design.h"
+#include "kit/fault.h"
+#include "kit/input/colors.h"
+#include "kit/outputFile.h"
+#include "kit/place/placementText.h"
+#include "kit/place/progressLine.h"
+#include "kit/place/resultJson.h"
+
+namespace kit::place {
+
+namespace {
+
+constexpr int CLEAN = 0;
+constexpr int NOT_CLEAN = 1;
+constexpr int UNREADABLE = 2;
+
+/// The parameters of the placer are the process's: the next run must find them as they were.
+class ParameterKeeper {
+public:
+    ParameterKeeper() = default;
+    ~ParameterKeeper()
+    {
+        SITE_WIDTH = m_siteWidth;
+        SITE_HEIGHT = m_siteHeight;
+        MINDPLDIST = m_minDist;
+        WEIGHT_WRLENG = m_weight;
+        LDP_M = m_range;
+        LDP_K = m_solutions;
+    }
+    ParameterKeeper(const ParameterKeeper&) = delete;
+    ParameterKeeper& operator=(const ParameterKeeper&) = delete;
+
+private:
+    int32_t m_siteWidth = SITE_WIDTH;
+    int32_t m_siteHeight = SITE_HEIGHT;
+    int32_t m_minDist = MINDPLDIST;
+    float m_weight = WEIGHT_WRLENG;
+    int32_t m_range = LDP_M;
+    int32_t m_solutions = LDP_K;
+};
+
+std::vector<input::ColorRecord> colorsOf(const Design& design)
+{
+    std::vector<input::ColorRecord> records;
+    records.reserve(design.components.size());
+    for (const Component* comp : design.components) {
+        const Cell& cell = design.cellOf(*comp);
+        input::ColorRecord& record = records.emplace_back();
+        record.name = comp->name;
+        record.cell = comp->cellName;
+        if (comp->solution >= 0 && static_cast<size_t>(comp->solution) < cell.colors.size()) {
+            record.solution = comp->solution;
+            record.stitches = cell.stitchesOf(comp->solution);
+            record.masks = cell.colors[static_cast<size_t>(comp->solution)];
+        }
+    }
+    return records;
+}
+
+void copyInput(const std::string& from, const std::string& to)
+{
+    std::error_code error;
+    const std::string part = to + ".part";
+    std::filesystem::copy_file(from, part, std::filesystem::copy_options::overwrite_existing, error);
+    if (!error) {
+        std::filesystem::rename(part, to, error);
+    }
+    if (error) {
+        throw Fault("cannot copy " + from + " to " + to + ": " + error.message());
+    }
+}
+
+/// Looks on while the placer runs, and writes what comes out.
+class Session {
+public:
+    explicit Session(const Options& options) : m_options(options), m_line(options.quiet) {}
+
+    int run()
+    {
+        const auto begin = std::chrono::steady_clock::now();
+        const PlacerRun run =
+            runPlacer(placerArguments(m_options),
+                      {.afterSetUp = [this](Design& design) { m_start = positionsOf(design); },
+                       .onProgress = [this](const vireloce::Progress& progress) { m_line.show(progress); },
+                       .afterEvaluation = [this](Design& design) { finish(design); }});
+        if (!run.readable) {
+            return UNREADABLE;
+        }
+        const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
+        OutputFile json(m_options.out + ".json");
+        json << resultJson(m_options, run, std::move(m_placement), std::move(m_rescue), seconds.count())
+                    .dump(1)
+             << "\n";
+        json.commit();
+        return run.complete && m_clean ? CLEAN : NOT_CLEAN;
+    }
+
+private:
+    /// Takes the result from the design, which ends with the run.
+    void finish(Design& design)
+    {
+        State state = measure(design, m_start);
+        m_placement = toJson(design, state);
+        if (m_options.rescue) {
+            std::vector<int32_t> stray = state.dropped;
+            stray.insert(stray.end(), state.beyond.begin(), state.beyond.end());
+            std::sort(stray.begin(), stray.end());
+            const Rescue done = rescue(design, stray, m_start);
+            m_rescue = toJson(design, done);
+            state = measure(design, m_start);
+            m_rescue["placement"] = toJson(design, state);
+            nameHelpless(design, done);
+        }
+        m_clean = state.conflicts == 0 && state.dropped.empty() && state.beyond.empty();
+        writeFiles(design);
+    }
+
+    static void nameHelpless(const Design& design, const Rescue& done)
+    {
+        for (const Rescued& cell : done.cells) {
+            if (!cell.helped) {
+                std::cerr << "vireloce-kit: no legal place for component "
+                          << design.components[static_cast<size_t>(cell.component)]->name << '\n';
+            }
+        }
+    }
+
+    void writeFiles(const Design& design) const
+    {
+        OutputFile placement(m_options.out + ".place");
+        rewritePlacement(m_options.base + ".place", design, placement);
+        input::writeColors(m_options.out + ".colors", colorsOf(design));
+        placement.commit();
+        for (const char* extension : COPIED) {
+            copyInput(m_options.base + extension, m_options.out + extension);
+        }
+    }
+
+    const Options& m_options;
+    const ParameterKeeper m_parameters;
+    ProgressLine m_line;
+    std::vector<Point> m_start; ///< [component] positions before the placement
+    nlohmann::ordered_json m_placement;
+    nlohmann::ordered_json m_rescue;
+    bool m_clean = false;
+};
+
+} // namespace
+
+int place(const Options& options)
+{
+    checkOutputs(options);
+    return Session(options).run();
+}
+
+} // namespace kit::place

@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/place/resultJson.h"
+
+#include <sys/resource.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "db/design.h"
+
+namespace kit::place {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr int SCHEMA_VERSION = 1;
+
+std::string trimmed(const std::string& text)
+{
+    const size_t begin = text.find_first_not_of(' ');
+    return begin == std::string::npos ? "" : text.substr(begin, text.find_last_not_of(' ') - begin + 1);
+}
+
+/// The number that a text begins with, the text itself if it is none.
+Json valueOf(const std::string& text)
+{
+    char* end = nullptr;
+    const double value = std::strtod(text.c_str(), &end);
+    if (end == text.c_str() || !std::isfinite(value)) {
+        return text;
+    }
+    const bool whole = text.find_first_of(".eE") >= static_cast<size_t>(end - text.c_str());
+    return whole ? Json(std::strtoll(text.c_str(), nullptr, 10)) : Json(value);
+}
+
+/// The report's lines "STAT | LABEL = VALUE" by their labels, single blanks in them; a unit or a share behind
+/// the value is left out.
+Json reportJson(const std::string& report)
+{
+    Json values = Json::object();
+    std::istringstream lines(report);
+    for (std::string line; std::getline(lines, line);) {
+        const size_t equals = line.find(" = ");
+        if (!line.starts_with("STAT | ") || equals == std::string::npos) {
+            continue;
+        }
+        std::istringstream words(line.substr(7, equals - 7));
+        std::string label;
+        for (std::string word; words >> word;) {
+            label += (label.empty() ? "" : " ") + word;
+        }
+        values[label] = valueOf(trimmed(line.substr(equals + 3)));
+    }
+    return values;
+}
+
+Json optionsJson(const Options& options)
+{
+    Json json{{"base", options.base}, {"cell_path", options.cellPath}, {"out", options.out}};
+    const std::pair<const char*, const std::string&> given[] = {{"algo", options.algo},
+                                                                {"mindp", options.mindp},
+                                                                {"site_width", options.siteWidth},
+                                                                {"move_range", options.moveRange},
+                                                                {"weight", options.weight}};
+    for (const auto& [name, value] : given) {
+        json[name] = value.empty() ? Json(nullptr) : valueOf(value);
+    }
+    json["rescue"] = options.rescue;
+    return json;
+}
+
+Json passesJson(const std::vector<Pass>& passes)
+{
+    Json json = Json::array();
+    for (const Pass& pass : passes) {
+        json.push_back({{"overfull_segments", pass.overfull}, {"moved_cells", pass.movedOut}});
+    }
+    return json;
+}
+
+Json displacementJson(const Displacement& displacement)
+{
+    Json histogram = Json::array();
+    for (size_t k = 0; k < displacement.histogram.size(); ++k) {
+        histogram.push_back({{"from", k == 0 ? 0 : int64_t{1} << (k - 1)},
+                             {"below", int64_t{1} << k},
+                             {"cells", displacement.histogram[k]}});
+    }
+    return {{"unit", "sites"},
+            {"mean", displacement.mean},
+            {"largest", displacement.largest},
+            {"farthest_cell", displacement.farthest.empty() ? Json(nullptr) : Json(displacement.farthest)},
+            {"histogram", histogram}};
+}
+
+Json segmentsJson(const std::vector<Filling>& segments)
+{
+    Json json = Json::array();
+    for (const Filling& segment : segments) {
+        const double density = segment.numSites == 0 ? 0.0 : double(segment.taken) / segment.numSites;
+        json.push_back({{"x", segment.x},
+                        {"y", segment.y},
+                        {"sites", segment.numSites},
+                        {"cells", segment.cells},
+                        {"taken_sites", segment.taken},
+                        {"density", density}});
+    }
+    return json;
+}
+
+Json namesJson(const Design& design, const std::vector<int32_t>& components)
+{
+    Json json = Json::array();
+    for (const int32_t id : components) {
+        json.push_back(design.components[static_cast<size_t>(id)]->name);
+    }
+    return json;
+}
+
+int64_t peakMemoryKib()
+{
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
+} // namespace
+
+Json toJson(const Design& design, const State& state)
+{
+    return {{"hpwl", state.hpwl},
+            {"stitches", state.stitches},
+            {"conflicts", state.conflicts},
+            {"dropped_cells", namesJson(design, state.dropped)},
+            {"cells_beyond_segment", namesJson(design, state.beyond)},
+            {"displacement", displacementJson(state.displacement)},
+            {"hash", state.hash},
+            {"segments", segmentsJson(state.segments)}};
+}
+
+Json toJson(const Design& design, const Rescue& rescue)
+{
+    Json cells = Json::array();
+    for (const Rescued& rescued : rescue.cells) {
+        const Component& comp = *design.components[static_cast<size_t>(rescued.component)];
+        Json cell{{"name", comp.name}, {"helped", rescued.helped}, {"from", {rescued.fromX, rescued.fromY}}};
+        cell["to"] = rescued.helped ? Json{comp.x, comp.y} : Json(nullptr);
+        cells.push_back(std::move(cell));
+    }
+    return {{"cells", cells}, {"moved_neighbours", rescue.movedNeighbours}};
+}
+
+Json resultJson(const Options& options, const PlacerRun& run, Json placement, Json rescue, double seconds)
+{
+    return {{"schema", "vireloce-place"},
+            {"version", SCHEMA_VERSION},
+            {"options", optionsJson(options)},
+            {"complete", run.complete},
+            {"report", reportJson(run.report)},
+            {"passes", passesJson(run.passes)},
+            {"placement", std::move(placement)},
+            {"rescue", std::move(rescue)},
+            {"seconds", seconds},
+            {"peak_memory_kib", peakMemoryKib()}};
+}
+
+} // namespace kit::place

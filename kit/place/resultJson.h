@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The result of a run as JSON, described by result.schema.json.
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "kit/place/options.h"
+#include "kit/place/placerRun.h"
+#include "kit/place/rescue.h"
+#include "kit/place/state.h"
+
+class Design;
+
+namespace kit::place {
+
+/// The placement part of the result: what can be said of the design.
+///
+/// @param start  [component] positions before the placement
+nlohmann::ordered_json toJson(const Design& design, const State& state);
+
+/// What a rescue did.
+nlohmann::ordered_json toJson(const Design& design, const Rescue& rescue);
+
+/// The whole result.
+///
+/// @param placement  of toJson(), null if the run gave none
+/// @param rescue     null if none was asked for
+/// @param seconds    wall time of the run
+nlohmann::ordered_json resultJson(const Options& options, const PlacerRun& run,
+                                  nlohmann::ordered_json placement, nlohmann::ordered_json rescue,
+                                  double seconds);
+
+} // namespace kit::place

@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/place/state.h"
+
+#include <array>
+#include <bit>
+#include <cstdio>
+#include <cstdlib>
+
+#include "app/parameters.h"
+#include "db/design.h"
+
+namespace kit::place {
+
+namespace {
+
+/// Fowler, Noll and Vo's hash, variant 1a with 64 bits.
+class Hash {
+public:
+    void add(int32_t number)
+    {
+        for (int i = 0; i < 4; ++i) {
+            m_value = (m_value ^ ((static_cast<uint32_t>(number) >> (8 * i)) & 0xff)) * 0x100000001b3;
+        }
+    }
+
+    std::string text() const
+    {
+        std::array<char, 17> digits;
+        std::snprintf(digits.data(), digits.size(), "%016llx", static_cast<unsigned long long>(m_value));
+        return digits.data();
+    }
+
+private:
+    uint64_t m_value = 0xcbf29ce484222325;
+};
+
+std::string hashOf(const Design& design)
+{
+    Hash hash;
+    for (const Component* comp : design.components) {
+        hash.add(comp->x);
+        hash.add(comp->y);
+        hash.add(comp->solution);
+    }
+    return hash.text();
+}
+
+Displacement displacementOf(const Design& design, const std::vector<Point>& start)
+{
+    Displacement all;
+    double sum = 0.0;
+    for (size_t i = 0; i < start.size(); ++i) {
+        const Component& comp = *design.components[i];
+        const int64_t dbu = std::abs(int64_t{comp.x} - start[i].x) + std::abs(int64_t{comp.y} - start[i].y);
+        const double sites = static_cast<double>(dbu) / SITE_WIDTH;
+        sum += sites;
+        const auto bin = static_cast<size_t>(std::bit_width(static_cast<uint64_t>(sites)));
+        all.histogram.resize(std::max(all.histogram.size(), bin + 1));
+        ++all.histogram[bin];
+        if (sites > all.largest) {
+            all.largest = sites;
+            all.farthest = comp.name;
+        }
+    }
+    all.mean = start.empty() ? 0.0 : sum / static_cast<double>(start.size());
+    return all;
+}
+
+/// Measures a segment, and marks what is in it.
+///
+/// @param beyond  out: those that stick out are appended
+Filling fillingOf(const Design& design, const Segment& segment, std::vector<bool>& inSegment,
+                  std::vector<int32_t>& beyond)
+{
+    Filling filling{.x = segment.x, .y = segment.y, .numSites = segment.numSites};
+    for (const Component* comp : segment.components) {
+        const int32_t width = design.cellOf(*comp).siteWidth;
+        ++filling.cells;
+        filling.taken += width;
+        inSegment[static_cast<size_t>(comp->id)] = true;
+        if (comp->siteX < 0 || comp->siteX > segment.numSites - width) {
+            beyond.push_back(comp->id);
+        }
+    }
+    return filling;
+}
+
+} // namespace
+
+std::vector<Point> positionsOf(const Design& design)
+{
+    std::vector<Point> positions;
+    positions.reserve(design.components.size());
+    for (const Component* comp : design.components) {
+        positions.push_back({comp->x, comp->y});
+    }
+    return positions;
+}
+
+State measure(Design& design, const std::vector<Point>& start)
+{
+    State state;
+    state.hpwl = design.evaluateHPWL();
+    state.stitches = design.evaluateStitchNum();
+    state.conflicts = design.evaluateConflictNum();
+    state.displacement = displacementOf(design, start);
+    state.hash = hashOf(design);
+    for (size_t i = 0; i < design.components.size(); ++i) {
+        design.components[i]->id = static_cast<int32_t>(i);
+    }
+    std::vector<bool> inSegment(design.components.size(), false);
+    for (const Segment* segment : design.segments) {
+        state.segments.push_back(fillingOf(design, *segment, inSegment, state.beyond));
+    }
+    for (size_t i = 0; i < inSegment.size(); ++i) {
+        if (!inSegment[i]) {
+            state.dropped.push_back(static_cast<int32_t>(i));
+        }
+    }
+    return state;
+}
+
+} // namespace kit::place

@@ -1,0 +1,201 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The local shift kernel against the table of all states.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include "legalizer/handMade.h"
+
+namespace {
+
+using test::HandMade;
+using test::HandMadeArrays;
+using test::HandMadeComp;
+using test::Ints;
+using test::largeHandMade;
+using test::literalShifts;
+using test::Random;
+using test::randomHandMade;
+using test::ShiftPlaces;
+using vireloce::ShiftKernel;
+
+constexpr float INF = std::numeric_limits<float>::infinity();
+
+/// The kernel's places, nothing if it does not take the segment.
+std::optional<ShiftPlaces> solved(ShiftKernel& kernel, const HandMade& made, int32_t range, bool prune,
+                                  bool shareColumns = true)
+{
+    const HandMadeArrays arrays(made, shareColumns);
+    if (!kernel.solve(arrays.shifts(range, prune))) {
+        return std::nullopt;
+    }
+    return ShiftPlaces(kernel.places().begin(), kernel.places().end());
+}
+
+std::optional<ShiftPlaces> solved(const HandMade& made, int32_t range, bool prune = false)
+{
+    ShiftKernel kernel;
+    return solved(kernel, made, range, prune);
+}
+
+TEST(ShiftKernel, FindsTheTablesChoiceOnRandomSegments)
+{
+    ShiftKernel kernel; // one for all: its memory must not show
+    int refused = 0;
+    int fitting = 0;
+    constexpr uint32_t COUNT = 1500;
+    for (uint32_t seed = 1; seed <= COUNT && !HasFailure(); ++seed) {
+        const HandMade made = randomHandMade(seed);
+        const int32_t range = static_cast<int32_t>(seed % 5);
+        const bool prune = seed % 2 == 0;
+        const auto places = solved(kernel, made, range, prune, /*shareColumns=*/seed % 3 != 0);
+        refused += places.has_value() ? 0 : 1;
+        if (places.has_value()) {
+            fitting += places->empty() ? 0 : 1;
+            ASSERT_EQ(*places, literalShifts(made, range, prune)) << "seed " << seed;
+        }
+    }
+    EXPECT_LT(refused, static_cast<int>(COUNT / 100)) << "ordinary segments";
+    EXPECT_GT(fitting, static_cast<int>(COUNT / 4));
+}
+
+struct ShiftCase {
+    const char* name;
+    HandMade made;
+    int32_t range;
+    ShiftPlaces want; ///< shifts as indices from the leftmost, which is -range - 1
+};
+
+void PrintTo(const ShiftCase& row, std::ostream* out)
+{
+    *out << row.name;
+}
+
+class ShiftKernelChoice : public testing::TestWithParam<ShiftCase> {};
+
+TEST_P(ShiftKernelChoice, IsThatOfTheTable)
+{
+    for (const bool prune : {false, true}) {
+        EXPECT_EQ(literalShifts(GetParam().made, GetParam().range, prune), GetParam().want);
+        EXPECT_EQ(solved(GetParam().made, GetParam().range, prune), GetParam().want) << "prune " << prune;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, ShiftKernelChoice,
+    testing::Values(
+        ShiftCase{
+            "OneComponentTakesItsFirstState", {.comps = {{.stitches = {9, 0}, .site = 5}}}, 2, {{0, 0}}},
+        ShiftCase{"OneComponentLeftOfTheSegmentToo", {.comps = {{.lefts = {9}, .site = -7}}}, 1, {{0, 0}}},
+        ShiftCase{"OneThatIsTooWideToo", {.numSites = 2, .comps = {{.width = 5}}}, 1, {{0, 0}}},
+        ShiftCase{"TiesGoToTheLowestSolution",
+                  {.comps = {{.stitches = {3, 3}, .site = 2}, {.stitches = {1, 1}, .site = 4}}},
+                  1,
+                  {{0, 0}, {0, 0}}},
+        ShiftCase{"TiesGoToTheLowestSolutionOfTheLeftOneBeforeItsShift", // solution 1 could be at shift 0
+                  {.weight = 1.0F,
+                   .comps = {{.stitches = {1, 0}, .lefts = {1}, .site = 2},
+                             {.behind = {{0}, {1}}, .rights = {2}, .site = 4}}},
+                  1,
+                  {{1, 0}, {0, 0}}},
+        ShiftCase{"TiesGoToTheLowestShift",
+                  {.numSites = 20, .comps = {{.lefts = {3}, .site = 5}, {.rights = {12}, .site = 10}}},
+                  2,
+                  {{1, 0}, {0, 0}}},
+        ShiftCase{"NothingFitsWithoutRoom",
+                  {.numSites = 3, .comps = {{.width = 2}, {.width = 2, .site = 2}}},
+                  3,
+                  {}},
+        ShiftCase{"NothingFitsLeftOfTheSegment", {.comps = {{.site = -1}, {.site = 5}}}, 1, {}},
+        ShiftCase{"NothingFitsWithinTheRange",
+                  {.numSites = 50, .comps = {{.width = 9, .site = 5}, {.site = 6}}},
+                  2,
+                  {}},
+        ShiftCase{"FromLeftOfTheSegmentIntoIt", {.comps = {{.site = -1}, {.site = 5}}}, 2, {{4, 0}, {0, 0}}},
+        ShiftCase{"UpToTheLastSite",
+                  {.numSites = 4, .comps = {{.width = 2, .site = 1}, {.width = 2, .site = 3}}},
+                  0,
+                  {{0, 0}, {0, 0}}}),
+    [](const auto& row) { return row.param.name; });
+
+TEST(ShiftKernel, AgreesWithTheTableOnLargeNumbersWhereItTakesThem)
+{
+    ShiftKernel kernel;
+    int taken = 0;
+    int refused = 0;
+    for (uint32_t seed = 1; seed <= 1500 && !HasFailure(); ++seed) {
+        const HandMade made = largeHandMade(seed);
+        const auto places = solved(kernel, made, 2, seed % 2 == 0);
+        (places.has_value() ? taken : refused) += 1;
+        if (places.has_value()) {
+            ASSERT_EQ(*places, literalShifts(made, 2, seed % 2 == 0)) << "seed " << seed;
+        }
+    }
+    EXPECT_GT(taken, 100);
+    EXPECT_GT(refused, 100);
+}
+
+TEST(ShiftKernel, SaturatesSumsThatGrowBeyondTheStartValue)
+{
+    for (const size_t n : {60U, 64U, 65U, 66U, 70U, 140U}) { // 2 * (n - 1) times 2^23: 65 make 2^30
+        HandMade made{.numSites = 200, .weight = 1.0F, .comps = std::vector<HandMadeComp>(n)};
+        for (size_t q = 0; q < n; ++q) {
+            made.comps[q].stitches = {(1 << 23) - static_cast<int32_t>(q % 3), 1 << 23};
+            made.comps[q].site = static_cast<int32_t>(q) + 1;
+        }
+        ASSERT_EQ(literalShifts(made, 1, false).empty(), n > 65);
+        EXPECT_EQ(solved(made, 1), literalShifts(made, 1, false)) << n << " components";
+    }
+}
+
+TEST(ShiftKernel, ChoosesTheSameWithPruning)
+{
+    // A state that is dearer than one further left has dearer own costs too, as room to the left only helps.
+    for (uint32_t seed = 1; seed <= 1500; ++seed) {
+        const HandMade made = randomHandMade(seed);
+        ASSERT_EQ(solved(made, 3, false), solved(made, 3, true)) << "seed " << seed;
+    }
+}
+
+struct RefusedCase {
+    const char* name;
+    HandMade made;
+    int32_t range = 2;
+};
+
+void PrintTo(const RefusedCase& row, std::ostream* out)
+{
+    *out << row.name;
+}
+
+class ShiftKernelRefuses : public testing::TestWithParam<RefusedCase> {};
+
+TEST_P(ShiftKernelRefuses, LeavesIt)
+{
+    EXPECT_EQ(solved(GetParam().made, GetParam().range), std::nullopt);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, ShiftKernelRefuses,
+    testing::Values(RefusedCase{"NoComponents", {}}, RefusedCase{"NoSolution", {.comps = {{.stitches = {}}}}},
+                    RefusedCase{"NoShifts", {.comps = {{}}}, -1},
+                    RefusedCase{"NegativeSites", {.numSites = -1, .comps = {{}}}},
+                    RefusedCase{"FarNegativeSites", {.numSites = -1000, .comps = {{}}}},
+                    RefusedCase{"NegativeStitches", {.comps = {{.stitches = {0, -1}}}}},
+                    RefusedCase{"StitchesBeyondFloats", {.comps = {{.stitches = {1 << 24}}}}},
+                    RefusedCase{"NegativeWeight", {.weight = -1.4F, .comps = {{}}}},
+                    RefusedCase{"WeightThatIsNoNumber", {.weight = std::nanf(""), .comps = {{}}}},
+                    RefusedCase{"InfiniteWeight", {.weight = INF, .comps = {{}}}},
+                    RefusedCase{"CostsThatDependOnTheirOrder",
+                                {.weight = 1000.5F, .comps = {{.lefts = Ints(2000, 9)}}}},
+                    RefusedCase{"NegativeSpacing", {.comps = {{}, {.behind = {{-1}}}}}},
+                    RefusedCase{"SpacingsThatMightWrap", {.comps = {{}, {.behind = {{1 << 28}}}}}},
+                    RefusedCase{"PlacesThatMightWrap", {.comps = {{.site = 1 << 28}}}},
+                    RefusedCase{"NegativePlacesThatMightWrap", {.comps = {{.site = -2147483647 - 1}}}},
+                    RefusedCase{"WidthsThatMightWrap", {.comps = {{.width = 1 << 28}}}},
+                    RefusedCase{"LeftEndBeyondTheSegment", {.comps = {{.lefts = {11}}}}}),
+    [](const auto& row) { return row.param.name; });
+
+} // namespace
