@@ -2,9 +2,12 @@
 #include "kit/gen/command.h"
 #include "kit/place/command.h"
 #include "kit/program.h"
+#include "kit/verify/command.h"
 #include "kit/view/command.h"
 
 int main(int argc, char** argv)
 {
-    return kit::runProgram(argc, argv, {kit::gen::addCommand, kit::place::addCommand, kit::view::addCommand});
+    return kit::runProgram(
+        argc, argv,
+        {kit::gen::addCommand, kit::place::addCommand, kit::verify::addCommand, kit::view::addCommand});
 }

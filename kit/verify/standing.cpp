@@ -74,7 +74,8 @@ int32_t Standing::maskOf(const Piece& piece) const
     return mask < 0 || mask >= MASKS || (mask == 0 && piece.atEdge) ? -1 : mask;
 }
 
-Layout::Layout(const input::Design& design, const std::vector<const input::ColorRecord*>& records, Scale scale)
+Layout::Layout(const input::Design& design, const std::vector<const input::ColorRecord*>& records,
+               Scale scale)
     : m_scale(scale), m_stencils(TURNS * design.cells.size())
 {
     for (const Standing& cell : standings(design, records)) {
@@ -90,7 +91,8 @@ Layout::Layout(const input::Design& design, const std::vector<const input::Color
 
 const Stencil* Layout::findStencil(const input::Cell& cell, size_t index, const Turn& turn)
 {
-    std::vector<Stencil>& slot = m_stencils[TURNS * index + (turn.mirrorX ? 1U : 0U) + (turn.mirrorY ? 2U : 0U)];
+    std::vector<Stencil>& slot =
+        m_stencils[TURNS * index + (turn.mirrorX ? 1U : 0U) + (turn.mirrorY ? 2U : 0U)];
     if (slot.empty()) {
         slot.push_back(stencilOf(cell, turn, m_scale));
     }

@@ -49,9 +49,9 @@ Turn turnOf(const std::string& orient);
 
 /// A rectangle of a shape.
 struct Piece {
-    FineBox box;           ///< from the cell's lower-left corner
-    int32_t shape = 0;     ///< index in Cell::shapes
-    bool atEdge = false;   ///< its shape reaches the bottom or top edge of the cell: a rail if on mask 0
+    FineBox box;         ///< from the cell's lower-left corner
+    int32_t shape = 0;   ///< index in Cell::shapes
+    bool atEdge = false; ///< its shape reaches the bottom or top edge of the cell: a rail if on mask 0
 };
 
 /// A cell in an orientation.
@@ -66,11 +66,11 @@ Stencil stencilOf(const input::Cell& cell, const Turn& turn, const Scale& scale)
 
 /// A placed cell.
 struct Standing {
-    int32_t component = -1;               ///< index in Design::components
-    const Stencil* stencil = nullptr;     ///< not owned
-    std::span<const int32_t> masks;       ///< [shape] of the colours file; may be too short
-    int64_t x = 0;                        ///< left edge, fine units
-    int64_t y = 0;                        ///< bottom edge, fine units
+    int32_t component = -1;           ///< index in Design::components
+    const Stencil* stencil = nullptr; ///< not owned
+    std::span<const int32_t> masks;   ///< [shape] of the colours file; may be too short
+    int64_t x = 0;                    ///< left edge, fine units
+    int64_t y = 0;                    ///< bottom edge, fine units
 
     FineBox outline() const { return stencil->outline.shifted(x, y); }
     FineBox extent() const { return stencil->extent.shifted(x, y); }

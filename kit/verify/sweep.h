@@ -18,7 +18,8 @@ struct Span {
 /// Takes the indices of two spans. @return false to end the sweep
 using VisitPair = std::function<bool(size_t, size_t)>;
 
-/// Visits every pair of spans of a row with a gap of less than `reach`, each once, the one further left first.
+/// Visits every pair of spans of a row with a gap of less than `reach`, each once, the one further left
+/// first.
 ///
 /// Pairs that are no neighbours are found as well: a long span stays in view until its end is out of reach.
 ///

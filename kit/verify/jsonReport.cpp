@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include <nlohmann/json.hpp>
+#include <ostream>
+
+#include "kit/verify/report.h"
+
+namespace kit::verify {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr int SCHEMA = 1;
+
+const char* wordOf(input::Severity severity)
+{
+    return severity == input::Severity::ERROR ? "error" : "note";
+}
+
+Json jsonOf(const DbuBox& box)
+{
+    return {box.xl, box.yl, box.xh, box.yh};
+}
+
+Json jsonOf(const input::Finding& fault)
+{
+    const std::string advice = fault.advice.empty() ? "" : "; " + fault.advice;
+    return {{"severity", wordOf(fault.severity)},
+            {"code", fault.code},
+            {"file", fault.file},
+            {"line", fault.line},
+            {"what", fault.what + advice}};
+}
+
+Json jsonOf(const Issue& issue, const Options& options, const input::Design& design)
+{
+    const KindInfo& info = infoOf(issue.kind);
+    const auto nameOf = [&](int32_t component) {
+        return design.components[static_cast<size_t>(component)].name;
+    };
+    Json json{{"severity", wordOf(info.severity)},
+              {"code", info.name},
+              {"file", issue.inColors ? options.colors : options.placement},
+              {"line", issue.line},
+              {"what", textOf(issue, design, options.minDist)}};
+    if (issue.component >= 0) {
+        json["component"] = nameOf(issue.component);
+    }
+    if (issue.other >= 0) {
+        json["other"] = nameOf(issue.other);
+        json["box"] = jsonOf(issue.box);
+    }
+    if (isConflict(issue)) {
+        json["other_box"] = jsonOf(issue.otherBox);
+        json["distance"] = issue.distance;
+        json["shape_pairs"] = issue.shapePairs;
+        json["mask"] = issue.mask;
+    }
+    return json;
+}
+
+std::string dump(const Json& json)
+{
+    // What is no UTF-8 in the files must not end the report.
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+Json countsOf(const Input& input, const Issues& issues)
+{
+    const std::vector<int64_t> counts = countKinds(issues);
+    Json json{{"input-fault", input.faults.size()}};
+    for (size_t i = 0; i < counts.size(); ++i) {
+        json[kinds()[i].name] = counts[i];
+    }
+    return json;
+}
+
+} // namespace
+
+void writeJson(const Options& options, const Input& input, const Issues& issues, std::ostream& out)
+{
+    out << "{\"schema\":" << SCHEMA << ",\"placement\":" << dump(options.placement)
+        << ",\"colors\":" << dump(options.colors) << ",\"mindp\":" << options.minDist
+        << ",\"clean\":" << (exitStatusOf(input, issues) == 0 ? "true" : "false")
+        << ",\"counts\":" << dump(countsOf(input, issues)) << ",\"findings\":[";
+    const char* separator = "\n";
+    for (const input::Finding& fault : input.faults) {
+        out << separator << dump(jsonOf(fault));
+        separator = ",\n";
+    }
+    for (const Issue& issue : issues) { // one by one: a million of them need no second copy
+        out << separator << dump(jsonOf(issue, options, input.design));
+        separator = ",\n";
+    }
+    out << "\n]}\n";
+    out.flush();
+}
+
+} // namespace kit::verify

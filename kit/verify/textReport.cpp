@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include <algorithm>
+#include <ostream>
+
+#include "kit/verify/report.h"
+
+namespace kit::verify {
+
+namespace {
+
+/// A number with one digit behind the point, rounded down: what is too close must not look far enough.
+std::string rounded(double value)
+{
+    const auto tenths = static_cast<int64_t>(value * 10);
+    return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10);
+}
+
+std::string counted(int64_t count, const char* what)
+{
+    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
+std::string describe(const input::Design& design, int32_t component)
+{
+    const input::Component& comp = design.components[static_cast<size_t>(component)];
+    return comp.name + " (" + comp.cellName + ") at (" + std::to_string(comp.x) + ", " +
+           std::to_string(comp.y) + ")";
+}
+
+std::string padded(const std::string& text, size_t width)
+{
+    return std::string(width - std::min(width, text.size()), ' ') + text;
+}
+
+const char* wordOf(input::Severity severity)
+{
+    return severity == input::Severity::ERROR ? "error" : "note";
+}
+
+/// Writes the text report.
+class TextReport {
+public:
+    TextReport(const Options& options, const Input& input, const Issues& issues, std::ostream& out)
+        : m_options(options), m_input(input), m_issues(issues), m_out(out)
+    {
+    }
+
+    void write()
+    {
+        for (const input::Finding& fault : m_input.faults) {
+            const std::string advice = fault.advice.empty() ? "" : "; " + fault.advice;
+            writeLine(fault.file, fault.line, fault.severity, fault.what + advice, fault.code);
+        }
+        for (const Issue& issue : m_issues) {
+            if (issue.kind != Kind::ROW_CONFLICT) {
+                writeIssue(issue);
+            }
+        }
+        for (const Issue* issue : closest(Kind::ROW_CONFLICT)) {
+            writeIssue(*issue);
+        }
+        writeTable();
+        writeCounts();
+        m_out.flush();
+    }
+
+private:
+    void writeLine(const std::string& file, int64_t line, input::Severity severity, const std::string& what,
+                   const std::string& kind)
+    {
+        std::string text = file + (line > 0 ? ":" + std::to_string(line) : "") + ": " + wordOf(severity) +
+                           ": " + what + " [" + kind + "]";
+        std::replace_if( // names come from files, and a report is for terminals
+            text.begin(), text.end(), [](char c) { return (c >= 0 && c < ' ') || c == '\x7f'; }, '?');
+        m_out << text << '\n';
+    }
+
+    void writeIssue(const Issue& issue)
+    {
+        const KindInfo& info = infoOf(issue.kind);
+        writeLine(issue.inColors ? m_options.colors : m_options.placement, issue.line, info.severity,
+                  textOf(issue, m_input.design, m_options.minDist), info.name);
+    }
+
+    /// The closest pairs of a kind, as many as are asked for; of equal ones those met first.
+    std::vector<const Issue*> closest(Kind kind) const
+    {
+        std::vector<const Issue*> pairs;
+        for (const Issue& issue : m_issues) {
+            if (issue.kind == kind) {
+                pairs.push_back(&issue);
+            }
+        }
+        std::stable_sort(pairs.begin(), pairs.end(),
+                         [](const Issue* a, const Issue* b) { return a->distance < b->distance; });
+        pairs.resize(std::min(pairs.size(), static_cast<size_t>(m_options.worst)));
+        return pairs;
+    }
+
+    void writeTable()
+    {
+        const std::vector<const Issue*> pairs = closest(Kind::CONFLICT);
+        if (pairs.empty()) {
+            return;
+        }
+        m_out << "\nClosest pairs of cells in a row, of "
+              << countKinds(m_issues)[static_cast<size_t>(Kind::CONFLICT)] << "; shapes of one mask must be "
+              << m_options.minDist << " apart\n"
+              << "distance  shape pairs  mask  cells\n";
+        for (const Issue* pair : pairs) {
+            m_out << padded(rounded(pair->distance), 8) << padded(std::to_string(pair->shapePairs), 13)
+                  << padded(std::to_string(pair->mask), 6) << "  "
+                  << describe(m_input.design, pair->component) << ", "
+                  << describe(m_input.design, pair->other) << '\n';
+        }
+    }
+
+    void writeCounts()
+    {
+        const std::vector<int64_t> counts = countKinds(m_issues);
+        m_out << '\n';
+        int64_t errors = static_cast<int64_t>(m_input.faults.size());
+        int64_t notes = 0;
+        for (size_t i = 0; i < counts.size(); ++i) {
+            const KindInfo& info = kinds()[i];
+            (info.severity == input::Severity::ERROR ? errors : notes) += counts[i];
+            if (counts[i] > 0) {
+                m_out << padded(std::to_string(counts[i]), 8) << "  " << info.name << ": " << info.title
+                      << '\n';
+            }
+        }
+        m_out << m_options.placement << ": " << (errors == 0 ? "clean" : "not clean") << ", "
+              << counted(errors, "error") << ", " << counted(notes, "note") << '\n';
+    }
+
+    const Options& m_options;
+    const Input& m_input;
+    const Issues& m_issues;
+    std::ostream& m_out;
+};
+
+} // namespace
+
+std::string textOf(const Issue& issue, const input::Design& design, int32_t minDist)
+{
+    if (!issue.what.empty() || issue.other < 0) {
+        return issue.what;
+    }
+    const std::string pair = describe(design, issue.component) + " and " + describe(design, issue.other);
+    if (!isConflict(issue)) {
+        return pair + " overlap";
+    }
+    return pair + " have shapes of mask " + std::to_string(issue.mask) + " " + rounded(issue.distance) +
+           " apart, " + std::to_string(minDist) + " are needed; " + counted(issue.shapePairs, "pair") +
+           " of shapes too close";
+}
+
+void writeText(const Options& options, const Input& input, const Issues& issues, std::ostream& out)
+{
+    TextReport(options, input, issues, out).write();
+}
+
+} // namespace kit::verify
