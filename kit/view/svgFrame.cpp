@@ -118,7 +118,7 @@ void SvgFrame::writeStyle()
            ".macro { fill: url(#hatch); stroke: #555; }\n"
            ".cell { fill: "
         << (m_detail == Detail::BOXES ? "#b9bfc6" : "#fff")
-        << "; fill-opacity: 0.6; stroke: #555; stroke-width: 0.6; }\n"
+        << "; fill-opacity: 0.8; stroke: #555; stroke-width: 0.6; }\n"
         << ".stitch { fill: " << STITCH_COLOUR << "; stroke: #000; stroke-width: 0.6; }\n"
         << ".move { fill: none; stroke: " << MOVE_COLOUR << "; stroke-width: 1.2; }\n"
         << ".conflict circle { fill: none; stroke: " << CONFLICT_COLOUR
@@ -150,7 +150,7 @@ void SvgFrame::rampEntry()
     entry("<rect width=\"0\" height=\"0\"/>", "density 0 %");
     m_x -= ENTRY_GAP - 6;
     entry(symbol, "");
-    m_x += STEPS * SYMBOL - ENTRY_GAP + 6;
+    m_x += (STEPS - 1) * SYMBOL - ENTRY_GAP;
     entry("", "100 %");
 }
 

@@ -224,7 +224,8 @@ const toPxX = (x) => (x - view.x) * view.scale + widthPx / 2;
 const toPxY = (y) => heightPx / 2 - (y - view.y) * view.scale;
 const fromPxX = (px) => (px - widthPx / 2) / view.scale + view.x;
 const fromPxY = (px) => (heightPx / 2 - px) / view.scale + view.y;
-const windowOf = () => ({xl: fromPxX(0), xh: fromPxX(widthPx), yl: fromPxY(heightPx), yh: fromPxY(0)});
+const windowOf = (left, top, width, height) =>
+  ({xl: fromPxX(left), xh: fromPxX(left + width), yl: fromPxY(top + height), yh: fromPxY(top)});
 const overlaps = (window, xl, yl, xh, yh) => xl < window.xh && xh > window.xl && yl < window.yh && yh > window.yl;
 
 // ---- Drawing -------------------------------------------------------------------------------------------
@@ -232,34 +233,43 @@ const overlaps = (window, xl, yl, xh, yh) => xl < window.xh && xh > window.xl &&
 const LEAST_ROW_PX = 2.2;    // height of a row from which cells are drawn
 const OUTLINE_ROW_PX = 10;   // from which they have outlines
 const METAL_ROW_PX = 20;     // from which their metal is drawn
-const NAME_ROW_PX = 44;      // from which their names are drawn
+const ARROW_ROW_PX = 14;     // from which displacements are drawn
+const NAME_ROW_PX = 56;      // from which their names are drawn
 const MOST_BOXES = 60000;    // cells drawn at a time
 const MOST_METAL = 45000;    // rectangles of metal drawn at a time
-const MOST_ARROWS = 20000;
+const MOST_DOTS = 5000;      // conflicts from afar
 
 const drawTimes = []; // of the last draws, milliseconds
 
+// While the plan is moved, what was drawn is moved along, and only what comes into the window is drawn; when it
+// rests, everything is drawn anew, for marks that cross the border.
+let drawn = null;     // the view that the canvas shows, null if it has to be drawn as a whole
+let restTimer = 0;
+let pending = false;
+const REST_MS = 150;
+const MARK_PX = 40;   // reach of marks beyond the cells that they belong to
+
+/** Draws before the window is shown next; all of it unless it has only been moved. */
+function redraw(whole = true) {
+  if (whole) {
+    drawn = null;
+  }
+  if (!pending) {
+    pending = true;
+    requestAnimationFrame(() => { pending = false; draw(); });
+  }
+}
+
 function draw() {
   const start = performance.now();
-  const window = windowOf();
-  const rowPx = design.rowHeight * view.scale;
-  const visible = rowPx >= LEAST_ROW_PX ? cellsIn(shown, window, MOST_BOXES) : null;
   base.setTransform(ratio, 0, 0, ratio, 0, 0);
-  base.fillStyle = "#ffffff";
-  base.fillRect(0, 0, widthPx, heightPx);
-  drawRows(window, rowPx);
-  if (on.density || (visible === null && on.cells)) {
-    drawDensity(visible !== null && rowPx >= OUTLINE_ROW_PX ? 0.6 : 1);
+  if (drawn === null || drawn.scale !== view.scale || !shift()) {
+    drawPart(0, 0, widthPx, heightPx);
+  } else {
+    clearTimeout(restTimer);
+    restTimer = setTimeout(redraw, REST_MS);
   }
-  drawSegments(window, rowPx);
-  drawMacros(window);
-  const withMetal = visible !== null && rowPx >= METAL_ROW_PX && metalIn(visible) <= MOST_METAL;
-  if (visible !== null) {
-    drawCells(visible, rowPx, withMetal);
-  }
-  drawConflicts(window, rowPx);
-  drawPins(window, rowPx);
-  showHint(visible === null);
+  drawn = {...view};
   drawMarks();
   drawTimes.push(performance.now() - start);
   if (drawTimes.length > 500) {
@@ -267,14 +277,49 @@ function draw() {
   }
 }
 
-let pending = false;
-
-/** Draws before the window is shown next. */
-function redraw() {
-  if (!pending) {
-    pending = true;
-    requestAnimationFrame(() => { pending = false; draw(); });
+/** Moves what is drawn to the view and draws the borders that have come in. @return false if that is no use */
+function shift() {
+  const dx = Math.round((drawn.x - view.x) * view.scale * ratio) / ratio;
+  const dy = Math.round((view.y - drawn.y) * view.scale * ratio) / ratio;
+  if (Math.abs(dx) > widthPx / 2 || Math.abs(dy) > heightPx / 2) {
+    return false;
   }
+  view.x = drawn.x - dx / view.scale; // on whole pixels of the screen
+  view.y = drawn.y + dy / view.scale;
+  base.drawImage(canvas, dx, dy, widthPx, heightPx);
+  if (dx !== 0) {
+    drawPart(dx > 0 ? 0 : widthPx + dx, 0, Math.abs(dx), heightPx);
+  }
+  if (dy !== 0) {
+    drawPart(0, dy > 0 ? 0 : heightPx + dy, widthPx, Math.abs(dy));
+  }
+  return true;
+}
+
+/** Draws a rectangle of the window. */
+function drawPart(left, top, width, height) {
+  const rowPx = design.rowHeight * view.scale;
+  const detailed = rowPx >= LEAST_ROW_PX && cellsIn(shown, windowOf(0, 0, widthPx, heightPx), MOST_BOXES) !== null;
+  const part = windowOf(left - MARK_PX, top - MARK_PX, width + 2 * MARK_PX, height + 2 * MARK_PX);
+  base.save();
+  base.beginPath();
+  base.rect(left, top, width, height);
+  base.clip();
+  base.fillStyle = "#ffffff";
+  base.fillRect(left, top, width, height);
+  drawRows(part, rowPx);
+  if (on.density || (!detailed && on.cells)) {
+    drawDensity(detailed && rowPx >= OUTLINE_ROW_PX ? 0.6 : 1);
+  }
+  drawSegments(part, rowPx);
+  drawMacros(part);
+  if (detailed) {
+    drawCells(cellsIn(shown, part, count), rowPx);
+  }
+  drawConflicts(part, rowPx);
+  drawPins(part, rowPx);
+  base.restore();
+  showHint(!detailed);
 }
 
 function rectOnPlan(context, xl, yl, xh, yh) {
@@ -427,7 +472,13 @@ function metalIn(visible) {
   return size;
 }
 
-function drawCells(visible, rowPx, withMetal) {
+/** Whether the metal of the whole window is drawn, so that its parts are alike. */
+function metalShown(rowPx) {
+  return rowPx >= METAL_ROW_PX && metalIn(cellsIn(shown, windowOf(0, 0, widthPx, heightPx), count)) <= MOST_METAL;
+}
+
+function drawCells(visible, rowPx) {
+  const withMetal = metalShown(rowPx);
   if (on.cells) {
     drawBoxes(visible, rowPx, withMetal);
   }
@@ -437,7 +488,7 @@ function drawCells(visible, rowPx, withMetal) {
   if (on.stitches && shown.coloured) {
     drawStitches(visible, rowPx, withMetal);
   }
-  if (on.displacement && visible.length <= MOST_ARROWS) {
+  if (on.displacement && rowPx >= ARROW_ROW_PX) {
     drawMoves(visible, rowPx);
   }
   if (on.names && rowPx >= NAME_ROW_PX) {
@@ -445,27 +496,20 @@ function drawCells(visible, rowPx, withMetal) {
   }
 }
 
+/** Cells as filled boxes with an edge: two filled rectangles are faster than a filled and a stroked one. */
 function drawBoxes(visible, rowPx, withMetal) {
+  const edge = rowPx >= OUTLINE_ROW_PX ? (rowPx > 30 ? 1 : 0.6) : 0;
   const gap = rowPx >= 4 ? 0.6 : 0; // keeps neighbours apart
-  base.fillStyle = withMetal ? COLOUR.cell : COLOUR.cellBox;
   base.globalAlpha = on.density ? 0.45 : 1;
-  base.beginPath();
-  const outlined = rowPx >= OUTLINE_ROW_PX;
-  for (const cell of visible) {
-    const x = toPxX(shown.x[cell]);
-    const width = widthOf(cell) * view.scale;
-    const top = toPxY(shown.y[cell]) - rowPx;
-    base.fillRect(x, top + gap / 2, Math.max(width - gap, 0.5), rowPx - gap);
-    if (outlined) {
-      base.rect(x, top, width, rowPx);
+  for (const [colour, inset] of edge > 0 ? [[COLOUR.cellEdge, 0], [withMetal ? COLOUR.cell : COLOUR.cellBox, edge]]
+    : [[COLOUR.cellBox, gap / 2]]) {
+    base.fillStyle = colour;
+    for (const cell of visible) {
+      const width = widthOf(cell) * view.scale;
+      base.fillRect(toPxX(shown.x[cell]) + inset, toPxY(shown.y[cell]) - rowPx + inset, Math.max(width - 2 * inset, 0.5), rowPx - 2 * inset);
     }
   }
   base.globalAlpha = 1;
-  if (outlined) {
-    base.strokeStyle = COLOUR.cellEdge;
-    base.lineWidth = rowPx > 30 ? 1 : 0.6;
-    base.stroke();
-  }
 }
 
 // The metal of a kind in a solution by masks, -1 as the last: flat lists of corners.
@@ -561,25 +605,22 @@ function addDiamond(x, y, radius) {
 }
 
 function drawMoves(visible, rowPx) {
-  if (rowPx < 5) {
-    return;
-  }
   base.beginPath();
   for (const cell of visible) {
     if (moved(cell)) {
       const dx = widthOf(cell) / 2;
-      const dy = design.rowHeight / 2;
+      const dy = design.rowHeight * 0.28; // below the names
       addArrow(toPxX(before.x[cell] + dx), toPxY(before.y[cell] + dy), toPxX(after.x[cell] + dx), toPxY(after.y[cell] + dy), rowPx / 5);
     }
   }
   base.lineJoin = base.lineCap = "round";
-  if (rowPx >= METAL_ROW_PX) { // a light edge, since metal lies below
-    base.strokeStyle = "#fff";
-    base.lineWidth = 4.5;
+  if (rowPx >= 2 * METAL_ROW_PX) { // a light edge, since metal lies below
+    base.strokeStyle = "#ffffffc0";
+    base.lineWidth = Math.min(rowPx / 12, 5);
     base.stroke();
   }
   base.strokeStyle = COLOUR.move;
-  base.lineWidth = rowPx >= METAL_ROW_PX ? 2.2 : 1.2;
+  base.lineWidth = Math.min(Math.max(rowPx / 25, 1.2), 3);
   base.stroke();
   base.lineJoin = "miter";
   base.lineCap = "butt";
@@ -603,7 +644,7 @@ function addArrow(x1, y1, x2, y2, most) {
 function drawNames(visible, rowPx) {
   for (const cell of visible) {
     const x = toPxX(shown.x[cell] + widthOf(cell) / 2);
-    const middle = toPxY(shown.y[cell] + design.rowHeight / 2);
+    const middle = toPxY(shown.y[cell] + design.rowHeight * 0.62);
     const room = widthOf(cell) * view.scale - 6;
     const size = rowPx >= 110 ? 13 : 10;
     label(base, nameOf(cell), x, middle - (rowPx >= 90 ? size * 0.7 : 0), room, rowPx, size);
@@ -613,54 +654,95 @@ function drawNames(visible, rowPx) {
   }
 }
 
-function drawConflicts(window, rowPx) {
-  if (!on.conflicts || shown !== after) {
-    return;
-  }
-  const radius = Math.min(Math.max(rowPx / 6, 2.5), 16);
-  base.beginPath();
+/** The middles of the conflicts in a window, in pixels: x and y in turn. */
+function conflictsIn(window) {
+  const points = [];
   for (let i = 0; i < conflicts.length; i += CONFLICT_SIZE) {
     const x = (conflicts[i + 2] + conflicts[i + 4]) / 2;
     const y = (conflicts[i + 3] + conflicts[i + 5]) / 2;
     if (overlaps(window, x, y, x, y)) {
-      base.moveTo(toPxX(x) + radius, toPxY(y));
-      base.arc(toPxX(x), toPxY(y), radius, 0, 2 * Math.PI);
+      points.push(toPxX(x), toPxY(y));
     }
   }
-  base.strokeStyle = "#fff";
-  base.lineWidth = rowPx >= METAL_ROW_PX ? 5 : 3;
-  base.stroke();
-  base.strokeStyle = COLOUR.conflict;
-  base.lineWidth = rowPx >= METAL_ROW_PX ? 2.5 : 1.5;
-  base.stroke();
+  return points;
+}
+
+/** Circles; from afar dots, and more of them than can be told apart not at all. */
+function drawConflicts(window, rowPx) {
+  if (!on.conflicts || shown !== after) {
+    return;
+  }
+  const points = conflictsIn(window);
+  if (rowPx < OUTLINE_ROW_PX) {
+    drawDots(points, Math.max(rowPx * 0.45, 2));
+    return;
+  }
+  const stamp = ringOf(Math.round(Math.min(rowPx / 5, 16)), rowPx >= METAL_ROW_PX ? 2.5 : 1.5);
+  const size = stamp.width / ratio;
+  for (let i = 0; i < points.length; i += 2) {
+    base.drawImage(stamp, points[i] - size / 2, points[i + 1] - size / 2, size, size);
+  }
+}
+
+const rings = new Map();
+
+/** The picture of a ring with a light edge. */
+function ringOf(radius, width) {
+  const key = `${radius} ${width} ${ratio}`;
+  if (!rings.has(key)) {
+    const image = document.createElement("canvas");
+    image.width = image.height = Math.ceil(2 * (radius + width + 2) * ratio);
+    const context = image.getContext("2d");
+    context.scale(ratio, ratio);
+    context.arc(image.width / ratio / 2, image.width / ratio / 2, radius, 0, 2 * Math.PI);
+    for (const [colour, line] of [["#fff", 2 * width], [COLOUR.conflict, width]]) {
+      context.strokeStyle = colour;
+      context.lineWidth = line;
+      context.stroke();
+    }
+    rings.set(key, image);
+  }
+  return rings.get(key);
+}
+
+function drawDots(points, size) {
+  if (points.length / 2 > MOST_DOTS) {
+    return;
+  }
+  base.fillStyle = COLOUR.conflict;
+  for (let i = 0; i < points.length; i += 2) {
+    base.fillRect(points[i] - size / 2, points[i + 1] - size / 2, size, size);
+  }
 }
 
 function drawPins(window, rowPx) {
   if (!on.pins) {
     return;
   }
-  const radius = Math.min(Math.max(rowPx / 8, 3), 6);
-  base.fillStyle = COLOUR.ink;
+  const radius = Math.min(Math.max(rowPx / 8, 1.5), 6);
   for (const {name, x, y} of design.pins) {
     if (overlaps(window, x, y, x, y)) {
-      const px = toPxX(x);
-      const py = toPxY(y);
-      base.fillStyle = COLOUR.ink;
-      base.beginPath();
-      base.moveTo(px, py - radius);
-      base.lineTo(px + radius, py + radius * 0.8);
-      base.lineTo(px - radius, py + radius * 0.8);
-      base.fill();
-      if (on.names && rowPx >= NAME_ROW_PX) {
-        label(base, name, px, py + radius + 10, 140, 20, 10);
-      }
+      drawPin(name, toPxX(x), toPxY(y), radius, rowPx);
     }
+  }
+}
+
+function drawPin(name, x, y, radius, rowPx) {
+  base.fillStyle = COLOUR.ink;
+  base.beginPath();
+  base.moveTo(x, y - radius);
+  base.lineTo(x + radius, y + radius * 0.8);
+  base.lineTo(x - radius, y + radius * 0.8);
+  base.fill();
+  if (on.names && rowPx >= NAME_ROW_PX) {
+    label(base, name, x, y + radius + 10, 140, 20, 10);
   }
 }
 
 function showHint(overview) {
   byId("hint").hidden = !(overview && on.cells && count > 0);
-  byId("hint").textContent = "Overview by density: zoom in for the cells";
+  const many = on.conflicts && shown === after && conflicts.length / CONFLICT_SIZE > MOST_DOTS;
+  byId("hint").textContent = `Overview by density: zoom in for the cells${many ? " and conflicts" : ""}`;
 }
 
 // ---- Overlay: scale bar, the cell of interest, its nets ------------------------------------------------
@@ -753,7 +835,7 @@ function limitView() {
   view.x = Math.min(Math.max(view.x, boundsXl), boundsXh);
   view.y = Math.min(Math.max(view.y, boundsYl), boundsYh);
   byId("level").textContent = `row height ${(design.rowHeight * view.scale).toPrecision(3)} px`;
-  redraw();
+  redraw(/*whole=*/false);
 }
 
 function fit() {
@@ -783,7 +865,7 @@ function pan(dxPx, dyPx) {
 }
 
 /** Brings a box into the middle, its row at least `leastPx` high. */
-function show(x, y, leastPx = 60) {
+function show(x, y, leastPx = 90) {
   view.x = x;
   view.y = y;
   view.scale = Math.max(view.scale, leastPx / design.rowHeight);
@@ -803,6 +885,7 @@ function resize() {
   if (first) {
     fit();
   }
+  drawn = null;
   draw(); // at once: a canvas of a new size is empty
 }
 
@@ -889,6 +972,8 @@ document.addEventListener("keydown", (event) => {
 
 const number = (value) => value.toLocaleString("en-US").replaceAll(",", "\u2009");
 const microns = (dbu) => (dbu / DBU_PER_MICRON).toFixed(3).replace(/\.?0+$/, "");
+
+const rounded = (dbu) => String(Number((dbu / DBU_PER_MICRON).toPrecision(4)));
 
 /** An element with a text, which is never taken for markup. */
 function element(tag, text = "", properties = {}) {
@@ -1156,7 +1241,7 @@ function fillLayers() {
 }
 
 function fillFacts() {
-  const facts = [["Size", `${microns(boundsXh - boundsXl)} \u00d7 ${microns(boundsYh - boundsYl)} \u00b5m`], ["Cells", number(count)],
+  const facts = [["Size", `${rounded(boundsXh - boundsXl)} \u00d7 ${rounded(boundsYh - boundsYl)} \u00b5m`], ["Cells", number(count)],
     ["Cell types", number(kinds.length)], ["Nets", number(Math.max(nets.begin.length - 1, 0))]];
   if (design.coloured) {
     let stitches = 0;
@@ -1218,7 +1303,8 @@ new ResizeObserver(resize).observe(byId("plan"));
 
 /** For the tests of this page. */
 window.viewer = {
-  drawTimes, draw, view, on, pan,
+  drawTimes, view, on, pan,
+  draw() { drawn = null; draw(); },
   get selected() { return selected < 0 ? "" : nameOf(selected); },
   get shown() { return shown === before ? "before" : "after"; },
   /** Pixels of the window of the middle of the cell of that name. */
