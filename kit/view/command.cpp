@@ -40,8 +40,8 @@ void addOptions(CLI::App& command, Options& options)
 /// Says on standard error what the picture misses because of its input.
 void reportInputs(const InputPaths& paths, const input::Findings& findings)
 {
-    if (paths.cells.empty() || paths.cellDir.empty()) {
-        std::cerr << "vireloce-kit: without a cell list and --cell-path, each cell is drawn one site wide\n";
+    if (paths.cellDir.empty()) {
+        std::cerr << "vireloce-kit: without --cell-path, each cell is drawn one site wide\n";
     }
     const auto errors = std::count_if(findings.begin(), findings.end(), [](const input::Finding& finding) {
         return finding.severity == input::Severity::ERROR;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <set>
 #include <vector>
 
 #include "kit/fault.h"
@@ -50,6 +51,31 @@ std::string placementFile(const std::string& path)
     return path.empty() ? "" : mustExist(without(path, ".place") + ".place");
 }
 
+/// Names of the cells that a placement uses, each once.
+std::vector<std::string> usedCells(const std::string& placement)
+{
+    input::Design design;
+    input::Findings findings; // the placement is read once more, with the cells
+    input::readPlacement(placement, design, findings);
+    std::set<std::string> names;
+    for (const input::Component& comp : design.components) {
+        names.insert(comp.cellName);
+    }
+    return {names.begin(), names.end()};
+}
+
+void readCellsOf(const InputPaths& paths, input::Design& design, input::Findings& findings)
+{
+    if (paths.cellDir.empty()) {
+        return;
+    }
+    if (!paths.cells.empty()) {
+        input::readLibrary(paths.cells, paths.cellDir, design, findings);
+    } else {
+        input::readCells(usedCells(paths.placement), paths.cellDir, design, findings);
+    }
+}
+
 void checkColours(const std::vector<const input::ColorRecord*>& colours, const InputPaths& paths)
 {
     const auto isKnown = [](const input::ColorRecord* record) { return record != nullptr; };
@@ -74,18 +100,13 @@ InputPaths findInputs(const Options& options)
     paths.netlist = find(options.netlist, bases, ".netlist");
     paths.colors = mustExist(options.colors);
     paths.cellDir = mustExist(options.cellDir);
-    if (!paths.cells.empty() && !paths.cells.ends_with(".cells")) {
-        throw Fault("the name of the cell list must end in .cells: " + paths.cells);
-    }
     return paths;
 }
 
 Scene readScene(const InputPaths& paths, int32_t minDist, input::Findings& findings)
 {
     input::Design design;
-    if (!paths.cells.empty() && !paths.cellDir.empty()) {
-        input::readLibrary({without(paths.cells, ".cells"), paths.cellDir}, design, findings);
-    }
+    readCellsOf(paths, design, findings);
     input::readPlacement(paths.placement, design, findings);
     if (!paths.netlist.empty()) {
         if (!paths.pins.empty()) {

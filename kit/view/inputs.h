@@ -3,6 +3,7 @@
 //
 // A design's files lie side by side under one base name; a result has only its placement, and colours
 // perhaps. So what is not named is looked for beside the placement, then beside the input placement.
+// Without a cell list the library is made of the cells that the placement names.
 #pragma once
 
 #include <string>
@@ -26,8 +27,7 @@ struct InputPaths {
 
 /// Finds the files.
 ///
-/// Errors: throws Fault if a named file or folder does not exist, and if the cell list's name does not end in
-/// ".cells".
+/// Errors: throws Fault if a named file or folder does not exist.
 InputPaths findInputs(const Options& options);
 
 /// Reads the files and builds what is drawn. Problems of the files are appended to `findings`.

@@ -415,7 +415,7 @@ function label(context, text, x, y, mostPx, tallPx, size = 12) {
   }
   context.font = `${size}px system-ui, "DejaVu Sans", sans-serif`;
   let short = text;
-  while (context.measureText(short).width > mostPx && short.length > 4) {
+  while (context.measureText(short).width > mostPx && short.length > 7) {
     short = short.slice(0, short.endsWith("\u2026") ? -2 : -1) + "\u2026";
   }
   const width = context.measureText(short).width;
@@ -1105,6 +1105,7 @@ function goTo({cell = -1, pin = -1, macro = -1}) {
 
 const MOST_RESULTS = 12;
 const lower = (text) => text.replace(/[A-Z]+/g, (letters) => letters.toLowerCase()); // keeps the length
+const byName = new Intl.Collator("en", {numeric: true});
 let lowerNames = null; // made when it is first needed
 let results = [];
 let chosen = 0;        // index in results
@@ -1139,7 +1140,7 @@ function search(text) {
   const fixed = [...matching(design.pins, "pin"), ...matching(design.macros, "macro")];
   const cellItems = [...found].map((cell) => ({cell, name: nameOf(cell), type: kindName(cell)}));
   const rank = (item) => lower(item.name) === word ? 0 : lower(item.name).startsWith(word) ? 1 : 2;
-  return [...cellItems, ...fixed].sort((a, b) => rank(a) - rank(b)).slice(0, MOST_RESULTS);
+  return [...cellItems, ...fixed].sort((a, b) => rank(a) - rank(b) || byName.compare(a.name, b.name)).slice(0, MOST_RESULTS);
 }
 
 function fillResults() {

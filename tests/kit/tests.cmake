@@ -1,5 +1,6 @@
 vireloce_test(kit kit/cellLibrary_test.cpp kit/colors_test.cpp kit/command_test.cpp kit/design_test.cpp kit/netlist_test.cpp
-    kit/outputFile_test.cpp kit/placer_test.cpp kit/random_test.cpp)
+    kit/outputFile_test.cpp kit/placer_test.cpp kit/random_test.cpp kit/view/command_test.cpp kit/view/picture_test.cpp
+    kit/view/scene_test.cpp kit/view/text_test.cpp)
 target_compile_definitions(test_kit PRIVATE VIRELOCE_KIT_PROGRAM="$<TARGET_FILE:vireloce-kit>")
 target_link_libraries(test_kit PRIVATE vireloce_kit)
 add_dependencies(test_kit vireloce-kit)
