@@ -55,10 +55,10 @@ private:
                << "h" << -width << "z";
     }
 
-    /// A box as an element of its own, open for content.
+    /// A box as an element of its own, open for content; the style has a space before it.
     void openBox(const Box& box, std::string_view style)
     {
-        m_file << "<rect " << style << " x=\"" << box.xl - m_bounds.xl << "\" y=\"" << flip(box.yh)
+        m_file << "<rect" << style << " x=\"" << box.xl - m_bounds.xl << "\" y=\"" << flip(box.yh)
                << "\" width=\"" << box.xh - box.xl << "\" height=\"" << box.yh - box.yl << "\"";
     }
 
@@ -72,7 +72,7 @@ private:
                 const int32_t x = grid.x + i % grid.columns * grid.side;
                 const int32_t y = grid.y + i / grid.columns * grid.side;
                 openBox({x, y, std::min(x + grid.side, m_bounds.xh), std::min(y + grid.side, m_bounds.yh)},
-                        "fill=\"" + rampColour(share) + "\"");
+                        " fill=\"" + rampColour(share) + "\"");
                 m_file << "/>\n";
             }
         }

@@ -485,14 +485,14 @@ function drawCells(visible, rowPx) {
   if (withMetal) {
     drawMetal(visible);
   }
+  if (on.names && rowPx >= NAME_ROW_PX) {
+    drawNames(visible, rowPx);
+  }
   if (on.stitches && shown.coloured) {
     drawStitches(visible, rowPx, withMetal);
   }
   if (on.displacement && rowPx >= ARROW_ROW_PX) {
     drawMoves(visible, rowPx);
-  }
-  if (on.names && rowPx >= NAME_ROW_PX) {
-    drawNames(visible, rowPx);
   }
 }
 
@@ -987,7 +987,7 @@ function factsOf(cell) {
   const facts = [["Cell type", kindName(cell)]];
   if (design.coloured) {
     const known = cells.colouring[cell] !== NONE;
-    facts.push(["Solution", known ? `${cells.colouring[cell]} of ${kinds[cells.kind[cell]].masks.length}` : "unknown"]);
+    facts.push(["Solution", known ? `${cells.colouring[cell]} (of 0 to ${kinds[cells.kind[cell]].masks.length - 1})` : "unknown"]);
     facts.push(["Stitches", known ? String(stitchesOf(cell)) : "unknown"]);
   }
   facts.push(["Position", `${number(shown.x[cell])}, ${number(shown.y[cell])} DBU`],
@@ -1289,7 +1289,7 @@ function showPanel(open) {
   byId("panelButton").setAttribute("aria-expanded", String(open));
 }
 
-byId("title").textContent = design.title;
+byId("title").textContent = design.title.split("/").pop();
 byId("title").title = design.title;
 byId("times").hidden = !design.moved;
 byId("times").addEventListener("change", (event) => setTime(event.target.value));

@@ -25,7 +25,7 @@ test("a page opens without errors and without the network", () => withGcd(async 
   await page.screenshot({path: join(shots, "gcd.png")});
 }));
 
-test("dragging moves the plan, and what is drawn in pieces is what is drawn at once", () => withGcd(async (page) => {
+test("dragging moves the plan, which is drawn as a whole once it rests", () => withGcd(async (page) => {
   const first = await picture(page);
   await page.mouse.move(400, 400);
   await page.mouse.down();

@@ -82,7 +82,7 @@ TEST(ViewSvg, HasEverythingOfASmallPlacement)
     EXPECT_EQ(occurrences(svg, "<title>macro ram"), 1U);
     EXPECT_EQ(occurrences(svg, "(INV), solution"), 2U);
     EXPECT_EQ(occurrences(svg, "<title>u0 and u1</title>"), 1U);                  // the conflict
-    EXPECT_NE(svg.find("class=\"stitch\" d=\"M20 196l18 18"), std::string::npos); // of u2 alone
+    EXPECT_NE(svg.find("class=\"stitch\" d=\"M20 182l18 18"), std::string::npos); // of u2 alone
     EXPECT_NE(svg.find("class=\"move\" d=\"M200 600l-100 0"), std::string::npos); // of u0
     EXPECT_NE(svg.find("3 cells, 2 rows, 1 macro, 1 stitch, 1 conflict"), std::string::npos);
     EXPECT_NE(svg.find("fill=\"#0072B2\" d=\"M10 600h20v150h-20zM10 450h20v150h-20z\""),

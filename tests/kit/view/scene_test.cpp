@@ -127,7 +127,6 @@ TEST(ViewDensity, BinsWithoutRowsAreToldFromEmptyOnes)
 {
     Scene scene = smallScene();
     scene.macros.push_back({"far", {2000, 0, 2400, 800}});
-    scene.stretches.push_back({2400, 0, 2500, 400});
     scene.cells[2].place = {1700, 0}; // outside of all stretches
     const std::vector<uint8_t> shares = densityOf(scene, /*before=*/false).shares;
     EXPECT_EQ(shares, (std::vector<uint8_t>{31, 0, Density::MOST}));
