@@ -12,7 +12,7 @@ bool Fields::require(size_t count)
         return true;
     }
     m_reporter.error("missing-tokens", {m_lines.number(), 0},
-                     std::string(m_record) + " has " + std::to_string(got) + " tokens of " +
+                     std::string(m_record) + " has " + counted(static_cast<int64_t>(got), "token") + " of " +
                          std::to_string(count) + ", and the placer ends here",
                      "complete the line");
     return false;

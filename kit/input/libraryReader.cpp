@@ -2,6 +2,8 @@
 // The cell list and the colour files.
 #include <algorithm>
 #include <optional>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 
 #include "kit/fault.h"
@@ -163,11 +165,19 @@ std::vector<Cell> readList(std::string_view text, Reporter& reporter)
     }
     if (count.sound && static_cast<int64_t>(cells.size()) != count.value) {
         reporter.error("wrong-count", first.at,
-                       "the list says " + std::to_string(count.value) + " cells, and " +
-                           std::to_string(cells.size()) + " names follow",
+                       "the list says " + counted(count.value, "cell") + ", and " +
+                           counted(static_cast<int64_t>(cells.size()), "name") + " follow",
                        "write " + std::to_string(cells.size()));
     }
     return cells;
+}
+
+/// Makes a cell that is listed twice what it was the first time.
+void copyGeometry(const Cell& first, Cell& cell)
+{
+    const int64_t line = cell.line;
+    cell = first;
+    cell.line = line;
 }
 
 std::string withoutSlashes(std::string path)
@@ -179,7 +189,13 @@ std::string withoutSlashes(std::string path)
 void readColourFiles(std::vector<Cell>& cells, const std::string& cellDir, Reporter& reporter,
                      Findings& findings)
 {
+    std::unordered_map<std::string_view, const Cell*> known;
     for (Cell& cell : cells) {
+        const auto [first, isNew] = known.try_emplace(cell.name, &cell);
+        if (!isNew) {
+            copyGeometry(*first->second, cell); // its findings are told
+            continue;
+        }
         cell.path = withoutSlashes(cellDir) + "/" + cell.name + ".color";
         const std::string fault = readCell(cell, findings);
         if (!fault.empty()) {

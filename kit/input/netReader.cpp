@@ -43,7 +43,7 @@ private:
     void reportCount(Place at, int64_t count, int64_t seen)
     {
         m_reporter.add(seen < count ? Severity::WARNING : Severity::ERROR, "wrong-count", at,
-                       "the file says " + std::to_string(count) + " nets, and " + std::to_string(seen) +
+                       "the file says " + counted(count, "net") + ", and " + std::to_string(seen) +
                            " follow" + (seen < count ? "" : "; the placer leaves the rest out"),
                        "write " + std::to_string(seen));
     }
@@ -76,7 +76,7 @@ private:
         m_reporter.add(sound ? Severity::NOTE : Severity::WARNING, "small-net", at,
                        "the net has the degree " + std::to_string(degree) +
                            ", and the placer drops it: it has no wirelength",
-                       sound ? "nothing, if that is meant" : "correct the degree");
+                       sound ? "that is no problem if it is meant" : "correct the degree");
     }
 
     /// Goes on to where a net may begin: a number at the start of a line.
@@ -116,8 +116,8 @@ private:
     {
         m_reporter.error("short-net", {m_net.line, 0},
                          "the net has the degree " + std::to_string(degree) + ", and " +
-                             std::to_string(taken) + " members follow" +
-                             (atEnd ? " before the file ends" : "") + ", and the placer ends here",
+                             std::to_string(taken) + " follow" + (atEnd ? " before the file ends" : "") +
+                             ", and the placer ends here",
                          "correct the degree, or add the members");
     }
 

@@ -53,7 +53,7 @@ void readPins(const std::string& path, Design& design, Findings& findings)
     }
     if (count.sound && seen != count.value) {
         reporter.error("wrong-count", first.at,
-                       "the file says " + std::to_string(count.value) + " pins, and " + std::to_string(seen) +
+                       "the file says " + counted(count.value, "pin") + ", and " + std::to_string(seen) +
                            " follow",
                        "write " + std::to_string(seen));
     }

@@ -89,11 +89,10 @@ void PlacementReader::reportReturns()
     if (m_returns == 0) {
         return;
     }
-    m_reporter.add(m_mirrorLost ? Severity::ERROR : Severity::WARNING, "carriage-return", {m_firstReturn, 0},
-                   std::to_string(m_returns) + " lines end with a carriage return" +
-                       (m_mirrorLost ? ", and the placer takes mirrored components for upright ones"
-                                     : ", which is part of the last token"),
-                   "convert the file to plain line ends");
+    m_reporter.warning("carriage-return", {m_firstReturn, 0},
+                       "carriage returns stand at the end of " + counted(m_returns, "line") +
+                           ", and belong to the last token there: FN is then taken as N",
+                       "convert the file to plain line ends");
 }
 
 void PlacementReader::statement()
@@ -102,19 +101,27 @@ void PlacementReader::statement()
     if (keyword.empty()) {
         return;
     }
-    if (isHidden(keyword)) {
-        m_reporter.error("hidden-keyword", {m_lines.number(), m_lines.tokens()[0].column},
-                         "the placer ignores this " + std::string(keyword) + " line",
-                         "let the keyword start the line, in capitals, with a space behind it");
+    const bool hidden = isHidden(keyword);
+    if (hidden) {
+        // The core box is of no consequence.
+        m_reporter.add(keyword == "PROPERTYDEFINITIONS" ? Severity::WARNING : Severity::ERROR,
+                       "hidden-keyword", {m_lines.number(), m_lines.tokens()[0].column},
+                       "the placer ignores this " + std::string(keyword) + " line",
+                       "let the keyword start the line, in capitals, with a space behind it");
         m_lines.splitAtTabs();
     }
+    readStatement(keyword, hidden);
+}
+
+void PlacementReader::readStatement(std::string_view keyword, bool hidden)
+{
     if (keyword == "ROW") {
         readRow();
     } else if (keyword == "COMPONENTS") {
-        readSection({"COMPONENTS", "component", &PlacementReader::readComponent});
+        readSection({"COMPONENTS", "component", &PlacementReader::readComponent, 0, 0, 0, hidden});
     } else if (keyword == "BIGNODES") {
-        readSection({"BIGNODES", "macro", &PlacementReader::readMacro});
-    } else {
+        readSection({"BIGNODES", "macro", &PlacementReader::readMacro, 0, 0, 0, hidden});
+    } else if (!hidden) {
         readCoreBox();
     }
 }
@@ -162,7 +169,7 @@ void PlacementReader::readSection(Section section)
         }
         if (kind == Kind::RECORD) {
             readRecord(section);
-        } else if (!m_fillers) {
+        } else if (!m_fillers && !section.hidden) {
             m_reporter.error("blank-line", {m_lines.number(), 0},
                              std::string("a blank line stands where the placer reads a ") + section.record +
                                  ", and it ends here",
@@ -198,7 +205,7 @@ PlacementReader::Kind PlacementReader::kindOfLine(const Section& section) const
     if (word == "END" || (word == keywordOf(word) && m_lines.line().starts_with(word))) {
         return Kind::END;
     }
-    return more || word == "-" ? Kind::RECORD : Kind::END;
+    return word == "-" || (more && !section.hidden) ? Kind::RECORD : Kind::END;
 }
 
 void PlacementReader::readRecord(Section& section)
@@ -239,12 +246,12 @@ void PlacementReader::skipSecondLine(const Section& section)
 
 void PlacementReader::checkCount(const Section& section)
 {
-    if (section.count < 0 || section.seen == section.count) {
+    if (section.count < 0 || section.seen == section.count || section.hidden) {
         return;
     }
     const bool few = section.seen < section.count;
-    const std::string what = std::string(section.keyword) + " says " + std::to_string(section.count) +
-                             ", and " + std::to_string(section.seen) + " records follow";
+    const std::string what = std::string(section.keyword) + " says " + counted(section.count, "record") +
+                             ", and " + std::to_string(section.seen) + " follow";
     const char* const effect = m_fillers ? ""
                                : few     ? "; the placer reads on behind the section, and ends"
                                          : "; the placer leaves the rest out";
@@ -279,16 +286,13 @@ Component PlacementReader::componentOf(Fields& fields)
     fields.literal(9, ")");
     fields.endAt(11);
     if (!m_fillers) {
-        checkOrient(fields, comp);
+        checkCell(fields, comp);
     }
     return comp;
 }
 
-void PlacementReader::checkOrient(Fields& fields, const Component& comp)
+void PlacementReader::checkCell(Fields& fields, const Component& comp)
 {
-    if (comp.orient == "FN" && m_lines.endsWithReturn() && m_lines.tokens().size() == 10) {
-        m_mirrorLost = true;
-    }
     if (comp.cell < 0 && !m_cells.empty()) {
         m_reporter.error("unknown-cell", fields.at(3),
                          "the cell " + comp.cellName + " of " + comp.name + " is not in the cell list",
@@ -315,18 +319,22 @@ void PlacementReader::readMacro(Fields& fields)
 void PlacementReader::readCoreBox()
 {
     const int64_t line = m_lines.number();
+    if (!readBoxEdges()) {
+        m_lines.putBack();
+        m_reporter.error("short-section", {line, 0},
+                         "PROPERTYDEFINITIONS has fewer than the five lines that the placer takes for the "
+                         "core box",
+                         "write a line of any kind and the four edges");
+    }
+}
+
+bool PlacementReader::readBoxEdges()
+{
     bool whole = nextLine() && m_lines.firstWord() != "END";
     for (int i = 0; i < 4 && whole; ++i) {
         whole = nextLine() && readBoxEdge();
     }
-    if (!whole) {
-        m_lines.putBack();
-        m_reporter.error(
-            "short-section", {line, 0},
-            "PROPERTYDEFINITIONS has fewer than the five lines that the placer takes for the core "
-            "box",
-            "write a line of any kind and the four edges");
-    }
+    return whole;
 }
 
 bool PlacementReader::readBoxEdge()

@@ -29,10 +29,10 @@ private:
         const char* keyword;
         const char* record; ///< what a record is called in texts
         void (PlacementReader::*read)(Fields& fields);
-        int64_t line = 0;   ///< of the keyword
-        int64_t count = 0;  ///< records by the header, -1 if it does not say
-        int64_t seen = 0;   ///< records met
-        bool early = false; ///< a finding says already that the section ends before its time
+        int64_t line = 0;    ///< of the keyword
+        int64_t count = 0;   ///< records by the header, -1 if it does not say
+        int64_t seen = 0;    ///< records met
+        bool hidden = false; ///< the placer ignores the keyword, and so the section
     };
 
     /// A section's line, or the end of it.
@@ -42,6 +42,7 @@ private:
     void checkTabs();
     void reportReturns();
     void statement();
+    void readStatement(std::string_view keyword, bool hidden);
     bool isHidden(std::string_view keyword) const;
     void readRow();
     void readSection(Section section);
@@ -52,9 +53,10 @@ private:
     void checkCount(const Section& section);
     void readComponent(Fields& fields);
     Component componentOf(Fields& fields);
-    void checkOrient(Fields& fields, const Component& comp);
+    void checkCell(Fields& fields, const Component& comp);
     void readMacro(Fields& fields);
     void readCoreBox();
+    bool readBoxEdges();
     bool readBoxEdge();
 
     LineReader m_lines;
@@ -64,7 +66,6 @@ private:
     bool m_fillers = false;    ///< the rest of the section is fillers, which the placer passes over
     int64_t m_returns = 0;     ///< lines with a carriage return
     int64_t m_firstReturn = 0; ///< the first of them
-    bool m_mirrorLost = false; ///< a carriage return turns a mirrored component into another
 };
 
 } // namespace kit::input

@@ -68,6 +68,11 @@ bool isReal(std::string_view token)
     return error == std::errc() && stop == end;
 }
 
+std::string counted(int64_t count, const char* thing)
+{
+    return std::to_string(count) + ' ' + thing + (count == 1 ? "" : "s");
+}
+
 std::string quoted(std::string_view text)
 {
     std::string quote = "\"";

@@ -23,6 +23,9 @@ Integer parseInteger(std::string_view token);
 /// Whether a whole token is a decimal number, with or without a fraction or an exponent.
 bool isReal(std::string_view token);
 
+/// A number of things: "1 cell", "2 cells".
+std::string counted(int64_t count, const char* thing);
+
 /// A text in quotation marks, cut with "..." if it is long.
 std::string quoted(std::string_view text);
 

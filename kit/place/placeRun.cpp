@@ -111,17 +111,24 @@ private:
         State state = measure(design, m_start);
         m_placement = toJson(design, state);
         if (m_options.rescue) {
-            std::vector<int32_t> stray = state.dropped;
-            stray.insert(stray.end(), state.beyond.begin(), state.beyond.end());
-            std::sort(stray.begin(), stray.end());
-            const Rescue done = rescue(design, stray, m_start);
+            const Rescue done = rescue(design, withoutPlace(state), m_start);
             m_rescue = toJson(design, done);
             state = measure(design, m_start);
             m_rescue["placement"] = toJson(design, state);
             nameHelpless(design, done);
         }
-        m_clean = state.conflicts == 0 && state.dropped.empty() && state.beyond.empty();
+        m_clean = state.conflicts == 0 && withoutPlace(state).empty();
         writeFiles(design);
+    }
+
+    /// Components that nobody could build where they are, by index.
+    static std::vector<int32_t> withoutPlace(const State& state)
+    {
+        std::vector<int32_t> stray = state.dropped;
+        stray.insert(stray.end(), state.beyond.begin(), state.beyond.end());
+        stray.insert(stray.end(), state.overlapping.begin(), state.overlapping.end());
+        std::sort(stray.begin(), stray.end());
+        return stray;
     }
 
     static void nameHelpless(const Design& design, const Rescue& done)

@@ -26,9 +26,9 @@ struct Rescue {
     int32_t movedNeighbours = 0; ///< components that made room
 };
 
-/// Gives every component that is in no segment, or that sticks out of its segment, a place that is legal for
-/// its width and colours: in a segment near where it began, in any of its solutions, its neighbours moved
-/// along the row if need be, so that wirelength grows least.
+/// Gives components without a place of their own, those that are in no segment, stick out of theirs or
+/// overlap, a place that is legal for its width and colours: in a segment near where it began, in any of its
+/// solutions, its neighbours moved along the row if need be, so that wirelength grows least.
 ///
 /// Legal is what the placer's spacings ask for and what the shapes themselves need, mirrored cells honoured.
 /// Neighbours that were too close before stay so.

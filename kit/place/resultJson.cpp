@@ -136,6 +136,7 @@ Json toJson(const Design& design, const State& state)
             {"conflicts", state.conflicts},
             {"dropped_cells", namesJson(design, state.dropped)},
             {"cells_beyond_segment", namesJson(design, state.beyond)},
+            {"overlapping_cells", namesJson(design, state.overlapping)},
             {"displacement", displacementJson(state.displacement)},
             {"hash", state.hash},
             {"segments", segmentsJson(state.segments)}};

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/place/state.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdio>
@@ -66,21 +67,22 @@ Displacement displacementOf(const Design& design, const std::vector<Point>& star
     return all;
 }
 
-/// Measures a segment, and marks what is in it.
-///
-/// @param beyond  out: those that stick out are appended
-Filling fillingOf(const Design& design, const Segment& segment, std::vector<bool>& inSegment,
-                  std::vector<int32_t>& beyond)
+/// Measures a segment, marks what is in it and notes what does not fit.
+Filling fillingOf(const Design& design, const Segment& segment, std::vector<bool>& inSegment, State& state)
 {
     Filling filling{.x = segment.x, .y = segment.y, .numSites = segment.numSites};
+    int64_t end = 0; // of the component before
     for (const Component* comp : segment.components) {
         const int32_t width = design.cellOf(*comp).siteWidth;
         ++filling.cells;
         filling.taken += width;
         inSegment[static_cast<size_t>(comp->id)] = true;
         if (comp->siteX < 0 || comp->siteX > segment.numSites - width) {
-            beyond.push_back(comp->id);
+            state.beyond.push_back(comp->id);
+        } else if (comp->siteX < end) {
+            state.overlapping.push_back(comp->id);
         }
+        end = std::max(end, int64_t{comp->siteX} + width);
     }
     return filling;
 }
@@ -110,7 +112,7 @@ State measure(Design& design, const std::vector<Point>& start)
     }
     std::vector<bool> inSegment(design.components.size(), false);
     for (const Segment* segment : design.segments) {
-        state.segments.push_back(fillingOf(design, *segment, inSegment, state.beyond));
+        state.segments.push_back(fillingOf(design, *segment, inSegment, state));
     }
     for (size_t i = 0; i < inSegment.size(); ++i) {
         if (!inSegment[i]) {

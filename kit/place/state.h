@@ -40,10 +40,11 @@ struct State {
     int32_t stitches = 0;  ///< of the cells in segments
     int32_t conflicts = 0; ///< neighbours too close, as the placer counts
     Displacement displacement;
-    std::vector<Filling> segments; ///< by id
-    std::vector<int32_t> dropped;  ///< components in no segment, indices in Design::components
-    std::vector<int32_t> beyond;   ///< components that stick out of their segment
-    std::string hash;              ///< of all positions and solutions, 16 hexadecimal digits
+    std::vector<Filling> segments;    ///< by id
+    std::vector<int32_t> dropped;     ///< components in no segment, indices in Design::components
+    std::vector<int32_t> beyond;      ///< components that stick out of their segment
+    std::vector<int32_t> overlapping; ///< components that begin before their left neighbour's end
+    std::string hash;                 ///< of all positions and solutions, 16 hexadecimal digits
 };
 
 /// Positions of all components, file order.

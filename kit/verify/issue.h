@@ -63,12 +63,12 @@ struct Issue {
     int64_t line = 0;       ///< from 1, 0 for the file as a whole
     int32_t component = -1; ///< index in Design::components, -1 if it is about none
     int32_t other = -1;     ///< the other cell of a pair, -1 if there is none
-    std::string what;       ///< what is wrong; empty for CELL_OVERLAP, CONFLICT and ROW_CONFLICT
+    std::string what{};     ///< what is wrong; empty for CELL_OVERLAP, CONFLICT and ROW_CONFLICT
     double distance = 0;    ///< CONFLICT, ROW_CONFLICT: least distance of two shapes, library coordinates
     int32_t shapePairs = 0; ///< CONFLICT, ROW_CONFLICT: pairs of shapes that are too close
     int32_t mask = -1;      ///< CONFLICT, ROW_CONFLICT: of the two closest shapes
-    DbuBox box;             ///< where it is: the cell, or one of the two closest rectangles
-    DbuBox otherBox;        ///< the other of the two closest rectangles
+    DbuBox box{};           ///< where it is: the cell, or one of the two closest rectangles
+    DbuBox otherBox{};      ///< the other of the two closest rectangles
 };
 
 /// Issues in the order in which they were met.

@@ -82,8 +82,8 @@ struct Standing {
 /// Cells of one bottom edge, from the left. Usually that of a row, or of several side by side.
 struct Band {
     int64_t y = 0; ///< fine units
-    std::vector<Standing> cells;
-    std::vector<Span> spans; ///< [cell] what its extent takes of the x axis
+    std::vector<Standing> cells{};
+    std::vector<Span> spans{}; ///< [cell] what its extent takes of the x axis
 };
 
 /// All cells that stand somewhere, by bands from the bottom.

@@ -12,7 +12,8 @@ namespace kit::verify {
 /// What something takes of a row.
 struct Span {
     int64_t from = 0;
-    int64_t to = 0; ///< at least `from`
+    int64_t to =
+        0; ///< beyond `from`; of a span without length, pairs with a gap of `reach` may be visited too
 };
 
 /// Takes the indices of two spans. @return false to end the sweep

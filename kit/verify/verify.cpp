@@ -48,7 +48,7 @@ input::Findings errorsOf(const input::Findings& findings)
 /// The scale of a design; without rows that of the library.
 Scale scaleOf(const input::Design& design)
 {
-    const int32_t step = design.rows.empty() ? Scale::PER_DBU : design.rows.front().step;
+    const int64_t step = design.rows.empty() ? Scale::PER_DBU : design.rows.front().step;
     if (step <= 0) {
         throw Fault("the first row's step is " + std::to_string(step) + ": it must be positive");
     }

@@ -56,7 +56,7 @@ bool GridKernel::solve(const GridProblem& problem)
             back *= 2;
             continue;
         }
-        const int32_t needed = mustPlace(problem, last, end.cost);
+        const int32_t needed = firstCheaperEnd(problem, last, end.cost);
         if (needed < last) {
             last = needed;
             continue;
@@ -106,7 +106,7 @@ int32_t GridKernel::layOut(const GridProblem& problem)
     m_layers.clear();
     int64_t end = 0;
     for (size_t q = 0; q < segment.comps.size(); ++q) {
-        end += segment.width[q] + (q > 0 ? problem.behind[q]->least : 0);
+        end += int64_t{segment.width[q]} + (q > 0 ? problem.behind[q]->least : 0);
         if (end > segment.numSites) {
             break;
         }
@@ -269,7 +269,7 @@ GridKernel::End GridKernel::bestEnd(const GridProblem& problem, int32_t fitting,
 }
 
 /// The first component up to `last` that may end a path which is cheaper than the best one found.
-int32_t GridKernel::mustPlace(const GridProblem& problem, int32_t last, int64_t best) const
+int32_t GridKernel::firstCheaperEnd(const GridProblem& problem, int32_t last, int64_t best) const
 {
     int64_t floor = 0;
     for (int32_t q = 0; q < last; ++q) {

@@ -10,10 +10,9 @@
 //    the highest index whose value and cost add up to the node's.
 // 2. Values of a row never rise along it, as waiting is free. The path leaves a row's waiting edges at the
 //    leftmost site of equal value.
-// 3. Where costs of a site are sums that do not depend on the order (TermTable), a solution's stitches are
-// the
-//    same at all sites, so that rows of one component with the same spacings to the left differ by their
-//    stitches only: one row per column of PairSpacing is enough, and one minimum per row and spacing.
+// 3. Where costs of a site are sums that do not depend on the order (TermTable), the stitches of a solution
+//    add the same at all sites, so that rows of one component with the same spacings to the left differ by
+//    their stitches only: one row per column of PairSpacing is enough, and one minimum per row and spacing.
 // 4. All costs are 0 or more and far below UNREACHABLE. A path of a cost below the start value of the grid
 //    comes from the start node, and no node on it was unreached. So unreached nodes, which the grid relaxes
 //    like any other, do not show in the result if the best path costs less than that start value.
@@ -22,7 +21,8 @@
 //    that ends with an earlier component costs at least the fewest stitches on it and the price of what it
 //    leaves out; if no such sum is below the best path found, that path is the best of all: of equals the
 //    later component wins. Otherwise `last` is taken back to the first component where it may be, and all is
-//    done again.
+//    done again. Where no path places `last`, as the spacings are larger than the smallest, it is taken back
+//    by one component, then by two, four and so on.
 #pragma once
 
 #include <cstdint>
@@ -40,8 +40,7 @@ namespace vireloce {
 /// What a grid is made of, beside the segment. Not owned.
 struct GridProblem {
     const SegmentData& segment;
-    std::span<const PairSpacing* const>
-        behind; ///< [component] spacings to its left neighbour, the first unused
+    std::span<const PairSpacing* const> behind; ///< [component] spacings to the left one, the first unused
     std::span<const std::span<const int32_t>> stitches; ///< [component][solution]
     const TermTable& terms;                             ///< up to the segment's number of sites at least
     int32_t unreached; ///< start value of a node that has not been reached, UNREACHABLE at most
@@ -105,7 +104,7 @@ private:
     void fillCheapest(const GridProblem& problem, int32_t comp);
     void chooseTerms(const GridProblem& problem, int32_t comp, int32_t column);
     End bestEnd(const GridProblem& problem, int32_t fitting, int32_t last) const;
-    int32_t mustPlace(const GridProblem& problem, int32_t last, int64_t best) const;
+    int32_t firstCheaperEnd(const GridProblem& problem, int32_t last, int64_t best) const;
     void traceBack(const GridProblem& problem, End end);
     int32_t stepBefore(const GridProblem& problem, int32_t comp, int32_t solution, int32_t& k) const;
     int64_t price(const GridProblem& problem, int32_t comp) const;

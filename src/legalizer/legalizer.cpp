@@ -17,29 +17,44 @@ bool byDec(const std::pair<float, int>& a, const std::pair<float, int>& b)
     return a.first > b.first;
 }
 
+/// Holds the solver's memory while a placement runs, also if its end is thrown.
+class Legalizer::MemoryScope {
+public:
+    explicit MemoryScope(Legalizer& owner) : m_owner(owner)
+    {
+        m_owner.memory = std::make_unique<vireloce::SolverMemory>(*m_owner.design);
+    }
+    ~MemoryScope() { m_owner.memory.reset(); }
+    MemoryScope(const MemoryScope&) = delete;
+    MemoryScope& operator=(const MemoryScope&) = delete;
+
+private:
+    Legalizer& m_owner;
+};
+
 void Legalizer::solveDPlace()
 {
-    memory = std::make_unique<vireloce::SolverMemory>(*design);
+    const MemoryScope scope(*this);
     passCount = 0;
-    bool moved = true;
-    while (moved) {
-        moved = false;
-        vireloce::Progress progress{};
-        for (const int32_t id : beginPass()) {
-            segDone[static_cast<size_t>(id)] = true;
-            const bool overfull = solveSegment(design->segments[static_cast<size_t>(id)]);
-            moved |= overfull;
-            if (onProgress) {
-                progress.overfull += overfull ? 1 : 0;
-                ++progress.segmentsDone;
-                progress.pass = passCount;
-                progress.numSegments = static_cast<int32_t>(design->segments.size());
-                progress.movedOut = movedOut;
-                onProgress(progress);
-            }
+    while (solvePass() > 0) {
+    }
+}
+
+int32_t Legalizer::solvePass()
+{
+    vireloce::Progress progress{};
+    for (const int32_t id : beginPass()) {
+        segDone[static_cast<size_t>(id)] = true;
+        progress.overfull += solveSegment(design->segments[static_cast<size_t>(id)]) ? 1 : 0;
+        ++progress.segmentsDone;
+        if (onProgress) {
+            progress.pass = passCount;
+            progress.numSegments = static_cast<int32_t>(design->segments.size());
+            progress.movedOut = movedOut;
+            onProgress(progress);
         }
     }
-    memory.reset();
+    return progress.overfull;
 }
 
 std::vector<int32_t> Legalizer::beginPass()

@@ -117,6 +117,13 @@ public:
     int32_t metric = 0;                             ///< what SegLegalizer::getEdgeCost_bak() measures: 0 or 1
 
 private:
+    class MemoryScope;
+
+    /// Solves all segments once.
+    ///
+    /// @return the number of those that components were moved out of
+    int32_t solvePass();
+
     /// Starts a pass: densities, and the segment ids in the order of the visit.
     std::vector<int32_t> beginPass();
 

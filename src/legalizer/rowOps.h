@@ -15,8 +15,6 @@ struct RowTerm {
 
 /// Loops over rows of 32-bit costs. All sets give the same results to the bit.
 ///
-/// They work on whole blocks of ROW_BLOCK entries: they may read and write up to rowSpace(count) entries of
-/// every row, and what they write behind `count` means nothing.
 struct RowOps {
     const char* name; ///< instruction set
 
@@ -28,6 +26,9 @@ struct RowOps {
 
     /// The cheapest way to every site: from one of some rows at that site, plus the cost of the site, or from
     /// the site before. Never more than UNREACHABLE.
+    ///
+    /// It works on whole blocks of ROW_BLOCK entries: it reads and writes up to rowSpace(count) entries of
+    /// all rows, and what it writes behind `count` means nothing.
     ///
     /// @param out    [count] out: least over k' <= k of (least over the terms of row[k'] + cost) + costs[k']
     /// @param terms  [numTerms] at least one

@@ -170,9 +170,8 @@ public:
     Legalizer* legalizer; ///< not owned
     Segment* segment;     ///< not owned
 
-    /// [net id] left and right end of what a net has outside the segment, sites of the segment, clamped to
-    /// it;
-    /// (-1, -1) if it has nothing outside.
+    /// [net id] left and right end of what a net has outside the segment, in sites of the segment and clamped
+    /// to it; (-1, -1) if it has nothing outside.
     std::vector<std::pair<int32_t, int32_t>> netFLRs;
 
     std::vector<std::vector<myNode*>> nodeGrid; ///< [row][end site] nodes of a placement grid, owned

@@ -15,8 +15,7 @@ namespace vireloce {
 /// What a local shift is to choose from, beside the segment. Not owned.
 struct ShiftProblem {
     const SegmentData& segment;
-    std::span<const PairSpacing* const>
-        behind; ///< [component] spacings to its left neighbour, the first unused
+    std::span<const PairSpacing* const> behind; ///< [component] spacings to the left one, the first unused
     std::span<const std::span<const int32_t>> stitches; ///< [component][solution]
     std::span<const int32_t> sites;                     ///< [component] left end before the shift, sites
     const TermTable& terms;                             ///< up to the segment's number of sites at least
@@ -66,11 +65,10 @@ private:
 
     const int32_t* statesOf(size_t comp) const { return m_states.data() + m_begins[comp]; }
 
-    std::vector<size_t> m_begins;  ///< [component] first of its states
-    std::vector<int32_t> m_states; ///< least costs up to a component, by solution, then shift
-    std::vector<int32_t>
-        m_left; ///< [shift] cost of the left neighbour without stitches, INFINITE_COST outside
-    std::vector<int32_t> m_costs;   ///< [shift] the same of the component
+    std::vector<size_t> m_begins;   ///< [component] first of its states
+    std::vector<int32_t> m_states;  ///< least costs up to a component, by solution, then shift
+    std::vector<int32_t> m_left;    ///< [shift] as m_costs, of the left neighbour
+    std::vector<int32_t> m_costs;   ///< [shift] cost without stitches, INFINITE_COST outside of the segment
     std::vector<int32_t> m_sums;    ///< [left solution][shift] state and cost of the left neighbour
     std::vector<int32_t> m_running; ///< [left solution][3 * shifts] least sum up to a shift; see fillSums()
     std::vector<int32_t> m_least;   ///< [shift] least sum that leaves room

@@ -12,8 +12,7 @@
 
 #include "db/design.h"
 #include "db/orientMapGuard.h"
-#include "kit/gen/command.h"
-#include "kit/program.h"
+#include "kit/commands.h"
 #include "support/guards.h"
 
 namespace test {
@@ -37,7 +36,7 @@ inline KitOutcome runKit(Words words)
     }
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    const int status = kit::runProgram(static_cast<int>(argv.size()), argv.data(), {kit::gen::addCommand});
+    const int status = kit::runProgram(static_cast<int>(argv.size()), argv.data(), kit::allCommands());
     const std::string output = testing::internal::GetCapturedStdout();
     return {status, output, testing::internal::GetCapturedStderr()};
 }

@@ -7,8 +7,8 @@
 #include <functional>
 
 #include "legalizer/randomDesign.h"
-#include "legalizer/segLegalizer.h"
 #include "legalizer/roads.h"
+#include "legalizer/segLegalizer.h"
 #include "support/tinyDesign.h"
 
 namespace {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The subcommand from its files to the picture.
 #include "kit/fault.h"
-#include "kit/view/command.h"
 #include "kit/view/conflicts.h"
 #include "kit/view/inputs.h"
 #include "kit/view/scenes.h"
@@ -18,16 +17,8 @@ using test::Words;
 /// Runs `view`.
 KitOutcome runView(Words words)
 {
-    words.insert(words.begin(), {"vireloce-kit", "view"});
-    std::vector<char*> argv;
-    for (std::string& word : words) {
-        argv.push_back(word.data());
-    }
-    testing::internal::CaptureStdout();
-    testing::internal::CaptureStderr();
-    const int status = kit::runProgram(static_cast<int>(argv.size()), argv.data(), {kit::view::addCommand});
-    const std::string output = testing::internal::GetCapturedStdout();
-    return {status, output, testing::internal::GetCapturedStderr()};
+    words.insert(words.begin(), "view");
+    return test::runKit(words);
 }
 
 /// A row of two cells whose metal is 100 DBU of the library apart, in files.

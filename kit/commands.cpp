@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/commands.h"
+
+#include "kit/compare/command.h"
+#include "kit/gen/command.h"
+#include "kit/lint/command.h"
+#include "kit/place/command.h"
+#include "kit/verify/command.h"
+#include "kit/view/command.h"
+
+namespace kit {
+
+std::vector<AddCommand> allCommands()
+{
+    return {gen::addCommand,    lint::addCommand,    place::addCommand,
+            verify::addCommand, compare::addCommand, view::addCommand};
+}
+
+} // namespace kit

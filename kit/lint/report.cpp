@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/lint/report.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <ostream>
+#include <string>
+#include <tuple>
+#include <unordered_map>
+
+#include "kit/input/text.h"
+
+namespace kit::lint {
+
+namespace {
+
+using input::Finding;
+using input::Findings;
+using input::Severity;
+
+constexpr int SCHEMA = 1;
+
+const char* wordOf(Severity severity)
+{
+    switch (severity) {
+    case Severity::ERROR:
+        return "error";
+    case Severity::WARNING:
+        return "warning";
+    case Severity::NOTE:
+        break;
+    }
+    return "note";
+}
+
+void writeLine(const Finding& finding, std::string& line)
+{
+    line = finding.file;
+    if (finding.line > 0) {
+        line += ':';
+        line += std::to_string(finding.line);
+    }
+    line += ": ";
+    line += wordOf(finding.severity);
+    line += ": ";
+    line += finding.what;
+    if (!finding.advice.empty()) {
+        line += "; ";
+        line += finding.advice;
+    }
+    std::replace_if(
+        line.begin(), line.end(), [](char c) { return (c >= 0 && c < ' ') || c == '\x7f'; }, '?');
+    line += " [";
+    line += finding.code;
+    line += "]\n";
+}
+
+nlohmann::ordered_json jsonOf(const Finding& finding)
+{
+    return {{"severity", wordOf(finding.severity)},
+            {"code", finding.code},
+            {"file", finding.file},
+            {"line", finding.line},
+            {"column", finding.column},
+            {"what", finding.what},
+            {"advice", finding.advice}};
+}
+
+std::string dump(const nlohmann::ordered_json& json)
+{
+    // What is no UTF-8 in the files must not end the report.
+    return json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+}
+
+/// Ranks of files by their paths.
+using Ranks = std::unordered_map<std::string, size_t>;
+
+/// The cell list comes first, then the colour files as they were met, then the rest.
+Ranks ranksOf(const Findings& findings, const input::Paths& paths)
+{
+    Ranks ranks{{paths.cells(), 0}};
+    const Ranks last{{paths.place(), 0}, {paths.pins(), 1}, {paths.netlist(), 2}};
+    for (const Finding& finding : findings) {
+        if (last.count(finding.file) == 0) {
+            ranks.try_emplace(finding.file, ranks.size());
+        }
+    }
+    const size_t firstOfLast = ranks.size();
+    for (const auto& [file, rank] : last) {
+        ranks.try_emplace(file, firstOfLast + rank);
+    }
+    return ranks;
+}
+
+} // namespace
+
+Counts countsOf(const Findings& findings)
+{
+    Counts counts;
+    for (const Finding& finding : findings) {
+        counts.errors += finding.severity == Severity::ERROR ? 1 : 0;
+        counts.warnings += finding.severity == Severity::WARNING ? 1 : 0;
+        counts.notes += finding.severity == Severity::NOTE ? 1 : 0;
+    }
+    return counts;
+}
+
+void sortFindings(Findings& findings, const input::Paths& paths)
+{
+    const Ranks ranks = ranksOf(findings, paths);
+    std::stable_sort(findings.begin(), findings.end(), [&ranks](const Finding& a, const Finding& b) {
+        const size_t aRank = a.file == b.file ? 0 : ranks.at(a.file);
+        const size_t bRank = a.file == b.file ? 0 : ranks.at(b.file);
+        return std::tie(aRank, a.line, a.column) < std::tie(bRank, b.line, b.column);
+    });
+}
+
+void writeText(const Findings& findings, std::ostream& out)
+{
+    std::string line;
+    for (const Finding& finding : findings) {
+        writeLine(finding, line);
+        out << line;
+    }
+    const Counts counts = countsOf(findings);
+    out << input::counted(counts.errors, "error") << ", " << input::counted(counts.warnings, "warning")
+        << ", " << input::counted(counts.notes, "note") << '\n';
+    out.flush();
+}
+
+void writeJson(const Findings& findings, std::ostream& out)
+{
+    const Counts counts = countsOf(findings);
+    out << R"({"schema":)" << SCHEMA << R"(,"counts":)"
+        << dump({{"errors", counts.errors}, {"warnings", counts.warnings}, {"notes", counts.notes}})
+        << R"(,"findings":[)";
+    // Finding by finding: a million of them need no second copy.
+    const char* separator = "\n";
+    for (const Finding& finding : findings) {
+        out << separator << dump(jsonOf(finding));
+        separator = ",\n";
+    }
+    out << "\n]}\n";
+    out.flush();
+}
+
+} // namespace kit::lint

@@ -1,0 +1,266 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The subcommand that runs the placer and keeps its result.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <regex>
+#include <sstream>
+#include <string>
+
+#include "app/driver.h"
+#include "kit/kitRun.h"
+#include "kit/place/schema.h"
+#include "support/guards.h"
+
+namespace {
+
+using nlohmann::json;
+using test::contentOf;
+using test::KitOutcome;
+using test::runKit;
+using test::Words;
+
+std::string withoutTimes(const std::string& report)
+{
+    static const std::regex s_time("(CPU time +=) [0-9]+\\.[0-9]{3} s\n");
+    return std::regex_replace(report, s_time, "$1 *\n");
+}
+
+/// The placer's own report for some arguments.
+std::string reportOfPlacer(Words words)
+{
+    const test::ParameterGuard parameters;
+    words.insert(words.begin(), "vireloce");
+    std::vector<char*> argv;
+    for (std::string& word : words) {
+        argv.push_back(word.data());
+    }
+    return test::reportOf([&] { vireloce::runPlacer(static_cast<int>(argv.size()), argv.data()); });
+}
+
+class KitPlace : public testing::Test {
+protected:
+    std::string out(const std::string& extension = "") const { return m_dir.path("out" + extension); }
+
+    KitOutcome place(const Words& more = {}) const
+    {
+        Words words{"place", m_design.base(), "--cell-path", m_design.lib(), "-o", out()};
+        words.insert(words.end(), more.begin(), more.end());
+        return runKit(words);
+    }
+
+    json result() const { return json::parse(contentOf(out(".json"))); }
+
+    test::GeneratedDesign m_design;
+    test::TempDir m_dir;
+};
+
+TEST_F(KitPlace, PrintsThePlacersReportToTheByte)
+{
+    for (const char* algo : {"0", "1", "3"}) {
+        const KitOutcome outcome = place({"--algo", algo, "--weight", "2.5", "--force"});
+        EXPECT_EQ(outcome.status, 0) << outcome.error;
+        EXPECT_EQ(withoutTimes(outcome.output),
+                  withoutTimes(reportOfPlacer(
+                      {"-inlib", m_design.base(), "-cellPath", m_design.lib(), "-algo", algo, "-W", "2.5"})));
+    }
+}
+
+TEST_F(KitPlace, ShowsNoProgressWhereThereIsNoTerminal)
+{
+    EXPECT_EQ(place().error, "");
+}
+
+TEST_F(KitPlace, ChangesNothingInThePlacementFileButCoordinates)
+{
+    ASSERT_EQ(place().status, 0);
+    static const std::regex s_point("\\( -?[0-9]+ -?[0-9]+ \\)");
+    const std::string before = contentOf(m_design.base() + ".place");
+    const std::string after = contentOf(out(".place"));
+    EXPECT_NE(before, after);
+    EXPECT_EQ(std::regex_replace(before, s_point, "()"), std::regex_replace(after, s_point, "()"));
+}
+
+TEST_F(KitPlace, WritesADesignThatCanBePlacedAgain)
+{
+    ASSERT_EQ(place().status, 0);
+    const json first = result();
+    const KitOutcome again =
+        runKit({"place", out(), "--cell-path", m_design.lib(), "-o", m_dir.path("again")});
+    EXPECT_EQ(again.status, 0) << again.error;
+    const json second = json::parse(contentOf(m_dir.path("again.json")));
+    EXPECT_EQ(second["report"]["init HPWL"], first["placement"]["hpwl"]);
+    EXPECT_LE(second["placement"]["displacement"]["mean"], first["placement"]["displacement"]["mean"]);
+}
+
+TEST_F(KitPlace, ResultIsLintedAndVerifiedClean)
+{
+    for (const char* algo : {"0", "1", "3"}) {
+        ASSERT_EQ(place({"--algo", algo, "--force"}).status, 0);
+        const KitOutcome lint = runKit({"lint", out(), "--cell-path", m_design.lib()});
+        EXPECT_EQ(lint.status, 0) << lint.output;
+    }
+}
+
+TEST_F(KitPlace, ColoursAreThoseOfTheSolutions)
+{
+    ASSERT_EQ(place().status, 0);
+    const KitOutcome verify = runKit(
+        {"verify", out(".place"), "--colors", out(".colors"), "--cell-path", m_design.lib(), "--json"});
+    EXPECT_EQ(verify.output.find("\"masks\""), std::string::npos) << verify.output;
+    EXPECT_EQ(contentOf(out(".colors")).substr(0, 34), "VIRELOCE COLORS 1\nCOMPONENTS 1000\n");
+}
+
+TEST_F(KitPlace, JsonSaysWhatTheReportSays)
+{
+    const KitOutcome outcome = place({"--algo", "1"});
+    const json report = result()["report"];
+    for (const char* label : {"final HPWL", "final stitch   #", "max site # on rows", "LUTable item #"}) {
+        const std::regex line("STAT \\| " + std::string(label) + " *= ([0-9]+)\n");
+        std::smatch match;
+        ASSERT_TRUE(std::regex_search(outcome.output, match, line)) << label;
+        const std::string key = std::regex_replace(std::string(label), std::regex(" +"), " ");
+        EXPECT_EQ(std::to_string(report[key].get<int64_t>()), match[1].str()) << label;
+    }
+    EXPECT_EQ(result()["placement"]["hpwl"], report["final HPWL"]);
+    EXPECT_EQ(result()["placement"]["stitches"], report["final stitch #"]);
+    EXPECT_EQ(result()["placement"]["conflicts"], report["final conflict #"]);
+    EXPECT_EQ(result()["options"]["algo"], 1);
+    EXPECT_EQ(result()["options"]["weight"], nullptr);
+}
+
+TEST_F(KitPlace, JsonFollowsItsSchema)
+{
+    place({"--rescue"});
+    EXPECT_EQ(test::faultsOf(result(), test::placeSchema()), Words{});
+    json broken = result();
+    broken["placement"].erase("hpwl");
+    broken["seconds"] = "long";
+    broken["more"] = 1;
+    EXPECT_EQ(test::faultsOf(broken, test::placeSchema()).size(), 3U);
+}
+
+TEST_F(KitPlace, HistogramCountsEveryComponentOnce)
+{
+    place();
+    int64_t cells = 0;
+    const json histogram = result()["placement"]["displacement"]["histogram"];
+    for (const json& bin : histogram) {
+        cells += bin["cells"].get<int64_t>();
+    }
+    EXPECT_EQ(cells, 1000);
+}
+
+TEST_F(KitPlace, RefusesToReplaceAnEarlierResult)
+{
+    ASSERT_EQ(place().status, 0);
+    const KitOutcome again = place();
+    EXPECT_EQ(again.status, 2);
+    EXPECT_EQ(again.error,
+              "vireloce-kit: " + out(".place") + " exists: choose another -o, or --force to replace it\n");
+    EXPECT_EQ(place({"--force"}).status, 0);
+}
+
+TEST_F(KitPlace, NeverReplacesAnInput)
+{
+    const std::string before = m_design.allText();
+    for (const std::string& same : {m_design.base(), m_design.base() + "/../d"}) {
+        const KitOutcome outcome =
+            runKit({"place", m_design.base(), "--cell-path", m_design.lib(), "-o", same, "--force"});
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_NE(outcome.error.find("is an input: choose another -o"), std::string::npos) << outcome.error;
+    }
+    EXPECT_EQ(m_design.allText(), before);
+}
+
+TEST_F(KitPlace, UnreadableInputIsStatus2AndWritesNothing)
+{
+    const KitOutcome outcome =
+        runKit({"place", m_dir.path("none"), "--cell-path", m_design.lib(), "-o", out()});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_NE(outcome.output.find("ERROR| cannot open file"), std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(out(".json")));
+}
+
+TEST_F(KitPlace, OptionThatIsNoNumberIsStatus2)
+{
+    EXPECT_EQ(place({"--algo", "first"}).status, 2);
+    EXPECT_EQ(place({"--weight", "heavy"}).status, 2);
+}
+
+/// Two rows of 20 sites of 190 DBU, cells of 5 sites without shapes that matter.
+class KitRescue : public testing::Test {
+protected:
+    KitRescue()
+    {
+        m_dir.write("d.cells", "1\nA\n");
+        m_dir.write("lib/A.color", "950 1900  0  1  1  0 500 5 900  1  0 1");
+        m_dir.write("d.pins", "0\n");
+        m_dir.write("d.netlist", "0\n");
+    }
+
+    /// Components by their x and y.
+    void components(const std::vector<std::pair<int, int>>& points)
+    {
+        std::string text =
+            "ROW r0 s 0 0 N DO 20 BY 1 STEP 190 0 ;\nROW r1 s 0 1900 N DO 20 BY 1 STEP 190 0 ;\n"
+            "COMPONENTS " +
+            std::to_string(points.size()) + " ;\n";
+        for (size_t i = 0; i < points.size(); ++i) {
+            text += "- u" + std::to_string(i) + " A + PLACED ( " + std::to_string(points[i].first) + " " +
+                    std::to_string(points[i].second) + " ) N\n ;\n";
+        }
+        m_dir.write("d.place", text + "END COMPONENTS\n");
+    }
+
+    KitOutcome place(const Words& more)
+    {
+        Words words{"place", m_dir.path("d"), "--cell-path", m_dir.path("lib"),
+                    "-o",    m_dir.path("o"), "--force"};
+        words.insert(words.end(), more.begin(), more.end());
+        return runKit(words);
+    }
+
+    json result() const { return json::parse(contentOf(m_dir.path("o.json"))); }
+
+    test::TempDir m_dir;
+};
+
+TEST_F(KitRescue, ACellMovedIntoAnEmptySegmentIsDroppedAndFoundAPlace)
+{
+    components({{0, 0}, {950, 0}, {1900, 0}, {2850, 0}, {3600, 0}}); // 25 sites in 20; the row above is empty
+    EXPECT_EQ(place({}).status, 1);
+    EXPECT_EQ(result()["placement"]["dropped_cells"].size(), 1U);
+    EXPECT_EQ(result()["rescue"], nullptr);
+
+    const KitOutcome rescued = place({"--rescue"});
+    EXPECT_EQ(rescued.status, 0) << rescued.output << rescued.error;
+    const json rescue = result()["rescue"];
+    EXPECT_EQ(rescue["cells"].size(), 1U);
+    EXPECT_EQ(rescue["cells"][0]["helped"], true);
+    EXPECT_EQ(rescue["cells"][0]["to"][1], 1900) << "the only row with room";
+    EXPECT_TRUE(rescue["placement"]["dropped_cells"].empty());
+    EXPECT_EQ(result()["placement"]["dropped_cells"].size(), 1U) << "the placer's own state stays";
+    const KitOutcome verify = runKit({"verify", m_dir.path("o.place"), "--colors", m_dir.path("o.colors"),
+                                      "--cell-path", m_dir.path("lib")});
+    EXPECT_EQ(verify.status, 0) << verify.output;
+}
+
+TEST_F(KitRescue, NeighboursMakeRoom)
+{
+    // Five cells below, one of which is moved up, where it overlaps: there are three, with gaps too small for
+    // it.
+    components({{0, 0}, {950, 0}, {1900, 0}, {2850, 0}, {3600, 0}, {380, 1900}, {1520, 1900}, {2660, 1900}});
+    const KitOutcome outcome = place({"--rescue", "--algo", "3", "--move-range", "0"});
+    const json rescue = result()["rescue"];
+    ASSERT_FALSE(rescue.is_null()) << outcome.output;
+    EXPECT_EQ(result()["placement"]["overlapping_cells"].size(), 1U);
+    EXPECT_GT(rescue["moved_neighbours"], 0);
+    EXPECT_TRUE(rescue["placement"]["overlapping_cells"].empty());
+    const KitOutcome verify = runKit({"verify", m_dir.path("o.place"), "--colors", m_dir.path("o.colors"),
+                                      "--cell-path", m_dir.path("lib")});
+    EXPECT_EQ(verify.status, 0) << verify.output;
+}
+
+} // namespace
