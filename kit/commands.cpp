@@ -6,12 +6,14 @@
 #include "kit/lint/command.h"
 #include "kit/place/command.h"
 #include "kit/verify/command.h"
+#include "kit/view/command.h"
 
 namespace kit {
 
 std::vector<AddCommand> allCommands()
 {
-    return {gen::addCommand, lint::addCommand, place::addCommand, verify::addCommand, compare::addCommand};
+    return {gen::addCommand,    lint::addCommand,    place::addCommand,
+            verify::addCommand, compare::addCommand, view::addCommand};
 }
 
 } // namespace kit

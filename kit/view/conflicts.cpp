@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/view/conflicts.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <string_view>
+#include <unordered_map>
+
+#include "kit/verify/metal.h"
+#include "kit/verify/standing.h"
+#include "kit/verify/sweep.h"
+
+namespace kit::view {
+
+namespace {
+
+int32_t toDbu(double value)
+{
+    constexpr double LEAST = std::numeric_limits<int32_t>::min();
+    constexpr double GREATEST = std::numeric_limits<int32_t>::max();
+    return static_cast<int32_t>(std::clamp(std::round(value), LEAST, GREATEST));
+}
+
+/// What lies between two ranges, or what they share.
+std::pair<int64_t, int64_t> between(int64_t low1, int64_t high1, int64_t low2, int64_t high2)
+{
+    return std::minmax({std::max(low1, low2), std::min(high1, high2)});
+}
+
+Box gapOf(const verify::FineBox& a, const verify::FineBox& b)
+{
+    const auto [xl, xh] = between(a.xl, a.xh, b.xl, b.xh);
+    const auto [yl, yh] = between(a.yl, a.yh, b.yl, b.yh);
+    const verify::DbuBox box = verify::Scale::toDbu({xl, yl, xh, yh});
+    return {toDbu(box.xl), toDbu(box.yl), toDbu(box.xh), toDbu(box.yh)};
+}
+
+} // namespace
+
+std::vector<const input::ColorRecord*> matchColours(const input::Design& design,
+                                                    const std::vector<input::ColorRecord>& records)
+{
+    std::unordered_map<std::string_view, const input::ColorRecord*> byName; // filled when orders differ
+    std::vector<const input::ColorRecord*> colours;
+    colours.reserve(design.components.size());
+    for (const input::Component& comp : design.components) {
+        const size_t i = colours.size();
+        if (i < records.size() && records[i].name == comp.name) {
+            colours.push_back(&records[i]);
+            continue;
+        }
+        if (byName.empty()) {
+            for (const input::ColorRecord& record : records) {
+                byName[record.name] = &record;
+            }
+        }
+        const auto found = byName.find(comp.name);
+        colours.push_back(found == byName.end() ? nullptr : found->second);
+    }
+    return colours;
+}
+
+std::vector<Conflict> findConflicts(const input::Design& design,
+                                    const std::vector<const input::ColorRecord*>& colours, int32_t step,
+                                    int32_t minDist)
+{
+    const verify::Scale scale{step};
+    const int64_t least = scale.ofLibrary(minDist);
+    const verify::Layout layout(design, colours, scale);
+    verify::MetalGauge gauge(least);
+    std::vector<Conflict> conflicts;
+    for (const verify::Band& band : layout.bands()) {
+        verify::sweepRow(band.spans, least, [&](size_t left, size_t right) {
+            const verify::Standing& first = band.cells[left];
+            const verify::Standing& second = band.cells[right];
+            const verify::Closeness found = gauge.measure(first, second);
+            if (found.shapePairs > 0) {
+                conflicts.push_back({first.component, second.component, gapOf(found.first, found.second)});
+            }
+            return conflicts.size() < MOST_CONFLICTS;
+        });
+    }
+    return conflicts;
+}
+
+} // namespace kit::view

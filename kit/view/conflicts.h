@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "kit/input/colors.h"
+#include "kit/input/design.h"
+#include "kit/view/scene.h"
+
+namespace kit::view {
+
+/// More conflicts than these are not looked for: a picture of more says nothing.
+inline constexpr size_t MOST_CONFLICTS = 200'000;
+
+/// The colours of each component, nullptr where the file has none; of two of one name the later.
+///
+/// @param records  in the order of the components, as in the file; in another, names decide
+std::vector<const input::ColorRecord*> matchColours(const input::Design& design,
+                                                    const std::vector<input::ColorRecord>& records);
+
+/// Cells in one row whose metal is on one mask and closer than allowed, by geometry; one conflict per pair of
+/// cells, where they are closest.
+///
+/// @param colours  [components] as matchColours() has them
+/// @param step     site width of the design, DBU
+/// @param minDist  least distance, DBU of the library
+std::vector<Conflict> findConflicts(const input::Design& design,
+                                    const std::vector<const input::ColorRecord*>& colours, int32_t step,
+                                    int32_t minDist);
+
+} // namespace kit::view
