@@ -41,6 +41,7 @@ std::vector<Joint> findJoints(const std::vector<Metal>& metal)
         }
     }
     std::vector<Joint> joints;
+    joints.reserve(largest.size());
     for (const auto& [shapes, box] : largest) {
         joints.push_back({shapes.first, shapes.second, box});
     }

@@ -52,7 +52,13 @@ protected:
         return scene;
     }
 
-    Options base() const { return {.placement = m_dir.path("d"), .cellDir = m_dir.path("lib")}; }
+    Options base() const
+    {
+        Options options;
+        options.placement = m_dir.path("d");
+        options.cellDir = m_dir.path("lib");
+        return options;
+    }
 
     TempDir m_dir;
 };
