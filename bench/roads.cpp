@@ -104,6 +104,7 @@ int run(char** argv)
     try {
         setUp = measure([&] { design.initAll(); });
         setUpPeak = peakMemory();
+        design.dropNames(); // as the program does
         Legalizer legalizer(&design);
         placement = measure([&] { legalizer.solveDPlace(); });
         design.evaluation();

@@ -131,7 +131,7 @@ std::string toMarkdown(const std::vector<Run>& runs, const std::vector<Line>& li
         text += "| " + line.title + " |";
         for (size_t i = 0; i < runs.size(); ++i) {
             const std::string mark = best[i] ? "**" : "";
-            text += " " + mark + textOf(line.values[i]) + mark + " |";
+            text.append(" ").append(mark).append(textOf(line.values[i])).append(mark).append(" |");
         }
         text += "\n";
     }

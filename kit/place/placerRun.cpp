@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/place/placerRun.h"
 
+#include <algorithm>
 #include <iostream>
 #include <streambuf>
 
@@ -84,10 +85,9 @@ PlacerRun runPlacer(std::vector<std::string> arguments, const Onlookers& onlooke
         run.complete = true;
         onlookers.afterEvaluation(design);
     };
-    std::vector<char*> argv;
-    for (std::string& argument : arguments) {
-        argv.push_back(argument.data());
-    }
+    std::vector<char*> argv(arguments.size());
+    std::transform(arguments.begin(), arguments.end(), argv.begin(),
+                   [](std::string& argument) { return argument.data(); });
     const Capture capture;
     try {
         vireloce::runPlacer(static_cast<int>(argv.size()), argv.data(), hooks);

@@ -54,10 +54,7 @@ void run(int argc, char** argv, const RunHooks& hooks)
     // Required: the label says LUT, but the time is that of the whole set-up.
     reportf("\nSTAT | LUT CPU time             = %.3f s\n\n", qLib::timer() - setUpBegin);
     design->requireSolutions();
-    // Names served the readers. Their memory, a good part of what the design takes, now serves the solver.
-    design->compIndex.clear();
-    design->pinIndex.clear();
-
+    design->dropNames();
     if (hooks.afterSetUp) {
         hooks.afterSetUp(*design);
     }

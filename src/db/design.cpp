@@ -51,6 +51,12 @@ int32_t Design::safeSites(const Component& left, int32_t leftSolution, const Com
     return vireloce::ceilSites(block[s][t], SITE_WIDTH);
 }
 
+void Design::dropNames()
+{
+    compIndex.clear();
+    pinIndex.clear();
+}
+
 void Design::requireCells() const
 {
     for (const Component* comp : components) {

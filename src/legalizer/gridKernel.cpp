@@ -89,12 +89,18 @@ bool GridKernel::isSane(const GridProblem& problem) const
         if (mostCost(segment, problem.terms, q, *most) >= UNREACHABLE / 4) {
             return false;
         }
-        if (q > 0 &&
-            (problem.behind[q]->least < 0 || problem.behind[q]->most - problem.behind[q]->least > PAD)) {
+        if (q > 0 && !isSane(*problem.behind[q])) {
             return false;
         }
     }
     return true;
+}
+
+/// Whether spacings fit into the blocks before the rows, and the ways between columns into memory.
+bool GridKernel::isSane(const PairSpacing& spacing)
+{
+    constexpr int32_t MOST_COLUMNS = 1000; // of two neighbours a million ways, for every spacing
+    return spacing.least >= 0 && spacing.most - spacing.least <= PAD && spacing.numColumns <= MOST_COLUMNS;
 }
 
 /// Makes the layers of the components that may fit.
@@ -125,7 +131,7 @@ bool GridKernel::window(const GridProblem& problem, int32_t fitting, int32_t las
 {
     const int32_t numSites = problem.segment.numSites;
     const int32_t slack = numSites - m_layers[static_cast<size_t>(last)].least;
-    m_stride = static_cast<size_t>(PAD + rowSpace(slack + 1));
+    m_stride = static_cast<size_t>(PAD) + static_cast<size_t>(rowSpace(slack + 1));
     size_t next = 0;
     for (int32_t q = 0; q < fitting; ++q) {
         Layer& layer = m_layers[static_cast<size_t>(q)];
@@ -213,11 +219,12 @@ void GridKernel::fillCheapest(const GridProblem& problem, int32_t comp)
     const int32_t* const leftColumns = comp > 1 ? problem.behind[q - 1]->columnOf : nullptr;
     const std::span<const int32_t> stitches = problem.stitches[q - 1];
     const int32_t spread = behind.most - behind.least + 1;
-    const int32_t perColumn = m_layers[q - 1].columns * spread;
-    m_cheapest.assign(static_cast<size_t>(behind.numColumns * perColumn), NO_SOLUTION);
+    const size_t perColumn = static_cast<size_t>(m_layers[q - 1].columns) * static_cast<size_t>(spread);
+    m_cheapest.assign(static_cast<size_t>(behind.numColumns) * perColumn, NO_SOLUTION);
     const int32_t* sites = behind.sites;
     for (size_t i = 0; i < stitches.size(); ++i) {
-        int32_t* cheapest = m_cheapest.data() + (leftColumns != nullptr ? leftColumns[i] : 0) * spread;
+        const int32_t leftColumn = leftColumns != nullptr ? leftColumns[i] : 0;
+        int32_t* cheapest = m_cheapest.data() + static_cast<ptrdiff_t>(leftColumn) * spread;
         for (int32_t column = 0; column < behind.numColumns; ++column, cheapest += perColumn, ++sites) {
             int32_t& least = cheapest[*sites - behind.least];
             least = std::min(least, stitches[i]);
@@ -231,7 +238,7 @@ void GridKernel::chooseTerms(const GridProblem& problem, int32_t comp, int32_t c
     const PairSpacing& behind = *problem.behind[static_cast<size_t>(comp)];
     const int32_t spread = behind.most - behind.least + 1;
     const int32_t leftColumns = m_layers[static_cast<size_t>(comp) - 1].columns;
-    const int32_t* cheapest = m_cheapest.data() + column * leftColumns * spread;
+    const int32_t* cheapest = m_cheapest.data() + static_cast<ptrdiff_t>(column) * leftColumns * spread;
     m_terms.clear();
     for (int32_t left = 0; left < leftColumns; ++left) {
         int32_t least = NO_SOLUTION; // values never rise, so that farther away only fewer stitches help

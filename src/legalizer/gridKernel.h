@@ -97,6 +97,7 @@ private:
     };
 
     bool isSane(const GridProblem& problem) const;
+    static bool isSane(const PairSpacing& spacing);
     int32_t layOut(const GridProblem& problem);
     bool window(const GridProblem& problem, int32_t fitting, int32_t last);
     bool fillRows(const GridProblem& problem, int32_t fitting);
