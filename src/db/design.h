@@ -135,8 +135,8 @@ public:
     int32_t safeSites(const Component& left, int32_t leftSolution, const Component& right,
                       int32_t rightSolution) const;
 
-    /// Empties compIndex and pinIndex. Names serve the readers only; their memory, a good part of what a design
-    /// takes, then serves the solver.
+    /// Empties compIndex and pinIndex. Names serve the readers only; their memory, a good part of what a
+    /// design takes, then serves the solver.
     void dropNames();
 
     /// Ends the run with an error line if the cell of a component is not in the library.
