@@ -6,7 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include <cstring>
+#include <algorithm>
 #include <functional>
 #include <string>
 #include <vector>
@@ -119,7 +119,7 @@ std::vector<Number> arrayOf(const std::string& page, const std::string& id)
     const std::string bytes = decoded(scriptOf(page, "<script type=\"text/plain\" id=\"" + id + "\">"));
     std::vector<Number> numbers(bytes.size() / sizeof(Number));
     EXPECT_EQ(bytes.size(), numbers.size() * sizeof(Number)) << id;
-    std::memcpy(numbers.data(), bytes.data(), numbers.size() * sizeof(Number));
+    std::copy_n(bytes.data(), numbers.size() * sizeof(Number), reinterpret_cast<char*>(numbers.data()));
     return numbers;
 }
 
