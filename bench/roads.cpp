@@ -15,6 +15,7 @@
 #include <string>
 
 #include "db/design.h"
+#include "kit/hash.h"
 #include "legalizer/legalizer.h"
 #include "legalizer/segLegalizer.h"
 #include "qlib/report.h"
@@ -38,31 +39,6 @@ Times measure(Work work)
     return {qLib::timer() - userBegin, wall.count()};
 }
 
-/// Fowler, Noll and Vo's hash, variant 1a with 64 bits.
-class Hash {
-public:
-    void add(const std::string& text)
-    {
-        for (const char c : text) {
-            add(static_cast<unsigned char>(c), 1);
-        }
-    }
-
-    void add(int32_t number) { add(static_cast<uint32_t>(number), 4); }
-
-    uint64_t value() const { return m_value; }
-
-private:
-    void add(uint32_t bits, int bytes)
-    {
-        for (int i = 0; i < bytes; ++i) {
-            m_value = (m_value ^ ((bits >> (8 * i)) & 0xff)) * 0x100000001b3;
-        }
-    }
-
-    uint64_t m_value = 0xcbf29ce484222325;
-};
-
 /// Largest resident memory so far, KiB.
 long peakMemory()
 {
@@ -74,9 +50,9 @@ long peakMemory()
 /// Thrown in place of the end of a run.
 struct RunEnded {};
 
-uint64_t hashOf(const Design& design, const std::string& report)
+std::string hashOf(const Design& design, const std::string& report)
 {
-    Hash hash;
+    kit::Hash hash;
     hash.add(report);
     for (const Component* comp : design.components) {
         hash.add(comp->solution);
@@ -84,7 +60,7 @@ uint64_t hashOf(const Design& design, const std::string& report)
         hash.add(comp->x);
         hash.add(comp->y);
     }
-    return hash.value();
+    return hash.text();
 }
 
 int run(char** argv)
@@ -113,10 +89,10 @@ int run(char** argv)
     }
     std::printf("{\"components\": %zu, \"segments\": %zu, \"sites\": %d, \"ended_early\": %s, "
                 "\"setup_user\": %.6f, \"setup_wall\": %.6f, \"place_user\": %.6f, \"place_wall\": %.6f, "
-                "\"setup_peak_kib\": %ld, \"peak_kib\": %ld, \"hash\": \"%016llx\"}\n",
+                "\"setup_peak_kib\": %ld, \"peak_kib\": %ld, \"hash\": \"%s\"}\n",
                 design.components.size(), design.segments.size(), design.getMaxSiteNum(),
                 ended ? "true" : "false", setUp.user, setUp.wall, placement.user, placement.wall, setUpPeak,
-                peakMemory(), static_cast<unsigned long long>(hashOf(design, report.str())));
+                peakMemory(), hashOf(design, report.str()).c_str());
     vireloce::setReport(nullptr);
     return 0;
 }

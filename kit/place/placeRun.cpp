@@ -6,7 +6,7 @@
 #include <iostream>
 #include <nlohmann/json.hpp>
 
-#include "app/parameters.h"
+#include "app/parameterScope.h"
 #include "db/design.h"
 #include "kit/fault.h"
 #include "kit/input/colors.h"
@@ -22,31 +22,6 @@ namespace {
 constexpr int CLEAN = 0;
 constexpr int NOT_CLEAN = 1;
 constexpr int UNREADABLE = 2;
-
-/// The parameters of the placer are the process's: the next run must find them as they were.
-class ParameterKeeper {
-public:
-    ParameterKeeper() = default;
-    ~ParameterKeeper()
-    {
-        SITE_WIDTH = m_siteWidth;
-        SITE_HEIGHT = m_siteHeight;
-        MINDPLDIST = m_minDist;
-        WEIGHT_WRLENG = m_weight;
-        LDP_M = m_range;
-        LDP_K = m_solutions;
-    }
-    ParameterKeeper(const ParameterKeeper&) = delete;
-    ParameterKeeper& operator=(const ParameterKeeper&) = delete;
-
-private:
-    int32_t m_siteWidth = SITE_WIDTH;
-    int32_t m_siteHeight = SITE_HEIGHT;
-    int32_t m_minDist = MINDPLDIST;
-    float m_weight = WEIGHT_WRLENG;
-    int32_t m_range = LDP_M;
-    int32_t m_solutions = LDP_K;
-};
 
 std::vector<input::ColorRecord> colorsOf(const Design& design)
 {
@@ -153,7 +128,7 @@ private:
     }
 
     const Options& m_options;
-    const ParameterKeeper m_parameters;
+    const vireloce::ParameterScope m_parameters; // in one process the next run must find them as they were
     ProgressLine m_line;
     std::vector<Point> m_start; ///< [component] positions before the placement
     nlohmann::ordered_json m_placement;

@@ -2,38 +2,16 @@
 #include "kit/place/state.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
-#include <cstdio>
 #include <cstdlib>
 
 #include "app/parameters.h"
 #include "db/design.h"
+#include "kit/hash.h"
 
 namespace kit::place {
 
 namespace {
-
-/// Fowler, Noll and Vo's hash, variant 1a with 64 bits.
-class Hash {
-public:
-    void add(int32_t number)
-    {
-        for (int i = 0; i < 4; ++i) {
-            m_value = (m_value ^ ((static_cast<uint32_t>(number) >> (8 * i)) & 0xff)) * 0x100000001b3;
-        }
-    }
-
-    std::string text() const
-    {
-        std::array<char, 17> digits;
-        std::snprintf(digits.data(), digits.size(), "%016llx", static_cast<unsigned long long>(m_value));
-        return digits.data();
-    }
-
-private:
-    uint64_t m_value = 0xcbf29ce484222325;
-};
 
 std::string hashOf(const Design& design)
 {

@@ -10,7 +10,7 @@
 #include <sstream>
 #include <string>
 
-#include "app/parameters.h"
+#include "app/parameterScope.h"
 #include "qlib/report.h"
 
 namespace test {
@@ -27,25 +27,9 @@ public:
         LDP_M = 8;
         LDP_K = 0;
     }
-    ~ParameterGuard()
-    {
-        SITE_WIDTH = m_siteWidth;
-        SITE_HEIGHT = m_siteHeight;
-        MINDPLDIST = m_minDist;
-        WEIGHT_WRLENG = m_weight;
-        LDP_M = m_range;
-        LDP_K = m_solutions;
-    }
-    ParameterGuard(const ParameterGuard&) = delete;
-    ParameterGuard& operator=(const ParameterGuard&) = delete;
 
 private:
-    int32_t m_siteWidth = SITE_WIDTH;
-    int32_t m_siteHeight = SITE_HEIGHT;
-    int32_t m_minDist = MINDPLDIST;
-    float m_weight = WEIGHT_WRLENG;
-    int32_t m_range = LDP_M;
-    int32_t m_solutions = LDP_K;
+    vireloce::ParameterScope m_before;
 };
 
 /// Collects the report while it lives.
