@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace kit::lefdef {
+
+/// How a cell lies: turned counterclockwise by 0 (N), 90 (W), 180 (S) or 270 (E) degrees; those with an F are
+/// mirrored at the y axis before they are turned.
+enum class Orient : uint8_t { N, W, S, E, FN, FW, FS, FE };
+
+/// The name of an orientation, as in a DEF file.
+std::string_view nameOf(Orient orient);
+
+/// The orientation of a name; none if it is not one.
+std::optional<Orient> orientOf(std::string_view name);
+
+/// Whether left and right are exchanged against N, of an upright orientation: FN and S.
+bool isMirrored(Orient orient);
+
+/// Whether top and bottom are exchanged against N, of an upright orientation: FS and S.
+bool isUpsideDown(Orient orient);
+
+/// Whether width and height are exchanged: W, E, FW and FE.
+bool isOnItsSide(Orient orient);
+
+/// The upright orientation with these two properties.
+Orient upright(bool mirrored, bool upsideDown);
+
+} // namespace kit::lefdef
