@@ -2,7 +2,9 @@
 #include "kit/commands.h"
 
 #include "kit/compare/command.h"
+#include "kit/flow/command.h"
 #include "kit/gen/command.h"
+#include "kit/import/command.h"
 #include "kit/lint/command.h"
 #include "kit/place/command.h"
 #include "kit/verify/command.h"
@@ -12,8 +14,8 @@ namespace kit {
 
 std::vector<AddCommand> allCommands()
 {
-    return {gen::addCommand,    lint::addCommand,    place::addCommand,
-            verify::addCommand, compare::addCommand, view::addCommand};
+    return {flow::addCommand,   importing::addCommand, lint::addCommand,    place::addCommand,
+            verify::addCommand, view::addCommand,      compare::addCommand, gen::addCommand};
 }
 
 } // namespace kit

@@ -55,9 +55,9 @@ void copyInput(const std::string& from, const std::string& to)
 }
 
 /// Looks on while the placer runs, and writes what comes out.
-class Session {
+class KeptRun {
 public:
-    explicit Session(const Options& options) : m_options(options), m_line(options.quiet) {}
+    explicit KeptRun(const Options& options) : m_options(options), m_line(options.quiet) {}
 
     int run()
     {
@@ -125,6 +125,17 @@ private:
         for (const char* extension : COPIED) {
             copyInput(m_options.base + extension, m_options.out + extension);
         }
+        copyMap();
+    }
+
+    /// An imported design has a map back to its DEF file; one of an earlier result would be the wrong one.
+    void copyMap() const
+    {
+        if (std::filesystem::exists(m_options.base + MAP)) {
+            copyInput(m_options.base + MAP, m_options.out + MAP);
+        } else {
+            std::filesystem::remove(m_options.out + MAP);
+        }
     }
 
     const Options& m_options;
@@ -141,7 +152,7 @@ private:
 int place(const Options& options)
 {
     checkOutputs(options);
-    return Session(options).run();
+    return KeptRun(options).run();
 }
 
 } // namespace kit::place
