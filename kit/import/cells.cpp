@@ -5,6 +5,7 @@
 #include <string>
 
 #include "kit/input/names.h"
+#include "kit/lefdef/units.h"
 
 namespace kit::importing {
 
@@ -16,13 +17,6 @@ using lefdef::Lef;
 using lefdef::LefMacro;
 using lefdef::SourceReporter;
 using lefdef::Status;
-
-/// A length in DBU, rounded up.
-int64_t dbuUp(lefdef::Length length, int32_t databaseMicrons)
-{
-    const __int128 product = static_cast<__int128>(length) * databaseMicrons;
-    return static_cast<int64_t>((product + lefdef::MICRON - 1) / lefdef::MICRON);
-}
 
 bool hasWord(const std::string& words, std::string_view word)
 {
@@ -91,7 +85,7 @@ private:
     bool fitsOneRow(const DefComponent& comp, const LefMacro& macro)
     {
         const bool upright = !isOnItsSide(comp.orient);
-        const bool low = dbuUp(macro.height, m_def.databaseMicrons) <= m_core.siteHeight;
+        const bool low = lefdef::dbuUp(macro.height, m_def.databaseMicrons) <= m_core.siteHeight;
         if (!upright || !low) {
             m_reporter.warning("kept", comp.offset,
                                "component " + std::string(comp.name) +
@@ -106,8 +100,8 @@ private:
     {
         const DefComponent& comp = m_def.components[index];
         m_cells.isFixed[index] = true;
-        int64_t width = dbuUp(macro.width, m_def.databaseMicrons);
-        int64_t height = dbuUp(macro.height, m_def.databaseMicrons);
+        int64_t width = lefdef::dbuUp(macro.width, m_def.databaseMicrons);
+        int64_t height = lefdef::dbuUp(macro.height, m_def.databaseMicrons);
         if (isOnItsSide(comp.orient)) {
             std::swap(width, height);
         }
@@ -120,7 +114,7 @@ private:
 
     int64_t wholeSites(const LefMacro& macro) const
     {
-        const int64_t width = dbuUp(macro.width, m_def.databaseMicrons);
+        const int64_t width = lefdef::dbuUp(macro.width, m_def.databaseMicrons);
         return (width + m_core.siteWidth - 1) / m_core.siteWidth * m_core.siteWidth;
     }
 

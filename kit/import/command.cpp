@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "kit/import/importRun.h"
+#include "kit/input/text.h"
 
 namespace kit::importing {
 
@@ -20,12 +21,13 @@ Example:
 
 void writeSummary(const Options& options, const Summary& summary)
 {
-    std::cout << options.out << ".place: " << summary.components << " components of " << summary.masters
-              << " cells in " << summary.rows << " rows of " << summary.siteWidth << " by "
-              << summary.siteHeight << " um sites, " << summary.nets << " nets, " << summary.pins << " pins; "
-              << summary.kept << " components stay where they are, " << summary.fillers
-              << " fillers left out, " << summary.moved << " put on free sites, " << summary.renamed
-              << " renamed\n";
+    using input::counted;
+    std::cout << options.out << ".place: " << counted(summary.components, "component") << " of "
+              << counted(summary.masters, "cell") << " in " << counted(summary.rows, "row") << " of sites of "
+              << summary.siteWidth << " by " << summary.siteHeight << " um, " << counted(summary.nets, "net")
+              << ", " << counted(summary.pins, "pin") << "; " << summary.kept << " fixed, "
+              << counted(summary.fillers, "filler") << " left out, " << summary.moved
+              << " put on free sites, " << summary.renamed << " renamed\n";
 }
 
 } // namespace

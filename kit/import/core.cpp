@@ -5,6 +5,8 @@
 #include <map>
 #include <string>
 
+#include "kit/lefdef/units.h"
+
 namespace kit::importing {
 
 namespace {
@@ -61,11 +63,9 @@ int64_t leastPitch(const std::vector<DefRow>& rows)
 /// A length in DBU, none if it is no whole number of them.
 std::optional<int64_t> inDbu(lefdef::Length length, int32_t databaseMicrons)
 {
-    const __int128 product = static_cast<__int128>(length) * databaseMicrons;
-    if (product <= 0 || product % lefdef::MICRON != 0 || product / lefdef::MICRON > INT32_MAX) {
-        return std::nullopt;
-    }
-    return static_cast<int64_t>(product / lefdef::MICRON);
+    const int64_t dbu = lefdef::dbuDown(length, databaseMicrons);
+    const bool whole = dbu == lefdef::dbuUp(length, databaseMicrons);
+    return whole && dbu > 0 && dbu <= INT32_MAX ? std::optional(dbu) : std::nullopt;
 }
 
 class CoreReader {
@@ -162,8 +162,6 @@ private:
         const std::string name = "row " + textOf(row.name);
         if (row.rows != 1 || isOnItsSide(row.orient)) {
             error("vertical-row", row.offset, name + " is vertical", "the placer takes horizontal rows only");
-        } else if (row.columns < 1) {
-            error("empty-row", row.offset, name + " has no sites", "remove it");
         } else if (row.columns > 1 && row.stepX != 0 && row.stepX != m_core.siteWidth) {
             error("row-step", row.offset,
                   name + " has step " + std::to_string(row.stepX) + ", not the site's width of " +

@@ -12,6 +12,8 @@ namespace kit::importing {
 
 namespace {
 
+constexpr size_t MEMBERS_A_LINE = 8; ///< of a net
+
 /// Whether some row stands just above or below another.
 bool hasNeighbour(const Core& core, const Row& row)
 {
@@ -157,9 +159,9 @@ void writeNetlist(const DesignFiles& files, const std::string& path)
     OutputFile out(path);
     out << files.members.size() << "\n";
     for (const std::vector<std::string>& net : files.members) {
-        out << net.size() << "\n";
-        for (const std::string& name : net) {
-            out << " " << name;
+        out << net.size();
+        for (size_t i = 0; i < net.size(); ++i) {
+            out << (i % MEMBERS_A_LINE == 0 ? "\n " : " ") << net[i];
         }
         out << "\n";
     }

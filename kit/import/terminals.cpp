@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "kit/lefdef/transform.h"
+#include "kit/lefdef/units.h"
 
 namespace kit::importing {
 
@@ -144,12 +145,7 @@ private:
         return at->second;
     }
 
-    /// A length in DBU, rounded down.
-    int64_t inDbu(Length length) const
-    {
-        return static_cast<int64_t>(static_cast<__int128>(length) * m_files.def.databaseMicrons /
-                                    lefdef::MICRON);
-    }
+    int64_t inDbu(Length length) const { return lefdef::dbuDown(length, m_files.def.databaseMicrons); }
 
     const Nets& m_nets;
     lefdef::SourceReporter& m_reporter;

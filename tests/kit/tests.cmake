@@ -1,6 +1,6 @@
 vireloce_test(kit kit/cellLibrary_test.cpp kit/colors_test.cpp kit/command_test.cpp kit/compare_test.cpp kit/completion_test.cpp
     kit/design_test.cpp
-    kit/import/cells_test.cpp kit/import/gcd_test.cpp kit/import/rows_test.cpp
+    kit/import/cells_test.cpp kit/import/gcd_test.cpp kit/import/generated_test.cpp kit/import/rows_test.cpp
     kit/input/reader_test.cpp
     kit/lefdef/nameMap_test.cpp kit/lefdef/transform_test.cpp
     kit/lint/damage_test.cpp kit/lint/report_test.cpp kit/netlist_test.cpp kit/outputFile_test.cpp

@@ -117,7 +117,7 @@ TEST_F(KitImportNets, SupplyIsLeftOutAndOrderKept)
                ";\n- m ( PIN q ) ;\n"
                "- none ;\nEND NETS\n");
     EXPECT_EQ(fileOf(".pins"), "2\np 10 20\nq 30 40\n");
-    EXPECT_EQ(fileOf(".netlist"), "3\n4\n p b a b\n1\n q\n0\n\n");
+    EXPECT_EQ(fileOf(".netlist"), "3\n4\n p b a b\n1\n q\n0\n");
 }
 
 TEST_F(KitImportNets, PinsOfKeptComponentsAreTerminalsInTheMiddleOfTheirMetal)
