@@ -2,6 +2,7 @@
 #include "kit/commands.h"
 
 #include "kit/compare/command.h"
+#include "kit/export/command.h"
 #include "kit/gen/command.h"
 #include "kit/lint/command.h"
 #include "kit/place/command.h"
@@ -12,8 +13,8 @@ namespace kit {
 
 std::vector<AddCommand> allCommands()
 {
-    return {gen::addCommand,    lint::addCommand,    place::addCommand,
-            verify::addCommand, compare::addCommand, view::addCommand};
+    return {gen::addCommand,     lint::addCommand, place::addCommand,   verify::addCommand,
+            compare::addCommand, view::addCommand, exporter::addCommand};
 }
 
 } // namespace kit
