@@ -2,6 +2,7 @@
 #include "kit/commands.h"
 
 #include "kit/compare/command.h"
+#include "kit/export/command.h"
 #include "kit/flow/command.h"
 #include "kit/gen/command.h"
 #include "kit/import/command.h"
@@ -14,8 +15,9 @@ namespace kit {
 
 std::vector<AddCommand> allCommands()
 {
-    return {flow::addCommand,   importing::addCommand, lint::addCommand,    place::addCommand,
-            verify::addCommand, view::addCommand,      compare::addCommand, gen::addCommand};
+    return {flow::addCommand,  importing::addCommand, lint::addCommand,
+            place::addCommand, verify::addCommand,    exporter::addCommand,
+            view::addCommand,  compare::addCommand,   gen::addCommand};
 }
 
 } // namespace kit
