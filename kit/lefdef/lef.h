@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -67,11 +69,15 @@ struct LefSite {
     size_t offset = 0;
 };
 
+/// Vias by name: whether they have metal of the wanted layer.
+using Vias = std::map<std::string, bool, std::less<>>;
+
 /// A library of one file or several.
 struct Lef {
     int32_t databaseMicrons = 0; ///< of UNITS, 0 if not given
     std::vector<LefSite> sites;
     std::vector<LefMacro> macros;
+    Vias vias; ///< for readLef(): vias in macros are not read, and it tells of those that would matter
 };
 
 /// Reads a LEF file to its end, whatever is wrong with it, and adds what it holds to a library.

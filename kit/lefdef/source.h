@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -28,15 +29,31 @@ public:
     /// Line and column of a byte, both from 1; of the end of the text for an offset beyond it.
     input::Place placeOf(size_t offset) const;
 
+    /// Where a part of the text stands, for views into it.
+    size_t offsetOf(std::string_view part) const { return static_cast<size_t>(part.data() - m_text.data()); }
+
 private:
+    /// What is known at the first byte of a block.
+    struct Mark {
+        int64_t line = 1;
+        size_t lineStart = 0; ///< of that line
+    };
+
+    void countLines() const;
+
     std::string m_path;
     std::string m_text;
-    mutable std::vector<size_t> m_lineStarts; ///< filled when first needed
+    mutable std::vector<Mark> m_marks; ///< [block] filled when first needed
 };
 
 /// Appends findings about a source, by byte offsets.
+///
+/// Of each severity it tells so many; a last one of that severity says that there are more. So a file that is
+/// something else altogether takes no more memory than another.
 class SourceReporter {
 public:
+    static constexpr int64_t MOST_FINDINGS = 1000; ///< of a severity
+
     /// @param findings, source  must outlive the reporter
     SourceReporter(input::Findings& findings, const Source& source)
         : m_reporter(findings, source.path()), m_source(source)
@@ -45,22 +62,25 @@ public:
 
     void error(const char* code, size_t offset, std::string what, std::string advice)
     {
-        m_reporter.error(code, m_source.placeOf(offset), std::move(what), std::move(advice));
+        add(input::Severity::ERROR, code, offset, std::move(what), std::move(advice));
     }
 
     void warning(const char* code, size_t offset, std::string what, std::string advice)
     {
-        m_reporter.warning(code, m_source.placeOf(offset), std::move(what), std::move(advice));
+        add(input::Severity::WARNING, code, offset, std::move(what), std::move(advice));
     }
 
     void note(const char* code, size_t offset, std::string what, std::string advice)
     {
-        m_reporter.note(code, m_source.placeOf(offset), std::move(what), std::move(advice));
+        add(input::Severity::NOTE, code, offset, std::move(what), std::move(advice));
     }
+
+    void add(input::Severity severity, const char* code, size_t offset, std::string what, std::string advice);
 
 private:
     input::Reporter m_reporter;
     const Source& m_source;
+    std::array<int64_t, 3> m_told{}; ///< [severity]
 };
 
 } // namespace kit::lefdef

@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/lefdef/scanner.h"
+
+#include <algorithm>
+#include <array>
+
+namespace kit::lefdef {
+
+namespace {
+
+constexpr uint8_t SPACE = 1;
+constexpr uint8_t MARK = 2; ///< may start what skipToSign() looks for, or what may hide it
+
+constexpr std::array<uint8_t, 256> classes()
+{
+    std::array<uint8_t, 256> table{};
+    for (const unsigned char c : {' ', '\t', '\n', '\v', '\f', '\r'}) {
+        table[c] = SPACE;
+    }
+    for (const unsigned char c : {';', '+', '-', 'E', '"', '#'}) {
+        table[c] = MARK;
+    }
+    return table;
+}
+
+constexpr std::array<uint8_t, 256> CLASSES = classes();
+
+bool isSpace(char c)
+{
+    return CLASSES[static_cast<unsigned char>(c)] == SPACE;
+}
+
+bool isMark(char c)
+{
+    return CLASSES[static_cast<unsigned char>(c)] == MARK;
+}
+
+bool isSign(std::string_view word)
+{
+    return word == ";" || word == "+" || word == "-" || word == "END";
+}
+
+bool isNumberOrKeyword(std::string_view word)
+{
+    const auto isDigit = [](char c) { return (c >= '0' && c <= '9') || c == '-' || c == '.'; };
+    const auto isCapital = [](char c) { return c >= 'A' && c <= 'Z'; };
+    return word == ")" || std::all_of(word.begin(), word.end(), isDigit) ||
+           std::all_of(word.begin(), word.end(), isCapital);
+}
+
+} // namespace
+
+Scanner::Scanner(std::string_view text)
+    : m_text(text), m_end(text.data() + text.size()),
+      m_pos(text.data() + (text.starts_with("\xEF\xBB\xBF") ? 3 : 0))
+{
+    advance();
+}
+
+void Scanner::advance()
+{
+    const char* p = m_pos;
+    while (p != m_end && (isSpace(*p) || *p == '#')) {
+        p = *p == '#' ? std::find(p, m_end, '\n') : p + 1;
+    }
+    m_pos = p;
+    if (p == m_end) {
+        m_token = {std::string_view(p, 0), Token::Kind::END};
+        return;
+    }
+    if (*p == '"' && takeString()) {
+        return;
+    }
+    while (p != m_end && !isSpace(*p)) {
+        ++p;
+    }
+    m_token = {std::string_view(m_pos, static_cast<size_t>(p - m_pos)), Token::Kind::WORD};
+    m_pos = p;
+}
+
+bool Scanner::takeString()
+{
+    if (m_openQuote) {
+        return false; // the search to the end has been in vain before
+    }
+    const char* const begin = m_pos + 1;
+    for (const char* p = begin; p != m_end; ++p) {
+        if (*p == '"') {
+            m_token = {std::string_view(begin, static_cast<size_t>(p - begin)), Token::Kind::STRING};
+            m_pos = p + 1;
+            return true;
+        }
+        p += *p == '\\' && p + 1 != m_end ? 1 : 0;
+    }
+    m_openQuote = static_cast<size_t>(m_pos - m_text.data());
+    return false;
+}
+
+void Scanner::rewind(size_t offset)
+{
+    m_pos = m_text.data() + offset;
+    advance();
+}
+
+size_t Scanner::offset() const
+{
+    const auto at = static_cast<size_t>(m_token.text.data() - m_text.data());
+    return m_token.kind == Token::Kind::STRING ? at - 1 : at;
+}
+
+void Scanner::skipToSign()
+{
+    if (m_token.kind == Token::Kind::WORD && (isSign(m_token.text) || takeGluedSemicolon(m_pos - 1))) {
+        return;
+    }
+    const char* p = m_pos;
+    while (m_token.kind != Token::Kind::END) {
+        while (p != m_end && !isMark(*p)) {
+            ++p;
+        }
+        if (p == m_end || isSpace(p[-1]) || p == m_pos) {
+            m_pos = p;
+            advance();
+            if (m_token.kind == Token::Kind::WORD && isSign(m_token.text)) {
+                return;
+            }
+            p = m_pos;
+        } else if (takeGluedSemicolon(p)) {
+            return;
+        } else {
+            ++p;
+        }
+    }
+}
+
+bool Scanner::takeGluedSemicolon(const char* at)
+{
+    if (*at != ';' || (at + 1 != m_end && !isSpace(at[1]))) {
+        return false;
+    }
+    const char* begin = at;
+    while (begin != m_text.data() && !isSpace(begin[-1])) {
+        --begin;
+    }
+    if (!isNumberOrKeyword({begin, static_cast<size_t>(at - begin)})) {
+        return false;
+    }
+    m_token = {std::string_view(at, 1), Token::Kind::WORD};
+    m_pos = at + 1;
+    return true;
+}
+
+} // namespace kit::lefdef
