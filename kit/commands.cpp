@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/commands.h"
 
+#include "kit/color/command.h"
 #include "kit/compare/command.h"
 #include "kit/gen/command.h"
 #include "kit/lint/command.h"
@@ -12,7 +13,7 @@ namespace kit {
 
 std::vector<AddCommand> allCommands()
 {
-    return {gen::addCommand,    lint::addCommand,    place::addCommand,
+    return {gen::addCommand,    color::addCommand,   lint::addCommand, place::addCommand,
             verify::addCommand, compare::addCommand, view::addCommand};
 }
 

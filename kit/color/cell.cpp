@@ -55,9 +55,10 @@ private:
     void joinParts()
     {
         for (const Joint& joint : m_graph.joints) {
-            const bool together = std::all_of(
-                m_colourings.begin(), m_colourings.end(),
-                [&](const Colouring& colouring) { return colouring.masks[joint.a] == colouring.masks[joint.b]; });
+            const bool together =
+                std::all_of(m_colourings.begin(), m_colourings.end(), [&](const Colouring& colouring) {
+                    return colouring.masks[joint.a] == colouring.masks[joint.b];
+                });
             if (together) {
                 m_sets.join(joint.a, joint.b);
             }

@@ -30,10 +30,10 @@ struct LeftConflict {
 
 /// What came of a cell.
 struct ColouredCell {
-    std::optional<input::Cell> file;     ///< what its colour file says
-    std::optional<Trouble> trouble;      ///< why it cannot be coloured without conflicts
-    bool tooLarge = false;               ///< the search was given up
-    std::vector<std::string> shapeNames; ///< [shape of the file] net
+    std::optional<input::Cell> file;                  ///< what its colour file says
+    std::optional<Trouble> trouble;                   ///< why it cannot be coloured without conflicts
+    bool tooLarge = false;                            ///< the search was given up
+    std::vector<std::string> shapeNames;              ///< [shape of the file] net
     std::vector<std::vector<LeftConflict>> conflicts; ///< [solution of the file]
 };
 

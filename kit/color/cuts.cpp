@@ -112,8 +112,9 @@ private:
                 shades.push_back(shade);
             }
         }
-        std::sort(shades.begin(), shades.end(),
-                  [](const Range& a, const Range& b) { return std::tie(a.begin, a.end) < std::tie(b.begin, b.end); });
+        std::sort(shades.begin(), shades.end(), [](const Range& a, const Range& b) {
+            return std::tie(a.begin, a.end) < std::tie(b.begin, b.end);
+        });
         std::vector<Range> merged;
         for (const Range& shade : shades) {
             if (merged.empty() || merged.back().end <= shade.begin) {
@@ -189,7 +190,7 @@ private:
     int32_t m_last = 0; ///< the cut before in the same arm
 };
 
-Polygon transposed(const Polygon& polygon)
+Polygon turned(const Polygon& polygon)
 {
     return {polygon.net, transposed(polygon.rects)};
 }
@@ -199,15 +200,15 @@ Polygon transposed(const Polygon& polygon)
 std::vector<Cut> cutsOf(const Polygon& polygon, const std::vector<const Polygon*>& others, const Rules& rules)
 {
     std::vector<Cut> cuts = Finder(polygon, others, rules).run();
-    std::vector<Polygon> turned;
+    std::vector<Polygon> turnedPolygons;
     for (const Polygon* other : others) {
-        turned.push_back(transposed(*other));
+        turnedPolygons.push_back(turned(*other));
     }
     std::vector<const Polygon*> turnedOthers;
-    for (const Polygon& other : turned) {
+    for (const Polygon& other : turnedPolygons) {
         turnedOthers.push_back(&other);
     }
-    for (const Cut& cut : Finder(transposed(polygon), turnedOthers, rules).run()) {
+    for (const Cut& cut : Finder(turned(polygon), turnedOthers, rules).run()) {
         cuts.push_back({false, cut.at, transposed(cut.box)});
     }
     return cuts;

@@ -2,11 +2,11 @@
 // Where stitches may lie.
 //
 // Sources: stitches by projection: Kahng, Park, Xu and Yao, "Layout decomposition for double patterning
-// lithography", ICCAD 2008; what changes with three masks: Fang, Chang and Chen, "A novel layout decomposition
-// algorithm for triple patterning lithography", DAC 2012, and Yu, Yuan, Ding and Pan, "Layout decomposition
-// for triple patterning lithography", TCAD 2015.
-// Differences: shapes are polygons rather than wires, cut into slabs first; a place is as good as another if
-// it parts the neighbours alike, so that one is taken of each kind, the middle one.
+// lithography", ICCAD 2008; what changes with three masks: Fang, Chang and Chen, "A novel layout
+// decomposition algorithm for triple patterning lithography", DAC 2012, and Yu, Yuan, Ding and Pan, "Layout
+// decomposition for triple patterning lithography", TCAD 2015. Differences: shapes are polygons rather than
+// wires, cut into slabs first; a place is as good as another if it parts the neighbours alike, so that one is
+// taken of each kind, the middle one.
 #pragma once
 
 #include <algorithm>
@@ -32,17 +32,17 @@ struct Rules {
 
 /// A place for a stitch: a line across an arm of a polygon.
 struct Cut {
-    bool upright = true;   ///< the line is upright, the arm flat
-    int32_t at = 0;        ///< x of an upright line, y of a flat one
-    Rect box;              ///< what both masks cover; without overlap the line itself
+    bool upright = true; ///< the line is upright, the arm flat
+    int32_t at = 0;      ///< x of an upright line, y of a flat one
+    Rect box;            ///< what both masks cover; without overlap the line itself
 };
 
 /// Places for stitches in a polygon.
 ///
 /// An arm is a part of the polygon at least twice as long as it is wide. Along it, each other polygon shades
-/// the places that are closer to it than the hard distance. A stitch may lie where fewer shade than on both sides,
-/// with arms or bodies that go on at an end counting as a side where more do. At a free end at least a square
-/// is left, and as much between two stitches.
+/// the places that are closer to it than the hard distance. A stitch may lie where fewer shade than on both
+/// sides, with arms or bodies that go on at an end counting as a side where more do. At a free end at least a
+/// square is left, and as much between two stitches.
 ///
 /// @param polygon  to be cut
 /// @param others   all other polygons but rails

@@ -51,10 +51,10 @@ private:
     };
 
     struct Layer {
-        std::vector<Problem::Key> keys;          ///< [state] ascending
-        std::vector<uint32_t> costs;             ///< [state] least so far
-        std::vector<std::array<Way, 3>> ways;    ///< [state]
-        std::vector<uint32_t> toGo;              ///< [state]
+        std::vector<Problem::Key> keys;       ///< [state] ascending
+        std::vector<uint32_t> costs;          ///< [state] least so far
+        std::vector<std::array<Way, 3>> ways; ///< [state]
+        std::vector<uint32_t> toGo;           ///< [state]
     };
 
     void expand(size_t step, uint32_t bound);

@@ -94,7 +94,8 @@ private:
             }
             const std::vector<LefShape> rects = rectanglesOf(shape.points);
             if (rects.empty()) {
-                throw CellFault("a polygon of " + (pin == NO_PIN ? "the obstructions" : m_macro.pins[pin].name) +
+                throw CellFault("a polygon of " +
+                                (pin == NO_PIN ? "the obstructions" : m_macro.pins[pin].name) +
                                 " has edges that are not along an axis, or no area");
             }
             for (const LefShape& rect : rects) {
@@ -142,7 +143,8 @@ private:
             if (net != NO_PIN) {
                 remark(m_macro.pins[net].name, m_macro.pins[pin].name);
             }
-            const bool better = net == NO_PIN || (!isSupply(m_macro.pins[net]) && isSupply(m_macro.pins[pin]));
+            const bool better =
+                net == NO_PIN || (!isSupply(m_macro.pins[net]) && isSupply(m_macro.pins[pin]));
             net = better ? pin : net;
         }
         if (net == NO_PIN) {
@@ -154,7 +156,8 @@ private:
 
     void remark(const std::string& a, const std::string& b)
     {
-        const std::string text = "metal of the pins " + a + " and " + b + " touches, and is taken for one net";
+        const std::string text =
+            "metal of the pins " + a + " and " + b + " touches, and is taken for one net";
         if (std::find(m_metal.remarks.begin(), m_metal.remarks.end(), text) == m_metal.remarks.end()) {
             m_metal.remarks.push_back(text);
         }

@@ -49,10 +49,10 @@ struct CellMetal {
     std::string name;
     int32_t width = 0;
     int32_t height = 0;
-    std::vector<std::string> nets; ///< pins by their names, then "obstruction 1", "obstruction 2", ...
-    std::vector<Polygon> rails;    ///< one for each rail, cut to the outline; the lowest first
-    std::vector<Polygon> polygons; ///< all else, in the order of the pins, obstructions last
-    bool exact = true;             ///< nothing was rounded
+    std::vector<std::string> nets;    ///< pins by their names, then "obstruction 1", "obstruction 2", ...
+    std::vector<Polygon> rails;       ///< one for each rail, cut to the outline; the lowest first
+    std::vector<Polygon> polygons;    ///< all else, in the order of the pins, obstructions last
+    bool exact = true;                ///< nothing was rounded
     std::vector<std::string> remarks; ///< what is odd about the cell, for warnings
 };
 

@@ -78,8 +78,8 @@ private:
             for (const Rect& rect : rects) {
                 const bool atEdge = rect.yl <= 0 || rect.yh >= m_metal.height + m_bottom;
                 part.masks = atEdge ? NOT_MASK_0 : part.masks;
-                part.atSide = part.atSide || rect.xl < m_rules.distance ||
-                              m_metal.width - rect.xh < m_rules.distance;
+                part.atSide =
+                    part.atSide || rect.xl < m_rules.distance || m_metal.width - rect.xh < m_rules.distance;
             }
             m_graph.parts.push_back(std::move(part));
         }
@@ -164,7 +164,8 @@ private:
         std::vector<bool> touched(m_metal.polygons.size());
         for (const Joint& joint : m_graph.joints) {
             const size_t polygon = m_graph.parts[joint.a].polygon;
-            const bool useless = joint.a == joint.b || (uses[joint.a] == 1 && followsFrom(joint.a, joint.b)) ||
+            const bool useless = joint.a == joint.b ||
+                                 (uses[joint.a] == 1 && followsFrom(joint.a, joint.b)) ||
                                  (uses[joint.b] == 1 && followsFrom(joint.b, joint.a));
             if (useless && !touched[polygon]) {
                 touched[polygon] = true;

@@ -15,7 +15,7 @@ struct Part {
     size_t polygon = 0;      ///< index in CellMetal::polygons
     std::vector<Rect> rects; ///< without common area; at a stitch with overlap also what both masks cover
     uint8_t masks = 7;       ///< bit k: it may have mask k
-    bool atSide = false;     ///< within the distance of the cell's left or right edge: neighbours see its mask
+    bool atSide = false; ///< within the distance of the cell's left or right edge: neighbours see its mask
 };
 
 /// Where two parts of a polygon meet: a possible stitch.
@@ -69,8 +69,7 @@ bool joined(const std::vector<Joint>& joints, size_t from, size_t to, IsOnMask i
             const size_t here = reached[i];
             const size_t next = joint.a == here ? joint.b : joint.a;
             const bool meets = joint.a == here || joint.b == here;
-            if (meets && isOnMask(next) &&
-                std::find(reached.begin(), reached.end(), next) == reached.end()) {
+            if (meets && isOnMask(next) && std::find(reached.begin(), reached.end(), next) == reached.end()) {
                 reached.push_back(next);
             }
         }

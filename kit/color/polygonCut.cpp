@@ -56,11 +56,11 @@ std::vector<LefShape> rectanglesOf(const std::vector<LefPoint>& points)
                 crossings.push_back(edge.x);
             }
         }
-        std::sort(crossings.begin(), crossings.end()); // inside lies between the 1st and 2nd, 3rd and 4th, ...
+        std::sort(crossings.begin(),
+                  crossings.end()); // inside lies between the 1st and 2nd, 3rd and 4th, ...
         for (size_t k = 1; k < crossings.size(); k += 2) {
             if (crossings[k - 1] < crossings[k]) {
-                rects.push_back(
-                    {.points = {{crossings[k - 1], levels[i - 1]}, {crossings[k], levels[i]}}});
+                rects.push_back({.points = {{crossings[k - 1], levels[i - 1]}, {crossings[k], levels[i]}}});
             }
         }
     }

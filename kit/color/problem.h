@@ -45,16 +45,16 @@ public:
 private:
     /// Something that is known when its last part has its mask.
     struct Rule {
-        size_t other = 0;       ///< place of the other part
-        uint32_t ifEqual = 0;   ///< cost
+        size_t other = 0;     ///< place of the other part
+        uint32_t ifEqual = 0; ///< cost
         uint32_t ifDifferent = 0;
     };
 
     /// A bond that is known when the last of its members has its mask.
     struct BondRule {
         uint32_t cost = 0;
-        std::vector<size_t> places; ///< [member]; in the place of the step's own part if it is one
-        std::vector<Joint> joints;  ///< between members, by their positions among them
+        std::vector<size_t> places{}; ///< [member]; in the place of the step's own part if it is one
+        std::vector<Joint> joints{};  ///< between members, by their positions among them
         size_t a = 0;               ///< position among the members
         size_t b = 0;
     };
@@ -63,8 +63,8 @@ private:
         size_t part = 0;
         uint8_t masks = 0;
         size_t place = 0; ///< in the key
-        std::vector<Rule> rules;
-        std::vector<BondRule> bonds;
+        std::vector<Rule> rules{};
+        std::vector<BondRule> bonds{};
         Key kept{}; ///< bits of the places that stay
     };
 

@@ -84,7 +84,8 @@ Colourings solve(const Graph& graph, const std::vector<size_t>& parts, const Rul
     }
     const uint32_t least = frontiers.least();
     uint32_t most = least;
-    const bool seen = std::any_of(parts.begin(), parts.end(), [&](size_t i) { return graph.parts[i].atSide; });
+    const bool seen =
+        std::any_of(parts.begin(), parts.end(), [&](size_t i) { return graph.parts[i].atSide; });
     if (seen) {
         // Where those with more stitches are too many to look at, those with the fewest have to do.
         if (frontiers.search(least + limits.moreStitches, limits) == Outcome::FOUND) {

@@ -44,10 +44,10 @@ struct Colourings {
 
 /// How much a search may do and yield.
 struct Limits {
-    size_t states = 4'000'000;  ///< partial colourings in memory
-    size_t open = 30'000;       ///< partial colourings that differ at the sides, at one part
-    size_t results = 2'000;     ///< colourings of a cell before the choice of the best
-    uint32_t moreStitches = 2;  ///< colourings with so many stitches more than the fewest are wanted as well
+    size_t states = 4'000'000; ///< partial colourings in memory
+    size_t open = 30'000;      ///< partial colourings that differ at the sides, at one part
+    size_t results = 2'000;    ///< colourings of a cell before the choice of the best
+    uint32_t moreStitches = 2; ///< colourings with so many stitches more than the fewest are wanted as well
 };
 
 /// Whether some parts alone can be coloured.

@@ -11,7 +11,10 @@ namespace kit::color {
 /// Disjoint sets of the numbers below a count.
 class Sets {
 public:
-    explicit Sets(size_t count) : m_parents(count) { std::iota(m_parents.begin(), m_parents.end(), size_t{0}); }
+    explicit Sets(size_t count) : m_parents(count)
+    {
+        std::iota(m_parents.begin(), m_parents.end(), size_t{0});
+    }
 
     /// The least number in the set of one.
     size_t leastOf(size_t i) const

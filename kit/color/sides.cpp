@@ -60,8 +60,8 @@ private:
             const View& view = m_views[i];
             for (uint8_t mask = 0; mask < 3; ++mask) {
                 const Frontiers::Way way = m_frontiers.ways(step, view.state)[mask];
-                const uint32_t toGo = way.to == Frontiers::NOWHERE ? Frontiers::NOWHERE
-                                                                   : m_frontiers.toGo(step + 1, way.to);
+                const uint32_t toGo =
+                    way.to == Frontiers::NOWHERE ? Frontiers::NOWHERE : m_frontiers.toGo(step + 1, way.to);
                 // Without 64 bits, what cannot be reached would wrap around.
                 if (uint64_t{view.cost} + way.cost + toGo > m_bound) {
                     continue;
@@ -96,7 +96,8 @@ private:
         return views;
     }
 
-    /// Leaves as many as may be open: those with the least total cost first, of the dearest evenly spread ones.
+    /// Leaves as many as may be open: those with the least total cost first, of the dearest evenly spread
+    /// ones.
     void thinOut(size_t step)
     {
         if (m_views.size() <= m_limits.open) {

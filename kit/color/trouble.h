@@ -15,7 +15,7 @@ namespace kit::color {
 struct Closeness {
     size_t a = 0; ///< index in CellMetal::polygons
     size_t b = 0;
-    Rect rectA;   ///< the closest rectangles
+    Rect rectA; ///< the closest rectangles
     Rect rectB;
     int64_t squared = 0; ///< square of their distance
 };
