@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/commands.h"
 
+#include "kit/color/command.h"
 #include "kit/compare/command.h"
 #include "kit/export/command.h"
 #include "kit/flow/command.h"
@@ -15,9 +16,9 @@ namespace kit {
 
 std::vector<AddCommand> allCommands()
 {
-    return {flow::addCommand,  importing::addCommand, lint::addCommand,
-            place::addCommand, verify::addCommand,    exporter::addCommand,
-            view::addCommand,  compare::addCommand,   gen::addCommand};
+    return {flow::addCommand,    importing::addCommand, color::addCommand,    lint::addCommand,
+            place::addCommand,   verify::addCommand,    exporter::addCommand, view::addCommand,
+            compare::addCommand, gen::addCommand};
 }
 
 } // namespace kit
