@@ -7,10 +7,8 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <nlohmann/json.hpp>
 #include <ostream>
 #include <sstream>
-#include <string_view>
 
 #include "kit/fault.h"
 #include "kit/flow/cache.h"
@@ -26,16 +24,6 @@ namespace {
 
 constexpr int NOT_CLEAN = 1;
 constexpr int FAILED = 2;
-
-/// The last line of a text that is not blank.
-std::string lastLine(std::string_view text)
-{
-    while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) {
-        text.remove_suffix(1);
-    }
-    const size_t begin = text.rfind('\n');
-    return std::string(begin == std::string_view::npos ? text : text.substr(begin + 1));
-}
 
 void makeFolder(const std::string& path)
 {
@@ -112,7 +100,7 @@ private:
         words.insert(words.end(), step.words.begin(), step.words.end());
         m_ending = process::run(words, log, errors);
         const bool good = m_ending.signal == 0 && m_ending.status <= step.goodStatus;
-        writeLine(step.name, good ? summaryOf(step) : "FAILED");
+        writeLine(step.name, good ? step.summary(input::readText(log)) : "FAILED");
         if (!good) {
             tellFailure(step, words,
                         input::readText(errors) + (step.name == "place" ? "" : input::readText(log)));
@@ -121,26 +109,6 @@ private:
     }
 
     std::string logOf(const std::string& step) const { return m_places.folder + "/" + step + ".log"; }
-
-    std::string summaryOf(const Step& step) const
-    {
-        if (step.name == "view") {
-            return m_options.out + ".html";
-        }
-        return step.name == "place" ? placement() : lastLine(input::readText(logOf(step.name)));
-    }
-
-    std::string placement() const
-    {
-        const nlohmann::json result = nlohmann::json::parse(input::readText(m_places.placed + ".json"));
-        const nlohmann::json& before = result["report"];
-        const nlohmann::json& after =
-            result["rescue"].is_null() ? result["placement"] : result["rescue"]["placement"];
-        std::ostringstream text;
-        text << "HPWL " << before["init HPWL"] << " -> " << after["hpwl"] << ", " << after["stitches"]
-             << " stitches, " << after["conflicts"] << " conflicts";
-        return text.str();
-    }
 
     void writeLine(const std::string& name, const std::string& result)
     {

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/flow/steps.h"
 
+#include <nlohmann/json.hpp>
+#include <sstream>
 #include <utility>
+
+#include "kit/input/text.h"
 
 namespace kit::flow {
 
@@ -24,6 +28,48 @@ void addLefs(Words& words, const Options& options)
     }
 }
 
+/// A line of a log without the path that it begins with.
+std::string withoutPath(const std::string& line, const std::string& path)
+{
+    return line.rfind(path + ": ", 0) == 0 ? line.substr(path.size() + 2) : line;
+}
+
+std::string firstLine(const std::string& log)
+{
+    return log.substr(0, log.find('\n'));
+}
+
+/// The last line that is not blank.
+std::string lastLine(const std::string& log)
+{
+    const size_t last = log.find_last_not_of(" \n");
+    const size_t before = log.rfind('\n', last);
+    return log.substr(before == std::string::npos ? 0 : before + 1, last - before);
+}
+
+/// The cells of a colouring's log, and those that have no good one.
+std::string colourSummary(const std::string& log)
+{
+    std::string text = firstLine(log);
+    std::istringstream lines(log);
+    for (std::string line; std::getline(lines, line);) {
+        text += line.find(" without a colouring") != std::string::npos ? "; " + line : "";
+    }
+    return text;
+}
+
+/// The result file of a placement in a few words.
+std::string placementSummary(const std::string& path)
+{
+    const nlohmann::json result = nlohmann::json::parse(input::readText(path));
+    const nlohmann::json& after =
+        result["rescue"].is_null() ? result["placement"] : result["rescue"]["placement"];
+    std::ostringstream text;
+    text << "HPWL " << result["report"]["init HPWL"] << " -> " << after["hpwl"] << ", " << after["stitches"]
+         << " stitches, " << after["conflicts"] << " conflicts";
+    return text.str();
+}
+
 } // namespace
 
 Places placesOf(const Options& options, std::string cellDir)
@@ -43,7 +89,12 @@ Step importStep(const Options& options, const Places& places)
     if (options.legalize) {
         words.emplace_back("--legalize");
     }
-    return {.name = "import", .words = words, .advice = "correct the files as the messages say"};
+    return {.name = "import",
+            .words = words,
+            .advice = "correct the files as the messages say",
+            .summary = [path = places.base + ".place"](const std::string& log) {
+                return withoutPath(lastLine(log), path);
+            }};
 }
 
 Step colorStep(const Options& options, const std::string& folder)
@@ -61,14 +112,19 @@ Step colorStep(const Options& options, const std::string& folder)
     return {.name = "color",
             .words = words,
             .goodStatus = 1,
-            .advice = "correct the LEF files as the messages say"};
+            .advice = "correct the LEF files as the messages say",
+            .summary = colourSummary};
 }
 
 Step lintStep(const Options& options, const Places& places)
 {
     Words words{"lint", places.base, "--cell-path", places.cellDir};
     addGiven(words, "--mindp", options.mindp);
-    return {.name = "lint", .words = words, .goodStatus = 1, .advice = "correct the DEF as the messages say"};
+    return {.name = "lint",
+            .words = words,
+            .goodStatus = 1,
+            .advice = "correct the DEF as the messages say",
+            .summary = lastLine};
 }
 
 Step placeStep(const Options& options, const Places& places)
@@ -80,7 +136,10 @@ Step placeStep(const Options& options, const Places& places)
     addGiven(words, "--move-range", options.moveRange);
     return {.name = "place",
             .words = words,
-            .advice = "try another --algo (0, 1, 3), more --max-solutions, or a design that is less full"};
+            .advice = "try another --algo (0, 1, 3), more --max-solutions, or a design that is less full",
+            .summary = [path = places.placed + ".json"](const std::string& /*log*/) {
+                return placementSummary(path);
+            }};
 }
 
 Step verifyStep(const Options& options, const Places& places)
@@ -90,7 +149,10 @@ Step verifyStep(const Options& options, const Places& places)
     addGiven(words, "--mindp", options.mindp);
     return {.name = "verify",
             .words = words,
-            .advice = "look at " + places.folder + "/placed.lyrdb, or draw it with `vireloce-kit view`"};
+            .advice = "look at " + places.folder + "/placed.lyrdb, or draw it with `vireloce-kit view`",
+            .summary = [path = places.placed + ".place"](const std::string& log) {
+                return withoutPath(lastLine(log), path);
+            }};
 }
 
 Step exportStep(const Options& options, const Places& places)
@@ -99,7 +161,7 @@ Step exportStep(const Options& options, const Places& places)
                 "--gds",  options.out + ".gds",    "--layer", options.layer};
     addLefs(words, options);
     words.insert(words.end(), {"--cell-path", places.cellDir, "--force"});
-    return {.name = "export", .words = words, .advice = "see the messages"};
+    return {.name = "export", .words = words, .advice = "see the messages", .summary = firstLine};
 }
 
 Step viewStep(const Options& options, const Places& places)
@@ -108,7 +170,10 @@ Step viewStep(const Options& options, const Places& places)
                 "--colors", places.placed + ".colors", "--cell-path", places.cellDir,
                 "--before", places.base + ".place",    "--force"};
     addGiven(words, "--mindp", options.mindp);
-    return {.name = "view", .words = words, .advice = "see the messages"};
+    return {.name = "view",
+            .words = words,
+            .advice = "see the messages",
+            .summary = [path = options.out + ".html"](const std::string& /*log*/) { return path; }};
 }
 
 } // namespace kit::flow

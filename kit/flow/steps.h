@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,8 @@ struct Step {
     std::vector<std::string> words; ///< subcommand and arguments
     int goodStatus = 0;             ///< highest exit status with which it goes on
     std::string advice;             ///< what to do if it fails
+    /// What came out, in a line, from its log.
+    std::function<std::string(const std::string& log)> summary;
 };
 
 /// Where the files in between are.

@@ -52,7 +52,7 @@ protected:
 
     json result() const { return json::parse(contentOf(out(".json"))); }
 
-    test::GeneratedDesign m_design;
+    test::GeneratedDesign m_design{{"--mirrored", "0"}};
     test::TempDir m_dir;
 };
 
@@ -131,6 +131,27 @@ TEST_P(KitPlaceRoundTrip, ResultOfGcdIsLintedVerifiedPlacedAgainAndViewed)
 }
 
 INSTANTIATE_TEST_SUITE_P(Algorithms, KitPlaceRoundTrip, testing::Values("0", "1", "3"));
+
+TEST(KitPlaceJudge, MirroredCellsTooCloseAreToldThoughThePlacerCountsNone)
+{
+    const test::GeneratedDesign design({"--mirrored", "30"});
+    const test::TempDir dir;
+    const std::string out = dir.path("out");
+    EXPECT_EQ(runKit({"place", design.base(), "--cell-path", design.lib(), "-o", out}).status, 1);
+    const json result = json::parse(contentOf(out + ".json"));
+    EXPECT_EQ(result["placement"]["conflicts"], 0);
+    const KitOutcome verify = runKit(
+        {"verify", out + ".place", "--colors", out + ".colors", "--cell-path", design.lib(), "--json"});
+    EXPECT_EQ(result["judge"]["conflicts"], json::parse(verify.output)["counts"]["conflict"]);
+    EXPECT_GT(result["judge"]["conflicts"], 0);
+    EXPECT_EQ(result["judge"]["errors"], result["judge"]["conflicts"]);
+}
+
+TEST_F(KitPlace, JudgeHasNothingAgainstACleanResult)
+{
+    ASSERT_EQ(place().status, 0);
+    EXPECT_EQ(result()["judge"], (json{{"errors", 0}, {"conflicts", 0}, {"notes", 0}}));
+}
 
 TEST_F(KitPlace, JsonSaysWhatTheReportSays)
 {

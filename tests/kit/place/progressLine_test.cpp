@@ -72,7 +72,7 @@ protected:
         return onTerminal(words, m_dir.path("report"));
     }
 
-    test::GeneratedDesign m_design;
+    test::GeneratedDesign m_design{{"--mirrored", "0"}};
     test::TempDir m_dir;
 };
 
