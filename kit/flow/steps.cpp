@@ -62,11 +62,17 @@ std::string colourSummary(const std::string& log)
 std::string placementSummary(const std::string& path)
 {
     const nlohmann::json result = nlohmann::json::parse(input::readText(path));
+    if (result["placement"].is_null()) {
+        return "no placement";
+    }
     const nlohmann::json& after =
         result["rescue"].is_null() ? result["placement"] : result["rescue"]["placement"];
     std::ostringstream text;
     text << "HPWL " << result["report"]["init HPWL"] << " -> " << after["hpwl"] << ", " << after["stitches"]
          << " stitches, " << after["conflicts"] << " conflicts";
+    if (result["judge"].is_object() && result["judge"]["errors"] > 0) {
+        text << "; verify finds " << input::counted(result["judge"]["errors"], "error");
+    }
     return text.str();
 }
 
