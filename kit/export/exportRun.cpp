@@ -203,7 +203,7 @@ private:
     {
         const auto macro = m_macros.find(name);
         if (macro != m_macros.end() && m_inputs.def.databaseMicrons > 0) {
-            return Grid(micron(), LIBRARY_SITE, 0).ofLength(macro->second->width);
+            return dbuOf(macro->second->width, micron());
         }
         const auto [at, isNew] = m_widths.try_emplace(std::string(name), 0);
         if (isNew && !m_inputs.design.rows.empty()) {
