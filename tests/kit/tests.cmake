@@ -1,6 +1,7 @@
 vireloce_test(kit kit/cellLibrary_test.cpp kit/colors_test.cpp kit/command_test.cpp kit/compare_test.cpp kit/completion_test.cpp
     kit/design_test.cpp
-    kit/export/gds_test.cpp kit/export/pieces_test.cpp
+    kit/export/command_test.cpp kit/export/def_test.cpp kit/export/gds_test.cpp kit/export/layout_test.cpp
+    kit/export/lefMasks_test.cpp kit/export/pieces_test.cpp
     kit/input/reader_test.cpp
     kit/lefdef/nameMap_test.cpp
     kit/lint/damage_test.cpp kit/lint/report_test.cpp kit/netlist_test.cpp kit/outputFile_test.cpp
