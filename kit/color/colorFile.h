@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "kit/input/design.h"
+#include "kit/outputFile.h"
+
+namespace kit::color {
+
+/// Writes the colour file of a cell.
+void writeColorFile(OutputFile& file, const input::Cell& cell);
+
+} // namespace kit::color
