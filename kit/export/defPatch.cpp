@@ -15,17 +15,18 @@ using lefdef::DefComponent;
 using lefdef::Scanner;
 using lefdef::Token;
 
-/// Bytes of a text that a view into it takes.
-Span spanOf(std::string_view text, std::string_view part)
+/// Bytes of the text that a part of it takes.
+Span spanOf(const lefdef::Source& source, std::string_view part)
 {
-    const auto begin = static_cast<size_t>(part.data() - text.data());
+    const size_t begin = source.offsetOf(part);
     return {begin, begin + part.size()};
 }
 
-/// As spanOf(), with the quotation marks that may stand around it.
-Span quotedSpanOf(std::string_view text, std::string_view part)
+/// As spanOf(), with the quotation marks that may stand around the part.
+Span quotedSpanOf(const lefdef::Source& source, std::string_view part)
 {
-    Span span = spanOf(text, part);
+    const std::string_view text = source.text();
+    Span span = spanOf(source, part);
     if (span.begin > 0 && span.end < text.size() && text[span.begin - 1] == '"' && text[span.end] == '"') {
         --span.begin;
         ++span.end;
@@ -40,9 +41,10 @@ std::string placeText(const Placed& placed)
 }
 
 /// A component's record from its "-" to behind its ";".
-Span recordOf(std::string_view text, const DefComponent& component)
+Span recordOf(const lefdef::Source& source, const DefComponent& component)
 {
-    const size_t sign = text.rfind('-', quotedSpanOf(text, component.name).begin - 1);
+    const std::string_view text = source.text();
+    const size_t sign = text.rfind('-', quotedSpanOf(source, component.name).begin - 1);
     return {sign, std::min(endOfStatement(text, component.offset) + 1, text.size())};
 }
 
@@ -72,7 +74,7 @@ void keepNamed(const lefdef::Source& source, const lefdef::Def& def, std::vector
         }
     }
     lefdef::SourceReporter reporter(findings, source);
-    const size_t behind = recordOf(source.text(), def.components.back()).end;
+    const size_t behind = recordOf(source, def.components.back()).end;
     for (Scanner scanner(source.text().substr(behind)); scanner.token().kind != Token::Kind::END;
          scanner.advance()) {
         const auto named = names.find(scanner.token().text);
@@ -100,7 +102,7 @@ int64_t placeComponents(const lefdef::Source& source, const lefdef::Def& def,
         if (component.placeEnd > 0) {
             edits.replace(component.placeBegin, component.placeEnd, placeText(one));
         } else {
-            const size_t behind = quotedSpanOf(source.text(), component.macro).end;
+            const size_t behind = quotedSpanOf(source, component.macro).end;
             edits.replace(behind, behind, " + " + placeText(one));
         }
     }
@@ -117,7 +119,7 @@ int64_t dropFillers(const lefdef::Source& source, const lefdef::Def& def, std::v
     size_t dropped = 0;
     for (size_t i = 0; i < fillers.size(); ++i) {
         if (fillers[i]) {
-            const Span record = recordOf(source.text(), def.components[i]);
+            const Span record = recordOf(source, def.components[i]);
             const Span lines = wholeLinesOf(source.text(), record.begin, record.end);
             edits.replace(lines.begin, lines.end, "");
             ++dropped;
@@ -132,7 +134,7 @@ int64_t dropFillers(const lefdef::Source& source, const lefdef::Def& def, std::v
 
 void renameMacro(const lefdef::Source& source, const DefComponent& component, std::string name, Edits& edits)
 {
-    const Span span = spanOf(source.text(), component.macro);
+    const Span span = spanOf(source, component.macro);
     edits.replace(span.begin, span.end, std::move(name));
 }
 

@@ -64,7 +64,9 @@ public:
                           *m_inputs.defSource};
         m_matching = matchComponents(sides, m_findings);
         m_fillers = findFillers(m_inputs.def, m_matching, m_macros);
-        tellLeftOut(sides, m_matching, m_fillers, m_findings);
+        if (!hasErrors()) { // what does not match has been left out
+            tellLeftOut(sides, m_matching, m_fillers, m_findings);
+        }
         if (!m_options.lefMasks.empty()) {
             m_masters = nameMasters(m_inputs, m_matching.placed, m_macros, m_findings);
         }
@@ -203,7 +205,7 @@ private:
     {
         const auto macro = m_macros.find(name);
         if (macro != m_macros.end() && m_inputs.def.databaseMicrons > 0) {
-            return Grid(micron(), LIBRARY_SITE, 0).ofLength(macro->second->width);
+            return dbuOf(macro->second->width, micron());
         }
         const auto [at, isNew] = m_widths.try_emplace(std::string(name), 0);
         if (isNew && !m_inputs.design.rows.empty()) {

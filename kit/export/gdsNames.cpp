@@ -26,15 +26,16 @@ std::string cleaned(std::string_view name)
 std::string GdsNames::take(std::string_view stem, std::string_view suffix)
 {
     const std::string whole = cleaned(stem);
-    std::string ending = suffix.empty() ? "" : cleaned(suffix);
-    const std::string last = ending;
-    for (int number = 2;; ++number) {
-        std::string name = whole.substr(0, LONGEST - std::min(LONGEST, ending.size())) + ending;
-        if (m_taken.insert(name).second) {
-            return name;
-        }
-        ending = "$" + std::to_string(number) + last;
+    const std::string last = suffix.empty() ? "" : cleaned(suffix);
+    const auto fitting = [&whole](const std::string& ending) {
+        return whole.substr(0, LONGEST - std::min(LONGEST, ending.size())) + ending;
+    };
+    std::string name = fitting(last);
+    const auto [next, isNew] = m_next.try_emplace(name, 2);
+    while (!m_taken.insert(name).second) {
+        name = fitting("$" + std::to_string(next->second++) + last);
     }
+    return name;
 }
 
 } // namespace kit::exporter

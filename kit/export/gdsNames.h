@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 
 namespace kit::exporter {
@@ -22,6 +24,7 @@ public:
 
 private:
     std::unordered_set<std::string> m_taken;
+    std::unordered_map<std::string, int64_t> m_next; ///< number to try next for a name that is taken
 };
 
 } // namespace kit::exporter

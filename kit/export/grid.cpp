@@ -34,10 +34,14 @@ int64_t Grid::ofLibrary(int64_t length) const
 
 int64_t Grid::ofLength(lefdef::Length length) const
 {
+    return dbuOf(length, unitsPerMicron());
+}
+
+int64_t dbuOf(lefdef::Length length, int64_t micron)
+{
     // Whole micrometres apart, so that the product stays within 64 bits.
-    const int64_t microns = length / lefdef::MICRON;
-    return microns * unitsPerMicron() +
-           rounded((length - microns * lefdef::MICRON) * unitsPerMicron(), lefdef::MICRON);
+    const int64_t whole = length / lefdef::MICRON;
+    return whole * micron + rounded((length - whole * lefdef::MICRON) * micron, lefdef::MICRON);
 }
 
 int64_t widthOf(const input::Cell& cell, int64_t step)

@@ -40,6 +40,11 @@ private:
     bool m_rounded;
 };
 
+/// A length in DBU, rounded.
+///
+/// @param micron  DBU per micrometre
+int64_t dbuOf(lefdef::Length length, int64_t micron);
+
 /// Width of a cell in DBU: its colour file's, a site being `step` DBU; rounded.
 int64_t widthOf(const input::Cell& cell, int64_t step);
 

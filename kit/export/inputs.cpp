@@ -39,7 +39,7 @@ std::vector<std::string> pathsOf(const Options& options, const ResultFiles& file
     return paths;
 }
 
-/// An issue of a component that the placer left without a solution.
+/// Whether an issue is about a component that the placer left without a solution.
 bool isUncoloured(const verify::Issue& issue, const std::vector<const input::ColorRecord*>& colours)
 {
     const input::ColorRecord* const record =
@@ -48,16 +48,31 @@ bool isUncoloured(const verify::Issue& issue, const std::vector<const input::Col
            (issue.kind == verify::Kind::BAD_SOLUTION || issue.kind == verify::Kind::MASK_COUNT);
 }
 
+void addUncoloured(const verify::Issue& issue, const Inputs& inputs, Findings& findings)
+{
+    if (issue.kind == verify::Kind::BAD_SOLUTION) { // the lack of masks follows from it
+        const std::string& name = inputs.design.components[static_cast<size_t>(issue.component)].name;
+        findings.push_back({.severity = Severity::WARNING,
+                            .code = "no-solution",
+                            .file = inputs.files.colors,
+                            .line = issue.line,
+                            .what = name + " has no colour solution: its metal is on no mask",
+                            .advice = "place with --rescue"});
+    }
+}
+
 void matchColours(Inputs& inputs, Findings& findings)
 {
     verify::Issues issues;
     inputs.colours = verify::matchColors(inputs.design, inputs.records, issues);
     verify::checkColors(inputs.design, inputs.colours, issues);
     for (const verify::Issue& issue : issues) {
-        const Severity severity =
-            isUncoloured(issue, inputs.colours) ? Severity::WARNING : verify::infoOf(issue.kind).severity;
+        if (isUncoloured(issue, inputs.colours)) {
+            addUncoloured(issue, inputs, findings);
+            continue;
+        }
         findings.push_back(
-            {.severity = severity,
+            {.severity = verify::infoOf(issue.kind).severity,
              .code = verify::infoOf(issue.kind).name,
              .file = issue.inColors ? inputs.files.colors : inputs.files.place,
              .line = issue.line,

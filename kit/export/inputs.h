@@ -35,9 +35,9 @@ bool needsColours(const Options& options);
 
 /// Reads everything.
 ///
-/// @param findings  out: errors in the form of the files; colours that do not fit their cells, as errors, or
-///                  as warnings for a component that has none; "other-file", a warning for a DEF file that is
-///                  not the one that was imported
+/// @param findings  out: errors in the form of the files, and colours that do not fit their cells;
+///                  "no-solution", a warning for a component without colours; "other-file", a warning for a
+///                  DEF file that is not the one that was imported
 ///
 /// Errors: throws Fault if a file cannot be opened, or a result would replace an input.
 Inputs readInputs(const Options& options, input::Findings& findings);

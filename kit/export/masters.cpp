@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/export/masters.h"
 
+#include <algorithm>
 #include <set>
 
 #include "kit/export/lefMasks.h"
@@ -26,18 +27,30 @@ std::string freeName(const input::Cell& cell, int32_t solution, const MacroIndex
     return name;
 }
 
-/// What a master of two names would be is what two cells of one name are.
+bool hasMetal(const lefdef::LefMacro& macro)
+{
+    return !macro.obstructions.empty() || std::any_of(macro.pins.begin(), macro.pins.end(),
+                                                      [](const auto& pin) { return !pin.shapes.empty(); });
+}
+
 void tellMissing(const Inputs& inputs, const MasterNames& names, const MacroIndex& macros,
                  input::Findings& findings)
 {
     std::set<std::string_view> told;
+    bool anyMetal = names.empty();
     input::Reporter reporter(findings, inputs.files.place);
     for (const auto& [key, name] : names) {
         const input::Cell& cell = cellOf(inputs, key.first);
-        if (macros.count(cell.name) == 0 && told.insert(cell.name).second) {
+        const auto macro = macros.find(cell.name);
+        if (macro == macros.end() && told.insert(cell.name).second) {
             reporter.error("no-macro", {}, "the cell " + cell.name + " is in none of the LEF files",
                            "give the file that has it with --lef");
         }
+        anyMetal = anyMetal || (macro != macros.end() && hasMetal(*macro->second));
+    }
+    if (!anyMetal && told.empty()) {
+        reporter.error("no-layer", {}, "no cell of the placement has metal on that layer in the LEF files",
+                       "give the name of metal 1 with --layer");
     }
 }
 

@@ -133,7 +133,7 @@ private:
         }
         ++m_found;
         const DefComponent& component = m_sides.def.components[partner->second];
-        if (m_originals.of(comp.cellName) != component.macro) {
+        if (comp.cellName != component.macro) {
             m_reporter.error("other-macro", at,
                              original + " is a " + comp.cellName + " here and a " +
                                  std::string(component.macro) + " in the DEF file",
