@@ -1,4 +1,6 @@
 vireloce_test(kit kit/cellLibrary_test.cpp kit/colors_test.cpp kit/command_test.cpp kit/compare_test.cpp kit/completion_test.cpp
+    kit/color/cell_test.cpp kit/color/command_test.cpp kit/color/cuts_test.cpp kit/color/library_test.cpp
+    kit/color/metal_test.cpp kit/color/search_test.cpp
     kit/design_test.cpp kit/input/reader_test.cpp
     kit/lint/damage_test.cpp kit/lint/report_test.cpp kit/netlist_test.cpp kit/outputFile_test.cpp
     kit/place/place_test.cpp kit/placer_test.cpp kit/random_test.cpp
