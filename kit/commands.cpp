@@ -13,8 +13,8 @@ namespace kit {
 
 std::vector<AddCommand> allCommands()
 {
-    return {gen::addCommand,    color::addCommand,   lint::addCommand, place::addCommand,
-            verify::addCommand, compare::addCommand, view::addCommand};
+    return {gen::addCommand,     lint::addCommand, place::addCommand, verify::addCommand,
+            compare::addCommand, view::addCommand, color::addCommand};
 }
 
 } // namespace kit

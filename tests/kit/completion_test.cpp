@@ -38,6 +38,7 @@ std::string offered(const std::string& words)
 TEST(KitCompletion, OffersSubcommands)
 {
     EXPECT_EQ(offered("pl"), "place\n");
+    EXPECT_EQ(offered("col"), "color\n");
     EXPECT_EQ(offered("\"\"").substr(0, 9), "gen lint ");
 }
 
@@ -45,6 +46,7 @@ TEST(KitCompletion, OffersTheOptionsOfASubcommand)
 {
     EXPECT_EQ(offered("place --re"), "--rescue\n");
     EXPECT_EQ(offered("lint --we"), "--werror\n");
+    EXPECT_EQ(offered("color --st"), "--stitch-overlap\n");
 }
 
 TEST(KitCompletion, OffersDesignsWithoutTheirExtension)

@@ -173,24 +173,6 @@ TEST(KitColorPieces, CornerAloneHoldsThemTogether)
     EXPECT_EQ(kit::color::cutUp({{0, 10, 10, 20}, {10, 0, 20, 10}}, {}).rects.size(), 1U);
 }
 
-/// Parts of the first polygon.
-size_t partsOfFirst(const CellMetal& cell)
-{
-    const kit::color::Graph graph = kit::color::graphOf(cell, {}, 0);
-    return static_cast<size_t>(std::count_if(graph.parts.begin(), graph.parts.end(),
-                                             [](const auto& part) { return part.polygon == 0; }));
-}
-
-TEST(KitColorParts, EndThatGainsNothingStaysJoined)
-{
-    const Rects body{{1000, 500, 1070, 1500}, {1070, 1000, 1800, 1070}}; // with an arm to the right
-    const Rects atBody{{700, 500, 900, 600}};
-    const Rects atBoth{{1240, 1240, 1300, 1300}};
-    const Rects atArm{{1500, 1170, 1560, 1230}};
-    EXPECT_EQ(partsOfFirst(metal(WIDE, {body, atBody, atBoth})), 1U);
-    EXPECT_EQ(partsOfFirst(metal(WIDE, {body, atBody, atArm})), 2U);
-}
-
 TEST(KitColorParts, SignalAtTheEdgeIsNotOnMask0)
 {
     const auto masksOf = [](const Rect& rect, int32_t bottom) {
