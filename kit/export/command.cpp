@@ -23,10 +23,10 @@ void addOptions(CLI::App& command, Options& options)
     command.add_option("-o,--output", options.out, "DEF file with the new places")->required();
     command.add_option("--gds", options.gds, "layout in GDSII, with layer properties (.lyp) beside it");
     CLI::Option* const lef =
-        command.add_option("--lef", options.lefs, "LEF file of the library; may come again");
-    CLI::Option* const layer =
-        command.add_option("--layer", options.layer, "name of metal 1 in the LEF files");
-    lef->needs(layer)->expected(1)->take_all();
+        command.add_option("--lef", options.lefs, "LEF file of the library; may come again")
+            ->expected(1)
+            ->take_all();
+    command.add_option("--layer", options.layer, "name of metal 1 in the LEF files")->capture_default_str();
     CLI::Option* const lefMasks =
         command.add_option("--lef-masks", options.lefMasks, "LEF file with a master per cell and solution")
             ->needs(lef);

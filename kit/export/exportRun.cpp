@@ -42,7 +42,7 @@ public:
         for (const std::unique_ptr<OutputFile>& file : m_files) {
             file->commit();
         }
-        std::cout << m_lines;
+        std::cout << m_lines << std::flush; // before the findings
     }
 
 private:
@@ -64,7 +64,8 @@ public:
                           *m_inputs.defSource};
         m_matching = matchComponents(sides, m_findings);
         m_fillers = findFillers(m_inputs.def, m_matching, m_macros);
-        if (!hasErrors()) { // what does not match has been left out
+        // The import left out on purpose what it did; and errors tell more.
+        if (!m_inputs.imported && !hasErrors()) {
             tellLeftOut(sides, m_matching, m_fillers, m_findings);
         }
         if (!m_options.lefMasks.empty()) {

@@ -117,7 +117,8 @@ void readDef(const Options& options, Inputs& inputs, Findings& findings)
         return;
     }
     inputs.map = lefdef::readNameMap(inputs.files.map, findings);
-    if (!inputs.map.hash.empty() && inputs.map.hash != lefdef::hashOf(inputs.defSource->text())) {
+    inputs.imported = inputs.map.hash == lefdef::hashOf(inputs.defSource->text());
+    if (!inputs.imported && !hasErrors(findings)) {
         findings.push_back({.severity = Severity::WARNING,
                             .code = "other-file",
                             .file = options.def,

@@ -24,6 +24,7 @@ struct Inputs {
     std::vector<input::ColorRecord> records;        ///< of the colours file, if asked for
     std::vector<const input::ColorRecord*> colours; ///< [component] into records, nullptr for none
     lefdef::NameMap map;                            ///< empty if there is none
+    bool imported = false;                          ///< the map is that of this very DEF file
     std::unique_ptr<lefdef::Source> defSource;
     lefdef::Def def;
     std::vector<std::unique_ptr<lefdef::Source>> lefSources; ///< [LefMacro::source]

@@ -9,6 +9,7 @@
 
 #include "kit/export/gdsNames.h"
 #include "kit/export/layerProperties.h"
+#include "kit/lefdef/transform.h"
 
 namespace kit::exporter {
 
@@ -59,7 +60,11 @@ public:
     }
 
 private:
-    GdsPoint turn(const GdsPoint& point) const { return turned(point, m_orient, m_width, m_height); }
+    GdsPoint turn(const GdsPoint& point) const
+    {
+        const auto [x, y] = lefdef::transformed({.x = point.x, .y = point.y}, m_width, m_height, m_orient);
+        return {x, y};
+    }
 
     GdsWriter& m_gds;
     Orient m_orient;
@@ -189,30 +194,6 @@ private:
 };
 
 } // namespace
-
-GdsPoint turned(const GdsPoint& point, Orient orient, int64_t width, int64_t height)
-{
-    const auto [x, y] = point;
-    switch (orient) {
-    case Orient::N:
-        break;
-    case Orient::W:
-        return {height - y, x};
-    case Orient::S:
-        return {width - x, height - y};
-    case Orient::E:
-        return {y, width - x};
-    case Orient::FN:
-        return {width - x, y};
-    case Orient::FW:
-        return {y, x};
-    case Orient::FS:
-        return {x, height - y};
-    case Orient::FE:
-        return {height - y, width - x};
-    }
-    return point;
-}
 
 int64_t writeLayout(const LayoutParts& parts, OutputFile& out)
 {

@@ -24,11 +24,6 @@ struct LayoutParts {
     const Grid& grid;
 };
 
-/// The corner of a cell as drawn, when the cell lies in some orientation, seen from its lower left corner.
-///
-/// @param width, height  of the cell as drawn
-GdsPoint turned(const GdsPoint& point, lefdef::Orient orient, int64_t width, int64_t height);
-
 /// Writes the layout: outlines, metal 1, and the metal of each mask on layers of their own. Components of the
 /// DEF file that stay where they are have outline and metal of the library; those without a known macro are
 /// left out.

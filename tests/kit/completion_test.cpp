@@ -49,6 +49,7 @@ TEST(KitCompletion, OffersTheOptionsOfASubcommand)
     EXPECT_EQ(offered("place --re"), "--rescue\n");
     EXPECT_EQ(offered("lint --we"), "--werror\n");
     EXPECT_EQ(offered("color --st"), "--stitch-overlap\n");
+    EXPECT_EQ(offered("export --lef-"), "--lef-masks\n");
 }
 
 TEST(KitCompletion, OffersDesignsWithoutTheirExtension)

@@ -30,13 +30,22 @@ def write(path, text):
     return path
 
 
+def imported(folder, original, lef):
+    """Imports a design. Returns the base of its files."""
+    os.makedirs(folder, exist_ok=True)
+    base = os.path.join(folder, "in")
+    run("import", "--def", original, "--lef", lef, "--layer", "metal1", "-o", base, "--force")
+    return base
+
+
 class Case:
     """Places a design in a folder of its own; plant() may then change the result before export()."""
 
     def __init__(self, folder, base, cells, original):
         os.makedirs(folder, exist_ok=True)
         self.folder, self.cells, self.original = folder, cells, original
-        run("place", base, "--cell-path", cells, "-o", self.path("out"), "--quiet", "--force", statuses=(0, 1))
+        run("place", base, "--cell-path", cells, "-o", self.path("out"), "--rescue", "--quiet", "--force",
+            statuses=(0, 1))
         self.library = {}
 
     def path(self, name):

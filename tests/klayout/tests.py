@@ -12,7 +12,7 @@ sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 import pya
 
 import kitfiles
-from case import DEF, EXAMPLES, LEF, LIBRARY, MINDP, Case, run, text_of, write
+from case import DEF, LEF, LIBRARY, MINDP, Case, imported, run, text_of, write
 from layout import MASKS, METAL, NAME, OUTLINE, Layout, close_pairs, def_instances, def_metal, read_def
 
 WORK = os.environ["VIRELOCE_WORK"]
@@ -79,9 +79,8 @@ class PlacedGcd(Checks, unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
-        cls.case = Case(
-            os.path.join(WORK, cls.__name__), os.path.join(EXAMPLES, "gcd", "gcd"), LIBRARY, DEF
-        )
+        folder = os.path.join(WORK, cls.__name__)
+        cls.case = Case(folder, imported(folder, DEF, LEF), LIBRARY, DEF)
         cls.plant()
         cls.masks, cls.masked = cls.case.path("masks.lef"), cls.case.path("masked.def")
         cls.case.export("--lef", LEF, "--layer", METAL_NAME, "--lef-masks", cls.masks, "--def-masks", cls.masked)
@@ -162,6 +161,71 @@ class GcdWithPlantedConflicts(PlacedGcd):
     def plant(cls):
         assert cls.case.recolor(every=4) > 50
         assert cls.case.shift(every=9, sites=1) > 20
+
+
+class ScaledGcd(Checks, unittest.TestCase):
+    """gcd at a site of 0.46 micrometres: no corner of the library is whole in the colour files' units."""
+
+    planted = True
+    SITE, OLD_SITE = 460, 190
+
+    @classmethod
+    def setUpClass(cls):
+        folder = os.path.join(WORK, cls.__name__)
+        os.makedirs(folder, exist_ok=True)
+        cls.lef = write(os.path.join(folder, "scaled.lef"), cls.scaled_lef(text_of(LEF)))
+        original = write(os.path.join(folder, "scaled.def"), cls.scaled_def(text_of(DEF)))
+        colors = os.path.join(folder, "colors")
+        run("color", "--lef", cls.lef, "--layer", METAL_NAME, "-o", colors, "--allow-conflicts",
+            "--stitch-overlap", "20", "--force", statuses=(0, 1))
+        cls.case = Case(folder, imported(folder, original, cls.lef), colors, original)
+        assert cls.case.recolor(every=4) > 50
+        cls.masks, cls.masked = cls.case.path("masks.lef"), cls.case.path("masked.def")
+        cls.case.export(
+            "--lef", cls.lef, "--layer", METAL_NAME, "--lef-masks", cls.masks, "--def-masks", cls.masked
+        )
+
+    @classmethod
+    def nanometres(cls, micrometres):
+        return round(float(micrometres) * 1000 * cls.SITE / cls.OLD_SITE)
+
+    @classmethod
+    def scaled_lef(cls, text):
+        number = re.compile(r"-?\d+\.\d+|-?\b\d+\b(?= )")
+        scale = lambda line: number.sub(lambda m: str(cls.nanometres(m[0]) / 1000), line)
+        return "\n".join(
+            scale(line) if line.split()[:1] in (["RECT"], ["SIZE"]) else line for line in text.split("\n")
+        )
+
+    @classmethod
+    def scaled_def(cls, text):
+        """Rows, components and the members of nets, at 1000 DBU to the micrometre."""
+        height = cls.nanometres(1.4)
+        place = lambda x, y: f"{int(x) // 380 * cls.SITE} {int(y) // 2800 * height}"
+        rows = re.findall(r"^ROW .*$", text, re.MULTILINE)
+        components = text[text.index("\nCOMPONENTS") + 1 : text.index("END COMPONENTS")]
+        nets = re.findall(r"^    - \S+(?: \( \S+ \S+ \))+", text[text.index("\nNETS") :], re.MULTILINE)
+        nets = [net for net in nets if "( PIN " not in net]
+        lines = ["VERSION 5.8 ;", "DESIGN gcd ;", "UNITS DISTANCE MICRONS 1000 ;", "DIEAREA ( 0 0 ) ( 90000 90000 ) ;"]
+        for row in rows:
+            words = row.split()
+            words[3:5] = place(*words[3:5]).split()
+            words[-3] = str(cls.SITE)
+            lines.append(" ".join(words))
+        lines.append(re.sub(r"\( (\d+) (\d+) \)", lambda m: f"( {place(m[1], m[2])} )", components) + "END COMPONENTS")
+        lines += [f"NETS {len(nets)} ;", *(net + " ;" for net in nets), "END NETS", "END DESIGN", ""]
+        return "\n".join(lines)
+
+    def test_masters_keep_the_exact_metal_of_the_library(self):
+        dbu = 0.001
+        before = def_metal(read_def(self.case.path("new.def"), [self.lef], dbu), METAL_NAME, ANY_PIN + (".OBS",))
+        whole = read_def(self.masked, [self.lef, self.masks], dbu)
+        after = def_metal(whole, METAL_NAME, ANY_PIN + (".OBS",))
+        self.assertGreater(before.area(), 0)
+        self.assertEqual((before ^ after).area(), 0)
+
+    def test_all_metal_of_the_masters_has_a_mask(self):
+        self.assertEqual(re.findall(r"RECT [^M].*", text_of(self.masks)), [])
 
 
 class ImportedCase(Case):

@@ -278,7 +278,6 @@ TEST_P(KitExportUsage, IsChecked)
 INSTANTIATE_TEST_SUITE_P(
     Each, KitExportUsage,
     testing::Values(
-        BadWords{"LefWithoutLayer", {"--lef", "a.lef"}, "--lef requires --layer"},
         BadWords{"LefMasksWithoutLef", {"--lef-masks", "new.lef"}, "--lef-masks requires --lef"},
         BadWords{"DefMasksWithoutLefMasks", {"--def-masks", "new2.def"}, "--def-masks requires --lef-masks"},
         BadWords{"LefThatIsNotThere",
@@ -388,6 +387,38 @@ TEST(KitExportCommand, SameInputGivesTheSameBytes)
     files.run({"--gds", files.path("new.gds"), "--force"});
     EXPECT_EQ(files.output("new.gds"), first);
     EXPECT_FALSE(first.empty());
+}
+
+/// The files of an import as those of a result in which nothing has moved.
+void takeAsResult(const TempDir& dir, const std::string& base)
+{
+    for (const char* extension : {".place", ".map"}) {
+        std::filesystem::copy_file(base + extension, dir.path(std::string("out") + extension));
+    }
+    dir.write("out.json", R"({"schema":"vireloce-place","placement":{},"options":{"cell_path":"/nowhere"}})");
+}
+
+TEST(KitExportImported, DesignThatDidNotMoveGivesTheSameBytes)
+{
+    const std::string def = VIRELOCE_KIT_EXAMPLES "/raw/gcd_nangate45.def";
+    const std::string lef = VIRELOCE_KIT_EXAMPLES "/raw/Nangate45_stdcell.lef";
+    const TempDir dir;
+    ASSERT_EQ(runKit({"import", "--def", def, "--lef", lef, "-o", dir.path("in")}).status, 0);
+    takeAsResult(dir, dir.path("in"));
+    const KitOutcome outcome = runKit({"export", dir.path("out.json"), "--def", def, "-o",
+                                       dir.path("new.def"), "--lef", lef, "--layer", "metal1"});
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_EQ(outcome.output, dir.path("new.def") + ": 426 components, 0 in a new place\n");
+    EXPECT_EQ(contentOf(dir.path("new.def")), contentOf(def));
+}
+
+TEST(KitExportImported, WhatTheImportLeftOutIsNotTold)
+{
+    SmallExport files(U, U_IN_DEF + "- v INV + PLACED ( 0 0 ) N ;\n");
+    kit::lefdef::NameMap map{.def = "in.def", .hash = kit::lefdef::hashOf(files.def)};
+    map.siteWidth = map.siteHeight = 1;
+    kit::lefdef::writeNameMap(files.path("out.map"), map);
+    EXPECT_EQ(files.run().error, "");
 }
 
 TEST(KitExportLimit, KeepsTheFirstOfEachCode)

@@ -10,9 +10,7 @@
 namespace {
 
 using namespace test;
-using kit::exporter::GdsPoint;
 using kit::exporter::Grid;
-using kit::lefdef::Orient;
 
 /// The rectangles of a structure on a layer: left, bottom, right, top.
 std::vector<std::vector<int64_t>> boxesOn(const GdsStructure& structure, int64_t layer)
@@ -133,26 +131,6 @@ TEST(KitLayout, RoundingIsSaid)
         << outcome.error;
     EXPECT_EQ(readGds(files.output("new.gds")).metreUnit, 1e-9);
 }
-
-struct Turned {
-    Orient orient;
-    GdsPoint corner; ///< where (1, 2) of a cell of 10 by 20 lies
-};
-
-class KitTurned : public testing::TestWithParam<Turned> {};
-
-TEST_P(KitTurned, IsMeasuredFromTheLowerLeftCorner)
-{
-    const GdsPoint corner = kit::exporter::turned({1, 2}, GetParam().orient, 10, 20);
-    EXPECT_EQ(corner.x, GetParam().corner.x);
-    EXPECT_EQ(corner.y, GetParam().corner.y);
-}
-
-INSTANTIATE_TEST_SUITE_P(All, KitTurned,
-                         testing::Values(Turned{Orient::N, {1, 2}}, Turned{Orient::W, {18, 1}},
-                                         Turned{Orient::S, {9, 18}}, Turned{Orient::E, {2, 9}},
-                                         Turned{Orient::FN, {9, 2}}, Turned{Orient::FW, {2, 1}},
-                                         Turned{Orient::FS, {1, 18}}, Turned{Orient::FE, {18, 9}}));
 
 struct Units {
     const char* name;
