@@ -33,11 +33,11 @@ std::string cacheRoot(const Options& options)
 
 } // namespace
 
-std::string cachedFolder(const Options& options)
+std::string cachedFolder(const Options& options, const std::string& site)
 {
     Hash hash;
     hash.add(VERSION);
-    for (const std::string& option : {options.layer, options.site, options.mindp, options.maxSolutions,
+    for (const std::string& option : {options.layer, site, options.mindp, options.maxSolutions,
                                       std::string(options.allowConflicts ? "conflicts" : "")}) {
         hash.add(option);
         hash.add(std::string_view("\0", 1)); // "a" and "bc" are not "ab" and "c"

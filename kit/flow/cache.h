@@ -11,7 +11,9 @@ namespace kit::flow {
 /// The folder of the colour files for a library and the options that they depend on: a name by content in
 /// Options::cache, else in $XDG_CACHE_HOME/vireloce, else in ~/.cache/vireloce.
 ///
+/// @param site  size of a site, W,H in micrometres
+///
 /// Errors: throws Fault if a LEF file cannot be read, or no such place is known.
-std::string cachedFolder(const Options& options);
+std::string cachedFolder(const Options& options, const std::string& site);
 
 } // namespace kit::flow

@@ -14,6 +14,8 @@
 #include "kit/flow/cache.h"
 #include "kit/flow/steps.h"
 #include "kit/input/text.h"
+#include "kit/lefdef/nameMap.h"
+#include "kit/lefdef/units.h"
 #include "kit/process/childProcess.h"
 
 namespace kit::flow {
@@ -37,8 +39,7 @@ void makeFolder(const std::string& path)
 class Flow {
 public:
     Flow(const Options& options, std::ostream& out)
-        : m_options(options), m_out(out),
-          m_places(placesOf(options, options.cellPath.empty() ? cachedFolder(options) : options.cellPath))
+        : m_options(options), m_out(out), m_places(placesOf(options))
     {
     }
 
@@ -129,9 +130,21 @@ private:
         m_out << "What was run: " << process::shellText(words) << "\nWhat to do: " << step.advice << "\n";
     }
 
+    /// The size of a site that import found, W,H in micrometres.
+    std::string siteFound() const
+    {
+        input::Findings findings;
+        const lefdef::NameMap map = lefdef::readNameMap(m_places.base + ".map", findings);
+        return lefdef::micrometres(map.siteWidth) + "," + lefdef::micrometres(map.siteHeight);
+    }
+
     /// Colours the library, unless that was done before.
     bool colour()
     {
+        const std::string site = siteFound();
+        if (m_options.cellPath.empty()) {
+            m_places.cellDir = cachedFolder(m_options, site);
+        }
         if (!m_options.cellPath.empty() || fs::exists(m_places.cellDir)) {
             m_ending = {};
             writeLine("color", m_options.cellPath.empty() ? "known from before: " + m_places.cellDir
@@ -141,7 +154,7 @@ private:
         // A folder of the cache is whole: it is made beside and then given its name.
         const std::string part = m_places.cellDir + ".part" + std::to_string(getpid());
         makeFolder(fs::path(m_places.cellDir).parent_path().string());
-        if (!runStep(colorStep(m_options, part))) {
+        if (!runStep(colorStep(m_options, site, part))) {
             fs::remove_all(part);
             return false;
         }

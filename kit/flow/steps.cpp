@@ -3,7 +3,6 @@
 
 #include <nlohmann/json.hpp>
 #include <sstream>
-#include <utility>
 
 #include "kit/input/text.h"
 
@@ -78,13 +77,13 @@ std::string placementSummary(const std::string& path)
 
 } // namespace
 
-Places placesOf(const Options& options, std::string cellDir)
+Places placesOf(const Options& options)
 {
     const std::string folder = options.out + ".flow";
     return {.folder = folder,
             .base = folder + "/design",
             .placed = folder + "/placed",
-            .cellDir = std::move(cellDir)};
+            .cellDir = options.cellPath};
 }
 
 Step importStep(const Options& options, const Places& places)
@@ -103,11 +102,11 @@ Step importStep(const Options& options, const Places& places)
             }};
 }
 
-Step colorStep(const Options& options, const std::string& folder)
+Step colorStep(const Options& options, const std::string& site, const std::string& folder)
 {
     Words words{"color", "-o", folder, "--layer", options.layer};
     addLefs(words, options);
-    addGiven(words, "--site", options.site);
+    addGiven(words, "--site", site);
     addGiven(words, "--mindp", options.mindp);
     addGiven(words, "--max-solutions", options.maxSolutions);
     addGiven(words, "--jobs", options.jobs);

@@ -27,15 +27,14 @@ struct Places {
     std::string cellDir; ///< of the colour files
 };
 
-/// The places of a run.
-///
-/// @param cellDir  of the colour files
-Places placesOf(const Options& options, std::string cellDir);
+/// The places of a run; that of the colour files is empty if it was not given.
+Places placesOf(const Options& options);
 
 Step importStep(const Options& options, const Places& places);
 
+/// @param site    size of a site, W,H in micrometres
 /// @param folder  where the colour files are made
-Step colorStep(const Options& options, const std::string& folder);
+Step colorStep(const Options& options, const std::string& site, const std::string& folder);
 Step lintStep(const Options& options, const Places& places);
 Step placeStep(const Options& options, const Places& places);
 Step verifyStep(const Options& options, const Places& places);

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// From lengths to DBU of a DEF file. Lengths reach to 10^9 micrometres, so that nothing overflows.
+// From lengths to DBU of a DEF file, and to text. Lengths reach to 10^9 micrometres, so that nothing
+// overflows.
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "kit/lefdef/lef.h"
 
@@ -21,6 +23,13 @@ constexpr int64_t dbuDown(Length length, int32_t databaseMicrons)
 constexpr int64_t dbuUp(Length length, int32_t databaseMicrons)
 {
     return -dbuDown(-length, databaseMicrons);
+}
+
+/// A length, not negative, in micrometres with six digits.
+inline std::string micrometres(Length length)
+{
+    const std::string digits = std::to_string(MICRON + length % MICRON).substr(1);
+    return std::to_string(length / MICRON) + "." + digits;
 }
 
 } // namespace kit::lefdef

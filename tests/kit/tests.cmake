@@ -19,6 +19,7 @@ vireloce_test(kit
     kit/export/pieces_test.cpp
     kit/flow/flow_test.cpp
     kit/import/cells_test.cpp
+    kit/import/damage_test.cpp
     kit/import/gcd_test.cpp
     kit/import/generated_test.cpp
     kit/import/rows_test.cpp
