@@ -157,11 +157,13 @@ void writePins(const DesignFiles& files, const std::string& path)
 void writeNetlist(const DesignFiles& files, const std::string& path)
 {
     OutputFile out(path);
-    out << files.members.size() << "\n";
-    for (const std::vector<std::string>& net : files.members) {
-        out << net.size();
-        for (size_t i = 0; i < net.size(); ++i) {
-            out << (i % MEMBERS_A_LINE == 0 ? "\n " : " ") << net[i];
+    out << files.numNets() << "\n";
+    for (size_t net = 0; net < files.numNets(); ++net) {
+        const size_t begin = files.netBegin[net];
+        const size_t degree = files.netBegin[net + 1] - begin;
+        out << degree;
+        for (size_t i = 0; i < degree; ++i) {
+            out << (i % MEMBERS_A_LINE == 0 ? "\n " : " ") << files.nameOf(files.members[begin + i]);
         }
         out << "\n";
     }

@@ -26,9 +26,19 @@ struct DesignFiles {
     const lefdef::Lef& lef;
     const Core& core;
     const Cells& cells;
-    std::vector<std::string> cellNames{};            ///< [index in Cells::movable]
-    std::vector<Terminal> terminals{};               ///< in order
-    std::vector<std::vector<std::string>> members{}; ///< [net]
+    std::vector<std::string> cellNames{}; ///< [index in Cells::movable]
+    std::vector<Terminal> terminals{};    ///< in order
+    std::vector<int32_t> members{};  ///< of all nets: index in Cells::movable, or -1 - index in terminals
+    std::vector<size_t> netBegin{0}; ///< [net] its first member; one more at the end
+
+    size_t numNets() const { return netBegin.size() - 1; }
+
+    /// The name of a member.
+    const std::string& nameOf(int32_t member) const
+    {
+        return member >= 0 ? cellNames[static_cast<size_t>(member)]
+                           : terminals[static_cast<size_t>(-1 - member)].name;
+    }
 };
 
 /// Order of the rows in which the placer takes the right height from them: it compares all with the first.

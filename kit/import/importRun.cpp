@@ -68,12 +68,14 @@ public:
             return false;
         }
         bool sound = true;
-        const Nets nets = readNets(m_def, m_reporter, sound);
+        const Names names{.components = lefdef::namesOf(m_def.components),
+                          .pins = lefdef::namesOf(m_def.pins)};
+        const Nets nets = readNets(m_def, names, m_reporter, sound);
         giveRows(nets);
         requireMasterNames();
         DesignFiles files{.def = m_def, .lef = m_lef, .core = m_core, .cells = m_cells};
         Renamed renamed;
-        nameAll(nets, m_reporter, files, renamed);
+        nameAll(nets, names, m_reporter, files, renamed);
         if (hasError(m_findings)) {
             return false;
         }
@@ -200,7 +202,7 @@ private:
             summary.blocks += static_cast<int64_t>(row.blocks.size());
         }
         summary.pins = static_cast<int64_t>(files.terminals.size());
-        summary.nets = static_cast<int64_t>(files.members.size());
+        summary.nets = static_cast<int64_t>(files.numNets());
         summary.moved = m_moved;
         summary.renamed = static_cast<int64_t>(renamed.size());
         summary.siteWidth = static_cast<double>(m_core.siteWidth) / m_def.databaseMicrons;

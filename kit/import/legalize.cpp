@@ -148,7 +148,7 @@ private:
     {
         std::vector<std::vector<int32_t>> netsOf(m_def.components.size());
         for (size_t net = 0; net < m_nets.size(); ++net) {
-            for (const Member& member : m_nets[net].members) {
+            for (const Member& member : m_nets.of(net)) {
                 if (member.component >= 0) {
                     netsOf[member.component].push_back(static_cast<int32_t>(net));
                 }
@@ -169,10 +169,10 @@ private:
         Point sum;
         int64_t count = 0;
         for (const int32_t net : nets) {
-            if (m_nets[net].members.size() > LARGE_NET) {
+            if (m_nets.of(static_cast<size_t>(net)).size() > LARGE_NET) {
                 continue;
             }
-            for (const Member& member : m_nets[net].members) {
+            for (const Member& member : m_nets.of(static_cast<size_t>(net))) {
                 const std::optional<Point> at = placeOf(member);
                 sum = at ? Point{.x = sum.x + at->x, .y = sum.y + at->y} : sum;
                 count += at ? 1 : 0;

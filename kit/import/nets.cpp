@@ -3,8 +3,6 @@
 
 #include <string>
 
-#include "kit/input/names.h"
-
 namespace kit::importing {
 
 namespace {
@@ -19,21 +17,20 @@ void unknown(const lefdef::DefNet& net, const std::string& what, lefdef::SourceR
 
 } // namespace
 
-Nets readNets(const lefdef::Def& def, lefdef::SourceReporter& reporter, bool& sound)
+Nets readNets(const lefdef::Def& def, const Names& names, lefdef::SourceReporter& reporter, bool& sound)
 {
-    const input::NameIndex components = input::indexNames(def.components);
-    const input::NameIndex pins = input::indexNames(def.pins);
     Nets nets;
+    nets.members.reserve(def.members.size());
+    nets.begin.reserve(def.nets.size() + 1);
     for (const lefdef::DefNet& from : def.nets) {
         if (from.supply) {
             continue;
         }
-        Net& net = nets.emplace_back();
         for (size_t i = from.firstMember; i < from.firstMember + from.numMembers; ++i) {
             const lefdef::DefMember& member = def.members[i];
             const bool terminal = member.component == TERMINAL;
-            const Member found{.component = terminal ? -1 : input::findName(components, member.component),
-                               .pin = terminal ? input::findName(pins, member.pin) : -1,
+            const Member found{.component = terminal ? -1 : names.components.indexOf(member.component),
+                               .pin = terminal ? names.pins.indexOf(member.pin) : -1,
                                .name = member.pin};
             if (found.component < 0 && found.pin < 0) {
                 unknown(from,
@@ -42,9 +39,10 @@ Nets readNets(const lefdef::Def& def, lefdef::SourceReporter& reporter, bool& so
                         reporter);
                 sound = false;
             } else {
-                net.members.push_back(found);
+                nets.members.push_back(found);
             }
         }
+        nets.begin.push_back(nets.members.size());
     }
     return nets;
 }

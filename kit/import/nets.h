@@ -3,10 +3,12 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string_view>
 #include <vector>
 
 #include "kit/lefdef/def.h"
+#include "kit/lefdef/nameTable.h"
 
 namespace kit::importing {
 
@@ -17,16 +19,29 @@ struct Member {
     std::string_view name;  ///< of the component's pin
 };
 
-struct Net {
-    std::vector<Member> members;
+/// Signal nets in the order of the file.
+struct Nets {
+    std::vector<Member> members;  ///< of all nets
+    std::vector<size_t> begin{0}; ///< [net] its first member; one more at the end
+
+    size_t size() const { return begin.size() - 1; }
+
+    /// The members of a net.
+    std::span<const Member> of(size_t net) const
+    {
+        return std::span(members).subspan(begin[net], begin[net + 1] - begin[net]);
+    }
 };
 
-/// Nets in the order of the file, power and ground left out.
-using Nets = std::vector<Net>;
+/// The names of a DEF.
+struct Names {
+    lefdef::NameTable components;
+    lefdef::NameTable pins;
+};
 
 /// Finds the members of the nets. Errors: unknown names; such members are left out.
 ///
 /// @param sound  out: set to false after an error
-Nets readNets(const lefdef::Def& def, lefdef::SourceReporter& reporter, bool& sound);
+Nets readNets(const lefdef::Def& def, const Names& names, lefdef::SourceReporter& reporter, bool& sound);
 
 } // namespace kit::importing

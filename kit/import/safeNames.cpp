@@ -21,16 +21,22 @@ bool isCarried(std::string_view name)
     return plain && !name.empty() && name.size() <= LONGEST && name != "FILLER_1";
 }
 
-std::string SafeNames::nameFor(std::string_view name)
+std::string SafeNames::forComponent(std::string_view name)
 {
-    if (isCarried(name) && m_given.emplace(name).second) {
-        return std::string(name);
-    }
+    return isCarried(name) ? std::string(name) : newName();
+}
+
+std::string SafeNames::forTerminal(std::string_view name)
+{
+    return isCarried(name) && m_names.components.indexOf(name) < 0 ? std::string(name) : newName();
+}
+
+std::string SafeNames::newName()
+{
     std::string made;
     do {
         made = "_name" + std::to_string(m_next++) + "_";
-    } while (m_taken.count(made) > 0);
-    m_given.insert(made);
+    } while (m_names.components.indexOf(made) >= 0 || m_names.pins.indexOf(made) >= 0);
     return made;
 }
 

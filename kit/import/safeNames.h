@@ -4,9 +4,8 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <unordered_set>
-#include <utility>
-#include <vector>
+
+#include "kit/import/nets.h"
 
 namespace kit::importing {
 
@@ -17,15 +16,19 @@ bool isCarried(std::string_view name);
 /// Names for the placer's files, each given once.
 class SafeNames {
 public:
-    /// @param taken  names that no replacement may have; must outlive this
-    explicit SafeNames(const std::vector<std::string_view>& taken) : m_taken(taken.begin(), taken.end()) {}
+    /// @param names  those of the DEF; must outlive this
+    explicit SafeNames(const Names& names) : m_names(names) {}
 
-    /// The name itself if it can be carried and was not given before, else a short new one.
-    std::string nameFor(std::string_view name);
+    /// A component's name: its own if it can be carried, else a new one.
+    std::string forComponent(std::string_view name);
+
+    /// A terminal's: its own if it can be carried and no component has it, else a new one.
+    std::string forTerminal(std::string_view name);
 
 private:
-    std::unordered_set<std::string_view> m_taken; ///< names of the DEF
-    std::unordered_set<std::string> m_given;
+    std::string newName();
+
+    const Names& m_names;
     int64_t m_next = 0;
 };
 

@@ -44,10 +44,10 @@ LefPoint middleOf(const LefMacro& macro, std::string_view pinName)
 
 class Namer {
 public:
-    Namer(const Nets& nets, lefdef::SourceReporter& reporter, DesignFiles& files, Renamed& renamed)
-        : m_nets(nets), m_reporter(reporter), m_files(files), m_renamed(renamed),
-          m_names(allNames(files.def)), m_cellOf(files.def.components.size(), -1),
-          m_terminalOf(files.def.pins.size(), -1)
+    Namer(const Nets& nets, const Names& names, lefdef::SourceReporter& reporter, DesignFiles& files,
+          Renamed& renamed)
+        : m_nets(nets), m_reporter(reporter), m_files(files), m_renamed(renamed), m_names(names),
+          m_cellOf(files.def.components.size(), -1), m_terminalOf(files.def.pins.size(), -1)
     {
     }
 
@@ -55,34 +55,24 @@ public:
     {
         nameCells();
         addPins();
-        for (const Net& net : m_nets) {
-            std::vector<std::string>& members = m_files.members.emplace_back();
-            for (const Member& member : net.members) {
-                addMember(member, members);
+        m_files.members.reserve(m_nets.members.size());
+        m_files.netBegin.reserve(m_nets.begin.size());
+        for (size_t net = 0; net < m_nets.size(); ++net) {
+            for (const Member& member : m_nets.of(net)) {
+                addMember(member);
             }
+            m_files.netBegin.push_back(m_files.members.size());
         }
     }
 
 private:
-    static std::vector<std::string_view> allNames(const lefdef::Def& def)
-    {
-        std::vector<std::string_view> names;
-        for (const DefComponent& comp : def.components) {
-            names.push_back(comp.name);
-        }
-        for (const DefPin& pin : def.pins) {
-            names.push_back(pin.name);
-        }
-        return names;
-    }
-
     void nameCells()
     {
         const std::vector<Cell>& cells = m_files.cells.movable;
         for (size_t i = 0; i < cells.size(); ++i) {
             const std::string_view name = m_files.def.components[cells[i].component].name;
             m_cellOf[cells[i].component] = static_cast<int32_t>(i);
-            m_files.cellNames.push_back(m_names.nameFor(name));
+            m_files.cellNames.push_back(m_names.forComponent(name));
             if (m_files.cellNames.back() != name) {
                 m_renamed.emplace_back(m_files.cellNames.back(), std::string(name));
             }
@@ -103,31 +93,32 @@ private:
                                    "place it");
                 continue;
             }
-            m_terminalOf[i] = addTerminal(pin.name, pin.x, pin.y);
+            m_terminalOf[i] = makeTerminal(pin.name, pin.x, pin.y);
         }
     }
 
-    int32_t addTerminal(std::string_view name, int64_t x, int64_t y)
+    int32_t makeTerminal(std::string_view name, int64_t x, int64_t y)
     {
-        m_files.terminals.push_back({.name = m_names.nameFor(name), .x = x, .y = y});
+        m_files.terminals.push_back({.name = m_names.forTerminal(name), .x = x, .y = y});
         return static_cast<int32_t>(m_files.terminals.size() - 1);
     }
 
-    void addMember(const Member& member, std::vector<std::string>& members)
+    void addMember(const Member& member)
     {
         if (member.component < 0) {
-            addTerminalName(m_terminalOf[member.pin], members);
-        } else if (m_cellOf[member.component] >= 0) {
-            members.push_back(m_files.cellNames[m_cellOf[member.component]]);
-        } else if (m_files.cells.isFixed[member.component]) {
-            addTerminalName(fixedPin(member), members);
+            addTerminal(m_terminalOf[static_cast<size_t>(member.pin)]);
+        } else if (m_cellOf[static_cast<size_t>(member.component)] >= 0) {
+            m_files.members.push_back(m_cellOf[static_cast<size_t>(member.component)]);
+        } else if (m_files.cells.isFixed[static_cast<size_t>(member.component)]) {
+            addTerminal(fixedPin(member));
         }
     }
 
-    void addTerminalName(int32_t terminal, std::vector<std::string>& members) const
+    /// Adds a terminal to the members, if there is one.
+    void addTerminal(int32_t terminal)
     {
         if (terminal >= 0) {
-            members.push_back(m_files.terminals[terminal].name);
+            m_files.members.push_back(-1 - terminal);
         }
     }
 
@@ -139,8 +130,8 @@ private:
             const LefMacro& macro = m_files.lef.macros[m_files.cells.masterOf[member.component]];
             const LefPoint middle =
                 transformed(middleOf(macro, member.name), macro.width, macro.height, comp.orient);
-            at->second = addTerminal(std::string(comp.name) + "/" + std::string(member.name),
-                                     comp.x + inDbu(middle.x), comp.y + inDbu(middle.y));
+            at->second = makeTerminal(std::string(comp.name) + "/" + std::string(member.name),
+                                      comp.x + inDbu(middle.x), comp.y + inDbu(middle.y));
         }
         return at->second;
     }
@@ -160,9 +151,10 @@ private:
 
 } // namespace
 
-void nameAll(const Nets& nets, lefdef::SourceReporter& reporter, DesignFiles& files, Renamed& renamed)
+void nameAll(const Nets& nets, const Names& names, lefdef::SourceReporter& reporter, DesignFiles& files,
+             Renamed& renamed)
 {
-    Namer(nets, reporter, files, renamed).run();
+    Namer(nets, names, reporter, files, renamed).run();
 }
 
 } // namespace kit::importing

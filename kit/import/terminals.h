@@ -22,6 +22,7 @@ using Renamed = std::vector<std::pair<std::string, std::string>>;
 /// their nets, with a warning.
 ///
 /// @param renamed  out: names of cells that had to be changed
-void nameAll(const Nets& nets, lefdef::SourceReporter& reporter, DesignFiles& files, Renamed& renamed);
+void nameAll(const Nets& nets, const Names& names, lefdef::SourceReporter& reporter, DesignFiles& files,
+             Renamed& renamed);
 
 } // namespace kit::importing

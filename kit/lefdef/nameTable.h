@@ -30,12 +30,22 @@ public:
     uint32_t add(std::string_view name, uint32_t index)
     {
         reserve(m_count + 1);
-        Slot& slot = find(m_slots, name, hashOf(name));
+        Slot& slot = m_slots[find(m_slots, name, hashOf(name))];
         if (slot.name.data() == nullptr) {
             slot = {name, hashOf(name), index};
             ++m_count;
         }
         return slot.index;
+    }
+
+    /// Index of the first record of a name, -1 if there is none.
+    int32_t indexOf(std::string_view name) const
+    {
+        if (m_slots.empty()) {
+            return -1;
+        }
+        const Slot& slot = m_slots[find(m_slots, name, hashOf(name))];
+        return slot.name.data() != nullptr ? static_cast<int32_t>(slot.index) : -1;
     }
 
 private:
@@ -52,14 +62,14 @@ private:
         return static_cast<uint32_t>(std::hash<std::string_view>()(name));
     }
 
-    /// The slot of a name, or the free one for it; there is one, as at most half of them are taken.
-    static Slot& find(std::vector<Slot>& slots, std::string_view name, uint32_t hash)
+    /// Where a name is, or the free slot for it; there is one, as at most half of them are taken.
+    static size_t find(const std::vector<Slot>& slots, std::string_view name, uint32_t hash)
     {
         size_t at = hash & (slots.size() - 1);
         while (slots[at].name.data() != nullptr && (slots[at].hash != hash || slots[at].name != name)) {
             at = (at + 1) & (slots.size() - 1);
         }
-        return slots[at];
+        return at;
     }
 
     void rehash(size_t size)
@@ -67,7 +77,7 @@ private:
         std::vector<Slot> slots(size);
         for (const Slot& slot : m_slots) {
             if (slot.name.data() != nullptr) {
-                find(slots, slot.name, slot.hash) = slot;
+                slots[find(slots, slot.name, slot.hash)] = slot;
             }
         }
         m_slots = std::move(slots);
@@ -76,5 +86,18 @@ private:
     std::vector<Slot> m_slots; ///< a power of two of them
     size_t m_count = 0;
 };
+
+/// The names of some records.
+template <typename Records>
+NameTable namesOf(const Records& records)
+{
+    NameTable names;
+    names.reserve(records.size());
+    uint32_t next = 0;
+    for (const auto& record : records) {
+        names.add(record.name, next++);
+    }
+    return names;
+}
 
 } // namespace kit::lefdef
