@@ -68,8 +68,7 @@ public:
             return false;
         }
         bool sound = true;
-        const Names names{.components = lefdef::namesOf(m_def.components),
-                          .pins = lefdef::namesOf(m_def.pins)};
+        const Names names(m_def);
         const Nets nets = readNets(m_def, names, m_reporter, sound);
         giveRows(nets);
         requireMasterNames();

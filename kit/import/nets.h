@@ -35,8 +35,15 @@ struct Nets {
 
 /// The names of a DEF.
 struct Names {
-    lefdef::NameTable components;
-    lefdef::NameTable pins;
+    /// @param def  must outlive the names
+    explicit Names(const lefdef::Def& def) : components(def.components), pins(def.pins)
+    {
+        components.addAll();
+        pins.addAll();
+    }
+
+    lefdef::NameTable<lefdef::DefComponent> components;
+    lefdef::NameTable<lefdef::DefPin> pins;
 };
 
 /// Finds the members of the nets. Errors: unknown names; such members are left out.

@@ -82,7 +82,8 @@ private:
     void readPolygon(DefBlockage& blockage);
 
     template <typename Record>
-    void keepIfNew(const Record& record, std::vector<Record>& records, NameTable& names, const char* kind);
+    void keepIfNew(const Record& record, std::vector<Record>& records, NameTable<Record>& names,
+                   const char* kind);
     Status takeStatus();
     DefPoint readPoint();
     DefPoint readPoint(const DefPoint& before);
@@ -94,9 +95,9 @@ private:
     std::string_view m_keyword; ///< of the present statement or section
     size_t m_begin = 0;         ///< byte of that
     bool m_ended = false;       ///< END DESIGN was there
-    NameTable m_components;
-    NameTable m_pins;
-    NameTable m_nets;
+    NameTable<DefComponent> m_components{m_def.components};
+    NameTable<DefPin> m_pins{m_def.pins};
+    NameTable<DefNet> m_nets{m_def.nets};
 };
 
 const std::array<DefReader::Rule, 39> DefReader::RULES = {{
@@ -465,15 +466,14 @@ void DefReader::readPolygon(DefBlockage& blockage)
 
 /// Ends a record, which is kept if it is sound and no other has its name.
 template <typename Record>
-void DefReader::keepIfNew(const Record& record, std::vector<Record>& records, NameTable& names,
+void DefReader::keepIfNew(const Record& record, std::vector<Record>& records, NameTable<Record>& names,
                           const char* kind)
 {
     if (!m_in.finish()) {
         return;
     }
-    const auto index = static_cast<uint32_t>(records.size());
-    const uint32_t first = names.add(record.name, index);
-    if (first == index) {
+    const uint32_t first = names.add(record.name);
+    if (first == records.size()) {
         records.push_back(record);
         return;
     }

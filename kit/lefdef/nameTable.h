@@ -5,13 +5,18 @@
 #include <cstdint>
 #include <functional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace kit::lefdef {
 
-/// Names with the index of their first record. All in one block of memory, as there may be millions of them.
+/// Records by their names. The names stay in the records, so that millions of them take little room here.
+template <typename Record>
 class NameTable {
 public:
+    /// @param records  those that add() tells of; must outlive the table
+    explicit NameTable(const std::vector<Record>& records) : m_records(records) {}
+
     /// Makes room for a number of names.
     void reserve(size_t count)
     {
@@ -24,37 +29,31 @@ public:
         }
     }
 
-    /// Index of the first record of a name, which is the given one if the name is new.
-    ///
-    /// @param name  must outlive the table
-    uint32_t add(std::string_view name, uint32_t index)
+    /// Index of the first record of a name. If it is the next index, the name is new, and its record must be
+    /// appended.
+    uint32_t add(std::string_view name) { return enter(name, static_cast<uint32_t>(m_records.size())); }
+
+    /// Enters all records; of equal names the first.
+    void addAll()
     {
-        reserve(m_count + 1);
-        Slot& slot = m_slots[find(m_slots, name, hashOf(name))];
-        if (slot.name.data() == nullptr) {
-            slot = {name, hashOf(name), index};
-            ++m_count;
+        reserve(m_records.size());
+        for (size_t i = 0; i < m_records.size(); ++i) {
+            enter(m_records[i].name, static_cast<uint32_t>(i));
         }
-        return slot.index;
     }
 
     /// Index of the first record of a name, -1 if there is none.
     int32_t indexOf(std::string_view name) const
     {
-        if (m_slots.empty()) {
-            return -1;
-        }
-        const Slot& slot = m_slots[find(m_slots, name, hashOf(name))];
-        return slot.name.data() != nullptr ? static_cast<int32_t>(slot.index) : -1;
+        return m_slots.empty() ? -1 : static_cast<int32_t>(m_slots[find(name, hashOf(name))].next) - 1;
     }
 
 private:
     static constexpr size_t MIN_SIZE = 64;
 
     struct Slot {
-        std::string_view name; ///< without data if the slot is free
         uint32_t hash = 0;
-        uint32_t index = 0;
+        uint32_t next = 0; ///< index of the record plus 1, 0 if the slot is free
     };
 
     static uint32_t hashOf(std::string_view name)
@@ -62,42 +61,46 @@ private:
         return static_cast<uint32_t>(std::hash<std::string_view>()(name));
     }
 
-    /// Where a name is, or the free slot for it; there is one, as at most half of them are taken.
-    static size_t find(const std::vector<Slot>& slots, std::string_view name, uint32_t hash)
+    uint32_t enter(std::string_view name, uint32_t index)
     {
-        size_t at = hash & (slots.size() - 1);
-        while (slots[at].name.data() != nullptr && (slots[at].hash != hash || slots[at].name != name)) {
-            at = (at + 1) & (slots.size() - 1);
+        reserve(m_count + 1);
+        const uint32_t hash = hashOf(name);
+        Slot& slot = m_slots[find(name, hash)];
+        if (slot.next == 0) {
+            slot = {.hash = hash, .next = index + 1};
+            ++m_count;
+        }
+        return slot.next - 1;
+    }
+
+    /// Where a name is, or the free slot for it; there is one, as at most half of them are taken.
+    size_t find(std::string_view name, uint32_t hash) const
+    {
+        size_t at = hash & (m_slots.size() - 1);
+        while (m_slots[at].next != 0 &&
+               (m_slots[at].hash != hash || m_records[m_slots[at].next - 1].name != name)) {
+            at = (at + 1) & (m_slots.size() - 1);
         }
         return at;
     }
 
     void rehash(size_t size)
     {
-        std::vector<Slot> slots(size);
-        for (const Slot& slot : m_slots) {
-            if (slot.name.data() != nullptr) {
-                slots[find(slots, slot.name, slot.hash)] = slot;
+        const std::vector<Slot> before = std::exchange(m_slots, std::vector<Slot>(size));
+        for (const Slot& slot : before) {
+            if (slot.next != 0) { // all names differ
+                size_t at = slot.hash & (size - 1);
+                while (m_slots[at].next != 0) {
+                    at = (at + 1) & (size - 1);
+                }
+                m_slots[at] = slot;
             }
         }
-        m_slots = std::move(slots);
     }
 
+    const std::vector<Record>& m_records;
     std::vector<Slot> m_slots; ///< a power of two of them
     size_t m_count = 0;
 };
-
-/// The names of some records.
-template <typename Records>
-NameTable namesOf(const Records& records)
-{
-    NameTable names;
-    names.reserve(records.size());
-    uint32_t next = 0;
-    for (const auto& record : records) {
-        names.add(record.name, next++);
-    }
-    return names;
-}
 
 } // namespace kit::lefdef

@@ -6,8 +6,8 @@
 
 namespace kit::lefdef {
 
-/// Where a point of a master comes to lie when the master is oriented, and moved so that its lower left corner stays
-/// at the origin.
+/// Where a point of a master comes to lie when the master is oriented, and moved so that its lower left
+/// corner stays at the origin.
 ///
 /// @param width, height  the master's, as it is drawn
 inline LefPoint transformed(LefPoint point, Length width, Length height, Orient orient)

@@ -260,10 +260,25 @@ TEST(NameTable, FindsTheFirstOfEachName)
         const auto names = *rc::gen::container<std::vector<std::string>>(
             rc::gen::map(rc::gen::inRange(0, 300), [](int i) { return std::to_string(i * 7919); }));
         std::map<std::string, uint32_t> model;
-        NameTable table;
-        for (uint32_t i = 0; i < names.size(); ++i) {
-            RC_ASSERT(table.add(names[i], i) == model.emplace(names[i], i).first->second);
+        struct Named {
+            std::string name;
+        };
+        std::vector<Named> records;
+        NameTable<Named> table(records);
+        for (const std::string& name : names) {
+            const auto [at, isNew] = model.emplace(name, static_cast<uint32_t>(records.size()));
+            RC_ASSERT(table.indexOf(name) == (isNew ? -1 : static_cast<int32_t>(at->second)));
+            RC_ASSERT(table.add(name) == at->second);
+            if (isNew) {
+                records.push_back({name});
+            }
+            RC_ASSERT(table.indexOf(name) == static_cast<int32_t>(at->second));
         }
+        NameTable<Named> again(records);
+        again.addAll();
+        RC_ASSERT(std::all_of(model.begin(), model.end(), [&](const auto& entry) {
+            return again.indexOf(entry.first) == static_cast<int32_t>(entry.second);
+        }));
     });
     EXPECT_TRUE(passed);
 }
