@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <tuple>
 
 #include "kit/color/grid.h"
@@ -55,18 +56,41 @@ public:
     Finder(const Polygon& polygon, const std::vector<const Polygon*>& others, const Rules& rules)
         : m_grid(polygon.rects), m_slabs(m_grid.slabs()), m_others(others), m_rules(rules)
     {
-    }
-
-    std::vector<Cut> run()
-    {
         for (const Rect& slab : m_slabs) {
             const Arm arm = armOf(slab);
             if (arm.allowed.begin <= arm.allowed.end) {
-                cutArm(arm);
+                m_arms.push_back(arm);
             }
         }
-        return std::move(m_cuts);
     }
+
+    /// Cuts all arms; those that fulfil a condition and get no cut are cut in their middle.
+    template <class Condition>
+    void cutArms(Condition condition)
+    {
+        for (const Arm& arm : m_arms) {
+            const size_t before = m_cuts.size();
+            cutArm(arm);
+            if (m_cuts.size() == before && condition(arm.slab)) {
+                cutWithin(arm, {arm.slab.xl, arm.slab.xh});
+            }
+        }
+    }
+
+    /// Cuts the arm that is nearest to a line in its middle.
+    void cutNearest(int32_t x)
+    {
+        const auto farness = [x](const Arm& arm) { return std::abs((arm.slab.xl + arm.slab.xh) / 2 - x); };
+        const auto nearest = std::min_element(m_arms.begin(), m_arms.end(), [&](const Arm& a, const Arm& b) {
+            return farness(a) < farness(b);
+        });
+        if (nearest != m_arms.end()) {
+            m_last = nearest->slab.xl - (nearest->slab.yh - nearest->slab.yl);
+            cutWithin(*nearest, {nearest->slab.xl, nearest->slab.xh});
+        }
+    }
+
+    const std::vector<Cut>& cuts() const { return m_cuts; }
 
 private:
     End endOf(const Rect& slab, bool right) const
@@ -186,6 +210,7 @@ private:
     std::vector<Rect> m_slabs;
     const std::vector<const Polygon*>& m_others;
     const Rules& m_rules;
+    std::vector<Arm> m_arms;
     std::vector<Cut> m_cuts;
     int32_t m_last = 0; ///< the cut before in the same arm
 };
@@ -197,9 +222,18 @@ Polygon turned(const Polygon& polygon)
 
 } // namespace
 
-std::vector<Cut> cutsOf(const Polygon& polygon, const std::vector<const Polygon*>& others, const Rules& rules)
+std::vector<Cut> cutsOf(const Polygon& polygon, const std::vector<const Polygon*>& others, const Rules& rules,
+                        int32_t width)
 {
-    std::vector<Cut> cuts = Finder(polygon, others, rules).run();
+    const auto atLeft = [&](int32_t x) { return x < rules.distance; };
+    const auto atRight = [&](int32_t x) { return width - x < rules.distance; };
+    Finder flat(polygon, others, rules);
+    flat.cutArms([](const Rect& /*slab*/) { return false; });
+    const auto any = [&](auto test) { return std::any_of(polygon.rects.begin(), polygon.rects.end(), test); };
+    if (flat.cuts().empty() && any([&](const Rect& rect) { return atLeft(rect.xl); }) &&
+        any([&](const Rect& rect) { return atRight(rect.xh); })) {
+        flat.cutNearest(width / 2);
+    }
     std::vector<Polygon> turnedPolygons;
     for (const Polygon* other : others) {
         turnedPolygons.push_back(turned(*other));
@@ -208,7 +242,10 @@ std::vector<Cut> cutsOf(const Polygon& polygon, const std::vector<const Polygon*
     for (const Polygon& other : turnedPolygons) {
         turnedOthers.push_back(&other);
     }
-    for (const Cut& cut : Finder(turned(polygon), turnedOthers, rules).run()) {
+    Finder upright(turned(polygon), turnedOthers, rules);
+    upright.cutArms([&](const Rect& slab) { return atLeft(slab.yl) || atRight(slab.yh); });
+    std::vector<Cut> cuts = flat.cuts();
+    for (const Cut& cut : upright.cuts()) {
         cuts.push_back({false, cut.at, transposed(cut.box)});
     }
     return cuts;

@@ -44,9 +44,13 @@ struct Cut {
 /// sides, with arms or bodies that go on at an end counting as a side where more do. At a free end at least a
 /// square is left, and as much between two stitches.
 ///
+/// What stands beside the cell is not known. So upright arms at its left or right side, and the arm nearest
+/// to the middle of a polygon that reaches from side to side, get a place in their middle if they have none.
+///
 /// @param polygon  to be cut
 /// @param others   all other polygons but rails
-std::vector<Cut> cutsOf(const Polygon& polygon, const std::vector<const Polygon*>& others,
-                        const Rules& rules);
+/// @param width    of the cell
+std::vector<Cut> cutsOf(const Polygon& polygon, const std::vector<const Polygon*>& others, const Rules& rules,
+                        int32_t width);
 
 } // namespace kit::color

@@ -136,6 +136,9 @@ Selection selectCells(const Library& library, const std::optional<SiteSize>& sit
                          "high, and it gets no colour file",
                      "make it a macro in the design");
     }
+    if (selection.cells.empty()) {
+        throw Fault("no cell is as high as the site, " + micronText(selection.site.height) + " um");
+    }
     return selection;
 }
 

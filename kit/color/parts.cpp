@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <deque>
+#include <limits>
 #include <map>
 
 #include "kit/color/grid.h"
@@ -37,7 +38,7 @@ public:
     Graph run()
     {
         for (size_t i = 0; i < m_metal.polygons.size(); ++i) {
-            m_cuts[i] = cutsOf(m_metal.polygons[i], othersOf(i), m_rules);
+            m_cuts[i] = cutsOf(m_metal.polygons[i], othersOf(i), m_rules, m_metal.width);
         }
         do {
             m_graph = {};

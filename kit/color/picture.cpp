@@ -19,7 +19,8 @@ constexpr int32_t CAPTION = 170; // above each of them
 constexpr int32_t LEGEND = 400;  // below them all
 constexpr int32_t LETTER = 110;  // height of letters
 constexpr int32_t LEAST_WIDTH = 1100;
-constexpr int32_t PER_LINE = 4; // pictures side by side
+constexpr int32_t LEAST_SHEET = 2600; // room for the title
+constexpr int32_t PER_LINE = 4;       // pictures side by side
 constexpr int32_t UNITS_PER_PIXEL = 5;
 constexpr std::string_view DARK = "#3a3f44";
 
@@ -37,7 +38,7 @@ public:
     {
         const int32_t columns = std::min(m_count, PER_LINE);
         const int32_t lines = (m_count + PER_LINE - 1) / PER_LINE;
-        const int32_t width = columns * m_step + GAP;
+        const int32_t width = std::max(columns * m_step + GAP, LEAST_SHEET);
         const int32_t height = 2 * GAP + lines * m_lineStep + LEGEND;
         m_file << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << width / UNITS_PER_PIXEL
                << "\" height=\"" << height / UNITS_PER_PIXEL << "\" viewBox=\"0 0 " << width << " " << height

@@ -55,7 +55,7 @@ private:
         uint32_t cost = 0;
         std::vector<size_t> places{}; ///< [member]; in the place of the step's own part if it is one
         std::vector<Joint> joints{};  ///< between members, by their positions among them
-        size_t a = 0;               ///< position among the members
+        size_t a = 0;                 ///< position among the members
         size_t b = 0;
     };
 

@@ -57,7 +57,7 @@ void writeTroubles(const Result& result, std::ostream& out)
     for (size_t i = 0; i < result.colours.size(); ++i) {
         const ColouredCell& cell = result.colours[i];
         if (cell.tooLarge) {
-            out << "  " << result.metal[i].name << ": too intricate, the search was given up\n";
+            out << "  " << result.metal[i].name << ": the search was given up\n";
         } else if (cell.trouble) {
             out << "  " << result.metal[i].name << ": "
                 << counted(static_cast<int64_t>(cell.trouble->polygons.size()), "shape")
@@ -90,8 +90,9 @@ void writeMessages(const input::Findings& findings, std::ostream& out)
 std::string troubleText(const CellMetal& metal, const ColouredCell& cell, const Settings& settings)
 {
     if (cell.tooLarge) {
-        return metal.name + " gets no colour file: it is too intricate, the search was given up after " +
-               std::to_string(settings.limits.states) + " partial colourings";
+        return metal.name +
+               " gets no colour file: too many of its shapes depend on each other, and the search "
+               "was given up";
     }
     return metal.name + " has no colouring: " + textOf(*cell.trouble, metal, settings.rules) +
            "; it can be coloured with --mindp " + std::to_string(cell.trouble->goodDistance) +

@@ -112,14 +112,15 @@ Trouble explain(const CellMetal& metal, const Graph& graph, const Rules& rules, 
 std::string textOf(const Trouble& trouble, const CellMetal& metal, const Rules& rules)
 {
     const size_t count = trouble.polygons.size();
+    const bool all = count > 3 && trouble.close.size() == count * (count - 1) / 2;
+    const std::string distance = std::to_string(rules.distance);
     std::string text = input::counted(static_cast<int64_t>(count), "shape");
-    text += trouble.close.size() == count * (count - 1) / 2 && count > 3 ? ", all close to one another,"
-                                                                         : " that three masks cannot part";
-    text += ": " + shapesText(trouble, metal) + "; closer than " + std::to_string(rules.distance) + ":";
+    text += all ? " that are all closer than " + distance + " to one another: "
+                : " that three masks cannot part by " + distance + ": ";
+    text += shapesText(trouble, metal) + "; distances";
     for (const Closeness& close : trouble.close) {
         text += (&close == trouble.close.data() ? " " : ", ") + metal.nets[metal.polygons[close.a].net] +
-                " - " + metal.nets[metal.polygons[close.b].net] + " " + distanceText(close.squared) + " at " +
-                textOf(close.rectA) + textOf(close.rectB);
+                " - " + metal.nets[metal.polygons[close.b].net] + " " + distanceText(close.squared);
     }
     return text;
 }

@@ -7,12 +7,15 @@ namespace kit::exporter {
 
 namespace {
 
+constexpr const char* FULL = "I0";
+constexpr const char* EMPTY = "I1";
+
 /// How a layer is shown.
 struct Look {
     std::string name;
     int16_t layer;
     std::string_view colour;
-    const char* pattern; ///< KLayout's number of a fill: I0 is full, I1 none, I5 and I9 are hatched
+    const char* pattern; ///< KLayout's number of a fill
     bool visible;
 };
 
@@ -48,15 +51,11 @@ std::string layerPropertiesText()
     for (size_t mask = 0; mask < NUM_MASKS; ++mask) {
         text += propertiesOf({"mask " + std::to_string(mask),
                               static_cast<int16_t>(FIRST_MASK_LAYER + static_cast<int>(mask)),
-                              view::MASK_COLOURS[mask],
-                              mask == 0   ? "I5"
-                              : mask == 1 ? "I9"
-                                          : "I0",
-                              true});
+                              view::MASK_COLOURS[mask], FULL, true});
     }
     // The metal lies under its masks: it shows what has none.
-    text += propertiesOf({"metal 1", METAL_LAYER, view::NO_MASK_COLOUR, "I1", true});
-    text += propertiesOf({"cells", OUTLINE_LAYER, view::CONFLICT_COLOUR, "I1", true});
+    text += propertiesOf({"metal 1", METAL_LAYER, view::NO_MASK_COLOUR, EMPTY, true});
+    text += propertiesOf({"cells", OUTLINE_LAYER, view::CONFLICT_COLOUR, EMPTY, true});
     return text + "</layer-properties>\n";
 }
 

@@ -100,7 +100,9 @@ private:
         words.insert(words.end(), step.words.begin(), step.words.end());
         m_ending = process::run(words, log, errors);
         const bool good = m_ending.signal == 0 && m_ending.status <= step.goodStatus;
-        writeLine(step.name, good ? step.summary(input::readText(log)) : "FAILED");
+        const bool finished = m_ending.signal == 0 && m_ending.status <= NOT_CLEAN;
+        const std::string summary = finished ? step.summary(input::readText(log)) : "";
+        writeLine(step.name, (good ? "" : finished ? "FAILED: " : "FAILED") + summary);
         if (!good) {
             tellFailure(step, words,
                         input::readText(errors) + (step.name == "place" ? "" : input::readText(log)));

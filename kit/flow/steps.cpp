@@ -62,11 +62,17 @@ std::string colourSummary(const std::string& log)
 std::string placementSummary(const std::string& path)
 {
     const nlohmann::json result = nlohmann::json::parse(input::readText(path));
+    if (result["placement"].is_null()) {
+        return "no placement";
+    }
     const nlohmann::json& after =
         result["rescue"].is_null() ? result["placement"] : result["rescue"]["placement"];
     std::ostringstream text;
     text << "HPWL " << result["report"]["init HPWL"] << " -> " << after["hpwl"] << ", " << after["stitches"]
          << " stitches, " << after["conflicts"] << " conflicts";
+    if (result["judge"].is_object() && result["judge"]["errors"] > 0) {
+        text << "; verify finds " << input::counted(result["judge"]["errors"], "error");
+    }
     return text.str();
 }
 
@@ -160,8 +166,13 @@ Step exportStep(const Options& options, const Places& places)
     Words words{"export", places.placed + ".json", "--def",   options.def,  "-o", options.out + ".def",
                 "--gds",  options.out + ".gds",    "--layer", options.layer};
     addLefs(words, options);
-    words.insert(words.end(), {"--cell-path", places.cellDir, "--force"});
-    return {.name = "export", .words = words, .advice = "see the messages", .summary = firstLine};
+    // Fillers fill the gaps of the old placement; in the new one they would overlap cells.
+    words.insert(words.end(), {"--cell-path", places.cellDir, "--drop-fillers", "--force"});
+    return {.name = "export",
+            .words = words,
+            .goodStatus = 1,
+            .advice = "see the messages",
+            .summary = firstLine};
 }
 
 Step viewStep(const Options& options, const Places& places)

@@ -14,11 +14,11 @@ constexpr uint8_t MARK = 2; ///< may start what skipToSign() looks for, or what 
 constexpr std::array<uint8_t, 256> classes()
 {
     std::array<uint8_t, 256> table{};
-    for (const unsigned char c : {' ', '\t', '\n', '\v', '\f', '\r'}) {
-        table[c] = SPACE;
+    for (const char c : std::string_view(" \t\n\v\f\r")) {
+        table[static_cast<unsigned char>(c)] = SPACE;
     }
-    for (const unsigned char c : {';', '+', '-', 'E', '"', '#'}) {
-        table[c] = MARK;
+    for (const char c : std::string_view(";+-E\"#")) {
+        table[static_cast<unsigned char>(c)] = MARK;
     }
     return table;
 }
@@ -65,7 +65,7 @@ void Scanner::advance()
     }
     m_pos = p;
     if (p == m_end) {
-        m_token = {std::string_view(p, 0), Token::Kind::END};
+        m_token = {m_text.substr(m_text.size()), Token::Kind::END};
         return;
     }
     if (*p == '"' && takeString()) {

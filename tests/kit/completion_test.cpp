@@ -39,7 +39,7 @@ TEST(KitCompletion, OffersSubcommands)
 {
     EXPECT_EQ(offered("pl"), "place\n");
     const std::string all = " " + offered("\"\"");
-    for (const char* name : {"compare", "flow", "gen", "import", "lint", "place", "verify", "view"}) {
+    for (const char* name : {"color", "compare", "export", "flow", "gen", "import", "lint", "place", "verify", "view"}) {
         EXPECT_NE(all.find(" " + std::string(name) + " "), std::string::npos) << name << " in" << all;
     }
 }
@@ -48,6 +48,7 @@ TEST(KitCompletion, OffersTheOptionsOfASubcommand)
 {
     EXPECT_EQ(offered("place --re"), "--rescue\n");
     EXPECT_EQ(offered("lint --we"), "--werror\n");
+    EXPECT_EQ(offered("color --st"), "--stitch-overlap\n");
     EXPECT_EQ(offered("export --lef-"), "--lef-masks\n");
 }
 

@@ -31,6 +31,7 @@ const ReadCase HEADERS[] = {
     {"StringHoldsAnything",
      "HISTORY \"a \\\" ; # b\nEND DESIGN\" ; DESIGN \"g c d\" ; END DESIGN",
      {"design g c d"}},
+    {"HistoryIsAnyText", "HISTORY moved u1 - and u2 + the END of it ; DESIGN d ; END DESIGN", {"design d"}},
     {"EscapesStayInNames", "DESIGN \\a\\[1\\];\\\" ; END DESIGN", {"design \\a\\[1\\];\\\""}},
     {"SemicolonGluedToNumberAndKeyword",
      "VERSION 5.8; NAMESCASESENSITIVE ON; UNITS DISTANCE MICRONS 100; DIEAREA ( 0 0 ) ( 1 1 ); END DESIGN",
@@ -86,6 +87,9 @@ const ReadCase HEADERS[] = {
      "END NETS\nDESIGN a ; END DESIGN",
      {"design a",
       "error wrong-end 1:1: END \"NETS\" stands where the file \"DESIGN\" ends; write END DESIGN"}},
+    {"EndOfAnEmptyName",
+     "END \"\"\nDESIGN a ; END DESIGN",
+     {"design a", "error wrong-end 1:1: END \"\" stands where the file \"DESIGN\" ends; write END DESIGN"}},
     {"ZeroByte",
      std::string("DESIGN a\0b ; END DESIGN", 23),
      {std::string("design a\0b", 10), "error not-text 1:9: a zero byte stands here, and the file is no text; "
@@ -203,7 +207,7 @@ const ReadCase COMPONENTS[] = {
      {"component a INV NONE (0 0) N []",
       "warning wrong-count 1:1: COMPONENTS says 1 record, and 0 follow; write 0",
       "warning wrong-count 2:1: COMPONENTS says -1 records, and 1 follow; write 1"}},
-    {"HugeCountTakesNoMemory",
+    {"HugeCount",
      "COMPONENTS 2147483647 ; - a INV ; END COMPONENTS END DESIGN",
      {"component a INV NONE (0 0) N []",
       "warning wrong-count 1:1: COMPONENTS says 2147483647 records, and 1 follow; write 1"}},
@@ -410,6 +414,32 @@ const ReadCase BLOCKAGES[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Blockages, DefReader, testing::ValuesIn(BLOCKAGES),
                          testing::PrintToStringParamName());
+
+TEST(DefReader, KnowsWhereThingsStand)
+{
+    const std::string text =
+        "ROW r s 0 0 N ;\nCOMPONENTS 2 ; - c1 INV + PLACED ( 0 0 ) N; - \"c2\" INV ; END COMPONENTS\n"
+        "PINS 1 ; - p1 ; END PINS NETS 1 ; - n1 ; END NETS BLOCKAGES 1 ; - PLACEMENT RECT ( 0 0 ) "
+        "( 1 1 ) ; END BLOCKAGES END DESIGN";
+    const kit::lefdef::Source source("d.def", text);
+    kit::input::Findings findings;
+    const kit::lefdef::Def def = readDef(source, findings);
+    EXPECT_EQ(def.rows.at(0).offset, text.find("ROW"));
+    EXPECT_EQ(def.components.at(0).offset, text.find("c1"));
+    EXPECT_EQ(def.components.at(0).endOffset, text.find("; - \"c2"));
+    EXPECT_EQ(def.components.at(1).offset, text.find("\"c2"));
+    EXPECT_EQ(def.components.at(1).endOffset, text.find("; END COMP"));
+    EXPECT_EQ(def.pins.at(0).offset, text.find("p1"));
+    EXPECT_EQ(def.nets.at(0).offset, text.find("n1"));
+    EXPECT_EQ(def.blockages.at(0).offset, text.find("PLACEMENT"));
+}
+
+TEST(DefReader, TakesNoMemoryForWhatTheHeaderPromises)
+{
+    const kit::lefdef::Source source("d.def", "COMPONENTS 2000000000 ; - a INV ; END COMPONENTS END DESIGN");
+    kit::input::Findings findings;
+    EXPECT_LE(readDef(source, findings).components.capacity(), source.text().size());
+}
 
 TEST(DefReader, RefusesPolygonsOfTooManyCorners)
 {
