@@ -150,6 +150,7 @@ std::vector<Box> boxesOfPolygon(const std::vector<LefPoint>& corners)
         return {};
     }
     std::vector<Length> heights;
+    heights.reserve(corners.size());
     for (const LefPoint& corner : corners) {
         heights.push_back(corner.y);
     }

@@ -16,7 +16,7 @@ uint64_t real8Of(double value)
     const int exponent = exponentOfTwo > 0 ? (exponentOfTwo + 3) / 4 : -(-exponentOfTwo / 4);
     assert(exponent >= -64 && exponent <= 63);
     const auto mantissa = static_cast<uint64_t>(std::ldexp(fraction, 56 + exponentOfTwo - 4 * exponent));
-    const auto excess = static_cast<uint64_t>(exponent + 64);
+    const auto excess = static_cast<uint64_t>(exponent) + 64;
     return (value < 0 ? uint64_t{1} << 63U : 0) | (excess << 56U) | mantissa;
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // New places in a DEF file, and everything else as it was.
+#include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
 #include "kit/export/edits.h"

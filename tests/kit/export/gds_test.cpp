@@ -2,6 +2,7 @@
 // The GDSII writer, its numbers and its names.
 #include "kit/export/gdsReader.h"
 
+#include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
 #include <algorithm>

@@ -2,6 +2,7 @@
 // Layouts, read back literally, and their units.
 #include "kit/export/layout.h"
 
+#include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
 #include "kit/export/gdsReader.h"
