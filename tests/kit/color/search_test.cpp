@@ -303,6 +303,14 @@ TEST(KitColorSpread, KeepsAQuarterForMoreStitches)
     EXPECT_EQ(chosen[9].cost, 2U);
 }
 
+TEST(KitColorSpread, TakesTheCheaperOfThoseWithMoreStitches)
+{
+    std::vector<Colouring> all{colouring(0, {0, 0}), colouring(1, {0, 1}), colouring(1, {1, 0}),
+                               colouring(2, {2, 2})};
+    EXPECT_EQ(kit::color::chosen(all, 3).back().cost, 1U);
+    EXPECT_EQ(kit::color::chosen(all, 4).back().cost, 2U);
+}
+
 TEST(KitColorSpread, GivesFreePlacesToTheOthers)
 {
     std::vector<Colouring> all{colouring(0, {0}), colouring(0, {1})};
