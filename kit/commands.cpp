@@ -3,7 +3,10 @@
 
 #include "kit/color/command.h"
 #include "kit/compare/command.h"
+#include "kit/export/command.h"
+#include "kit/flow/command.h"
 #include "kit/gen/command.h"
+#include "kit/import/command.h"
 #include "kit/lint/command.h"
 #include "kit/place/command.h"
 #include "kit/verify/command.h"
@@ -13,8 +16,9 @@ namespace kit {
 
 std::vector<AddCommand> allCommands()
 {
-    return {gen::addCommand,     lint::addCommand, place::addCommand, verify::addCommand,
-            compare::addCommand, view::addCommand, color::addCommand};
+    return {flow::addCommand,    importing::addCommand, color::addCommand,    lint::addCommand,
+            place::addCommand,   verify::addCommand,    exporter::addCommand, view::addCommand,
+            compare::addCommand, gen::addCommand};
 }
 
 } // namespace kit

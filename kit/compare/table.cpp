@@ -24,6 +24,7 @@ constexpr Source SOURCES[] = {
     {"HPWL after rescue, DBU", "/rescue/placement/hpwl"},
     {"stitches", "/placement/stitches"},
     {"conflicts, as the placer counts", "/placement/conflicts"},
+    {"conflicts, by geometry", "/judge/conflicts"},
     {"dropped cells", "/placement/dropped_cells"},
     {"cells beyond their segment", "/placement/cells_beyond_segment"},
     {"overlapping cells", "/placement/overlapping_cells"},

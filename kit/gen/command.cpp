@@ -66,6 +66,7 @@ void addFileOptions(CLI::App& command, Options& options)
     command.add_option("--seed", options.seed, "the same seed gives the same files")
         ->check(CLI::Validator(faultOfSeed, ""))
         ->capture_default_str();
+    command.add_flag("--lef-def", options.lefDef, "write OUT.lef and OUT.def as well");
     command.add_flag("--force", options.force, "replace files that exist");
 }
 

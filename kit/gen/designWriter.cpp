@@ -5,31 +5,12 @@
 #include <system_error>
 
 #include "kit/fault.h"
+#include "kit/gen/scale.h"
 #include "kit/outputFile.h"
 
 namespace kit::gen {
 
 namespace {
-
-constexpr int32_t DBU_PER_MICROMETRE = 2000;
-constexpr int32_t BORDER_SITES = 6; // between the rows and the design's left and right edge
-constexpr int32_t BORDER_ROWS = 1;  // between the rows and its lower and upper edge
-
-/// From sites and rows to DBU.
-struct Scale {
-    explicit Scale(const Options& options) : step(options.siteStep), height(rowHeight(options)) {}
-
-    int32_t x(int32_t site) const { return (site + BORDER_SITES) * step; }
-    int32_t y(int32_t row) const { return (row + BORDER_ROWS) * height; }
-
-    int32_t step;   ///< site width, DBU
-    int32_t height; ///< row height, DBU
-};
-
-const char* orientOfRow(int32_t row)
-{
-    return row % 2 == 0 ? "N" : "FS";
-}
 
 std::string colorPath(const Options& options, const std::string& cell)
 {
@@ -82,8 +63,8 @@ void writeHeader(OutputFile& out, const Floorplan& plan, const Scale& scale, con
     writeMicrometres(out, scale.y(0));
     out << "  DESIGN CORE_BOX_UR_Y REAL ";
     writeMicrometres(out, scale.y(plan.rows));
-    out << "END PROPERTYDEFINITIONS\n\nDIEAREA ( 0 0 ) ( " << scale.x(plan.sitesPerRow + BORDER_SITES) << " "
-        << scale.y(plan.rows + BORDER_ROWS) << " ) ;\n\n";
+    out << "END PROPERTYDEFINITIONS\n\nDIEAREA ( 0 0 ) ( " << scale.x(plan.sitesPerRow + Scale::BORDER_SITES)
+        << " " << scale.y(plan.rows + Scale::BORDER_ROWS) << " ) ;\n\n";
 }
 
 void writeRows(OutputFile& out, const Floorplan& plan, const Scale& scale)
@@ -131,6 +112,10 @@ void requireNoFiles(const Options& options)
     }
     for (int32_t type = 0; type < options.cellTypes; ++type) {
         paths.push_back(colorPath(options, nameOfType(type)));
+    }
+    if (options.lefDef) {
+        paths.push_back(options.out + ".lef");
+        paths.push_back(options.out + ".def");
     }
     for (const std::string& path : paths) {
         std::error_code unknown; // then writing will tell

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "kit/gen/designWriter.h"
+#include "kit/gen/lefDefWriter.h"
 
 namespace kit::gen {
 
@@ -33,6 +34,10 @@ void generate(const Options& options)
     writePlacement(placement, library, options);
     writePins(netlist, options);
     writeNets(netlist, options);
+    if (options.lefDef) {
+        writeLef(library, placement.plan, options);
+        writeDef(placement, library, netlist, options);
+    }
     describe(options, placement, netlist);
 }
 

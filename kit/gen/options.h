@@ -10,6 +10,7 @@ namespace kit::gen {
 struct Options {
     std::string out;             ///< path and base name of the design files
     std::string cellDir;         ///< folder of the colour files; empty: OUT.colors
+    bool lefDef = false;         ///< write LEF and DEF files as well
     bool force = false;          ///< replace files that exist
     uint64_t seed = 1;           ///< decides everything random
     int32_t components = 20'000; ///< placed cells

@@ -42,10 +42,10 @@ struct DefComponent {
     Orient orient = Orient::N;
     int32_t x = 0; ///< lower left corner of the cell as it lies, DBU
     int32_t y = 0;
-    size_t offset = 0; ///< of its name
-    size_t placeBegin =
-        0; ///< of the status word, with its orientation up to placeEnd; both 0 if there is no place
-    size_t placeEnd = 0;
+    size_t offset = 0;     ///< of its name
+    size_t placeBegin = 0; ///< of the status word, UNPLACED too; 0 as well as placeEnd if there is none
+    size_t placeEnd = 0;   ///< behind the status and, if there is one, the orientation
+    size_t endOffset = 0;  ///< of the `;`
 };
 
 struct DefPin {

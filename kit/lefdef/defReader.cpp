@@ -50,6 +50,7 @@ private:
     bool startsStatement() const;
     void skipStatement() { m_in.skipStatement(); }
     void skipSection() { m_in.skipToEnd("section", m_keyword, "DESIGN"); }
+    void skipHistory() { m_in.skipText(); }
     void skipExtension() { m_in.skipExtension(); }
     void skipUnknown();
 
@@ -118,7 +119,7 @@ const std::array<DefReader::Rule, 39> DefReader::RULES = {{
     {"DIVIDERCHAR", &DefReader::skipStatement},
     {"FLOORPLAN", &DefReader::skipStatement},
     {"GCELLGRID", &DefReader::skipStatement},
-    {"HISTORY", &DefReader::skipStatement},
+    {"HISTORY", &DefReader::skipHistory},
     {"TECHNOLOGY", &DefReader::skipStatement},
     {"TRACKS", &DefReader::skipStatement},
     {"ASSERTIONS", &DefReader::skipSection},
@@ -307,6 +308,7 @@ void DefReader::readComponent()
             component.placeEnd = m_in.takenEnd();
         }
     }
+    component.endOffset = m_in.offset();
     keepIfNew(component, m_def.components, m_components, "component");
 }
 

@@ -8,7 +8,7 @@
 namespace kit::lefdef {
 
 /// How a cell lies: turned counterclockwise by 0 (N), 90 (W), 180 (S) or 270 (E) degrees; those with an F are
-/// mirrored at the y axis before they are turned.
+/// turned, and then mirrored at the y axis.
 enum class Orient : uint8_t { N, W, S, E, FN, FW, FS, FE };
 
 /// The name of an orientation, as in a DEF file.

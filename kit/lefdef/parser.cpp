@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/lefdef/parser.h"
 
+#include <algorithm>
 #include <charconv>
 #include <limits>
 #include <system_error>
@@ -162,7 +163,7 @@ int32_t Parser::count(const char* what)
         failAt(at, "range", "the " + std::string(what) + " is " + std::to_string(value),
                "give a number from 1 on");
     }
-    return value;
+    return std::max(value, 1);
 }
 
 int64_t Parser::length(const char* what)
@@ -224,7 +225,7 @@ bool Parser::takeEnd(const char* kind, std::string_view name, std::string_view o
                      (bare ? "END" : "END " + quoted(found)) + " stands where the " + kind + " " +
                          quoted(name) + " ends",
                      "write END " + std::string(name));
-    if (!bare && found == outer) {
+    if (!bare && !outer.empty() && found == outer) {
         m_scanner.rewind(at);
     } else if (!bare) {
         advance();
@@ -260,6 +261,16 @@ void Parser::skipToEnd(const char* kind, std::string_view name, std::string_view
         advance();
     }
     missingEnd(kind, name, begin);
+}
+
+void Parser::skipText()
+{
+    m_scanner.skipToSign();
+    while (!atFileEnd() && !matches(";")) {
+        m_scanner.advance();
+        m_scanner.skipToSign();
+    }
+    finish();
 }
 
 void Parser::skipExtension()

@@ -59,7 +59,7 @@ public:
     /// Takes a whole number. Errors: "number"; "range" if it has more than 32 bits.
     int32_t integer(const char* what);
 
-    /// As integer(). Errors: "range" also if it is below 1.
+    /// As integer(). Errors: "range" also if it is below 1; the value is then 1, which can be divided by.
     int32_t count(const char* what);
 
     /// Takes a number of micrometres as picometres, at most 1'000'000'000 micrometres. Errors: "number",
@@ -96,7 +96,7 @@ public:
     /// An error, "wrong-end", if it is another name; if that is the name of what is around, nothing is taken.
     ///
     /// @param kind   what ends, for the texts: "section"
-    /// @param outer  name that ends what is around
+    /// @param outer  name that ends what is around, empty if nothing is
     /// @return whether it is the name
     bool takeEnd(const char* kind, std::string_view name, std::string_view outer);
 
@@ -110,6 +110,9 @@ public:
     ///
     /// @param nested  other names end parts of it
     void skipToEnd(const char* kind, std::string_view name, std::string_view outer, bool nested = false);
+
+    /// Passes over any text up to a `;`, which is taken.
+    void skipText();
 
     /// Passes over an extension up to its ENDEXT.
     void skipExtension();

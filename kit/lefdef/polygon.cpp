@@ -26,6 +26,7 @@ std::vector<int32_t> spansOf(const std::vector<DefPoint>& corners, int32_t yl, i
 std::vector<int32_t> heightsOf(const std::vector<DefPoint>& corners)
 {
     std::vector<int32_t> heights;
+    heights.reserve(corners.size());
     for (const DefPoint& corner : corners) {
         heights.push_back(corner.y);
     }

@@ -14,11 +14,11 @@ constexpr uint8_t MARK = 2; ///< may start what skipToSign() looks for, or what 
 constexpr std::array<uint8_t, 256> classes()
 {
     std::array<uint8_t, 256> table{};
-    for (const unsigned char c : {' ', '\t', '\n', '\v', '\f', '\r'}) {
-        table[c] = SPACE;
+    for (const char c : std::string_view(" \t\n\v\f\r")) {
+        table[static_cast<unsigned char>(c)] = SPACE;
     }
-    for (const unsigned char c : {';', '+', '-', 'E', '"', '#'}) {
-        table[c] = MARK;
+    for (const char c : std::string_view(";+-E\"#")) {
+        table[static_cast<unsigned char>(c)] = MARK;
     }
     return table;
 }
@@ -65,7 +65,7 @@ void Scanner::advance()
     }
     m_pos = p;
     if (p == m_end) {
-        m_token = {std::string_view(p, 0), Token::Kind::END};
+        m_token = {m_text.substr(m_text.size()), Token::Kind::END};
         return;
     }
     if (*p == '"' && takeString()) {
@@ -110,44 +110,48 @@ size_t Scanner::offset() const
 
 void Scanner::skipToSign()
 {
-    if (m_token.kind == Token::Kind::WORD && (isSign(m_token.text) || takeGluedSemicolon(m_pos - 1))) {
-        return;
-    }
-    const char* p = m_pos;
-    while (m_token.kind != Token::Kind::END) {
-        while (p != m_end && !isMark(*p)) {
-            ++p;
-        }
-        if (p == m_end || isSpace(p[-1]) || p == m_pos) {
-            m_pos = p;
-            advance();
-            if (m_token.kind == Token::Kind::WORD && isSign(m_token.text)) {
-                return;
-            }
-            p = m_pos;
-        } else if (takeGluedSemicolon(p)) {
-            return;
-        } else {
-            ++p;
-        }
+    while (m_token.kind != Token::Kind::END && !takeSign()) {
+        m_pos = nextCandidate();
+        advance();
     }
 }
 
-bool Scanner::takeGluedSemicolon(const char* at)
+/// Whether the present token is a sign or ends in a `;` that counts, which is then the present one.
+bool Scanner::takeSign()
 {
-    if (*at != ';' || (at + 1 != m_end && !isSpace(at[1]))) {
+    const std::string_view text = m_token.text;
+    if (m_token.kind != Token::Kind::WORD) {
         return false;
     }
-    const char* begin = at;
-    while (begin != m_text.data() && !isSpace(begin[-1])) {
-        --begin;
+    if (isSign(text)) {
+        return true;
     }
-    if (!isNumberOrKeyword({begin, static_cast<size_t>(at - begin)})) {
+    if (text.back() != ';' || !isNumberOrKeyword(text.substr(0, text.size() - 1))) {
         return false;
     }
-    m_token = {std::string_view(at, 1), Token::Kind::WORD};
-    m_pos = at + 1;
+    cut(text.size() - 1);
     return true;
+}
+
+/// Where the next token begins that takeSign() has to see, or that hides such: a comment, a string.
+const char* Scanner::nextCandidate() const
+{
+    const char* p = m_pos;
+    for (; p != m_end; ++p) {
+        if (!isMark(*p)) {
+            continue;
+        }
+        if (p == m_pos || isSpace(p[-1])) {
+            return p;
+        }
+        if (*p == ';' && (p + 1 == m_end || isSpace(p[1]))) {
+            while (p != m_pos && !isSpace(p[-1])) {
+                --p;
+            }
+            return p;
+        }
+    }
+    return p;
 }
 
 } // namespace kit::lefdef

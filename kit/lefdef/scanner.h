@@ -50,7 +50,8 @@ public:
 
 private:
     bool takeString();
-    bool takeGluedSemicolon(const char* at);
+    bool takeSign();
+    const char* nextCandidate() const;
 
     std::string_view m_text;
     const char* m_end;

@@ -67,8 +67,9 @@ void ShapeReader::readLayer()
 {
     m_anyLayer = true;
     m_onLayer = m_in.name("name of the layer") == m_layer;
-    while (m_in.more()) { // EXCEPTPGNET, SPACING and DESIGNRULEWIDTH
-        m_in.keyword("rule of the layer");
+    m_in.take("EXCEPTPGNET");
+    if (m_in.take("SPACING") || m_in.take("DESIGNRULEWIDTH")) {
+        m_in.length("distance");
     }
     m_in.finish();
 }

@@ -20,6 +20,7 @@ public:
     explicit Source(std::string path);
     /// Takes a text that is there already.
     Source(std::string path, std::string text);
+    ~Source() = default;
     Source(const Source&) = delete; ///< views into the text must stay good
     Source& operator=(const Source&) = delete;
 

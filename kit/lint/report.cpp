@@ -8,6 +8,7 @@
 #include <tuple>
 #include <unordered_map>
 
+#include "kit/input/findingText.h"
 #include "kit/input/text.h"
 
 namespace kit::lint {
@@ -20,44 +21,9 @@ using input::Severity;
 
 constexpr int SCHEMA = 1;
 
-const char* wordOf(Severity severity)
-{
-    switch (severity) {
-    case Severity::ERROR:
-        return "error";
-    case Severity::WARNING:
-        return "warning";
-    case Severity::NOTE:
-        break;
-    }
-    return "note";
-}
-
-void writeLine(const Finding& finding, std::string& line)
-{
-    line = finding.file;
-    if (finding.line > 0) {
-        line += ':';
-        line += std::to_string(finding.line);
-    }
-    line += ": ";
-    line += wordOf(finding.severity);
-    line += ": ";
-    line += finding.what;
-    if (!finding.advice.empty()) {
-        line += "; ";
-        line += finding.advice;
-    }
-    std::replace_if(
-        line.begin(), line.end(), [](char c) { return (c >= 0 && c < ' ') || c == '\x7f'; }, '?');
-    line += " [";
-    line += finding.code;
-    line += "]\n";
-}
-
 nlohmann::ordered_json jsonOf(const Finding& finding)
 {
-    return {{"severity", wordOf(finding.severity)},
+    return {{"severity", input::wordOf(finding.severity)},
             {"code", finding.code},
             {"file", finding.file},
             {"line", finding.line},
@@ -117,10 +83,8 @@ void sortFindings(Findings& findings, const input::Paths& paths)
 
 void writeText(const Findings& findings, std::ostream& out)
 {
-    std::string line;
     for (const Finding& finding : findings) {
-        writeLine(finding, line);
-        out << line;
+        out << input::lineOf(finding);
     }
     const Counts counts = countsOf(findings);
     out << input::counted(counts.errors, "error") << ", " << input::counted(counts.warnings, "warning")

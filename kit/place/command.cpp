@@ -49,7 +49,8 @@ void addCommand(CLI::App& program, int& exitStatus)
     CLI::App& command = *program.add_subcommand("place", "Run the placer and keep what it made");
     command.footer(
         "Example:\n  vireloce-kit place gcd/gcd --cell-path nangate45_color -o out/gcd --rescue\n\n"
-        "Exit status: 0 placed and clean; 1 with conflicts, cells without a place, or no placement; "
+        "Exit status: 0 placed and clean; 1 with conflicts (the placer's or verify's), cells without a "
+        "place, or no placement; "
         "2 bad usage or input.");
     const auto options = std::make_shared<Options>();
     addFileOptions(command, *options);

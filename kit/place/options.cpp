@@ -21,7 +21,7 @@ bool isSameFile(const std::string& a, const std::string& b)
 void checkOutput(const Options& options, const char* extension)
 {
     const std::string path = options.out + extension;
-    for (const char* input : {".place", ".pins", ".netlist", ".cells"}) {
+    for (const char* input : {".place", ".pins", ".netlist", ".cells", MAP}) {
         if (isSameFile(path, options.base + input)) {
             throw Fault(path + " is an input: choose another -o");
         }
@@ -57,6 +57,7 @@ void checkOutputs(const Options& options)
     for (const char* extension : COPIED) {
         checkOutput(options, extension);
     }
+    checkOutput(options, MAP);
 }
 
 } // namespace kit::place

@@ -30,6 +30,9 @@ std::vector<std::string> placerArguments(const Options& options);
 inline constexpr const char* WRITTEN[] = {".place", ".colors", ".json"};
 inline constexpr const char* COPIED[] = {".cells", ".pins", ".netlist"};
 
+/// Extension of the map of an imported design, which is copied as well where there is one.
+inline constexpr const char* MAP = ".map";
+
 /// Checks that the results may be written.
 ///
 /// Errors: throws Fault if a result would replace an input, or anything without `force`.

@@ -7,10 +7,12 @@
 #include <nlohmann/json.hpp>
 
 #include "app/parameterScope.h"
+#include "app/parameters.h"
 #include "db/design.h"
 #include "kit/fault.h"
 #include "kit/input/colors.h"
 #include "kit/outputFile.h"
+#include "kit/place/judgement.h"
 #include "kit/place/placementText.h"
 #include "kit/place/progressLine.h"
 #include "kit/place/resultJson.h"
@@ -55,9 +57,9 @@ void copyInput(const std::string& from, const std::string& to)
 }
 
 /// Looks on while the placer runs, and writes what comes out.
-class Session {
+class KeptRun {
 public:
-    explicit Session(const Options& options) : m_options(options), m_line(options.quiet) {}
+    explicit KeptRun(const Options& options) : m_options(options), m_line(options.quiet) {}
 
     int run()
     {
@@ -71,10 +73,15 @@ public:
             return UNREADABLE;
         }
         const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
+        nlohmann::ordered_json result =
+            resultJson(m_options, run, std::move(m_placement), std::move(m_rescue), seconds.count());
+        if (m_written) { // what this takes is not the placer's time and memory
+            const Judgement judgement = judge(m_options, MINDPLDIST);
+            m_clean = m_clean && judgement.errors == 0;
+            result["judge"] = toJson(judgement);
+        }
         OutputFile json(m_options.out + ".json");
-        json << resultJson(m_options, run, std::move(m_placement), std::move(m_rescue), seconds.count())
-                    .dump(1)
-             << "\n";
+        json << result.dump(1) << "\n";
         json.commit();
         return run.complete && m_clean ? CLEAN : NOT_CLEAN;
     }
@@ -94,6 +101,7 @@ private:
         }
         m_clean = state.conflicts == 0 && withoutPlace(state).empty();
         writeFiles(design);
+        m_written = true;
     }
 
     /// Components that nobody could build where they are, by index.
@@ -125,6 +133,17 @@ private:
         for (const char* extension : COPIED) {
             copyInput(m_options.base + extension, m_options.out + extension);
         }
+        copyMap();
+    }
+
+    /// An imported design has a map back to its DEF file; one of an earlier result would be the wrong one.
+    void copyMap() const
+    {
+        if (std::filesystem::exists(m_options.base + MAP)) {
+            copyInput(m_options.base + MAP, m_options.out + MAP);
+        } else {
+            std::filesystem::remove(m_options.out + MAP);
+        }
     }
 
     const Options& m_options;
@@ -133,6 +152,7 @@ private:
     std::vector<Point> m_start; ///< [component] positions before the placement
     nlohmann::ordered_json m_placement;
     nlohmann::ordered_json m_rescue;
+    bool m_written = false; ///< OUT.place and OUT.colors
     bool m_clean = false;
 };
 
@@ -141,7 +161,7 @@ private:
 int place(const Options& options)
 {
     checkOutputs(options);
-    return Session(options).run();
+    return KeptRun(options).run();
 }
 
 } // namespace kit::place

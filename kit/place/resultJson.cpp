@@ -164,6 +164,7 @@ Json resultJson(const Options& options, const PlacerRun& run, Json placement, Js
             {"passes", passesJson(run.passes)},
             {"placement", std::move(placement)},
             {"rescue", std::move(rescue)},
+            {"judge", nullptr},
             {"seconds", seconds},
             {"peak_memory_kib", peakMemoryKib()}};
 }

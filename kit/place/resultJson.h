@@ -24,7 +24,7 @@ nlohmann::ordered_json toJson(const Design& design, const State& state);
 /// What a rescue did.
 nlohmann::ordered_json toJson(const Design& design, const Rescue& rescue);
 
-/// The whole result.
+/// The whole result; its member "judge" is null.
 ///
 /// @param placement  of toJson(), null if the run gave none
 /// @param rescue     null if none was asked for

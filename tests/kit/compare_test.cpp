@@ -65,7 +65,7 @@ TEST(KitCompare, RefusesWhatIsNoResult)
 
 TEST(KitCompare, ReadsWhatPlaceWrites)
 {
-    const test::GeneratedDesign design;
+    const test::GeneratedDesign design{{"--mirrored", "0"}};
     test::TempDir dir;
     for (const char* algo : {"0", "1"}) {
         const test::KitOutcome placed =
@@ -76,6 +76,7 @@ TEST(KitCompare, ReadsWhatPlaceWrites)
     const test::KitOutcome outcome = test::runKit({"compare", dir.path("a0.json"), dir.path("a1.json")});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_NE(outcome.output.find("| mean displacement, sites | "), std::string::npos) << outcome.output;
+    EXPECT_NE(outcome.output.find("| conflicts, by geometry | 0 | 0 |"), std::string::npos) << outcome.output;
     EXPECT_NE(outcome.output.find("| passes | 1 | 1 |"), std::string::npos) << outcome.output;
 }
 

@@ -1,11 +1,51 @@
-vireloce_test(kit kit/cellLibrary_test.cpp kit/colors_test.cpp kit/command_test.cpp kit/compare_test.cpp kit/completion_test.cpp
-    kit/color/cell_test.cpp kit/color/command_test.cpp kit/color/cuts_test.cpp kit/color/library_test.cpp
-    kit/color/metal_test.cpp kit/color/search_test.cpp
-    kit/design_test.cpp kit/input/reader_test.cpp
-    kit/lint/damage_test.cpp kit/lint/report_test.cpp kit/netlist_test.cpp kit/outputFile_test.cpp
-    kit/place/place_test.cpp kit/placer_test.cpp kit/random_test.cpp
-    kit/verify/command_test.cpp kit/verify/conflict_test.cpp kit/verify/kinds_test.cpp kit/verify/report_test.cpp
-    kit/view/command_test.cpp kit/view/picture_test.cpp kit/view/scene_test.cpp kit/view/text_test.cpp)
+vireloce_test(kit
+    kit/cellLibrary_test.cpp
+    kit/color/cell_test.cpp
+    kit/color/command_test.cpp
+    kit/color/cuts_test.cpp
+    kit/color/library_test.cpp
+    kit/color/metal_test.cpp
+    kit/color/search_test.cpp
+    kit/colors_test.cpp
+    kit/command_test.cpp
+    kit/compare_test.cpp
+    kit/completion_test.cpp
+    kit/design_test.cpp
+    kit/export/command_test.cpp
+    kit/export/def_test.cpp
+    kit/export/gds_test.cpp
+    kit/export/layout_test.cpp
+    kit/export/lefMasks_test.cpp
+    kit/export/pieces_test.cpp
+    kit/flow/flow_test.cpp
+    kit/import/cells_test.cpp
+    kit/import/gcd_test.cpp
+    kit/import/generated_test.cpp
+    kit/import/rows_test.cpp
+    kit/input/reader_test.cpp
+    kit/lefdef/def_test.cpp
+    kit/lefdef/example_test.cpp
+    kit/lefdef/lef_test.cpp
+    kit/lefdef/nameMap_test.cpp
+    kit/lefdef/parts_test.cpp
+    kit/lefdef/transform_test.cpp
+    kit/lint/damage_test.cpp
+    kit/lint/report_test.cpp
+    kit/netlist_test.cpp
+    kit/outputFile_test.cpp
+    kit/place/place_test.cpp
+    kit/place/progressLine_test.cpp
+    kit/placer_test.cpp
+    kit/process/childProcess_test.cpp
+    kit/random_test.cpp
+    kit/verify/command_test.cpp
+    kit/verify/conflict_test.cpp
+    kit/verify/kinds_test.cpp
+    kit/verify/report_test.cpp
+    kit/view/command_test.cpp
+    kit/view/picture_test.cpp
+    kit/view/scene_test.cpp
+    kit/view/text_test.cpp)
 target_compile_definitions(test_kit PRIVATE
     VIRELOCE_KIT_COMPLETION="${PROJECT_SOURCE_DIR}/kit/completion/vireloce-kit"
     VIRELOCE_KIT_PROGRAM="$<TARGET_FILE:vireloce-kit>"

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace kit::exporter {
+
+/// Makes names of structures as a GDSII file may have them: at most 32 of the characters A-Z, a-z, 0-9, "_",
+/// "?" and "$", and none twice.
+class GdsNames {
+public:
+    static constexpr size_t LONGEST = 32; ///< characters
+
+    /// A name that was not given out yet: stem and suffix as they are if that can be. Other characters become
+    /// "_", a stem that is too long is cut, and a name that is taken gets "$2", "$3" and so on between the
+    /// two.
+    ///
+    /// @param suffix  at most 20 characters
+    std::string take(std::string_view stem, std::string_view suffix);
+
+private:
+    std::unordered_set<std::string> m_taken;
+    std::unordered_map<std::string, int64_t> m_next; ///< number to try next for a name that is taken
+};
+
+} // namespace kit::exporter

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Everything that an export reads.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "kit/export/options.h"
+#include "kit/export/result.h"
+#include "kit/input/colors.h"
+#include "kit/input/design.h"
+#include "kit/input/finding.h"
+#include "kit/lefdef/def.h"
+#include "kit/lefdef/lef.h"
+#include "kit/lefdef/nameMap.h"
+#include "kit/lefdef/source.h"
+
+namespace kit::exporter {
+
+/// The files as they were read. Def has views into its source.
+struct Inputs {
+    ResultFiles files;
+    input::Design design;                           ///< the placement; its cells if colours were asked for
+    std::vector<input::ColorRecord> records;        ///< of the colours file, if asked for
+    std::vector<const input::ColorRecord*> colours; ///< [component] into records, nullptr for none
+    lefdef::NameMap map;                            ///< empty if there is none
+    bool imported = false;                          ///< the map is that of this very DEF file
+    std::unique_ptr<lefdef::Source> defSource;
+    lefdef::Def def;
+    std::vector<std::unique_ptr<lefdef::Source>> lefSources; ///< [LefMacro::source]
+    lefdef::Lef lef;
+};
+
+/// Whether an export needs the colours of the cells, and not only their places.
+bool needsColours(const Options& options);
+
+/// Reads everything.
+///
+/// @param findings  out: errors in the form of the files, and colours that do not fit their cells;
+///                  "no-solution", a warning for a component without colours; "other-file", a warning for a
+///                  DEF file that is not the one that was imported
+///
+/// Errors: throws Fault if a file cannot be opened, or a result would replace an input.
+Inputs readInputs(const Options& options, input::Findings& findings);
+
+} // namespace kit::exporter

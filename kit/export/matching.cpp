@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/export/matching.h"
+
+#include <algorithm>
+#include <optional>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "kit/fault.h"
+#include "kit/input/names.h"
+#include "kit/input/reporter.h"
+
+namespace kit::exporter {
+
+namespace {
+
+using lefdef::DefComponent;
+using lefdef::Orient;
+using lefdef::Status;
+
+constexpr int64_t NONE = -1;
+
+Orient orientOf(const std::string& name)
+{
+    return lefdef::orientOf(name).value_or(Orient::N); // the placer takes another word as N
+}
+
+/// The rows of a placement by their bottom edges.
+class Rows {
+public:
+    explicit Rows(const std::vector<input::Row>& rows)
+    {
+        for (const input::Row& row : rows) {
+            m_rows[row.y].push_back(&row);
+        }
+    }
+
+    /// Whether the row at a point is upside down; nothing if there is none.
+    std::optional<bool> upsideDownAt(int32_t x, int32_t y) const
+    {
+        const auto at = m_rows.find(y);
+        if (at == m_rows.end()) {
+            return {};
+        }
+        const auto row = std::find_if(at->second.begin(), at->second.end(), [x](const input::Row* candidate) {
+            const int64_t right = candidate->x + int64_t{candidate->numSites} * candidate->step;
+            return candidate->x <= x && x < right;
+        });
+        return row == at->second.end() ? std::nullopt
+                                       : std::optional(lefdef::isUpsideDown(orientOf((*row)->orient)));
+    }
+
+private:
+    std::unordered_map<int32_t, std::vector<const input::Row*>> m_rows;
+};
+
+/// The names of the DEF file for those in the placement.
+class Originals {
+public:
+    explicit Originals(const lefdef::NameMap& map)
+    {
+        for (const lefdef::Renamed& renamed : map.names) {
+            m_originals.try_emplace(renamed.name, renamed.original);
+        }
+    }
+
+    std::string_view of(std::string_view name) const
+    {
+        const auto at = m_originals.find(name);
+        return at == m_originals.end() ? name : at->second;
+    }
+
+private:
+    std::unordered_map<std::string_view, std::string_view> m_originals;
+};
+
+class Matcher {
+public:
+    Matcher(const Sides& sides, input::Findings& findings)
+        : m_sides(sides), m_reporter(findings, sides.placementPath), m_rows(sides.placement.rows),
+          m_originals(sides.map), m_partners(sides.def.components.size(), NONE)
+    {
+        m_inDef.reserve(sides.def.components.size());
+        for (size_t i = 0; i < sides.def.components.size(); ++i) {
+            m_inDef.try_emplace(sides.def.components[i].name, i);
+        }
+    }
+
+    Matching run()
+    {
+        readFlipped();
+        Matching matching;
+        for (size_t i = 0; i < m_sides.placement.components.size(); ++i) {
+            if (const std::optional<size_t> partner = partnerOf(i)) {
+                matching.placed.push_back(placedAt(i, *partner));
+            }
+        }
+        if (m_found == 0) {
+            throw Fault("no component of " + m_sides.placementPath + " is in " + m_sides.defSource.path() +
+                        ": it is another design");
+        }
+        addUntouched(matching);
+        return matching;
+    }
+
+private:
+    void readFlipped()
+    {
+        const input::NameIndex names = input::indexNames(m_sides.placement.components);
+        for (const std::string& name : m_sides.map.flipped) {
+            m_flipped.insert(name);
+            if (input::findName(names, name) < 0) {
+                m_reporter.warning("unknown-name", {},
+                                   "the map names the flipped component " + name + ", which is not here",
+                                   "export with the map that the import made");
+            }
+        }
+    }
+
+    /// The component of the DEF file that a placed one is, if it may be moved.
+    std::optional<size_t> partnerOf(size_t inPlace)
+    {
+        const input::Component& comp = m_sides.placement.components[inPlace];
+        const input::Place at{comp.line, 0};
+        const std::string original(m_originals.of(comp.name));
+        const auto partner = m_inDef.find(original);
+        if (partner == m_inDef.end()) {
+            m_reporter.warning("no-component", at,
+                               "the component " + original + " is not in " + m_sides.defSource.path(),
+                               "export into the file that the placement was made from");
+            return {};
+        }
+        ++m_found;
+        const DefComponent& component = m_sides.def.components[partner->second];
+        if (comp.cellName != component.macro) {
+            m_reporter.error("other-macro", at,
+                             original + " is a " + comp.cellName + " here and a " +
+                                 std::string(component.macro) + " in the DEF file",
+                             "export into the file that the placement was made from");
+            return {};
+        }
+        if (m_partners[partner->second] != NONE) {
+            m_reporter.error("same-component", at,
+                             "the component " + original + " of the DEF file comes a second time",
+                             "lint the placement");
+            return {};
+        }
+        m_partners[partner->second] = static_cast<int64_t>(inPlace);
+        if (component.status == Status::FIXED || component.status == Status::COVER) {
+            m_reporter.warning("fixed", at, original + " is fixed in the DEF file, and stays where it is",
+                               "import the design anew");
+            return {};
+        }
+        return partner->second;
+    }
+
+    Placed placedAt(size_t inPlace, size_t inDef)
+    {
+        const input::Component& comp = m_sides.placement.components[inPlace];
+        const DefComponent& component = m_sides.def.components[inDef];
+        std::optional<bool> upsideDown = m_rows.upsideDownAt(comp.x, comp.y);
+        if (upsideDown) {
+            upsideDown = *upsideDown != (m_flipped.count(comp.name) != 0);
+        } else {
+            upsideDown = lefdef::isUpsideDown(component.orient);
+            m_reporter.warning("off-row", {comp.line, 0},
+                               std::string(component.name) + " is on no row, and whether it is upside down "
+                                                             "is taken from the DEF file",
+                               "place with --rescue");
+        }
+        return {.inDef = inDef,
+                .inPlace = inPlace,
+                .x = comp.x,
+                .y = comp.y,
+                .orient = lefdef::upright(lefdef::isMirrored(orientOf(comp.orient)), *upsideDown)};
+    }
+
+    void addUntouched(Matching& matching) const
+    {
+        std::vector<bool> moves(m_partners.size());
+        for (const Placed& placed : matching.placed) {
+            moves[placed.inDef] = true;
+        }
+        for (size_t i = 0; i < moves.size(); ++i) {
+            const Status status = m_sides.def.components[i].status;
+            if (!moves[i] && status != Status::NONE && status != Status::UNPLACED) {
+                matching.untouched.push_back(i);
+            }
+        }
+    }
+
+    const Sides& m_sides;
+    input::Reporter m_reporter;
+    Rows m_rows;
+    Originals m_originals;
+    std::unordered_map<std::string_view, size_t> m_inDef;
+    std::vector<int64_t> m_partners; ///< [component of the DEF file] index in the placement, or NONE
+    std::unordered_set<std::string_view> m_flipped;
+    size_t m_found = 0; ///< components of the placement that are in the DEF file
+};
+
+} // namespace
+
+bool Placed::differs(const DefComponent& component) const
+{
+    return component.status != Status::PLACED || component.x != x || component.y != y ||
+           component.orient != orient;
+}
+
+Matching matchComponents(const Sides& sides, input::Findings& findings)
+{
+    return Matcher(sides, findings).run();
+}
+
+void tellLeftOut(const Sides& sides, const Matching& matching, const std::vector<bool>& fillers,
+                 input::Findings& findings)
+{
+    const Originals originals(sides.map);
+    std::unordered_set<std::string_view> macros;
+    for (const input::Macro& macro : sides.placement.macros) {
+        macros.insert(originals.of(macro.name));
+    }
+    lefdef::SourceReporter reporter(findings, sides.defSource);
+    for (const size_t index : matching.untouched) {
+        const DefComponent& component = sides.def.components[index];
+        if (component.status == Status::PLACED && !fillers[index] && macros.count(component.name) == 0) {
+            reporter.warning("left-out", component.offset,
+                             "the component " + std::string(component.name) +
+                                 " is not in the placement, and stays where it is",
+                             "export into the file that the placement was made from");
+        }
+    }
+}
+
+} // namespace kit::exporter

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// What the subcommand `export` is asked to do.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace kit::exporter {
+
+/// The arguments of `export`. Empty paths were not given.
+struct Options {
+    std::string result;            ///< OUT.json of `place`
+    std::string def;               ///< the design that the placement was imported from
+    std::string out;               ///< the DEF file with the new places
+    std::string gds;               ///< GDSII file
+    std::vector<std::string> lefs; ///< libraries, the technology's first
+    std::string layer = "metal1";  ///< name of metal 1 in them
+    std::string lefMasks;          ///< LEF file with a master per cell and solution
+    std::string defMasks;          ///< DEF file with those masters
+    std::string cellDir;           ///< folder of the colour files; empty for the one that the run had
+    bool dropFillers = false;      ///< leaves fillers out
+    bool force = false;            ///< replaces earlier results
+};
+
+/// Path of the layer properties beside a GDSII file: its name with the ending ".lyp".
+std::string layerPropertiesOf(const std::string& gds);
+
+/// Checks that the files may be written, before anything is read.
+///
+/// @param inputs  all files that are read
+///
+/// Errors: throws Fault if one would replace an input or another result, or anything without `force`.
+void checkOutputs(const Options& options, const std::vector<std::string>& inputs);
+
+} // namespace kit::exporter

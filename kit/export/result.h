@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The result of `place`, as it is found beside its OUT.json.
+#pragma once
+
+#include <string>
+
+namespace kit::exporter {
+
+/// The files of a result.
+struct ResultFiles {
+    std::string json;
+    std::string place;
+    std::string colors;
+    std::string map{}; ///< empty if there is none: the design was not imported
+    std::string cellDir{};
+};
+
+/// Finds the files of a result.
+///
+/// @param json     path of OUT.json
+/// @param cellDir  folder of the colour files; empty for the one in OUT.json
+///
+/// Errors: throws Fault if the file is no result, or one of a run without a placement; if its placement is
+/// not beside it.
+ResultFiles findResult(const std::string& json, const std::string& cellDir);
+
+} // namespace kit::exporter

@@ -1,0 +1,202 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/flow/flow.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <ostream>
+#include <sstream>
+
+#include "kit/fault.h"
+#include "kit/flow/cache.h"
+#include "kit/flow/steps.h"
+#include "kit/input/text.h"
+#include "kit/process/childProcess.h"
+
+namespace kit::flow {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr int NOT_CLEAN = 1;
+constexpr int FAILED = 2;
+
+void makeFolder(const std::string& path)
+{
+    std::error_code error;
+    fs::create_directories(path, error);
+    if (error) {
+        throw Fault("cannot make the folder " + path + ": " + error.message());
+    }
+}
+
+class Flow {
+public:
+    Flow(const Options& options, std::ostream& out)
+        : m_options(options), m_out(out),
+          m_places(placesOf(options, options.cellPath.empty() ? cachedFolder(options) : options.cellPath))
+    {
+    }
+
+    int run()
+    {
+        prepare();
+        const int status = runSteps();
+        m_out << (status == 0 ? "Done: " : "Stopped; the files so far are in ")
+              << (status == 0 ? results() : m_places.folder) << "\n";
+        if (status == 0 && !m_options.keep) {
+            fs::remove_all(m_places.folder);
+        }
+        m_out.flush();
+        return status;
+    }
+
+private:
+    void prepare()
+    {
+        for (const char* extension : RESULTS) {
+            requireNone(m_options.out + extension);
+        }
+        requireNone(m_places.folder);
+        fs::remove_all(m_places.folder);
+        makeFolder(m_places.folder);
+        m_out << "step     seconds  peak MB  result\n";
+    }
+
+    void requireNone(const std::string& path) const
+    {
+        if (!m_options.force && fs::exists(path)) {
+            throw Fault(path + " exists: choose another -o, or --force to replace it");
+        }
+    }
+
+    int runSteps()
+    {
+        if (!runStep(importStep(m_options, m_places)) || !colour() ||
+            !runStep(lintStep(m_options, m_places))) {
+            return FAILED;
+        }
+        if (!runStep(placeStep(m_options, m_places)) || !runStep(verifyStep(m_options, m_places))) {
+            return m_ending.status == NOT_CLEAN ? NOT_CLEAN : FAILED;
+        }
+        if (!runStep(exportStep(m_options, m_places)) || !runStep(viewStep(m_options, m_places))) {
+            return FAILED;
+        }
+        fs::copy_file(m_places.placed + ".json", m_options.out + ".json",
+                      fs::copy_options::overwrite_existing);
+        return 0;
+    }
+
+    /// Runs a step and writes its line. @return whether to go on
+    bool runStep(const Step& step)
+    {
+        const std::string log = logOf(step.name);
+        const std::string errors = m_places.folder + "/" + step.name + ".messages";
+        std::vector<std::string> words{process::ownPath()};
+        words.insert(words.end(), step.words.begin(), step.words.end());
+        m_ending = process::run(words, log, errors);
+        const bool good = m_ending.signal == 0 && m_ending.status <= step.goodStatus;
+        const bool finished = m_ending.signal == 0 && m_ending.status <= NOT_CLEAN;
+        const std::string summary = finished ? step.summary(input::readText(log)) : "";
+        writeLine(step.name, (good ? "" : finished ? "FAILED: " : "FAILED") + summary);
+        if (!good) {
+            tellFailure(step, words,
+                        input::readText(errors) + (step.name == "place" ? "" : input::readText(log)));
+        }
+        return good;
+    }
+
+    std::string logOf(const std::string& step) const { return m_places.folder + "/" + step + ".log"; }
+
+    void writeLine(const std::string& name, const std::string& result)
+    {
+        std::array<char, 64> numbers{};
+        std::snprintf(numbers.data(), numbers.size(), "%-8s %7.2f %8.1f  ", name.c_str(), m_ending.seconds,
+                      static_cast<double>(m_ending.peakKib) / 1024);
+        m_out << numbers.data() << result << std::endl;
+    }
+
+    void tellFailure(const Step& step, const std::vector<std::string>& words, const std::string& messages)
+    {
+        m_out << "\n" << messages << (messages.empty() || messages.back() == '\n' ? "" : "\n");
+        if (m_ending.signal != 0) {
+            m_out << "the step was ended by signal " << m_ending.signal << "\n";
+        }
+        m_out << "What was run: " << process::shellText(words) << "\nWhat to do: " << step.advice << "\n";
+    }
+
+    /// Colours the library, unless that was done before.
+    bool colour()
+    {
+        if (!m_options.cellPath.empty() || fs::exists(m_places.cellDir)) {
+            m_ending = {};
+            writeLine("color", m_options.cellPath.empty() ? "known from before: " + m_places.cellDir
+                                                          : "given: " + m_places.cellDir);
+            return requireCells();
+        }
+        // A folder of the cache is whole: it is made beside and then given its name.
+        const std::string part = m_places.cellDir + ".part" + std::to_string(getpid());
+        makeFolder(fs::path(m_places.cellDir).parent_path().string());
+        if (!runStep(colorStep(m_options, part))) {
+            fs::remove_all(part);
+            return false;
+        }
+        fs::copy_file(logOf("color"), part + "/log", fs::copy_options::overwrite_existing);
+        std::ofstream(part + "/messages") << input::readText(m_places.folder + "/color.messages");
+        std::error_code error;
+        fs::rename(part, m_places.cellDir, error);
+        if (error) { // another run was faster
+            fs::remove_all(part);
+        }
+        return requireCells();
+    }
+
+    /// Whether every cell in use has a colour file.
+    bool requireCells()
+    {
+        std::istringstream list(input::readText(m_places.base + ".cells"));
+        std::string name;
+        std::string missing;
+        for (list >> name; list >> name;) {
+            missing += fs::exists(m_places.cellDir + "/" + name + ".color") ? "" : " " + name;
+        }
+        if (missing.empty()) {
+            return true;
+        }
+        m_out << "\nCells in use without a colouring:" << missing << "\n";
+        const std::string messages = m_places.cellDir + "/messages";
+        if (fs::exists(messages)) {
+            m_out << "Why is in " << messages << "\n";
+        }
+        m_out
+            << "What to do: give --allow-conflicts to take their least bad colouring, or a smaller --mindp\n";
+        return false;
+    }
+
+    std::string results() const
+    {
+        std::string text;
+        for (const char* extension : RESULTS) {
+            text += (text.empty() ? "" : ", ") + m_options.out + extension;
+        }
+        return text + (m_options.keep ? "; all other files in " + m_places.folder : "");
+    }
+
+    const Options& m_options;
+    std::ostream& m_out;
+    Places m_places;
+    process::Ending m_ending; ///< of the last step
+};
+
+} // namespace
+
+int flow(const Options& options, std::ostream& out)
+{
+    return Flow(options, out).run();
+}
+
+} // namespace kit::flow

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "kit/flow/options.h"
+
+namespace kit::flow {
+
+/// A run of a subcommand.
+struct Step {
+    std::string name;               ///< of the subcommand
+    std::vector<std::string> words; ///< subcommand and arguments
+    int goodStatus = 0;             ///< highest exit status with which it goes on
+    std::string advice;             ///< what to do if it fails
+    /// What came out, in a line, from its log.
+    std::function<std::string(const std::string& log)> summary;
+};
+
+/// Where the files in between are.
+struct Places {
+    std::string folder;  ///< of all of them
+    std::string base;    ///< of the imported design, without extension
+    std::string placed;  ///< of the placed design, without extension
+    std::string cellDir; ///< of the colour files
+};
+
+/// The places of a run.
+///
+/// @param cellDir  of the colour files
+Places placesOf(const Options& options, std::string cellDir);
+
+Step importStep(const Options& options, const Places& places);
+
+/// @param folder  where the colour files are made
+Step colorStep(const Options& options, const std::string& folder);
+Step lintStep(const Options& options, const Places& places);
+Step placeStep(const Options& options, const Places& places);
+Step verifyStep(const Options& options, const Places& places);
+Step exportStep(const Options& options, const Places& places);
+Step viewStep(const Options& options, const Places& places);
+
+} // namespace kit::flow

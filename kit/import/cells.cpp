@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/import/cells.h"
+
+#include <algorithm>
+#include <string>
+
+#include "kit/input/names.h"
+#include "kit/lefdef/units.h"
+
+namespace kit::importing {
+
+namespace {
+
+using lefdef::Def;
+using lefdef::DefComponent;
+using lefdef::Lef;
+using lefdef::LefMacro;
+using lefdef::SourceReporter;
+using lefdef::Status;
+
+bool hasWord(const std::string& words, std::string_view word)
+{
+    return (" " + words + " ").find(" " + std::string(word) + " ") != std::string::npos;
+}
+
+/// Masters that a detailed placer does not move.
+bool staysByClass(const LefMacro& macro)
+{
+    const std::string& words = macro.macroClass;
+    return words.rfind("BLOCK", 0) == 0 || words.rfind("PAD", 0) == 0 || words.rfind("RING", 0) == 0 ||
+           words.rfind("ENDCAP", 0) == 0 || hasWord(words, "WELLTAP");
+}
+
+class CellSorter {
+public:
+    CellSorter(const Def& def, const Lef& lef, const Core& core, bool legalize, SourceReporter& reporter,
+               Cells& cells)
+        : m_def(def), m_lef(lef), m_core(core), m_legalize(legalize), m_reporter(reporter), m_cells(cells),
+          m_masters(input::indexNames(lef.macros))
+    {
+    }
+
+    bool sort()
+    {
+        m_cells.masterOf.resize(m_def.components.size(), -1);
+        m_cells.isFixed.resize(m_def.components.size());
+        for (size_t i = 0; i < m_def.components.size(); ++i) {
+            const int32_t master = input::findName(m_masters, m_def.components[i].macro);
+            m_cells.masterOf[i] = master;
+            if (master >= 0) {
+                take(static_cast<int32_t>(i), m_lef.macros[master]);
+            } else {
+                error("unknown-master", m_def.components[i],
+                      "is of master " + std::string(m_def.components[i].macro) + ", which no LEF file has",
+                      "give that file with --lef");
+            }
+        }
+        return m_sound;
+    }
+
+private:
+    void take(int32_t index, const LefMacro& macro)
+    {
+        const DefComponent& comp = m_def.components[index];
+        const bool placed = comp.status == Status::PLACED;
+        if (comp.status == Status::FIXED || comp.status == Status::COVER) {
+            keep(index, macro);
+        } else if (hasWord(macro.macroClass, "SPACER")) {
+            ++m_cells.fillers;
+        } else if (placed && (staysByClass(macro) || !fitsOneRow(comp, macro))) {
+            keep(index, macro);
+        } else if (placed || m_legalize) {
+            m_cells.movable.push_back({.component = index,
+                                       .x = comp.x,
+                                       .y = comp.y,
+                                       .width = wholeSites(macro),
+                                       .placed = placed,
+                                       .mirrored = placed && isMirrored(comp.orient)});
+        } else {
+            error("unplaced", comp, "is not placed", "place it, or give --legalize");
+        }
+    }
+
+    /// Whether a placed component stands upright and is one row high; a warning says so if not.
+    bool fitsOneRow(const DefComponent& comp, const LefMacro& macro)
+    {
+        const bool upright = !isOnItsSide(comp.orient);
+        const bool low = lefdef::dbuUp(macro.height, m_def.databaseMicrons) <= m_core.siteHeight;
+        if (!upright || !low) {
+            m_reporter.warning("kept", comp.offset,
+                               "component " + std::string(comp.name) +
+                                   (upright ? " is higher than a row" : " lies on its side") +
+                                   " and stays where it is",
+                               "");
+        }
+        return upright && low;
+    }
+
+    void keep(int32_t index, const LefMacro& macro)
+    {
+        const DefComponent& comp = m_def.components[index];
+        m_cells.isFixed[index] = true;
+        int64_t width = lefdef::dbuUp(macro.width, m_def.databaseMicrons);
+        int64_t height = lefdef::dbuUp(macro.height, m_def.databaseMicrons);
+        if (isOnItsSide(comp.orient)) {
+            std::swap(width, height);
+        }
+        const auto cut = [](int64_t value) {
+            return static_cast<int32_t>(std::min<int64_t>(value, INT32_MAX));
+        };
+        m_cells.blocks.push_back(
+            {.xl = comp.x, .yl = comp.y, .xh = cut(comp.x + width), .yh = cut(comp.y + height)});
+    }
+
+    int64_t wholeSites(const LefMacro& macro) const
+    {
+        const int64_t width = lefdef::dbuUp(macro.width, m_def.databaseMicrons);
+        return (width + m_core.siteWidth - 1) / m_core.siteWidth * m_core.siteWidth;
+    }
+
+    void error(const char* code, const DefComponent& comp, const std::string& what, std::string advice)
+    {
+        m_reporter.error(code, comp.offset, "component " + std::string(comp.name) + " " + what,
+                         std::move(advice));
+        m_sound = false;
+    }
+
+    const Def& m_def;
+    const Lef& m_lef;
+    const Core& m_core;
+    bool m_legalize;
+    SourceReporter& m_reporter;
+    Cells& m_cells;
+    input::NameIndex m_masters;
+    bool m_sound = true;
+};
+
+} // namespace
+
+bool takeCells(const Def& def, const Lef& lef, const Core& core, bool legalize, SourceReporter& reporter,
+               Cells& cells)
+{
+    return CellSorter(def, lef, core, legalize, reporter, cells).sort();
+}
+
+void findRows(const Def& def, const Core& core, Cells& cells)
+{
+    std::vector<std::vector<Interval>> stretches(core.rows.size());
+    for (size_t i = 0; i < core.rows.size(); ++i) {
+        stretches[i] = freeStretches(core.rows[i]);
+    }
+    for (Cell& cell : cells.movable) {
+        const int32_t row = cell.placed ? core.rowAt(cell.y) : -1;
+        if (row < 0) {
+            continue;
+        }
+        const std::vector<Interval>& free = stretches[row];
+        const auto after =
+            std::upper_bound(free.begin(), free.end(), cell.x,
+                             [](int64_t x, const Interval& stretch) { return x < stretch.begin; });
+        if (after != free.begin() && cell.x + cell.width <= std::prev(after)->end) {
+            cell.row = row;
+            cell.flipped =
+                isUpsideDown(def.components[cell.component].orient) != isUpsideDown(core.rows[row].orient);
+        }
+    }
+}
+
+} // namespace kit::importing

@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/import/designFiles.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <set>
+
+#include "kit/outputFile.h"
+
+namespace kit::importing {
+
+namespace {
+
+constexpr size_t MEMBERS_A_LINE = 8; ///< of a net
+
+/// Whether some row stands just above or below another.
+bool hasNeighbour(const Core& core, const Row& row)
+{
+    return core.rowAt(row.y + core.siteHeight) >= 0 || core.rowAt(row.y - core.siteHeight) >= 0;
+}
+
+std::string carried(std::string_view name, const char* other)
+{
+    return isCarried(name) ? std::string(name) : other;
+}
+
+/// A property of the core box. The placer takes 2000 DBU for a micrometre there, whatever UNITS says.
+void writeEdge(OutputFile& out, const char* name, int64_t dbu)
+{
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "%.4f", static_cast<double>(dbu) / 2000);
+    out << "  DESIGN " << name << " REAL " << text.data() << " ;\n";
+}
+
+void writeHeader(OutputFile& out, const DesignFiles& files)
+{
+    const Core& core = files.core;
+    int64_t left = core.rows.front().begin();
+    int64_t right = core.rows.front().end();
+    for (const Row& row : core.rows) {
+        left = std::min(left, row.begin());
+        right = std::max(right, row.end());
+    }
+    out << "VERSION 5.6 ;\nDESIGN " << carried(files.def.design, "design") << " ;\nUNITS DISTANCE MICRONS "
+        << files.def.databaseMicrons << " ;\n\nPROPERTYDEFINITIONS\n  COMPONENTPIN designRuleWidth REAL ;\n";
+    writeEdge(out, "CORE_BOX_LL_X", left);
+    writeEdge(out, "CORE_BOX_UR_X", right);
+    writeEdge(out, "CORE_BOX_LL_Y", core.rows[core.byHeight.front()].y);
+    writeEdge(out, "CORE_BOX_UR_Y", core.rows[core.byHeight.back()].y + core.siteHeight);
+    out << "END PROPERTYDEFINITIONS\n\n";
+    if (files.def.hasDieArea) {
+        const lefdef::DefRect& die = files.def.dieArea;
+        out << "DIEAREA ( " << die.xl << " " << die.yl << " ) ( " << die.xh << " " << die.yh << " ) ;\n\n";
+    }
+}
+
+void writeRow(OutputFile& out, const std::string& name, const Row& row, int64_t y, int64_t numSites,
+              int64_t step)
+{
+    out << "ROW " << name << " " << carried(row.site, "site") << " " << row.begin() << " " << y << " "
+        << nameOf(row.orient) << " DO " << numSites << " BY 1 STEP " << step << " 0 ;\n";
+}
+
+void writeRows(OutputFile& out, const DesignFiles& files)
+{
+    const Core& core = files.core;
+    const std::vector<int32_t> order = rowOrder(core);
+    for (const int32_t index : order) {
+        if (index >= 0) {
+            const Row& row = core.rows[index];
+            writeRow(out, carried(row.name, "ROW"), row, row.y, row.numSites(core.siteWidth), core.siteWidth);
+        } else {
+            const Row& first = core.rows[order.front()];
+            writeRow(out, "ROW_HEIGHT", first, first.y + core.siteHeight, 0, core.siteWidth);
+        }
+    }
+}
+
+void writeComponents(OutputFile& out, const DesignFiles& files)
+{
+    out << "\nCOMPONENTS " << files.cells.movable.size() << " ;\n";
+    for (size_t i = 0; i < files.cells.movable.size(); ++i) {
+        const Cell& cell = files.cells.movable[i];
+        out << "- " << files.cellNames[i] << " " << files.def.components[cell.component].macro
+            << " + PLACED ( " << cell.x << " " << cell.y << " ) " << (cell.mirrored ? "FN" : "N")
+            << "\n  ;\n";
+    }
+    out << "END COMPONENTS\n";
+}
+
+void writeBlocks(OutputFile& out, const Core& core)
+{
+    size_t count = 0;
+    for (const Row& row : core.rows) {
+        count += row.blocks.size();
+    }
+    out << "\nBIGNODES " << count << " ;\n";
+    size_t next = 0;
+    for (const Row& row : core.rows) {
+        for (const Interval& block : row.blocks) {
+            out << "- BLOCK_" << next++ << " BLOCK + ( " << block.begin << " " << row.y << " ) ( "
+                << block.end - block.begin << " " << core.siteHeight << " ) N\n  ;\n";
+        }
+    }
+    out << "END BIGNODES\n";
+}
+
+} // namespace
+
+std::vector<int32_t> rowOrder(const Core& core)
+{
+    std::vector<int32_t> order(core.rows.size());
+    for (size_t i = 0; i < order.size(); ++i) {
+        order[i] = static_cast<int32_t>(i);
+    }
+    const auto first = std::find_if(order.begin(), order.end(),
+                                    [&](int32_t row) { return hasNeighbour(core, core.rows[row]); });
+    if (first != order.end()) {
+        std::rotate(order.begin(), first, std::next(first));
+    } else {
+        order.push_back(-1);
+    }
+    return order;
+}
+
+std::vector<std::string> usedMasters(const DesignFiles& files)
+{
+    std::set<std::string> names;
+    for (const Cell& cell : files.cells.movable) {
+        names.insert(files.lef.macros[files.cells.masterOf[cell.component]].name);
+    }
+    return {names.begin(), names.end()};
+}
+
+void writePlace(const DesignFiles& files, const std::string& path)
+{
+    OutputFile out(path);
+    writeHeader(out, files);
+    writeRows(out, files);
+    writeComponents(out, files);
+    writeBlocks(out, files.core);
+    out << "\nEND DESIGN\n";
+    out.commit();
+}
+
+void writePins(const DesignFiles& files, const std::string& path)
+{
+    OutputFile out(path);
+    out << files.terminals.size() << "\n";
+    for (const Terminal& terminal : files.terminals) {
+        out << terminal.name << " " << terminal.x << " " << terminal.y << "\n";
+    }
+    out.commit();
+}
+
+void writeNetlist(const DesignFiles& files, const std::string& path)
+{
+    OutputFile out(path);
+    out << files.members.size() << "\n";
+    for (const std::vector<std::string>& net : files.members) {
+        out << net.size();
+        for (size_t i = 0; i < net.size(); ++i) {
+            out << (i % MEMBERS_A_LINE == 0 ? "\n " : " ") << net[i];
+        }
+        out << "\n";
+    }
+    out.commit();
+}
+
+void writeCells(const DesignFiles& files, const std::string& path)
+{
+    const std::vector<std::string> masters = usedMasters(files);
+    OutputFile out(path);
+    out << masters.size() << "\n";
+    for (const std::string& master : masters) {
+        out << master << "\n";
+    }
+    out.commit();
+}
+
+} // namespace kit::importing

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The files of an imported design.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "kit/import/cells.h"
+#include "kit/import/core.h"
+#include "kit/import/nets.h"
+#include "kit/import/safeNames.h"
+
+namespace kit::importing {
+
+/// A terminal of the placer: one of the design's, or a pin of a component that stays where it is.
+struct Terminal {
+    std::string name;
+    int64_t x = 0; ///< DBU
+    int64_t y = 0; ///< DBU
+};
+
+/// A design as it is written.
+struct DesignFiles {
+    const lefdef::Def& def;
+    const lefdef::Lef& lef;
+    const Core& core;
+    const Cells& cells;
+    std::vector<std::string> cellNames{};            ///< [index in Cells::movable]
+    std::vector<Terminal> terminals{};               ///< in order
+    std::vector<std::vector<std::string>> members{}; ///< [net]
+};
+
+/// Order of the rows in which the placer takes the right height from them: it compares all with the first.
+///
+/// @return indices in Core::rows; -1 for a row without sites, one height above the first, where no two rows
+/// meet
+std::vector<int32_t> rowOrder(const Core& core);
+
+/// Names of the masters of the movable cells, sorted.
+std::vector<std::string> usedMasters(const DesignFiles& files);
+
+/// Write BASE.place, BASE.pins, BASE.netlist and BASE.cells. Errors: throw Fault if one cannot be written.
+void writePlace(const DesignFiles& files, const std::string& path);
+void writePins(const DesignFiles& files, const std::string& path);
+void writeNetlist(const DesignFiles& files, const std::string& path);
+void writeCells(const DesignFiles& files, const std::string& path);
+
+} // namespace kit::importing

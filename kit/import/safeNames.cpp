@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/import/safeNames.h"
+
+#include <algorithm>
+
+namespace kit::importing {
+
+namespace {
+
+// A component's line holds two names and less than 50 other characters, and may have 255.
+constexpr size_t LONGEST = 100;
+
+} // namespace
+
+bool isCarried(std::string_view name)
+{
+    const bool plain = std::none_of(name.begin(), name.end(), [](char c) {
+        const auto code = static_cast<unsigned char>(c);
+        return code <= ' ' || code == 0x7f;
+    });
+    return plain && !name.empty() && name.size() <= LONGEST && name != "FILLER_1";
+}
+
+std::string SafeNames::nameFor(std::string_view name)
+{
+    if (isCarried(name) && m_given.emplace(name).second) {
+        return std::string(name);
+    }
+    std::string made;
+    do {
+        made = "_name" + std::to_string(m_next++) + "_";
+    } while (m_taken.count(made) > 0);
+    m_given.insert(made);
+    return made;
+}
+
+} // namespace kit::importing

@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/import/terminals.h"
+
+#include <algorithm>
+#include <limits>
+#include <map>
+#include <optional>
+#include <utility>
+
+#include "kit/lefdef/transform.h"
+#include "kit/lefdef/units.h"
+
+namespace kit::importing {
+
+namespace {
+
+using lefdef::DefComponent;
+using lefdef::DefPin;
+using lefdef::LefMacro;
+using lefdef::LefPin;
+using lefdef::LefPoint;
+using lefdef::LefShape;
+using lefdef::Length;
+
+/// The middle of a pin's metal, of the whole master if none is known.
+LefPoint middleOf(const LefMacro& macro, std::string_view pinName)
+{
+    constexpr Length NONE = std::numeric_limits<Length>::max();
+    LefPoint low{.x = NONE, .y = NONE};
+    LefPoint high{.x = -NONE, .y = -NONE};
+    for (const LefPin& pin : macro.pins) {
+        for (const LefShape& shape : pin.shapes) {
+            for (const LefPoint& point : shape.points) {
+                if (pin.name == pinName) {
+                    low = {.x = std::min(low.x, point.x), .y = std::min(low.y, point.y)};
+                    high = {.x = std::max(high.x, point.x), .y = std::max(high.y, point.y)};
+                }
+            }
+        }
+    }
+    return low.x == NONE ? LefPoint{.x = macro.width / 2, .y = macro.height / 2}
+                         : LefPoint{.x = (low.x + high.x) / 2, .y = (low.y + high.y) / 2};
+}
+
+class Namer {
+public:
+    Namer(const Nets& nets, lefdef::SourceReporter& reporter, DesignFiles& files, Renamed& renamed)
+        : m_nets(nets), m_reporter(reporter), m_files(files), m_renamed(renamed),
+          m_names(allNames(files.def)), m_cellOf(files.def.components.size(), -1),
+          m_terminalOf(files.def.pins.size(), -1)
+    {
+    }
+
+    void run()
+    {
+        nameCells();
+        addPins();
+        for (const Net& net : m_nets) {
+            std::vector<std::string>& members = m_files.members.emplace_back();
+            for (const Member& member : net.members) {
+                addMember(member, members);
+            }
+        }
+    }
+
+private:
+    static std::vector<std::string_view> allNames(const lefdef::Def& def)
+    {
+        std::vector<std::string_view> names;
+        for (const DefComponent& comp : def.components) {
+            names.push_back(comp.name);
+        }
+        for (const DefPin& pin : def.pins) {
+            names.push_back(pin.name);
+        }
+        return names;
+    }
+
+    void nameCells()
+    {
+        const std::vector<Cell>& cells = m_files.cells.movable;
+        for (size_t i = 0; i < cells.size(); ++i) {
+            const std::string_view name = m_files.def.components[cells[i].component].name;
+            m_cellOf[cells[i].component] = static_cast<int32_t>(i);
+            m_files.cellNames.push_back(m_names.nameFor(name));
+            if (m_files.cellNames.back() != name) {
+                m_renamed.emplace_back(m_files.cellNames.back(), std::string(name));
+            }
+        }
+    }
+
+    void addPins()
+    {
+        for (size_t i = 0; i < m_files.def.pins.size(); ++i) {
+            const DefPin& pin = m_files.def.pins[i];
+            if (pin.supply) {
+                continue;
+            }
+            if (!pin.placed) {
+                m_reporter.warning("unplaced-pin", pin.offset,
+                                   "pin " + std::string(pin.name) +
+                                       " has no place, and is left out of its nets",
+                                   "place it");
+                continue;
+            }
+            m_terminalOf[i] = addTerminal(pin.name, pin.x, pin.y);
+        }
+    }
+
+    int32_t addTerminal(std::string_view name, int64_t x, int64_t y)
+    {
+        m_files.terminals.push_back({.name = m_names.nameFor(name), .x = x, .y = y});
+        return static_cast<int32_t>(m_files.terminals.size() - 1);
+    }
+
+    void addMember(const Member& member, std::vector<std::string>& members)
+    {
+        if (member.component < 0) {
+            addTerminalName(m_terminalOf[member.pin], members);
+        } else if (m_cellOf[member.component] >= 0) {
+            members.push_back(m_files.cellNames[m_cellOf[member.component]]);
+        } else if (m_files.cells.isFixed[member.component]) {
+            addTerminalName(fixedPin(member), members);
+        }
+    }
+
+    void addTerminalName(int32_t terminal, std::vector<std::string>& members) const
+    {
+        if (terminal >= 0) {
+            members.push_back(m_files.terminals[terminal].name);
+        }
+    }
+
+    int32_t fixedPin(const Member& member)
+    {
+        const auto [at, isNew] = m_fixedPins.try_emplace({member.component, member.name}, -1);
+        if (isNew) {
+            const DefComponent& comp = m_files.def.components[member.component];
+            const LefMacro& macro = m_files.lef.macros[m_files.cells.masterOf[member.component]];
+            const LefPoint middle =
+                transformed(middleOf(macro, member.name), macro.width, macro.height, comp.orient);
+            at->second = addTerminal(std::string(comp.name) + "/" + std::string(member.name),
+                                     comp.x + inDbu(middle.x), comp.y + inDbu(middle.y));
+        }
+        return at->second;
+    }
+
+    int64_t inDbu(Length length) const { return lefdef::dbuDown(length, m_files.def.databaseMicrons); }
+
+    const Nets& m_nets;
+    lefdef::SourceReporter& m_reporter;
+    DesignFiles& m_files;
+    Renamed& m_renamed;
+    SafeNames m_names;
+    std::vector<int32_t> m_cellOf;     ///< [component] index in Cells::movable, -1 if it is not
+    std::vector<int32_t> m_terminalOf; ///< [pin] index in DesignFiles::terminals, -1 without one
+    std::map<std::pair<int32_t, std::string_view>, int32_t>
+        m_fixedPins; ///< terminals of fixed components' pins
+};
+
+} // namespace
+
+void nameAll(const Nets& nets, lefdef::SourceReporter& reporter, DesignFiles& files, Renamed& renamed)
+{
+    Namer(nets, reporter, files, renamed).run();
+}
+
+} // namespace kit::importing

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/lefdef/siteOption.h"
+
+#include <string_view>
+
+#include "kit/lefdef/decimal.h"
+
+namespace kit::lefdef {
+
+namespace {
+
+constexpr int32_t DIGITS = 6; ///< of a micrometre in picometres
+constexpr Length LARGEST = 1'000 * MICRON;
+
+/// A positive length in micrometres, 0 if it is not one.
+Length positive(std::string_view text)
+{
+    const Decimal number = parseDecimal(text, DIGITS, LARGEST);
+    return number.kind == Decimal::Kind::GOOD && number.value > 0 ? number.value : 0;
+}
+
+} // namespace
+
+std::optional<SiteSize> parseSite(const std::string& text)
+{
+    const size_t comma = text.find(',');
+    if (comma == std::string::npos) {
+        return std::nullopt;
+    }
+    const SiteSize size{.width = positive(std::string_view(text).substr(0, comma)),
+                        .height = positive(std::string_view(text).substr(comma + 1))};
+    return size.width > 0 && size.height > 0 ? std::optional(size) : std::nullopt;
+}
+
+void addSiteOption(CLI::App& command, std::optional<SiteSize>& site)
+{
+    command.add_option_function<std::string>(
+        "--site",
+        [&site](const std::string& text) {
+            site = parseSite(text);
+            if (!site) {
+                throw CLI::ValidationError("--site", "\"" + text + "\" is not W,H in micrometres");
+            }
+        },
+        "size of a site, W,H in micrometres (default: the LEF's, or the rows')");
+}
+
+} // namespace kit::lefdef

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <optional>
+#include <string>
+
+#include "kit/lefdef/lef.h"
+
+namespace kit::lefdef {
+
+/// The size of a site.
+struct SiteSize {
+    Length width = 0;
+    Length height = 0;
+};
+
+/// Reads "W,H" in micrometres. @return none if it is not two positive numbers
+std::optional<SiteSize> parseSite(const std::string& text);
+
+/// Adds the option --site W,H to a subcommand.
+///
+/// @param site  out: the size if the option is given; must live until the arguments are read
+void addSiteOption(CLI::App& command, std::optional<SiteSize>& site);
+
+} // namespace kit::lefdef

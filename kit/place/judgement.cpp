@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/place/judgement.h"
+
+#include <nlohmann/json.hpp>
+
+#include "kit/fault.h"
+#include "kit/verify/verify.h"
+
+namespace kit::place {
+
+Judgement judge(const Options& options, int32_t minDist)
+{
+    Judgement judgement;
+    try {
+        const verify::Input input = verify::readInput({.placement = options.out + ".place",
+                                                       .colors = options.out + ".colors",
+                                                       .cellDir = options.cellPath,
+                                                       .cells = options.out + ".cells",
+                                                       .minDist = minDist,
+                                                       .lyrdb = {}});
+        for (const verify::Issue& issue : verify::judge(input, minDist)) {
+            const bool isError = infoOf(issue.kind).severity == input::Severity::ERROR;
+            judgement.errors += isError ? 1 : 0;
+            judgement.notes += isError ? 0 : 1;
+            judgement.conflicts += issue.kind == verify::Kind::CONFLICT ? 1 : 0;
+        }
+        judgement.possible = true;
+    } catch (const Fault&) { // without rows there is nothing to judge
+    }
+    return judgement;
+}
+
+nlohmann::ordered_json toJson(const Judgement& judgement)
+{
+    if (!judgement.possible) {
+        return nullptr;
+    }
+    return {{"errors", judgement.errors}, {"conflicts", judgement.conflicts}, {"notes", judgement.notes}};
+}
+
+} // namespace kit::place

@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// All the way from LEF and DEF, by the program itself.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "kit/kitRun.h"
+#include "kit/process/childProcess.h"
+#include "support/guards.h"
+
+namespace {
+
+using test::contentOf;
+using test::Words;
+
+constexpr const char* EXTENSIONS[] = {".def", ".gds", ".lyp", ".html", ".json"};
+
+class KitFlow : public testing::Test {
+protected:
+    /// Runs flow with a cache of the test's own. What it prints is in m_output and m_error.
+    int flow(const std::string& lef, const std::string& def, const Words& more = {})
+    {
+        Words words{VIRELOCE_KIT_PROGRAM, "flow", "--lef", lef, "--def", def, "-o", out(), "--cache",
+                    m_dir.path("cache")};
+        words.insert(words.end(), more.begin(), more.end());
+        const auto ending = kit::process::run(words, m_dir.path("stdout"), m_dir.path("stderr"));
+        m_output = contentOf(m_dir.path("stdout"));
+        m_error = contentOf(m_dir.path("stderr"));
+        return ending.status;
+    }
+
+    int gcd(const Words& more = {})
+    {
+        const std::string raw = VIRELOCE_KIT_EXAMPLES "/raw/";
+        return flow(raw + "Nangate45_stdcell.lef", raw + "gcd_nangate45.def", more);
+    }
+
+    std::string out() const { return m_dir.path("out"); }
+    bool exists(const std::string& extension) const { return std::filesystem::exists(out() + extension); }
+
+    /// Whether the table has a line of a step with some text.
+    bool says(const std::string& step, const std::string& text) const
+    {
+        std::istringstream lines(m_output);
+        for (std::string line; std::getline(lines, line);) {
+            if (line.rfind(step + " ", 0) == 0 && line.find(text) != std::string::npos) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    test::TempDir m_dir;
+    std::string m_output;
+    std::string m_error;
+};
+
+TEST_F(KitFlow, GoesFromLefAndDefToTheMasks)
+{
+    ASSERT_EQ(gcd({"--allow-conflicts"}), 0) << m_output << m_error;
+    for (const char* extension : EXTENSIONS) {
+        EXPECT_TRUE(exists(extension)) << extension;
+    }
+    EXPECT_TRUE(says("import", "426 components of 34 cells in 21 rows")) << m_output;
+    EXPECT_TRUE(says("color", "135 cells")) << m_output;
+    EXPECT_TRUE(says("lint", "0 errors")) << m_output;
+    EXPECT_TRUE(says("place", "HPWL 4337460 -> ")) << m_output;
+    EXPECT_TRUE(says("verify", "clean, 0 errors")) << m_output;
+    EXPECT_TRUE(says("export", "426 components")) << m_output;
+    EXPECT_TRUE(says("view", "out.html")) << m_output;
+    EXPECT_FALSE(exists(".flow")) << "what was in between goes";
+}
+
+TEST_F(KitFlow, KeepsAllFilesIfWished)
+{
+    ASSERT_EQ(gcd({"--allow-conflicts", "--keep"}), 0) << m_output;
+    for (const char* name :
+         {"/design.place", "/design.map", "/placed.place", "/placed.colors", "/placed.lyrdb"}) {
+        EXPECT_TRUE(exists(std::string(".flow") + name)) << name;
+    }
+}
+
+TEST_F(KitFlow, ColoursALibraryOnce)
+{
+    ASSERT_EQ(gcd({"--allow-conflicts"}), 0) << m_output;
+    const std::string first = contentOf(out() + ".gds");
+    ASSERT_EQ(gcd({"--allow-conflicts", "--force"}), 0) << m_output;
+    EXPECT_TRUE(says("color", "known from before")) << m_output;
+    EXPECT_EQ(contentOf(out() + ".gds"), first);
+    // Another distance is another colouring.
+    ASSERT_EQ(gcd({"--mindp", "120", "--force"}), 0) << m_output;
+    EXPECT_FALSE(says("color", "known from before")) << m_output;
+}
+
+TEST_F(KitFlow, TakesColourFilesThatAreThere)
+{
+    ASSERT_EQ(gcd({"--cell-path", VIRELOCE_KIT_EXAMPLES "/nangate45_color"}), 0) << m_output;
+    EXPECT_TRUE(says("color", "given: ")) << m_output;
+    EXPECT_FALSE(std::filesystem::exists(m_dir.path("cache")));
+}
+
+TEST_F(KitFlow, StopsAtCellsInUseWithoutAColouring)
+{
+    EXPECT_EQ(gcd(), 2);
+    EXPECT_NE(m_output.find("Cells in use without a colouring: OAI22_X1 XNOR2_X2\n"), std::string::npos)
+        << m_output;
+    EXPECT_NE(m_output.find("What to do: give --allow-conflicts"), std::string::npos) << m_output;
+    EXPECT_FALSE(says("lint", "")) << m_output;
+    EXPECT_TRUE(exists(".flow/design.place"));
+    EXPECT_FALSE(exists(".def"));
+}
+
+TEST_F(KitFlow, ReplacesNothingWithoutForce)
+{
+    m_dir.write("out.gds", "old");
+    EXPECT_EQ(gcd({"--allow-conflicts"}), 2);
+    EXPECT_NE(m_error.find("out.gds exists"), std::string::npos) << m_error;
+    EXPECT_EQ(contentOf(out() + ".gds"), "old");
+}
+
+/// A cell of two sites with metal at its right edge only.
+constexpr const char* LEF = R"(UNITS DATABASE MICRONS 1000 ; END UNITS
+SITE core CLASS CORE ; SIZE 0.2 BY 2 ; END core
+MACRO C CLASS CORE ; SIZE 0.4 BY 2 ; SITE core ;
+  PIN Z PORT LAYER metal1 ; RECT 0.34 0.5 0.39 1.5 ; END END Z
+END C
+)";
+
+class SmallFlow : public KitFlow {
+protected:
+    int small(const std::string& components, const Words& more = {})
+    {
+        m_dir.write("l.lef", LEF);
+        m_dir.write("d.def", "UNITS DISTANCE MICRONS 1000 ;\nROW r0 core 1000 0 N DO 20 BY 1 STEP 200 0 ;\n"
+                             "ROW r1 core 1000 2000 FS DO 20 BY 1 STEP 200 0 ;\nCOMPONENTS 2 ;\n" +
+                                 components + "END COMPONENTS\nEND DESIGN\n");
+        return flow(m_dir.path("l.lef"), m_dir.path("d.def"), more);
+    }
+};
+
+TEST_F(SmallFlow, StopsAtImportWithItsMessages)
+{
+    EXPECT_EQ(small("- u C ;\n- v C + PLACED ( 1400 0 ) N ;\n"), 2);
+    EXPECT_TRUE(says("import", "FAILED")) << m_output;
+    EXPECT_NE(m_output.find("component u is not placed"), std::string::npos) << m_output;
+    EXPECT_NE(m_output.find("What was run: "), std::string::npos) << m_output;
+    EXPECT_FALSE(says("color", "")) << m_output;
+}
+
+TEST_F(SmallFlow, LegalizesIfWished)
+{
+    EXPECT_EQ(small("- u C ;\n- v C + PLACED ( 1400 0 ) N ;\n", {"--legalize"}), 0) << m_output;
+    EXPECT_NE(contentOf(out() + ".def").find("- u C + PLACED ( "), std::string::npos)
+        << contentOf(out() + ".def");
+}
+
+TEST_F(SmallFlow, StopsAtAPlacementThatIsNotClean)
+{
+    // Their right edges meet, with one solution for both; the placer takes both as unmirrored.
+    const std::string pair = "- u C + PLACED ( 1000 0 ) N ;\n- v C + PLACED ( 1400 0 ) FN ;\n";
+    EXPECT_EQ(small(pair, {"--max-solutions", "1"}), 1) << m_output;
+    EXPECT_TRUE(says("place", "FAILED: HPWL ")) << m_output;
+    EXPECT_TRUE(says("place", " 0 conflicts; verify finds 1 error")) << m_output;
+    EXPECT_NE(m_output.find("What to do: "), std::string::npos) << m_output;
+    EXPECT_FALSE(exists(".def"));
+}
+
+} // namespace

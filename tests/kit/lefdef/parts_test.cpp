@@ -1,0 +1,328 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The parts that both readers are made of.
+#include <map>
+
+#include "kit/fault.h"
+#include "kit/lefdef/decimal.h"
+#include "kit/lefdef/described.h"
+#include "kit/lefdef/nameTable.h"
+#include "kit/lefdef/orient.h"
+#include "kit/lefdef/polygon.h"
+#include "kit/lefdef/scanner.h"
+#include "kit/lefdef/source.h"
+#include "support/guards.h"
+
+#include <rapidcheck.h>
+
+namespace {
+
+using namespace kit::lefdef;
+
+TEST(Orient, NamesAndMeanings)
+{
+    struct Row {
+        const char* name;
+        Orient orient;
+        bool mirrored;
+        bool upsideDown;
+        bool onItsSide;
+    };
+    const Row rows[] = {
+        {"N", Orient::N, false, false, false},  {"FN", Orient::FN, true, false, false},
+        {"FS", Orient::FS, false, true, false}, {"S", Orient::S, true, true, false},
+        {"W", Orient::W, false, false, true},   {"E", Orient::E, false, false, true},
+        {"FW", Orient::FW, false, false, true}, {"FE", Orient::FE, false, false, true},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(nameOf(row.orient), row.name);
+        EXPECT_EQ(orientOf(row.name), row.orient);
+        EXPECT_EQ(isMirrored(row.orient), row.mirrored);
+        EXPECT_EQ(isUpsideDown(row.orient), row.upsideDown);
+        EXPECT_EQ(isOnItsSide(row.orient), row.onItsSide);
+        if (!row.onItsSide) {
+            EXPECT_EQ(upright(row.mirrored, row.upsideDown), row.orient);
+        }
+    }
+    for (const char* const name : {"", "n", "R0", "NN", "F"}) {
+        EXPECT_FALSE(orientOf(name)) << name;
+    }
+}
+
+TEST(Decimal, Forms)
+{
+    struct Row {
+        const char* text;
+        int64_t value; ///< millionths
+    };
+    const Row good[] = {
+        {"0", 0},
+        {"-0", 0},
+        {"1", 1'000'000},
+        {"+1.5", 1'500'000},
+        {"-.5", -500'000},
+        {"5.", 5'000'000},
+        {"0.0000005", 1},
+        {"-0.0000005", -1},
+        {"0.0000004999999999999999999999", 0},
+        {"0.00000000000000000000000000001", 0},
+        {"1e3", 1'000'000'000},
+        {"1E+3", 1'000'000'000},
+        {"12.5e-1", 1'250'000},
+        {"0.1", 100'000},
+        {"0.29", 290'000},
+        {"123456.789012", 123'456'789'012},
+        {"000000000000000000000000000000001.5", 1'500'000},
+        {"1.000000000000000000000000000000000", 1'000'000},
+        {"10000000000000000000000e-20", 100'000'000},
+        {"0e999999999999", 0},
+        {"1e-999999999999", 0},
+        {"1000000000", 1'000'000'000'000'000},
+    };
+    for (const Row& row : good) {
+        const Decimal number = parseDecimal(row.text, 6, 1'000'000'000'000'000);
+        EXPECT_EQ(number.kind, Decimal::Kind::GOOD) << row.text;
+        EXPECT_EQ(number.value, row.value) << row.text;
+    }
+    for (const char* const text : {"", "+", "-", ".", "e5", "1e", "1e+", "1e5.", "1.2.3", "1x", "x1", "--1",
+                                   "+-1", "0x10", "1 ", " 1", "inf", "nan", "1e5e5"}) {
+        EXPECT_EQ(parseDecimal(text, 6, 1000).kind, Decimal::Kind::NO_NUMBER) << text;
+    }
+    for (const char* const text :
+         {"0.001001", "-1", "1e999999999999", "99999999999999999999999999", "1e18"}) {
+        EXPECT_EQ(parseDecimal(text, 6, 1000).kind, Decimal::Kind::TOO_LARGE) << text;
+    }
+    EXPECT_EQ(parseDecimal("0.001", 6, 1000).value, 1000);
+}
+
+TEST(Decimal, IsExact)
+{
+    const bool passed = rc::check("a number of millionths written with a point", [] {
+        const int64_t value = *rc::gen::inRange<int64_t>(-1'000'000'000'000, 1'000'000'000'000);
+        std::string digits = std::to_string(std::abs(value));
+        digits.insert(0, digits.size() < 7 ? 7 - digits.size() : 0, '0');
+        digits.insert(digits.size() - 6, ".");
+        const Decimal number = parseDecimal((value < 0 ? "-" : "") + digits, 6, 1'000'000'000'000);
+        RC_ASSERT(number.kind == Decimal::Kind::GOOD);
+        RC_ASSERT(number.value == value);
+    });
+    EXPECT_TRUE(passed);
+}
+
+std::vector<std::string> tokensOf(const std::string& text)
+{
+    std::vector<std::string> tokens;
+    for (Scanner scanner(text); scanner.token().kind != Token::Kind::END; scanner.advance()) {
+        const bool isString = scanner.token().kind == Token::Kind::STRING;
+        tokens.push_back((isString ? "s:" : "w:") + std::string(scanner.token().text));
+        // A token stands where it says.
+        EXPECT_EQ(text.substr(scanner.offset() + (isString ? 1 : 0), scanner.token().text.size()),
+                  scanner.token().text);
+        EXPECT_EQ(scanner.end(), scanner.offset() + scanner.token().text.size() + (isString ? 2 : 0));
+    }
+    return tokens;
+}
+
+TEST(Scanner, Tokens)
+{
+    struct Row {
+        std::string text;
+        std::vector<std::string> tokens;
+    };
+    const Row rows[] = {
+        {"", {}},
+        {" \t\r\n\v\f", {}},
+        {"a", {"w:a"}},
+        {"a;b ;c; ;", {"w:a;b", "w:;c;", "w:;"}},
+        {"( 1 -2 ) +x - (a)", {"w:(", "w:1", "w:-2", "w:)", "w:+x", "w:-", "w:(a)"}},
+        {"# a b\nc#d #\n#\n#e", {"w:c#d"}},
+        {"\"a b\" \"\" \"x;#\n\\\"y\\\\\"z", {"s:a b", "s:", "s:x;#\n\\\"y\\\\", "w:z"}},
+        {"a\"b c\"", {"w:a\"b", "w:c\""}},
+        {"\"a b", {"w:\"a", "w:b"}},
+        {"\"a\\\" b", {"w:\"a\\\"", "w:b"}},
+        {"\"\\", {"w:\"\\"}},
+        {std::string("a\0b \0", 5), {std::string("w:a\0b", 5), std::string("w:\0", 3)}},
+        {"\xff\x80 \xC3\xA4", {"w:\xff\x80", "w:\xC3\xA4"}},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(tokensOf(row.text), row.tokens) << row.text;
+    }
+}
+
+/// skipToSign() a token at a time.
+void skipLiterally(Scanner& scanner)
+{
+    const auto isAll = [](std::string_view text, std::string_view of) {
+        return text.find_first_not_of(of) == std::string_view::npos;
+    };
+    for (; scanner.token().kind != Token::Kind::END; scanner.advance()) {
+        const std::string_view text = scanner.token().text;
+        if (scanner.token().kind == Token::Kind::STRING) {
+            continue;
+        }
+        if (text == ";" || text == "+" || text == "-" || text == "END") {
+            return;
+        }
+        const std::string_view before = text.substr(0, text.size() - 1);
+        if (text.back() == ';' &&
+            (before == ")" || isAll(before, "0123456789-.") || isAll(before, "ABCDEFGHIJKLMNOPQRSTUVWXYZ"))) {
+            scanner.cut(text.size() - 1);
+            return;
+        }
+    }
+}
+
+TEST(Scanner, SkipsToTheNextSign)
+{
+    const bool passed = rc::check("as token by token", [] {
+        static const std::vector<std::string> s_parts{";",  "+",  "-",  "END", "E",  "ENDX", "a",
+                                                      "1",  "-2", ")",  "NEW", "\"", "\\",   "#",
+                                                      "\n", " ",  "  ", " ",   "x;", ";x"};
+        std::string text;
+        for (int32_t i = *rc::gen::inRange(0, 40); i > 0; --i) {
+            text += *rc::gen::elementOf(s_parts);
+        }
+        Scanner fast(text);
+        Scanner slow(text);
+        while (slow.token().kind != Token::Kind::END) {
+            fast.skipToSign();
+            skipLiterally(slow);
+            RC_ASSERT(fast.token().kind == slow.token().kind);
+            RC_ASSERT(fast.token().text == slow.token().text);
+            RC_ASSERT(fast.offset() == slow.offset());
+            RC_ASSERT(fast.end() == slow.end());
+            for (int32_t i = *rc::gen::inRange(1, 3); i > 0; --i) {
+                fast.advance();
+                slow.advance();
+            }
+        }
+    });
+    EXPECT_TRUE(passed);
+}
+
+TEST(Source, PlacesCountLinesAndColumns)
+{
+    std::string text = "a\nbc\r\n\n";
+    text += std::string(10'000, 'x') + "\n" + std::string(5000, '\n') + "end";
+    const Source source("f", text);
+    kit::input::Place place{1, 1};
+    for (size_t i = 0; i <= text.size(); ++i) {
+        ASSERT_EQ(source.placeOf(i).line, place.line) << i;
+        ASSERT_EQ(source.placeOf(i).column, place.column) << i;
+        if (i < text.size()) {
+            place = text[i] == '\n' ? kit::input::Place{place.line + 1, 1}
+                                    : kit::input::Place{place.line, place.column + 1};
+        }
+    }
+    EXPECT_EQ(source.placeOf(text.size() + 100).column, 4);
+}
+
+TEST(Source, PlacesAtTheEndOfAWholeBlock)
+{
+    EXPECT_EQ(Source("f", "").placeOf(0).line, 1);
+    EXPECT_EQ(Source("f", std::string(4096, '\n')).placeOf(4096).line, 4097);
+    EXPECT_EQ(Source("f", std::string(4096, 'x')).placeOf(4096).column, 4097);
+}
+
+TEST(Source, ReadsAFile)
+{
+    const test::TempDir dir;
+    const Source source(dir.write("a.def", "x\ny"));
+    EXPECT_EQ(source.text(), "x\ny");
+    EXPECT_EQ(source.offsetOf(source.text().substr(2)), 2U);
+    EXPECT_THROW(Source(dir.path("none")), kit::Fault);
+}
+
+TEST(SourceReporter, StopsAfterAThousandOfASeverity)
+{
+    const Source source("f", "text");
+    kit::input::Findings findings;
+    SourceReporter reporter(findings, source);
+    for (int i = 0; i < 1500; ++i) {
+        reporter.error("e", 1, "what", "advice");
+    }
+    for (int i = 0; i < 1000; ++i) {
+        reporter.warning("w", 2, "what", "advice");
+    }
+    reporter.note("n", 3, "what", "advice");
+    ASSERT_EQ(findings.size(), 2002U);
+    EXPECT_EQ(test::describe(findings[999]), "error e 1:2: what; advice");
+    EXPECT_EQ(
+        test::describe(findings[1000]),
+        "error too-many 1:2: from here on no error is told, there were 1000 before; correct those first");
+    EXPECT_EQ(test::describe(findings[1001]), "warning w 1:3: what; advice");
+    EXPECT_EQ(test::describe(findings[2001]), "note n 1:4: what; advice");
+}
+
+TEST(NameTable, FindsTheFirstOfEachName)
+{
+    const bool passed = rc::check("as a map does", [] {
+        const auto names = *rc::gen::container<std::vector<std::string>>(
+            rc::gen::map(rc::gen::inRange(0, 300), [](int i) { return std::to_string(i * 7919); }));
+        std::map<std::string, uint32_t> model;
+        NameTable table;
+        for (uint32_t i = 0; i < names.size(); ++i) {
+            RC_ASSERT(table.add(names[i], i) == model.emplace(names[i], i).first->second);
+        }
+    });
+    EXPECT_TRUE(passed);
+}
+
+/// Whether a point is inside by the edges to its right; it is on none.
+bool isInside(const std::vector<DefPoint>& corners, double x, double y)
+{
+    bool inside = false;
+    for (size_t i = 0; i < corners.size(); ++i) {
+        const DefPoint& a = corners[i];
+        const DefPoint& b = corners[(i + 1) % corners.size()];
+        inside ^= (a.y > y) != (b.y > y) && a.x > x;
+    }
+    return inside;
+}
+
+TEST(Polygon, IsCutWithoutGapsAndOverlaps)
+{
+    const bool passed = rc::check("each unit square is covered once if it is inside", [] {
+        // Any walk with turns at right angles, on a small grid so that edges meet and cross.
+        std::vector<DefPoint> corners;
+        DefPoint at{*rc::gen::inRange(0, 8), *rc::gen::inRange(0, 8)};
+        for (int32_t i = *rc::gen::inRange(1, 9); i > 0; --i) {
+            at.x = *rc::gen::inRange(0, 8);
+            corners.push_back(at);
+            at.y = *rc::gen::inRange(0, 8);
+            corners.push_back(at);
+        }
+        corners.push_back({corners[0].x, at.y}); // closes it
+        RC_ASSERT(isRectilinear(corners));
+        const std::vector<DefRect> rects = cutIntoRects(corners);
+        for (int32_t x = 0; x < 8; ++x) {
+            for (int32_t y = 0; y < 8; ++y) {
+                const auto covers = [&](const DefRect& rect) {
+                    return rect.xl <= x && x < rect.xh && rect.yl <= y && y < rect.yh;
+                };
+                RC_ASSERT(std::count_if(rects.begin(), rects.end(), covers) ==
+                          (isInside(corners, x + 0.5, y + 0.5) ? 1 : 0));
+            }
+        }
+    });
+    EXPECT_TRUE(passed);
+}
+
+TEST(Polygon, BandsOfOneWidthAreOneRectangle)
+{
+    // A comb: the teeth are one rectangle each, although the right one has more corners.
+    const std::vector<DefPoint> comb{{0, 0},   {0, 10},  {10, 10}, {10, 30}, {20, 30},
+                                     {20, 10}, {30, 10}, {30, 20}, {40, 20}, {40, 0}};
+    const std::vector<DefRect> rects = cutIntoRects(comb);
+    ASSERT_EQ(rects.size(), 3U);
+    EXPECT_EQ(rects[1].yh, 30);
+}
+
+TEST(Polygon, IsRectilinearWithItsClosingEdge)
+{
+    EXPECT_TRUE(isRectilinear({{0, 0}, {0, 1}, {1, 1}, {1, 0}}));
+    EXPECT_FALSE(isRectilinear({{0, 0}, {0, 1}, {1, 1}}));
+    EXPECT_FALSE(isRectilinear({{0, 0}, {1, 1}, {1, 0}, {0, 0}}));
+}
+
+} // namespace
