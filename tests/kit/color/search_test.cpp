@@ -191,7 +191,7 @@ TEST(KitColorSearch, FindsTheLeastCostForEveryLookOfTheSides)
             const auto same = found.find(sides);
             const bool isWanted = cost <= least + limits.moreStitches;
             RC_ASSERT(isWanted == (same != found.end()));
-            RC_ASSERT(!isWanted || same->second == cost);
+            RC_ASSERT((!isWanted || same->second == cost)); // or both sides are worked out
         }
     }));
 }
