@@ -20,10 +20,8 @@ bool any(const std::vector<Rect>& rects, auto test)
 /// Writes what has been found as a colour file.
 class Assembly {
 public:
-    Assembly(const CellMetal& metal, const Graph& graph, std::vector<Colouring> colourings,
-             const Rules& rules, int32_t bottom)
-        : m_metal(metal), m_graph(graph), m_colourings(std::move(colourings)), m_rules(rules),
-          m_sets(graph.parts.size())
+    Assembly(const CellMetal& metal, const Graph& graph, std::vector<Colouring> colourings, int32_t bottom)
+        : m_metal(metal), m_graph(graph), m_colourings(std::move(colourings)), m_sets(graph.parts.size())
     {
         m_cell.name = metal.name;
         m_cell.width = metal.width;
@@ -125,7 +123,6 @@ private:
     const CellMetal& m_metal;
     const Graph& m_graph;
     std::vector<Colouring> m_colourings;
-    const Rules& m_rules;
     Sets m_sets;                      ///< parts that are one shape
     std::vector<size_t> m_shapeOf;    ///< [part]
     std::vector<size_t> m_first;      ///< [shape but rails] its first part
@@ -190,7 +187,7 @@ ColouredCell colour(const CellMetal& metal, const Settings& settings, int32_t bo
     }
     ColouredCell result;
     if (found.outcome == Outcome::FOUND) {
-        result = Assembly(metal, graph, chosen(found.all, settings.mostSolutions), rules, bottom).run();
+        result = Assembly(metal, graph, chosen(found.all, settings.mostSolutions), bottom).run();
     }
     result.tooLarge = found.outcome == Outcome::TOO_LARGE;
     result.trouble = std::move(trouble);

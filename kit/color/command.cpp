@@ -3,8 +3,8 @@
 
 #include <memory>
 
-#include "kit/color/micron.h"
 #include "kit/color/run.h"
+#include "kit/lefdef/siteOption.h"
 
 namespace kit::color {
 
@@ -18,21 +18,7 @@ constexpr const char* FOOTER =
     R"(Exit status: 0 if every cell has a colouring, 1 if one has none free of conflicts, 2 if an input is not right.
 
 Example:
-  vireloce-kit color --lef Nangate45_stdcell.lef --layer metal1 -o colors)";
-
-/// Takes the text of --site. @return why it is not right, empty if it is
-std::string takeSite(const std::string& text, Options& options)
-{
-    const size_t comma = text.find(',');
-    const auto width = parseMicron(std::string_view(text).substr(0, comma));
-    const auto height =
-        comma == std::string::npos ? std::nullopt : parseMicron(std::string_view(text).substr(comma + 1));
-    if (!width || !height) {
-        return "Value " + text + " is not W,H in micrometres, such as 0.19,1.4";
-    }
-    options.site = SiteSize{*width, *height};
-    return "";
-}
+  vireloce-kit color --lef Nangate45_stdcell.lef -o colors)";
 
 void addRules(CLI::App& command, Settings& settings)
 {
@@ -58,15 +44,12 @@ void addCommand(CLI::App& program, int& exitStatus)
     CLI::App& command = *program.add_subcommand("color", "Colour the cells of a LEF library");
     const auto options = std::make_shared<Options>();
     command.add_option("--lef", options->lefs, "LEF file; several are one library")->required();
-    command.add_option("--layer", options->layer, "name of the metal layer that is coloured")->required();
+    command.add_option("--layer", options->layer, "name of the metal layer that is coloured")
+        ->capture_default_str();
     command.add_option("-o,--out", options->outDir, "folder of the colour files, made if it is not there")
         ->required();
     addRules(command, options->settings);
-    command
-        .add_option_function<std::string>(
-            "--site", [](const std::string& /*text*/) {},
-            "width and height of a site as W,H, micrometres (default: the files' site of class CORE)")
-        ->check(CLI::Validator([options](std::string& text) { return takeSite(text, *options); }, ""));
+    lefdef::addSiteOption(command, options->site);
     command.add_option("--jobs", options->jobs, "threads; the files are the same with any number")
         ->check(CLI::Range(1, MOST_JOBS))
         ->capture_default_str();

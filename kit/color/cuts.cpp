@@ -235,10 +235,12 @@ std::vector<Cut> cutsOf(const Polygon& polygon, const std::vector<const Polygon*
         flat.cutNearest(width / 2);
     }
     std::vector<Polygon> turnedPolygons;
+    turnedPolygons.reserve(others.size());
     for (const Polygon* other : others) {
         turnedPolygons.push_back(turned(*other));
     }
     std::vector<const Polygon*> turnedOthers;
+    turnedOthers.reserve(others.size());
     for (const Polygon& other : turnedPolygons) {
         turnedOthers.push_back(&other);
     }

@@ -30,6 +30,7 @@ Rect transposed(const Rect& rect)
 std::vector<Rect> transposed(const std::vector<Rect>& rects)
 {
     std::vector<Rect> result;
+    result.reserve(rects.size());
     for (const Rect& rect : rects) {
         result.push_back(transposed(rect));
     }

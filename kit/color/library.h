@@ -10,15 +10,12 @@
 
 #include "kit/input/finding.h"
 #include "kit/lefdef/lef.h"
+#include "kit/lefdef/siteOption.h"
 #include "kit/lefdef/source.h"
 
 namespace kit::color {
 
-/// Size of a placement site, picometres.
-struct SiteSize {
-    lefdef::Length width = 0;
-    lefdef::Length height = 0;
-};
+using lefdef::SiteSize;
 
 /// LEF files that are one library.
 struct Library {

@@ -17,7 +17,7 @@ namespace kit::color {
 /// Everything the user can choose.
 struct Options {
     std::vector<std::string> lefs;
-    std::string layer;
+    std::string layer = "metal1";
     std::string outDir;
     std::optional<SiteSize> site;
     Settings settings;

@@ -63,16 +63,25 @@ private:
 
 std::vector<Colouring> chosen(const std::vector<Colouring>& all, size_t most)
 {
-    const auto dearer = std::find_if(all.begin(), all.end(), [&all](const Colouring& colouring) {
-        return colouring.cost > all.front().cost;
-    });
-    const auto least = static_cast<size_t>(dearer - all.begin());
-    const size_t others = all.size() - least;
-    const size_t reserved = std::min(most / 4, others);
-    const size_t ofLeast = std::min(least, most - reserved);
+    const auto endOf = [&all](size_t begin) { // of those that cost the same
+        size_t end = begin;
+        while (end < all.size() && all[end].cost == all[begin].cost) {
+            ++end;
+        }
+        return end;
+    };
+    const size_t least = endOf(0);
+    const size_t reserved = std::min(most / 4, all.size() - least);
+    size_t places = most - std::min(least, most - reserved);
     Chooser chooser(all);
-    chooser.choose(0, least, ofLeast);
-    chooser.choose(least, all.size(), std::min(others, most - ofLeast));
+    chooser.choose(0, least, most - places);
+    for (size_t begin = least; begin < all.size() && places > 0;) {
+        const size_t end = endOf(begin);
+        const size_t count = std::min(end - begin, places);
+        chooser.choose(begin, end, count);
+        places -= count;
+        begin = end;
+    }
     return chooser.result();
 }
 

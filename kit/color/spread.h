@@ -9,10 +9,10 @@ namespace kit::color {
 
 /// The colourings of a cell that its file gets.
 ///
-/// Three quarters of the places go to colourings of the least cost, the others to ones with more stitches, as
-/// far as there are; what either leaves free the other gets. Each place goes to the one whose sides differ
-/// most from the chosen ones, counted in parts, from the one that is most like any: so the placer can choose.
-/// Of equals the cheaper and then the one that comes first is taken.
+/// Three quarters of the places go to colourings of the least cost, the others to ones with more stitches,
+/// the cheaper first, as far as there are; what either leaves free the other gets. Among equally good ones
+/// each place goes to the one whose sides differ most from the chosen ones, counted in parts, from the one
+/// that is most like it: so the placer can choose. Of equals the one that comes first is taken.
 ///
 /// @param all   by cost, then by sides
 /// @param most  places, at least 1

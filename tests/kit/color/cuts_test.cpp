@@ -72,16 +72,27 @@ const CutCase CUTS[] = {
      {},
      "500 1450 570 1450"},
     {"WhereAnArmLeavesTheBody",
-     // The body's neighbour shades the arm's root, the arm's neighbour all but the root.
+     // The body's neighbour shades the arm's root; the arm's neighbour all but the root, and of the body what
+     // is above the arm.
      {{{1000, 500, 1070, 1500}, {1070, 1000, 1800, 1070}},
       {{700, 900, 900, 1100}},
       {{1226, 1170, 1500, 1200}}},
      {},
-     "1070 1000 1070 1070"},
+     "1070 1000 1070 1070, 1000 1070 1070 1070"},
+    {"BetweenTheBodyAndAShade",
+     {{{1000, 500, 1070, 1500}, {1070, 1000, 1800, 1070}},
+      {{700, 1200, 900, 1300}},
+      {{1256, 1170, 1500, 1200}}},
+     {},
+     "1085 1000 1085 1070"},
     {"FreeEndKeepsASquare",
-     {{WIRE}, {{1000, 580, 1010, 590}}, {{1250, 580, 1300, 590}}},
+     {{WIRE}, {{930, 580, 965, 590}}, {{1174, 580, 1300, 590}}},
      {100, 0},
-     "1131 500 1131 570"},
+     "1070 500 1070 570"},
+    {"FreeEndWithoutRoomForASquareIsNotCut",
+     {{WIRE}, {{930, 580, 965, 590}}, {{1169, 580, 1300, 590}}},
+     {100, 0},
+     ""},
 };
 
 class KitColorCuts : public testing::TestWithParam<CutCase> {};

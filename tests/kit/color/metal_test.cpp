@@ -206,16 +206,6 @@ TEST(KitColorMicron, TextHasNoZerosAtItsEnd)
     EXPECT_EQ(kit::color::micronText(1), "0.000001");
 }
 
-TEST(KitColorMicron, ReadsDecimals)
-{
-    EXPECT_EQ(kit::color::parseMicron("0.19"), 190'000);
-    EXPECT_EQ(kit::color::parseMicron(".5"), 500'000);
-    EXPECT_EQ(kit::color::parseMicron("12"), 12'000'000);
-    for (const char* bad : {"", ".", "0", "-1", "1e3", "0.1234567", "1000", "1,5", "x"}) {
-        EXPECT_EQ(kit::color::parseMicron(bad), std::nullopt) << bad;
-    }
-}
-
 /// Random rectangles with few different coordinates.
 Rects someRects()
 {

@@ -191,7 +191,7 @@ TEST(KitColorSearch, FindsTheLeastCostForEveryLookOfTheSides)
             const auto same = found.find(sides);
             const bool isWanted = cost <= least + limits.moreStitches;
             RC_ASSERT(isWanted == (same != found.end()));
-            RC_ASSERT(!isWanted || same->second == cost);
+            RC_ASSERT((!isWanted || same->second == cost)); // or both sides are worked out
         }
     }));
 }
@@ -301,6 +301,14 @@ TEST(KitColorSpread, KeepsAQuarterForMoreStitches)
     ASSERT_EQ(chosen.size(), 12U);
     EXPECT_EQ(chosen[8].cost, 1U);
     EXPECT_EQ(chosen[9].cost, 2U);
+}
+
+TEST(KitColorSpread, TakesTheCheaperOfThoseWithMoreStitches)
+{
+    std::vector<Colouring> all{colouring(0, {0, 0}), colouring(1, {0, 1}), colouring(1, {1, 0}),
+                               colouring(2, {2, 2})};
+    EXPECT_EQ(kit::color::chosen(all, 3).back().cost, 1U);
+    EXPECT_EQ(kit::color::chosen(all, 4).back().cost, 2U);
 }
 
 TEST(KitColorSpread, GivesFreePlacesToTheOthers)
