@@ -7,6 +7,7 @@
 #include "kit/fault.h"
 #include "kit/input/names.h"
 #include "kit/input/reader.h"
+#include "kit/lefdef/trueOrient.h"
 #include "kit/verify/legality.h"
 #include "kit/verify/matching.h"
 #include "kit/verify/pairs.h"
@@ -62,6 +63,7 @@ Input readInput(const Options& options)
     Input input;
     input::Findings findings;
     input::readPlacement(options.placement, input.design, findings);
+    lefdef::restoreOrientations(options.placement, input.design, findings);
     if (options.cells.empty()) {
         input::readCells(usedCells(input.design), options.cellDir, input.design, findings);
     } else {

@@ -9,6 +9,7 @@
 #include "kit/fault.h"
 #include "kit/input/colors.h"
 #include "kit/input/reader.h"
+#include "kit/lefdef/trueOrient.h"
 #include "kit/view/build.h"
 #include "kit/view/conflicts.h"
 
@@ -108,6 +109,7 @@ Scene readScene(const InputPaths& paths, int32_t minDist, input::Findings& findi
     input::Design design;
     readCellsOf(paths, design, findings);
     input::readPlacement(paths.placement, design, findings);
+    lefdef::restoreOrientations(paths.placement, design, findings);
     if (!paths.netlist.empty()) {
         if (!paths.pins.empty()) {
             input::readPins(paths.pins, design, findings);
@@ -124,6 +126,7 @@ Scene readScene(const InputPaths& paths, int32_t minDist, input::Findings& findi
     input::Design before;
     if (!paths.before.empty()) {
         input::readPlacement(paths.before, before, findings);
+        lefdef::restoreOrientations(paths.before, before, findings);
         extras.before = &before;
     }
     Scene scene = buildScene(design, extras);

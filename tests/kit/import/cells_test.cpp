@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Components, pins, nets and names of a DEF in the placer's files.
 #include "kit/import/importCase.h"
+#include "kit/input/reader.h"
+#include "kit/lefdef/trueOrient.h"
 
 namespace {
 
@@ -31,6 +33,29 @@ TEST_F(KitImportCells, UpsideDownInTheirRowAreKeptAside)
               std::string::npos)
         << outcome.error;
     EXPECT_EQ(map().flipped, (Words{"a", "b"}));
+}
+
+TEST_F(KitImportCells, TrueOrientationsComeBackFromRowsAndMap)
+{
+    import(components({"a A + PLACED ( 1000 0 ) FS", "b A + PLACED ( 1400 2000 ) N",
+                       "c A + PLACED ( 1800 0 ) FN", "d A + PLACED ( 2200 2000 ) S",
+                       "e A + PLACED ( 2600 2000 ) FS"}));
+    kit::input::Findings findings;
+    kit::input::Design design;
+    kit::input::readPlacement(base() + ".place", design, findings);
+    kit::lefdef::restoreOrientations(base() + ".place", design, findings);
+    Words orients;
+    for (const auto& comp : design.components) {
+        orients.push_back(comp.orient);
+    }
+    EXPECT_EQ(orients, (Words{"FS", "N", "FN", "S", "FS"}));
+    // Without the map they are what the file says.
+    std::filesystem::remove(base() + ".map");
+    kit::input::Design plain;
+    kit::input::readPlacement(base() + ".place", plain, findings);
+    kit::lefdef::restoreOrientations(base() + ".place", plain, findings);
+    EXPECT_EQ(plain.components.back().orient, "N");
+    EXPECT_TRUE(findings.empty());
 }
 
 TEST_F(KitImportCells, FillersAreLeftOut)
