@@ -42,13 +42,13 @@ public:
 
     bool sort()
     {
-        m_cells.masterOf.resize(m_def.components.size(), -1);
+        m_cells.masterOf.resize(m_def.components.size(), NONE);
         m_cells.isFixed.resize(m_def.components.size());
         for (size_t i = 0; i < m_def.components.size(); ++i) {
             const int32_t master = input::findName(m_masters, m_def.components[i].macro);
-            m_cells.masterOf[i] = master;
             if (master >= 0) {
-                take(static_cast<int32_t>(i), m_lef.macros[master]);
+                m_cells.masterOf[i] = static_cast<size_t>(master);
+                take(i, m_lef.macros[m_cells.masterOf[i]]);
             } else {
                 error("unknown-master", m_def.components[i],
                       "is of master " + std::string(m_def.components[i].macro) + ", which no LEF file has",
@@ -59,7 +59,7 @@ public:
     }
 
 private:
-    void take(int32_t index, const LefMacro& macro)
+    void take(size_t index, const LefMacro& macro)
     {
         const DefComponent& comp = m_def.components[index];
         const bool placed = comp.status == Status::PLACED;
@@ -96,7 +96,7 @@ private:
         return upright && low;
     }
 
-    void keep(int32_t index, const LefMacro& macro)
+    void keep(size_t index, const LefMacro& macro)
     {
         const DefComponent& comp = m_def.components[index];
         m_cells.isFixed[index] = true;
@@ -150,8 +150,8 @@ void findRows(const Def& def, const Core& core, Cells& cells)
         stretches[i] = freeStretches(core.rows[i]);
     }
     for (Cell& cell : cells.movable) {
-        const int32_t row = cell.placed ? core.rowAt(cell.y) : -1;
-        if (row < 0) {
+        const size_t row = cell.placed ? core.rowAt(cell.y) : NONE;
+        if (row == NONE) {
             continue;
         }
         const std::vector<Interval>& free = stretches[row];

@@ -12,8 +12,8 @@ namespace kit::importing {
 
 /// A component that the placer places.
 struct Cell {
-    int32_t component = 0; ///< index in Def::components
-    int32_t row = -1;      ///< index in Core::rows, -1 without a legal place
+    size_t component = 0;  ///< index in Def::components
+    size_t row = NONE;     ///< index in Core::rows, NONE without a legal place
     int64_t x = 0;         ///< left edge, DBU
     int64_t y = 0;         ///< bottom edge, DBU
     int64_t width = 0;     ///< whole sites, DBU
@@ -26,7 +26,7 @@ struct Cell {
 struct Cells {
     std::vector<Cell> movable;           ///< in the order of the file
     std::vector<lefdef::DefRect> blocks; ///< outlines of what stays where it is
-    std::vector<int32_t> masterOf;       ///< [component] index in Lef::macros, -1 if unknown
+    std::vector<size_t> masterOf;        ///< [component] index in Lef::macros, NONE if unknown
     std::vector<bool> isFixed;           ///< [component] it stays where it is
     int64_t fillers = 0;                 ///< left out
 };

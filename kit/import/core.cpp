@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <map>
+#include <numeric>
 #include <string>
 
 #include "kit/lefdef/units.h"
@@ -223,13 +224,11 @@ private:
 
     void checkHeights()
     {
-        std::vector<int32_t>& order = m_core.byHeight;
+        std::vector<size_t>& order = m_core.byHeight;
         order.resize(m_core.rows.size());
-        for (size_t i = 0; i < order.size(); ++i) {
-            order[i] = static_cast<int32_t>(i);
-        }
+        std::iota(order.begin(), order.end(), size_t{0});
         std::sort(order.begin(), order.end(),
-                  [&](int32_t a, int32_t b) { return m_core.rows[a].y < m_core.rows[b].y; });
+                  [&](size_t a, size_t b) { return m_core.rows[a].y < m_core.rows[b].y; });
         for (size_t i = 1; i < order.size(); ++i) {
             const Row& lower = m_core.rows[order[i - 1]];
             const Row& upper = m_core.rows[order[i]];
@@ -307,14 +306,14 @@ int64_t Row::numSites(int64_t siteWidth) const
 size_t Core::firstAbove(int64_t y) const
 {
     const auto at = std::partition_point(byHeight.begin(), byHeight.end(),
-                                         [&](int32_t row) { return rows[row].y + siteHeight <= y; });
+                                         [&](size_t row) { return rows[row].y + siteHeight <= y; });
     return static_cast<size_t>(at - byHeight.begin());
 }
 
-int32_t Core::rowAt(int64_t y) const
+size_t Core::rowAt(int64_t y) const
 {
     const size_t at = firstAbove(y);
-    return at < byHeight.size() && rows[byHeight[at]].y == y ? byHeight[at] : -1;
+    return at < byHeight.size() && rows[byHeight[at]].y == y ? byHeight[at] : NONE;
 }
 
 std::optional<Core> readCore(const Def& def, const Lef& lef, const std::optional<SiteSize>& site,

@@ -13,6 +13,9 @@
 
 namespace kit::importing {
 
+/// In place of an index, where there is nothing.
+inline constexpr size_t NONE = SIZE_MAX;
+
 /// From `begin` up to and without `end`, DBU.
 struct Interval {
     int64_t begin = 0;
@@ -45,13 +48,13 @@ struct Core {
     std::vector<Row> rows;  ///< in the order of the file
 
     /// Indices of the rows by height; filled by readCore().
-    std::vector<int32_t> byHeight;
+    std::vector<size_t> byHeight;
 
     /// Index in byHeight of the first row whose top is above `y`.
     size_t firstAbove(int64_t y) const;
 
-    /// Index of the row at a height, -1 if there is none.
-    int32_t rowAt(int64_t y) const;
+    /// Index of the row at a height, NONE if there is none.
+    size_t rowAt(int64_t y) const;
 };
 
 /// Takes the rows of a DEF. Those of other sites than the smallest are left out, with a warning.

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <numeric>
 #include <set>
 
 #include "kit/outputFile.h"
@@ -17,7 +18,7 @@ constexpr size_t MEMBERS_A_LINE = 8; ///< of a net
 /// Whether some row stands just above or below another.
 bool hasNeighbour(const Core& core, const Row& row)
 {
-    return core.rowAt(row.y + core.siteHeight) >= 0 || core.rowAt(row.y - core.siteHeight) >= 0;
+    return core.rowAt(row.y + core.siteHeight) != NONE || core.rowAt(row.y - core.siteHeight) != NONE;
 }
 
 std::string carried(std::string_view name, const char* other)
@@ -65,9 +66,9 @@ void writeRow(OutputFile& out, const std::string& name, const Row& row, int64_t 
 void writeRows(OutputFile& out, const DesignFiles& files)
 {
     const Core& core = files.core;
-    const std::vector<int32_t> order = rowOrder(core);
-    for (const int32_t index : order) {
-        if (index >= 0) {
+    const std::vector<size_t> order = rowOrder(core);
+    for (const size_t index : order) {
+        if (index != NONE) {
             const Row& row = core.rows[index];
             writeRow(out, carried(row.name, "ROW"), row, row.y, row.numSites(core.siteWidth), core.siteWidth);
         } else {
@@ -108,18 +109,16 @@ void writeBlocks(OutputFile& out, const Core& core)
 
 } // namespace
 
-std::vector<int32_t> rowOrder(const Core& core)
+std::vector<size_t> rowOrder(const Core& core)
 {
-    std::vector<int32_t> order(core.rows.size());
-    for (size_t i = 0; i < order.size(); ++i) {
-        order[i] = static_cast<int32_t>(i);
-    }
+    std::vector<size_t> order(core.rows.size());
+    std::iota(order.begin(), order.end(), size_t{0});
     const auto first = std::find_if(order.begin(), order.end(),
-                                    [&](int32_t row) { return hasNeighbour(core, core.rows[row]); });
+                                    [&](size_t row) { return hasNeighbour(core, core.rows[row]); });
     if (first != order.end()) {
         std::rotate(order.begin(), first, std::next(first));
     } else {
-        order.push_back(-1);
+        order.push_back(NONE);
     }
     return order;
 }

@@ -43,9 +43,9 @@ struct DesignFiles {
 
 /// Order of the rows in which the placer takes the right height from them: it compares all with the first.
 ///
-/// @return indices in Core::rows; -1 for a row without sites, one height above the first, where no two rows
+/// @return indices in Core::rows; NONE for a row without sites, one height above the first, where no two rows
 /// meet
-std::vector<int32_t> rowOrder(const Core& core);
+std::vector<size_t> rowOrder(const Core& core);
 
 /// Names of the masters of the movable cells, sorted.
 std::vector<std::string> usedMasters(const DesignFiles& files);

@@ -123,7 +123,7 @@ private:
     {
         if (m_options.legalize) {
             const std::vector<Cell> before = m_cells.movable;
-            for (const int32_t index : legalize(m_def, m_core, nets, m_cells)) {
+            for (const size_t index : legalize(m_def, m_core, nets, m_cells)) {
                 tell(m_cells.movable[index], "no-room", "finds no free sites", "make room in the rows");
             }
             for (size_t i = 0; i < before.size(); ++i) {
@@ -133,7 +133,7 @@ private:
             return;
         }
         for (const Cell& cell : m_cells.movable) {
-            if (cell.row < 0) {
+            if (cell.row == NONE) {
                 tell(cell, "off-row", "does not stand on free sites of a row",
                      "move it, or give --legalize to have it put on the nearest ones");
             } else if (cell.flipped) {
@@ -155,9 +155,9 @@ private:
     /// A master's name is a file's name as well.
     void requireMasterNames()
     {
-        std::set<int32_t> known;
+        std::set<size_t> known;
         for (const Cell& cell : m_cells.movable) {
-            const int32_t master = m_cells.masterOf[cell.component];
+            const size_t master = m_cells.masterOf[cell.component];
             const std::string& name = m_lef.macros[master].name;
             if (known.insert(master).second && (!isCarried(name) || name.find('/') != std::string::npos)) {
                 tell(cell, "master-name", "is of master " + name + ", which cannot name a file",

@@ -106,16 +106,16 @@ public:
         }
     }
 
-    std::vector<int32_t> run()
+    std::vector<size_t> run()
     {
-        const std::vector<int32_t> homeless = settle();
+        const std::vector<size_t> homeless = settle();
         const std::vector<Point> targets = targetsOf(homeless);
         std::vector<size_t> order(homeless.size());
         std::iota(order.begin(), order.end(), size_t{0});
         std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) {
             return m_cells.movable[homeless[a]].width > m_cells.movable[homeless[b]].width;
         });
-        std::vector<int32_t> left;
+        std::vector<size_t> left;
         for (const size_t i : order) {
             if (!place(m_cells.movable[homeless[i]], targets[i])) {
                 left.push_back(homeless[i]);
@@ -126,17 +126,17 @@ public:
 
 private:
     /// Lets the cells stay that stand well. @return the others
-    std::vector<int32_t> settle()
+    std::vector<size_t> settle()
     {
-        std::vector<int32_t> order(m_cells.movable.size());
-        std::iota(order.begin(), order.end(), 0);
+        std::vector<size_t> order(m_cells.movable.size());
+        std::iota(order.begin(), order.end(), size_t{0});
         std::stable_sort(order.begin(), order.end(),
-                         [&](int32_t a, int32_t b) { return m_cells.movable[a].x < m_cells.movable[b].x; });
-        std::vector<int32_t> homeless;
-        for (const int32_t index : order) {
+                         [&](size_t a, size_t b) { return m_cells.movable[a].x < m_cells.movable[b].x; });
+        std::vector<size_t> homeless;
+        for (const size_t index : order) {
             Cell& cell = m_cells.movable[index];
-            if (cell.row < 0 || !m_free[cell.row].take(cell.x, cell.width)) {
-                cell.row = -1;
+            if (cell.row == NONE || !m_free[cell.row].take(cell.x, cell.width)) {
+                cell.row = NONE;
                 homeless.push_back(index);
             }
         }
@@ -144,18 +144,18 @@ private:
         return homeless;
     }
 
-    std::vector<Point> targetsOf(const std::vector<int32_t>& homeless) const
+    std::vector<Point> targetsOf(const std::vector<size_t>& homeless) const
     {
-        std::vector<std::vector<int32_t>> netsOf(m_def.components.size());
+        std::vector<std::vector<size_t>> netsOf(m_def.components.size());
         for (size_t net = 0; net < m_nets.size(); ++net) {
             for (const Member& member : m_nets.of(net)) {
                 if (member.component >= 0) {
-                    netsOf[member.component].push_back(static_cast<int32_t>(net));
+                    netsOf[static_cast<size_t>(member.component)].push_back(net);
                 }
             }
         }
         std::vector<Point> targets;
-        for (const int32_t index : homeless) {
+        for (const size_t index : homeless) {
             const Cell& cell = m_cells.movable[index];
             targets.push_back(cell.placed ? Point{.x = cell.x, .y = cell.y} : middle(netsOf[cell.component]));
         }
@@ -164,15 +164,15 @@ private:
 
     /// The mean of the places of all members of some nets that have one; the core's middle if none has. Large
     /// nets, a clock's for one, reach everywhere and say nothing.
-    Point middle(const std::vector<int32_t>& nets) const
+    Point middle(const std::vector<size_t>& nets) const
     {
         Point sum;
         int64_t count = 0;
-        for (const int32_t net : nets) {
-            if (m_nets.of(static_cast<size_t>(net)).size() > LARGE_NET) {
+        for (const size_t net : nets) {
+            if (m_nets.of(net).size() > LARGE_NET) {
                 continue;
             }
-            for (const Member& member : m_nets.of(static_cast<size_t>(net))) {
+            for (const Member& member : m_nets.of(net)) {
                 const std::optional<Point> at = placeOf(member);
                 sum = at ? Point{.x = sum.x + at->x, .y = sum.y + at->y} : sum;
                 count += at ? 1 : 0;
@@ -184,10 +184,10 @@ private:
     std::optional<Point> placeOf(const Member& member) const
     {
         if (member.component < 0) {
-            const lefdef::DefPin& pin = m_def.pins[member.pin];
+            const lefdef::DefPin& pin = m_def.pins[static_cast<size_t>(member.pin)];
             return pin.placed ? std::optional<Point>({.x = pin.x, .y = pin.y}) : std::nullopt;
         }
-        const lefdef::DefComponent& comp = m_def.components[member.component];
+        const lefdef::DefComponent& comp = m_def.components[static_cast<size_t>(member.component)];
         const bool placed = comp.status != lefdef::Status::NONE && comp.status != lefdef::Status::UNPLACED;
         return placed ? std::optional<Point>({.x = comp.x, .y = comp.y}) : std::nullopt;
     }
@@ -201,11 +201,11 @@ private:
 
     bool place(Cell& cell, const Point& target)
     {
-        int32_t bestRow = -1;
+        size_t bestRow = NONE;
         int64_t bestX = 0;
         int64_t reach = std::numeric_limits<int64_t>::max() / 4;
         const auto tryRow = [&](size_t order) {
-            const int32_t row = m_core.byHeight[order];
+            const size_t row = m_core.byHeight[order];
             const int64_t away = std::abs(m_core.rows[row].y - target.y);
             if (away >= reach) {
                 return false;
@@ -223,7 +223,7 @@ private:
         }
         for (size_t i = std::min(middle, m_core.byHeight.size()); i-- > 0 && tryRow(i);) {
         }
-        if (bestRow < 0) {
+        if (bestRow == NONE) {
             return false;
         }
         m_free[bestRow].take(bestX, cell.width);
@@ -243,7 +243,7 @@ private:
 
 } // namespace
 
-std::vector<int32_t> legalize(const Def& def, const Core& core, const Nets& nets, Cells& cells)
+std::vector<size_t> legalize(const Def& def, const Core& core, const Nets& nets, Cells& cells)
 {
     return Legalizer(def, core, nets, cells).run();
 }

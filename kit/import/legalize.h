@@ -18,6 +18,6 @@ namespace kit::importing {
 ///
 /// @param cells  those with a legal row as findRows() leaves them
 /// @return indices in Cells::movable of those for which there is no room
-std::vector<int32_t> legalize(const lefdef::Def& def, const Core& core, const Nets& nets, Cells& cells);
+std::vector<size_t> legalize(const lefdef::Def& def, const Core& core, const Nets& nets, Cells& cells);
 
 } // namespace kit::importing

@@ -126,8 +126,9 @@ private:
     {
         const auto [at, isNew] = m_fixedPins.try_emplace({member.component, member.name}, -1);
         if (isNew) {
-            const DefComponent& comp = m_files.def.components[member.component];
-            const LefMacro& macro = m_files.lef.macros[m_files.cells.masterOf[member.component]];
+            const auto index = static_cast<size_t>(member.component);
+            const DefComponent& comp = m_files.def.components[index];
+            const LefMacro& macro = m_files.lef.macros[m_files.cells.masterOf[index]];
             const LefPoint middle =
                 transformed(middleOf(macro, member.name), macro.width, macro.height, comp.orient);
             at->second = makeTerminal(std::string(comp.name) + "/" + std::string(member.name),
