@@ -9,6 +9,7 @@
 #include "kit/import/command.h"
 #include "kit/lint/command.h"
 #include "kit/place/command.h"
+#include "kit/sweep/command.h"
 #include "kit/verify/command.h"
 #include "kit/view/command.h"
 
@@ -18,7 +19,7 @@ std::vector<AddCommand> allCommands()
 {
     return {flow::addCommand,    importing::addCommand, color::addCommand,    lint::addCommand,
             place::addCommand,   verify::addCommand,    exporter::addCommand, view::addCommand,
-            compare::addCommand, gen::addCommand};
+            compare::addCommand, sweep::addCommand,     gen::addCommand};
 }
 
 } // namespace kit

@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
+#include "kit/csv.h"
+
 namespace kit::compare {
 
 namespace {
@@ -85,18 +87,6 @@ std::string escapedForMarkdown(const std::string& text)
         escaped += c == '|' || c == '*' || c == '_' || c == '\\' ? std::string("\\") + c : std::string(1, c);
     }
     return escaped;
-}
-
-std::string escapedForCsv(const std::string& text)
-{
-    if (text.find_first_of(",\"\n\r") == std::string::npos) {
-        return text;
-    }
-    std::string escaped = "\"";
-    for (const char c : text) {
-        escaped += c == '"' ? "\"\"" : std::string(1, c);
-    }
-    return escaped + '"';
 }
 
 } // namespace

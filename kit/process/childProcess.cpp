@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/process/childProcess.h"
 
-#include <fcntl.h>
-#include <spawn.h>
 #include <sys/resource.h>
 #include <sys/time.h>
 #include <sys/wait.h>
@@ -11,48 +9,29 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstring>
 #include <filesystem>
 
-#include "kit/fault.h"
+#include "kit/process/start.h"
+#include "kit/process/watch.h"
 
 namespace kit::process {
 
 namespace {
-
-/// Which files stand for a program's standard streams.
-class Streams {
-public:
-    Streams(const std::string& outputPath, const std::string& errorPath)
-    {
-        constexpr int FLAGS = O_WRONLY | O_CREAT | O_TRUNC;
-        constexpr mode_t MODE = 0666;
-        posix_spawn_file_actions_init(&m_actions);
-        posix_spawn_file_actions_addopen(&m_actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        posix_spawn_file_actions_addopen(&m_actions, STDOUT_FILENO, outputPath.c_str(), FLAGS, MODE);
-        if (errorPath == outputPath) {
-            posix_spawn_file_actions_adddup2(&m_actions, STDOUT_FILENO, STDERR_FILENO);
-        } else {
-            posix_spawn_file_actions_addopen(&m_actions, STDERR_FILENO, errorPath.c_str(), FLAGS, MODE);
-        }
-    }
-    ~Streams() { posix_spawn_file_actions_destroy(&m_actions); }
-    Streams(const Streams&) = delete;
-    Streams& operator=(const Streams&) = delete;
-
-    const posix_spawn_file_actions_t* actions() const { return &m_actions; }
-
-private:
-    posix_spawn_file_actions_t m_actions;
-};
 
 double secondsOf(const timeval& time)
 {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
 }
 
-/// Waits for a child to end.
-Ending wait(pid_t child)
+double secondsSince(std::chrono::steady_clock::time_point begin)
+{
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+/// Takes the ending of a child, once it has one.
+Ending reap(pid_t child)
 {
     int status = 0;
     rusage usage{};
@@ -86,22 +65,31 @@ std::string quotedForShell(const std::string& word)
 
 Ending run(const std::vector<std::string>& words, const std::string& outputPath, const std::string& errorPath)
 {
-    std::vector<std::string> copies = words;
-    std::vector<char*> argv;
-    for (std::string& word : copies) {
-        argv.push_back(word.data());
-    }
-    argv.push_back(nullptr);
-    const Streams streams(outputPath, errorPath);
     const auto begin = std::chrono::steady_clock::now();
-    pid_t child = 0;
-    const int error =
-        posix_spawn(&child, words.front().c_str(), streams.actions(), nullptr, argv.data(), environ);
-    if (error != 0) {
-        throw Fault("cannot run " + words.front() + ": " + std::strerror(error));
+    const pid_t child = start({words, outputPath, errorPath, /*ownGroup=*/false});
+    Ending ending = reap(child);
+    ending.seconds = secondsSince(begin);
+    return ending;
+}
+
+Ending run(const std::vector<std::string>& words, const std::string& outputPath, const std::string& errorPath,
+           const Limits& limits)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    const pid_t child = start({words, outputPath, errorPath, /*ownGroup=*/true});
+    Watch watch(child, limits);
+    // The child stays a zombie, its id in use, until nobody can kill it any more.
+    siginfo_t info{};
+    while (waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOWAIT) < 0 && errno == EINTR) {
     }
-    Ending ending = wait(child);
-    ending.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    const Watch::Reason reason = watch.end();
+    kill(-child, SIGKILL); // what it may have left behind
+    Ending ending = reap(child);
+    ending.seconds = secondsSince(begin);
+    ending.timedOut = reason == Watch::Reason::TIME;
+    ending.stopped = reason == Watch::Reason::STOP;
+    ending.overMemory =
+        reason == Watch::Reason::MEMORY || (limits.memoryKib > 0 && ending.peakKib > limits.memoryKib);
     return ending;
 }
 

@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/sweep/owner.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+namespace kit::sweep {
+
+namespace {
+
+std::string hostName()
+{
+    std::array<char, 256> name{};
+    gethostname(name.data(), name.size() - 1);
+    return name.data();
+}
+
+std::string bootId()
+{
+    std::ifstream file("/proc/sys/kernel/random/boot_id");
+    std::string id;
+    file >> id;
+    return id;
+}
+
+/// The name of the space that this process's id belongs to: containers have their own.
+std::string processSpace()
+{
+    std::error_code error;
+    return std::filesystem::read_symlink("/proc/self/ns/pid", error).string();
+}
+
+/// When a process was started, -1 if there is none of this id.
+int64_t startOf(int64_t process)
+{
+    constexpr int FIELDS_BEFORE = 19; // behind the name, which may hold anything
+    std::ostringstream text;
+    text << std::ifstream("/proc/" + std::to_string(process) + "/stat").rdbuf();
+    const std::string stat = text.str();
+    const size_t nameEnd = stat.rfind(')');
+    if (nameEnd == std::string::npos) {
+        return -1;
+    }
+    std::istringstream fields(stat.substr(nameEnd + 1));
+    std::string word;
+    for (int i = 0; i < FIELDS_BEFORE; ++i) {
+        fields >> word;
+        if (i == 0 && (word == "Z" || word == "X")) { // it has ended, and nobody has looked yet
+            return -1;
+        }
+    }
+    int64_t start = -1;
+    fields >> start;
+    return start;
+}
+
+} // namespace
+
+Owner Owner::self()
+{
+    const std::string host = hostName();
+    const int64_t process = getpid();
+    return {host, host + " " + bootId() + " " + processSpace(), process, startOf(process)};
+}
+
+std::string Owner::name() const
+{
+    std::string safe = host;
+    std::replace_if(
+        safe.begin(), safe.end(), [](unsigned char c) { return std::isalnum(c) == 0 && c != '-'; }, '_');
+    return safe + "." + std::to_string(process) + "." + std::to_string(start);
+}
+
+std::string Owner::text() const
+{
+    const nlohmann::ordered_json json{
+        {"host", host}, {"place", place}, {"process", process}, {"start", start}};
+    return json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+}
+
+std::optional<Owner> Owner::parse(const std::string& text)
+{
+    try {
+        const nlohmann::json json = nlohmann::json::parse(text);
+        return Owner{json.at("host").get<std::string>(), json.at("place").get<std::string>(),
+                     json.at("process").get<int64_t>(), json.at("start").get<int64_t>()};
+    } catch (const nlohmann::json::exception&) {
+        return std::nullopt;
+    }
+}
+
+std::optional<bool> Owner::isAlive() const
+{
+    static const std::string s_here = Owner::self().place;
+    if (place != s_here) {
+        return std::nullopt;
+    }
+    return startOf(process) == start;
+}
+
+} // namespace kit::sweep

@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/sweep/sqlite.h"
+
+#include <sqlite3.h>
+
+#include <cstdio>
+
+#include "kit/fault.h"
+
+namespace kit::sweep {
+
+namespace {
+
+using nlohmann::ordered_json;
+
+/// A database that is being made; it is gone if it is not renamed.
+class Database {
+public:
+    explicit Database(std::string path) : m_path(std::move(path)), m_partPath(m_path + ".part")
+    {
+        std::remove(m_partPath.c_str());
+        check(sqlite3_open(m_partPath.c_str(), &m_database));
+    }
+    ~Database()
+    {
+        sqlite3_finalize(m_statement);
+        sqlite3_close(m_database);
+        std::remove(m_partPath.c_str()); // if it still has this name
+    }
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+
+    void execute(const std::string& sql)
+    {
+        check(sqlite3_exec(m_database, sql.c_str(), nullptr, nullptr, nullptr));
+    }
+
+    void prepare(const std::string& sql)
+    {
+        check(sqlite3_prepare_v2(m_database, sql.c_str(), -1, &m_statement, nullptr));
+    }
+
+    /// Binds a value of the prepared statement. @param index  from 1
+    void bind(int index, const ordered_json& value)
+    {
+        if (value.is_string()) {
+            const auto& text = value.get_ref<const std::string&>();
+            check(sqlite3_bind_text(m_statement, index, text.data(), static_cast<int>(text.size()),
+                                    SQLITE_TRANSIENT));
+        } else if (value.is_number_integer()) {
+            check(sqlite3_bind_int64(m_statement, index, value.get<int64_t>()));
+        } else if (value.is_number()) {
+            check(sqlite3_bind_double(m_statement, index, value.get<double>()));
+        } else {
+            check(sqlite3_bind_null(m_statement, index));
+        }
+    }
+
+    /// Runs the prepared statement.
+    void step()
+    {
+        if (sqlite3_step(m_statement) != SQLITE_DONE) {
+            fail(sqlite3_errmsg(m_database));
+        }
+        check(sqlite3_reset(m_statement));
+    }
+
+    /// Gives the file its name.
+    void commit()
+    {
+        sqlite3_finalize(m_statement);
+        m_statement = nullptr;
+        check(sqlite3_close(m_database));
+        m_database = nullptr;
+        if (std::rename(m_partPath.c_str(), m_path.c_str()) != 0) {
+            fail("it cannot be renamed");
+        }
+    }
+
+private:
+    void check(int status) const
+    {
+        if (status != SQLITE_OK) {
+            fail(m_database != nullptr ? sqlite3_errmsg(m_database) : sqlite3_errstr(status));
+        }
+    }
+
+    [[noreturn]] void fail(const std::string& why) const
+    {
+        throw Fault("cannot write " + m_path + ": " + why);
+    }
+
+    std::string m_path;
+    std::string m_partPath;
+    sqlite3* m_database = nullptr;
+    sqlite3_stmt* m_statement = nullptr;
+};
+
+const char* typeOf(const Column& column)
+{
+    switch (column.kind) {
+    case Kind::INTEGER:
+        return "INTEGER";
+    case Kind::REAL:
+        return "REAL";
+    case Kind::TEXT:
+        break;
+    }
+    return "TEXT";
+}
+
+} // namespace
+
+void writeSqlite(const Table& table, const std::string& path)
+{
+    std::string columns;
+    std::string marks;
+    for (const Column& column : table.columns) {
+        columns += (columns.empty() ? "" : ", ") + column.name + " " + typeOf(column) +
+                   (column.name == "id" ? " PRIMARY KEY" : "");
+        marks += marks.empty() ? "?" : ", ?";
+    }
+    Database database(path);
+    database.execute("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF"); // it is renamed when it is whole
+    database.execute("CREATE TABLE runs (" + columns + ")");
+    database.execute("BEGIN");
+    database.prepare("INSERT INTO runs VALUES (" + marks + ")");
+    for (const auto& row : table.rows) {
+        for (size_t i = 0; i < row.size(); ++i) {
+            database.bind(static_cast<int>(i + 1), row[i]);
+        }
+        database.step();
+    }
+    database.execute("COMMIT");
+    database.commit();
+}
+
+} // namespace kit::sweep

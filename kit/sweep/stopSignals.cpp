@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/sweep/stopSignals.h"
+
+namespace kit::sweep {
+
+namespace {
+
+volatile std::sig_atomic_t s_received = 0;
+
+void receive(int signal)
+{
+    s_received = signal;
+}
+
+} // namespace
+
+StopSignals::StopSignals()
+{
+    s_received = 0;
+    struct sigaction action {};
+    action.sa_handler = receive;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    sigaction(SIGINT, &action, &m_interrupt);
+    sigaction(SIGTERM, &action, &m_terminate);
+}
+
+StopSignals::~StopSignals()
+{
+    sigaction(SIGINT, &m_interrupt, nullptr);
+    sigaction(SIGTERM, &m_terminate, nullptr);
+}
+
+int StopSignals::received() const
+{
+    return static_cast<int>(s_received);
+}
+
+} // namespace kit::sweep
