@@ -57,7 +57,7 @@ kill_node() {
     for _ in {1..20}; do
         mapfile -t pids < <(node_daemons "$1"; node_jobs "$1")
         if ((${#pids[@]} == 0)); then
-            return
+            return 0 # in a trap, a bare return would pass on the status from before
         fi
         kill -KILL "${pids[@]}" 2>/dev/null || true
         sleep 0.1
