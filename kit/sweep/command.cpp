@@ -9,6 +9,7 @@
 #include "kit/process/childProcess.h"
 #include "kit/sweep/collect.h"
 #include "kit/sweep/plan.h"
+#include "kit/sweep/plot.h"
 #include "kit/sweep/run.h"
 
 namespace kit::sweep {
@@ -104,6 +105,18 @@ void addCollect(CLI::App& sweep, int& exitStatus)
         [options, &exitStatus] { exitStatus = guarded([&] { return collect(*options, std::cout); }); });
 }
 
+void addPlot(CLI::App& sweep, int& exitStatus)
+{
+    CLI::App& command = *sweep.add_subcommand("plot", "Draw the results");
+    const auto options = std::make_shared<PlotOptions>();
+    command.add_option("DIR", options->dir, "folder of the study's runs")->required();
+    command.add_option("-o,--output", options->out, "folder of the pictures (SVG)")->required();
+    command.add_flag("--force", options->force, "replace pictures that are there");
+    command.footer("Writes tradeoff-DESIGN.svg, wirelength against stitches, for each design, and time.svg, "
+                   "time against size.");
+    command.callback([options, &exitStatus] { exitStatus = guarded([&] { return plot(*options); }); });
+}
+
 } // namespace
 
 void addCommand(CLI::App& program, int& exitStatus)
@@ -114,6 +127,7 @@ void addCommand(CLI::App& program, int& exitStatus)
     addPlan(command, exitStatus);
     addRun(command, exitStatus);
     addCollect(command, exitStatus);
+    addPlot(command, exitStatus);
 }
 
 } // namespace kit::sweep

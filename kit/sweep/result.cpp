@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/sweep/result.h"
 
+#include <cmath>
 #include <filesystem>
 
 #include "kit/fault.h"
@@ -61,6 +62,12 @@ Result resultFrom(const json& file)
     return result;
 }
 
+/// Microseconds are as fine as clocks tell.
+double rounded(double seconds)
+{
+    return std::round(seconds * 1e6) / 1e6;
+}
+
 } // namespace
 
 std::string_view nameOf(Status status)
@@ -101,8 +108,8 @@ std::string toText(const Task& task, const Result& result)
                             {"exit_status", result.ending.status},
                             {"signal", result.ending.signal},
                             {"message", result.message},
-                            {"seconds", result.ending.seconds},
-                            {"cpu_seconds", result.ending.cpuSeconds},
+                            {"seconds", rounded(result.ending.seconds)},
+                            {"cpu_seconds", rounded(result.ending.cpuSeconds)},
                             {"peak_kib", result.ending.peakKib},
                             {"host", result.host},
                             {"metrics", result.metrics}};
