@@ -6,6 +6,10 @@
 cluster=
 declare -A daemons=()
 
+# What gives a node its own space of process ids, so that processes of one cannot see those of the other, as on two
+# machines; empty where that is not allowed. Set by slurm_up.
+separate=()
+
 # The port and the two behind it on which nothing listens.
 free_ports() {
     local base port
@@ -85,8 +89,8 @@ try_slurm() {
         sleep 0.1
     done
     start_daemon slurmctld slurmctld -D -c
-    start_daemon n1 slurmd -D -N n1
-    start_daemon n2 slurmd -D -N n2
+    start_daemon n1 "${separate[@]}" slurmd -D -N n1
+    start_daemon n2 "${separate[@]}" slurmd -D -N n2
     for _ in {1..40}; do
         if [[ $(timeout 5 sinfo --noheader --Node --format=%t 2>/dev/null | tr '\n' ' ') == 'idle idle ' ]]; then
             return 0
@@ -101,6 +105,9 @@ slurm_up() {
     cluster=$1
     export SLURM_CONF=$cluster/slurm.conf
     PATH=$PATH:/usr/sbin
+    separate=(unshare --pid --fork --mount-proc --kill-child)
+    ((EUID == 0)) || separate+=(--user --map-current-user)
+    "${separate[@]}" true 2>/dev/null || separate=()
     # The path of a socket has at most 107 bytes.
     if ((${#cluster} > 80)) || [[ $cluster == *[!A-Za-z0-9._/+-]* ]]; then
         echo "the path is too long, or has characters that Slurm does not take: $cluster" >&2
