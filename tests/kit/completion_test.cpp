@@ -39,7 +39,8 @@ TEST(KitCompletion, OffersSubcommands)
 {
     EXPECT_EQ(offered("pl"), "place\n");
     const std::string all = " " + offered("\"\"");
-    for (const char* name : {"color", "compare", "export", "flow", "gen", "import", "lint", "place", "verify", "view"}) {
+    for (const char* name : {"color", "compare", "export", "flow", "gen", "import", "lint", "place", "sweep",
+                             "verify", "view"}) {
         EXPECT_NE(all.find(" " + std::string(name) + " "), std::string::npos) << name << " in" << all;
     }
 }
@@ -50,6 +51,23 @@ TEST(KitCompletion, OffersTheOptionsOfASubcommand)
     EXPECT_EQ(offered("lint --we"), "--werror\n");
     EXPECT_EQ(offered("color --st"), "--stitch-overlap\n");
     EXPECT_EQ(offered("export --lef-"), "--lef-masks\n");
+}
+
+TEST(KitCompletion, OffersSubcommandsOfSubcommands)
+{
+    EXPECT_EQ(offered("sweep co"), "collect\n");
+    const std::string all = " " + offered("sweep \"\"");
+    for (const char* name : {"plan", "run", "collect", "plot", "--help"}) {
+        EXPECT_NE(all.find(" " + std::string(name)), std::string::npos) << name << " in" << all;
+    }
+    EXPECT_EQ(all.find("place"), std::string::npos) << all;
+}
+
+TEST(KitCompletion, OffersTheOptionsOfSubcommandsOfSubcommands)
+{
+    EXPECT_EQ(offered("sweep run --sh"), "--shard\n");
+    EXPECT_EQ(offered("sweep plan --sh"), "--shard-minutes\n");
+    EXPECT_EQ(offered("sweep collect out --sq"), "--sqlite\n");
 }
 
 TEST(KitCompletion, OffersDesignsWithoutTheirExtension)

@@ -37,7 +37,13 @@ vireloce_test(kit
     kit/place/progressLine_test.cpp
     kit/placer_test.cpp
     kit/process/childProcess_test.cpp
+    kit/process/limits_test.cpp
     kit/random_test.cpp
+    kit/sweep/collect_test.cpp
+    kit/sweep/plan_test.cpp
+    kit/sweep/plot_test.cpp
+    kit/sweep/run_test.cpp
+    kit/sweep/study_test.cpp
     kit/verify/command_test.cpp
     kit/verify/conflict_test.cpp
     kit/verify/kinds_test.cpp
@@ -50,6 +56,7 @@ target_compile_definitions(test_kit PRIVATE
     VIRELOCE_KIT_COMPLETION="${PROJECT_SOURCE_DIR}/kit/completion/vireloce-kit"
     VIRELOCE_KIT_PROGRAM="$<TARGET_FILE:vireloce-kit>"
     VIRELOCE_KIT_EXAMPLES="${PROJECT_SOURCE_DIR}/examples"
-    VIRELOCE_PLACE_SCHEMA="${PROJECT_SOURCE_DIR}/kit/place/result.schema.json")
-target_link_libraries(test_kit PRIVATE vireloce_kit)
+    VIRELOCE_PLACE_SCHEMA="${PROJECT_SOURCE_DIR}/kit/place/result.schema.json"
+    VIRELOCE_STUDY_SCHEMA="${PROJECT_SOURCE_DIR}/kit/sweep/study.schema.json")
+target_link_libraries(test_kit PRIVATE vireloce_kit SQLite::SQLite3)
 add_dependencies(test_kit vireloce-kit)
