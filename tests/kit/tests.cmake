@@ -1,3 +1,4 @@
+find_package(SQLite3 REQUIRED)
 vireloce_test(kit
     kit/cellLibrary_test.cpp
     kit/color/cell_test.cpp
