@@ -70,6 +70,9 @@ void addRun(CLI::App& sweep, int& exitStatus)
         ->check(CLI::Range(1, MOST_JOBS));
     command.add_flag("--resume", options.resume, "go on: leave out runs that have a result");
     command.add_flag("--retry", options.retry, "go on, and make runs that failed again");
+    command.add_flag(
+        "--wait", options.wait,
+        "wait for runs in the hands of other processes, and make those of processes that are no more");
     command.add_option("--timeout", options.setting.timeout, "longest time of a run, seconds")
         ->check(CLI::Range(0.001, 1e9));
     command.add_option("--memory", words->memoryMb, "largest memory of a run, MB")

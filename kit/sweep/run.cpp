@@ -49,10 +49,13 @@ public:
         checkDesigns();
         int signal = work();
         if (signal == 0 && !m_busy.empty()) { // whoever had them may have ended since
-            m_items = std::move(m_busy);
-            m_busy.clear();
-            m_next = 0;
-            signal = work();
+            signal = workOnBusy();
+        }
+        while (m_options.wait && signal == 0 && !m_busy.empty()) {
+            signal = pause();
+            if (signal == 0) {
+                signal = workOnBusy();
+            }
         }
         m_progress.end();
         return signal != 0 ? tellStop(signal) : m_failed || tellBusy() ? SOME_FAILED : 0;
@@ -123,6 +126,27 @@ private:
                             ") is not what it was when the runs were planned: plan again");
             }
         }
+    }
+
+    /// Tries the runs that others had. @return the signal that ended it, 0 if none did
+    int workOnBusy()
+    {
+        m_items = std::move(m_busy);
+        m_busy.clear();
+        m_next = 0;
+        return work();
+    }
+
+    /// Gives those who have runs some time. @return the signal that came meanwhile, 0 if none did
+    int pause()
+    {
+        constexpr int STEPS = 10;
+        const StopSignals signals;
+        for (int i = 0; i < STEPS && signals.received() == 0; ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            m_progress.show();
+        }
+        return signals.received();
     }
 
     /// Makes the runs. @return the signal that ended it, 0 if none did

@@ -16,6 +16,7 @@ struct SweepOptions {
     int32_t jobs = 1;    ///< runs at a time
     bool resume = false; ///< go on: runs with a result are left out
     bool retry = false;  ///< with `resume`: make runs that failed again
+    bool wait = false;   ///< wait for runs that others have, until they are made or can be taken over
     bool quiet = false;  ///< no progress
     RunSetting setting;
 };

@@ -355,6 +355,58 @@ private:
     pid_t m_process;
 };
 
+TEST_F(KitSweepRun, WaitOutlastsAnotherProcess)
+{
+    plan(2);
+    const std::string claim = dir() + "/claims/" + kit::sweep::readTasks(dir()).at(0).id + ".0";
+    test::writeFile(claim, claimText({"far", "far away", 1, 1}));
+    auto waiting = options(program(tell("made") + "placed"));
+    waiting.resume = true;
+    waiting.wait = true;
+    Child child(waiting);
+    while (linesOf("made") < 1) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    // More than the pause between two looks, so that it has found the claim alive more than once.
+    std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+    EXPECT_EQ(linesOf("made"), 1);
+    fs::last_write_time(claim, fs::file_time_type::clock::now() - std::chrono::minutes(11));
+    EXPECT_EQ(child.wait(), 0);
+    EXPECT_EQ(linesOf("made"), 2);
+    EXPECT_EQ(results().size(), 2U);
+}
+
+TEST_F(KitSweepRun, WaitTakesTheResultOfAnotherProcess)
+{
+    plan(2);
+    auto waiting = options(program(tell("made") + "[ $weight = 2 ] || sleep 1.5; placed"));
+    waiting.resume = true;
+    Child first(waiting);
+    while (linesOf("made") < 1) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    waiting.wait = true;
+    EXPECT_EQ(kit::sweep::run(waiting), 0);
+    EXPECT_EQ(first.wait(), 0);
+    EXPECT_EQ(linesOf("made"), 2);
+}
+
+TEST_F(KitSweepRun, SignalStopsTheWait)
+{
+    plan(2);
+    const std::string id = kit::sweep::readTasks(dir()).at(0).id;
+    test::writeFile(dir() + "/claims/" + id + ".0", claimText({"far", "far away", 1, 1}));
+    auto waiting = options(program("placed"));
+    waiting.resume = true;
+    waiting.wait = true;
+    Child child(waiting);
+    while (results().empty()) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    EXPECT_EQ(child.end(SIGTERM), 128 + SIGTERM);
+}
+
 TEST_F(KitSweepRun, SignalStopsItWithoutResults)
 {
     plan(2);
