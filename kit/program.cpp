@@ -2,8 +2,7 @@
 #include "kit/program.h"
 
 #include <iostream>
-
-#include "kit/fault.h"
+#include <new>
 
 namespace kit {
 
@@ -33,8 +32,10 @@ int runProgram(int argc, char** argv, const std::vector<AddCommand>& commands)
         return program.exit(help);
     } catch (const CLI::ParseError& error) {
         return fail(error.what());
-    } catch (const Fault& fault) {
-        return fail(fault.what());
+    } catch (const std::bad_alloc&) {
+        return fail("out of memory");
+    } catch (const std::exception& error) { // a Fault, or what the file system says
+        return fail(error.what());
     }
     return exitStatus;
 }

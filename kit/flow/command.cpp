@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "kit/flow/flow.h"
+#include "kit/lefdef/siteOption.h"
 
 namespace kit::flow {
 
@@ -25,8 +26,12 @@ void addFiles(CLI::App& command, Options& options)
     command.add_option("--def", options.def, "DEF file")->required();
     command.add_option("-o,--output", options.out, "path of the result files without extension")->required();
     command.add_option("--layer", options.layer, "name of metal 1")->capture_default_str();
-    command.add_option("--site", options.site,
-                       "size of a site, W,H in micrometres (default: the LEF's, or the rows')");
+    command
+        .add_option("--site", options.site,
+                    "size of a site, W,H in micrometres (default: the LEF's, or the rows')")
+        ->check([](const std::string& text) {
+            return lefdef::parseSite(text) ? "" : "\"" + text + "\" is not W,H in micrometres";
+        });
     command.add_option("--cell-path", options.cellPath,
                        "folder of colour files: the library is not coloured");
     command.add_option("--cache", options.cache,
@@ -42,10 +47,12 @@ void addFiles(CLI::App& command, Options& options)
 void addNumbers(CLI::App& command, Options& options)
 {
     const CLI::TypeValidator<int32_t> integer("INT");
+    const CLI::Range positive(1, 1'000);
     command.add_option("--max-solutions", options.maxSolutions, "most colour solutions of a cell")
         ->check(integer);
-    command.add_option("--jobs", options.jobs, "threads for colouring")->check(integer);
-    command.add_option("--mindp", options.mindp, "colouring distance, DBU of the library")->check(integer);
+    command.add_option("--jobs", options.jobs, "threads for colouring")->check(positive);
+    command.add_option("--mindp", options.mindp, "colouring distance, DBU of the library")
+        ->check(CLI::Range(1, 10'000));
     command.add_option("--algo", options.algo, "placement method, as of `place`")->check(integer);
     command.add_option("--weight", options.weight, "cost of a site of wirelength against a stitch")
         ->check(CLI::TypeValidator<float>("FLOAT"));

@@ -3,6 +3,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <filesystem>
@@ -16,6 +17,7 @@
 #include "kit/input/text.h"
 #include "kit/lefdef/nameMap.h"
 #include "kit/lefdef/units.h"
+#include "kit/outputPaths.h"
 #include "kit/process/childProcess.h"
 
 namespace kit::flow {
@@ -26,6 +28,7 @@ namespace {
 
 constexpr int NOT_CLEAN = 1;
 constexpr int FAILED = 2;
+constexpr const char* MARK = "made-by-flow";
 
 void makeFolder(const std::string& path)
 {
@@ -46,7 +49,12 @@ public:
     int run()
     {
         prepare();
-        const int status = runSteps();
+        int status = FAILED;
+        try {
+            status = runSteps();
+        } catch (const std::exception& error) {
+            m_out << "\n" << error.what() << "\n";
+        }
         m_out << (status == 0 ? "Done: " : "Stopped; the files so far are in ")
               << (status == 0 ? results() : m_places.folder) << "\n";
         if (status == 0 && !m_options.keep) {
@@ -59,20 +67,46 @@ public:
 private:
     void prepare()
     {
+        std::vector<std::string> inputs = m_options.lefs;
+        inputs.push_back(m_options.def);
+        std::vector<std::string> outputs;
         for (const char* extension : RESULTS) {
-            requireNone(m_options.out + extension);
+            outputs.push_back(m_options.out + extension);
         }
-        requireNone(m_places.folder);
-        fs::remove_all(m_places.folder);
-        makeFolder(m_places.folder);
+        checkOutputs(outputs, inputs, m_options.force);
+        inputs.insert(inputs.end(), {m_options.cellPath, m_options.cache});
+        for (const std::string& input : inputs) {
+            requireOutside(input);
+        }
+        clearFolder();
         m_out << "step     seconds  peak MB  result\n";
     }
 
-    void requireNone(const std::string& path) const
+    /// The folder is emptied in the end.
+    void requireOutside(const std::string& input) const
     {
-        if (!m_options.force && fs::exists(path)) {
-            throw Fault(path + " exists: choose another -o, or --force to replace it");
+        const fs::path folder = fs::weakly_canonical(m_places.folder);
+        const fs::path path = input.empty() ? fs::path() : fs::weakly_canonical(input);
+        if (std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first == folder.end()) {
+            throw Fault(input + " is in " + m_places.folder +
+                        ", which flow fills and removes: choose another -o");
         }
+    }
+
+    /// Makes the folder anew; one that an earlier run has left is known by its mark.
+    void clearFolder() const
+    {
+        const std::string mark = m_places.folder + "/" + MARK;
+        if (fs::exists(m_places.folder)) {
+            if (!m_options.force || !fs::exists(mark)) {
+                throw Fault(m_places.folder + " exists" +
+                            (fs::exists(mark) ? ": choose another -o, or --force to replace it"
+                                              : ", and no run of flow has made it: choose another -o"));
+            }
+            fs::remove_all(m_places.folder);
+        }
+        makeFolder(m_places.folder);
+        std::ofstream(mark).flush();
     }
 
     int runSteps()
@@ -104,7 +138,9 @@ private:
         const bool finished = m_ending.signal == 0 && m_ending.status <= NOT_CLEAN;
         const std::string summary = finished ? step.summary(input::readText(log)) : "";
         writeLine(step.name, (good ? "" : finished ? "FAILED: " : "FAILED") + summary);
-        if (!good) {
+        if (good && step.tellsMessages) {
+            m_out << input::readText(errors);
+        } else if (!good) {
             tellFailure(step, words,
                         input::readText(errors) + (step.name == "place" ? "" : input::readText(log)));
         }

@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "kit/input/text.h"
+#include "kit/process/childProcess.h"
 
 namespace kit::flow {
 
@@ -118,6 +119,7 @@ Step colorStep(const Options& options, const std::string& site, const std::strin
             .words = words,
             .goodStatus = 1,
             .advice = "correct the LEF files as the messages say",
+            .tellsMessages = false, // one for each cell without a good colouring; the summary counts them
             .summary = colourSummary};
 }
 
@@ -141,7 +143,10 @@ Step placeStep(const Options& options, const Places& places)
     addGiven(words, "--move-range", options.moveRange);
     return {.name = "place",
             .words = words,
-            .advice = "try another --algo (0, 1, 3), more --max-solutions, or a design that is less full",
+            .advice = "see what verify finds: " +
+                      process::shellText({"vireloce-kit", "verify", places.placed + ".place", "--colors",
+                                          places.placed + ".colors", "--cell-path", places.cellDir}) +
+                      "; try another --algo (0, 1, 3) or more --max-solutions",
             .summary = [path = places.placed + ".json"](const std::string& /*log*/) {
                 return placementSummary(path);
             }};

@@ -15,6 +15,7 @@ struct Step {
     std::vector<std::string> words; ///< subcommand and arguments
     int goodStatus = 0;             ///< highest exit status with which it goes on
     std::string advice;             ///< what to do if it fails
+    bool tellsMessages = true;      ///< its messages are shown even if it does not fail
     /// What came out, in a line, from its log.
     std::function<std::string(const std::string& log)> summary;
 };

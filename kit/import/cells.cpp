@@ -69,6 +69,11 @@ private:
             ++m_cells.fillers;
         } else if (placed && (staysByClass(macro) || !fitsOneRow(comp, macro))) {
             keep(index, macro);
+        } else if (!placed && (staysByClass(macro) || isHigh(macro))) {
+            error("unplaced", comp,
+                  std::string(isHigh(macro) ? "is higher than a row" : "is of class " + macro.macroClass) +
+                      " and is not placed",
+                  "place it: it is not moved");
         } else if (placed || m_legalize) {
             m_cells.movable.push_back({.component = index,
                                        .x = comp.x,
@@ -85,15 +90,19 @@ private:
     bool fitsOneRow(const DefComponent& comp, const LefMacro& macro)
     {
         const bool upright = !isOnItsSide(comp.orient);
-        const bool low = lefdef::dbuUp(macro.height, m_def.databaseMicrons) <= m_core.siteHeight;
-        if (!upright || !low) {
+        if (!upright || isHigh(macro)) {
             m_reporter.warning("kept", comp.offset,
                                "component " + std::string(comp.name) +
                                    (upright ? " is higher than a row" : " lies on its side") +
                                    " and stays where it is",
                                "");
         }
-        return upright && low;
+        return upright && !isHigh(macro);
+    }
+
+    bool isHigh(const LefMacro& macro) const
+    {
+        return lefdef::dbuUp(macro.height, m_def.databaseMicrons) > m_core.siteHeight;
     }
 
     void keep(size_t index, const LefMacro& macro)

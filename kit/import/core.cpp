@@ -181,15 +181,18 @@ private:
     {
         const auto [at, isNew] = m_rowAt.try_emplace(from.y, m_core.rows.size());
         if (isNew) {
-            m_core.rows.push_back({.name = from.name, .site = from.site, .y = from.y, .orient = from.orient});
+            m_core.rows.push_back({.name = from.name,
+                                   .site = from.site,
+                                   .y = from.y,
+                                   .orient = from.orient,
+                                   .offset = from.offset});
         }
         Row& row = m_core.rows[at->second];
         if (row.orient != from.orient) {
-            m_reporter.warning("row-orient", from.offset,
-                               "row " + textOf(from.name) + " lies " + textOf(nameOf(from.orient)) +
-                                   ", and " + textOf(row.name) + " at the same height " +
-                                   textOf(nameOf(row.orient)),
-                               "the first one's orientation is taken for both");
+            error("row-orient", from.offset,
+                  "row " + textOf(from.name) + " lies " + textOf(nameOf(from.orient)) + ", and " +
+                      textOf(row.name) + " at the same height " + textOf(nameOf(row.orient)),
+                  "rows at one height must lie the same way");
         }
         row.pieces.push_back({.begin = from.x, .end = from.x + from.columns * m_core.siteWidth});
     }
@@ -216,7 +219,7 @@ private:
         if ((piece.begin - joined.back().begin) % m_core.siteWidth == 0) {
             joined.back().end = std::max(joined.back().end, piece.end);
         } else {
-            error("row-overlap", m_def.rows.front().offset,
+            error("row-overlap", row.offset,
                   "rows at height " + std::to_string(row.y) + " overlap, and their sites do not meet",
                   "cut one of them");
         }
@@ -233,7 +236,7 @@ private:
             const Row& lower = m_core.rows[order[i - 1]];
             const Row& upper = m_core.rows[order[i]];
             if (upper.y - lower.y < m_core.siteHeight) {
-                error("row-overlap", m_def.rows.front().offset,
+                error("row-overlap", upper.offset,
                       "rows " + textOf(lower.name) + " and " + textOf(upper.name) + " are " +
                           std::to_string(upper.y - lower.y) + " DBU apart, less than the site's height of " +
                           std::to_string(m_core.siteHeight),
@@ -324,6 +327,8 @@ std::optional<Core> readCore(const Def& def, const Lef& lef, const std::optional
 
 void addBlocks(Core& core, const std::vector<lefdef::DefRect>& rects)
 {
+    constexpr size_t MOST_UNMERGED = 64;
+    std::vector<size_t> limits(core.rows.size(), MOST_UNMERGED);
     for (const lefdef::DefRect& rect : rects) {
         if (rect.xl >= rect.xh) {
             continue;
@@ -334,6 +339,10 @@ void addBlocks(Core& core, const std::vector<lefdef::DefRect>& rects)
                 break;
             }
             block(row, {.begin = rect.xl, .end = rect.xh}, core.siteWidth);
+            if (row.blocks.size() > limits[core.byHeight[i]]) { // many may be on one place
+                mergeBlocks(row);
+                limits[core.byHeight[i]] = std::max(MOST_UNMERGED, 2 * row.blocks.size());
+            }
         }
     }
     for (Row& row : core.rows) {

@@ -31,6 +31,7 @@ struct Row {
     std::string_view site;
     int64_t y = 0; ///< bottom edge, DBU
     lefdef::Orient orient = lefdef::Orient::N;
+    size_t offset = 0;              ///< in the DEF file
     std::vector<Piece> pieces{};    ///< from the left, disjoint
     std::vector<Interval> blocks{}; ///< what is not free: from the left, disjoint, each between two sites
 

@@ -21,9 +21,11 @@ bool hasNeighbour(const Core& core, const Row& row)
     return core.rowAt(row.y + core.siteHeight) != NONE || core.rowAt(row.y - core.siteHeight) != NONE;
 }
 
+/// A name in the header or of a row, whose line holds two and less than 100 other characters.
 std::string carried(std::string_view name, const char* other)
 {
-    return isCarried(name) ? std::string(name) : other;
+    constexpr size_t LONGEST_IN_ROW = 70;
+    return isCarried(name) && name.size() <= LONGEST_IN_ROW ? std::string(name) : other;
 }
 
 /// A property of the core box. The placer takes 2000 DBU for a micrometre there, whatever UNITS says.
@@ -113,11 +115,14 @@ std::vector<size_t> rowOrder(const Core& core)
 {
     std::vector<size_t> order(core.rows.size());
     std::iota(order.begin(), order.end(), size_t{0});
-    const auto first = std::find_if(order.begin(), order.end(),
-                                    [&](size_t row) { return hasNeighbour(core, core.rows[row]); });
-    if (first != order.end()) {
-        std::rotate(order.begin(), first, std::next(first));
-    } else {
+    auto first = std::find_if(order.begin(), order.end(),
+                              [&](size_t row) { return hasNeighbour(core, core.rows[row]); });
+    const bool noneMeet = first == order.end();
+    if (noneMeet) { // above the highest there is room for a row without sites
+        first = std::find(order.begin(), order.end(), core.byHeight.back());
+    }
+    std::rotate(order.begin(), first, std::next(first));
+    if (noneMeet) {
         order.push_back(NONE);
     }
     return order;
@@ -132,30 +137,25 @@ std::vector<std::string> usedMasters(const DesignFiles& files)
     return {names.begin(), names.end()};
 }
 
-void writePlace(const DesignFiles& files, const std::string& path)
+void writePlace(const DesignFiles& files, OutputFile& out)
 {
-    OutputFile out(path);
     writeHeader(out, files);
     writeRows(out, files);
     writeComponents(out, files);
     writeBlocks(out, files.core);
     out << "\nEND DESIGN\n";
-    out.commit();
 }
 
-void writePins(const DesignFiles& files, const std::string& path)
+void writePins(const DesignFiles& files, OutputFile& out)
 {
-    OutputFile out(path);
     out << files.terminals.size() << "\n";
     for (const Terminal& terminal : files.terminals) {
         out << terminal.name << " " << terminal.x << " " << terminal.y << "\n";
     }
-    out.commit();
 }
 
-void writeNetlist(const DesignFiles& files, const std::string& path)
+void writeNetlist(const DesignFiles& files, OutputFile& out)
 {
-    OutputFile out(path);
     out << files.numNets() << "\n";
     for (size_t net = 0; net < files.numNets(); ++net) {
         const size_t begin = files.netBegin[net];
@@ -166,18 +166,15 @@ void writeNetlist(const DesignFiles& files, const std::string& path)
         }
         out << "\n";
     }
-    out.commit();
 }
 
-void writeCells(const DesignFiles& files, const std::string& path)
+void writeCells(const DesignFiles& files, OutputFile& out)
 {
     const std::vector<std::string> masters = usedMasters(files);
-    OutputFile out(path);
     out << masters.size() << "\n";
     for (const std::string& master : masters) {
         out << master << "\n";
     }
-    out.commit();
 }
 
 } // namespace kit::importing

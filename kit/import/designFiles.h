@@ -10,6 +10,7 @@
 #include "kit/import/core.h"
 #include "kit/import/nets.h"
 #include "kit/import/safeNames.h"
+#include "kit/outputFile.h"
 
 namespace kit::importing {
 
@@ -50,10 +51,11 @@ std::vector<size_t> rowOrder(const Core& core);
 /// Names of the masters of the movable cells, sorted.
 std::vector<std::string> usedMasters(const DesignFiles& files);
 
-/// Write BASE.place, BASE.pins, BASE.netlist and BASE.cells. Errors: throw Fault if one cannot be written.
-void writePlace(const DesignFiles& files, const std::string& path);
-void writePins(const DesignFiles& files, const std::string& path);
-void writeNetlist(const DesignFiles& files, const std::string& path);
-void writeCells(const DesignFiles& files, const std::string& path);
+/// Write BASE.place, BASE.pins, BASE.netlist and BASE.cells, which the caller commits. Errors: throw Fault if
+/// one cannot be written.
+void writePlace(const DesignFiles& files, OutputFile& out);
+void writePins(const DesignFiles& files, OutputFile& out);
+void writeNetlist(const DesignFiles& files, OutputFile& out);
+void writeCells(const DesignFiles& files, OutputFile& out);
 
 } // namespace kit::importing

@@ -2,17 +2,16 @@
 #include "kit/import/importRun.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <memory>
 #include <ostream>
 #include <set>
 
-#include "kit/fault.h"
 #include "kit/import/designFiles.h"
 #include "kit/import/legalize.h"
 #include "kit/import/terminals.h"
 #include "kit/input/findingText.h"
 #include "kit/lefdef/nameMap.h"
+#include "kit/outputPaths.h"
 
 namespace kit::importing {
 
@@ -26,13 +25,15 @@ using lefdef::Lef;
 using lefdef::Source;
 using lefdef::SourceReporter;
 
-void checkOutputs(const Options& options)
+void checkOutputsOf(const Options& options)
 {
+    std::vector<std::string> outputs;
     for (const char* extension : WRITTEN) {
-        if (!options.force && std::filesystem::exists(options.out + extension)) {
-            throw Fault(options.out + extension + " exists: choose another -o, or --force to replace it");
-        }
+        outputs.push_back(options.out + extension);
     }
+    std::vector<std::string> inputs = options.lefs;
+    inputs.push_back(options.def);
+    checkOutputs(outputs, inputs, options.force);
 }
 
 Lef readLefs(const Options& options, Findings& findings)
@@ -124,7 +125,10 @@ private:
         if (m_options.legalize) {
             const std::vector<Cell> before = m_cells.movable;
             for (const size_t index : legalize(m_def, m_core, nets, m_cells)) {
-                tell(m_cells.movable[index], "no-room", "finds no free sites", "make room in the rows");
+                const Cell& cell = m_cells.movable[index];
+                tell(cell, "no-room",
+                     "finds no " + std::to_string(cell.width / m_core.siteWidth) + " free sites side by side",
+                     "make room in the rows: cells that stand well are not moved");
             }
             for (size_t i = 0; i < before.size(); ++i) {
                 const Cell& cell = m_cells.movable[i];
@@ -168,10 +172,14 @@ private:
 
     void write(const DesignFiles& files, const Renamed& renamed) const
     {
-        writePlace(files, m_options.out + ".place");
-        writePins(files, m_options.out + ".pins");
-        writeNetlist(files, m_options.out + ".netlist");
-        writeCells(files, m_options.out + ".cells");
+        OutputFile place(m_options.out + ".place");
+        OutputFile pins(m_options.out + ".pins");
+        OutputFile netlist(m_options.out + ".netlist");
+        OutputFile cells(m_options.out + ".cells");
+        writePlace(files, place);
+        writePins(files, pins);
+        writeNetlist(files, netlist);
+        writeCells(files, cells);
         lefdef::NameMap map{.def = m_options.def,
                             .hash = lefdef::hashOf(m_source.text()),
                             .siteWidth = inPicometres(m_core.siteWidth),
@@ -185,6 +193,9 @@ private:
             }
         }
         writeNameMap(m_options.out + ".map", map);
+        for (OutputFile* const file : {&place, &pins, &netlist, &cells}) {
+            file->commit();
+        }
     }
 
     lefdef::Length inPicometres(int64_t dbu) const { return dbu * lefdef::MICRON / m_def.databaseMicrons; }
@@ -223,7 +234,7 @@ private:
 
 int importDesign(const Options& options, std::ostream& out, Summary& summary)
 {
-    checkOutputs(options);
+    checkOutputsOf(options);
     const Source source(options.def);
     Findings findings;
     const bool written = Import(options, source, findings).run(summary);

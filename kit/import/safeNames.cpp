@@ -28,7 +28,8 @@ std::string SafeNames::forComponent(std::string_view name)
 
 std::string SafeNames::forTerminal(std::string_view name)
 {
-    return isCarried(name) && m_names.components.indexOf(name) < 0 ? std::string(name) : newName();
+    const bool isFree = isCarried(name) && m_names.components.indexOf(name) < 0;
+    return isFree && m_terminals.emplace(name).second ? std::string(name) : newName();
 }
 
 std::string SafeNames::newName()
@@ -36,7 +37,8 @@ std::string SafeNames::newName()
     std::string made;
     do {
         made = "_name" + std::to_string(m_next++) + "_";
-    } while (m_names.components.indexOf(made) >= 0 || m_names.pins.indexOf(made) >= 0);
+    } while (m_names.components.indexOf(made) >= 0 || m_names.pins.indexOf(made) >= 0 ||
+             m_terminals.count(made) > 0);
     return made;
 }
 

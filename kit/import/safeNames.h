@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 
 #include "kit/import/nets.h"
 
@@ -22,13 +23,15 @@ public:
     /// A component's name: its own if it can be carried, else a new one.
     std::string forComponent(std::string_view name);
 
-    /// A terminal's: its own if it can be carried and no component has it, else a new one.
+    /// A terminal's: its own if it can be carried and neither a component nor
+    /// a terminal has it, else a new one.
     std::string forTerminal(std::string_view name);
 
 private:
     std::string newName();
 
     const Names& m_names;
+    std::unordered_set<std::string> m_terminals; ///< names given to terminals
     int64_t m_next = 0;
 };
 

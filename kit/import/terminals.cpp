@@ -42,6 +42,12 @@ LefPoint middleOf(const LefMacro& macro, std::string_view pinName)
                          : LefPoint{.x = (low.x + high.x) / 2, .y = (low.y + high.y) / 2};
 }
 
+/// A coordinate that the pin file can hold.
+int64_t inRange(int64_t dbu)
+{
+    return std::clamp<int64_t>(dbu, INT32_MIN, INT32_MAX);
+}
+
 class Namer {
 public:
     Namer(const Nets& nets, const Names& names, lefdef::SourceReporter& reporter, DesignFiles& files,
@@ -70,7 +76,12 @@ private:
     {
         const std::vector<Cell>& cells = m_files.cells.movable;
         for (size_t i = 0; i < cells.size(); ++i) {
-            const std::string_view name = m_files.def.components[cells[i].component].name;
+            const DefComponent& comp = m_files.def.components[cells[i].component];
+            const std::string_view name = comp.name;
+            if (name.find_first_of("\r\n") != std::string_view::npos) {
+                m_reporter.error("line-end", comp.offset, "a component's name has a line end in it",
+                                 "rename it");
+            }
             m_cellOf[cells[i].component] = static_cast<int32_t>(i);
             m_files.cellNames.push_back(m_names.forComponent(name));
             if (m_files.cellNames.back() != name) {
@@ -99,7 +110,7 @@ private:
 
     int32_t makeTerminal(std::string_view name, int64_t x, int64_t y)
     {
-        m_files.terminals.push_back({.name = m_names.forTerminal(name), .x = x, .y = y});
+        m_files.terminals.push_back({.name = m_names.forTerminal(name), .x = inRange(x), .y = inRange(y)});
         return static_cast<int32_t>(m_files.terminals.size() - 1);
     }
 

@@ -24,6 +24,7 @@ Judgement judge(const Options& options, int32_t minDist)
             judgement.notes += isError ? 0 : 1;
             judgement.conflicts += issue.kind == verify::Kind::CONFLICT ? 1 : 0;
         }
+        judgement.errors += static_cast<int64_t>(input.faults.size());
         judgement.possible = true;
     } catch (const Fault&) { // without rows there is nothing to judge
     }

@@ -1,37 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/place/options.h"
 
-#include <filesystem>
 #include <utility>
 
-#include "kit/fault.h"
+#include "kit/outputPaths.h"
 
 namespace kit::place {
-
-namespace fs = std::filesystem;
-
-namespace {
-
-/// Whether two paths mean one file, which need not exist.
-bool isSameFile(const std::string& a, const std::string& b)
-{
-    return fs::weakly_canonical(a) == fs::weakly_canonical(b);
-}
-
-void checkOutput(const Options& options, const char* extension)
-{
-    const std::string path = options.out + extension;
-    for (const char* input : {".place", ".pins", ".netlist", ".cells", MAP}) {
-        if (isSameFile(path, options.base + input)) {
-            throw Fault(path + " is an input: choose another -o");
-        }
-    }
-    if (!options.force && fs::exists(path)) {
-        throw Fault(path + " exists: choose another -o, or --force to replace it");
-    }
-}
-
-} // namespace
 
 std::vector<std::string> placerArguments(const Options& options)
 {
@@ -51,13 +25,19 @@ std::vector<std::string> placerArguments(const Options& options)
 
 void checkOutputs(const Options& options)
 {
+    std::vector<std::string> inputs;
+    for (const char* extension : {".place", ".pins", ".netlist", ".cells", MAP}) {
+        inputs.push_back(options.base + extension);
+    }
+    std::vector<std::string> outputs;
     for (const char* extension : WRITTEN) {
-        checkOutput(options, extension);
+        outputs.push_back(options.out + extension);
     }
     for (const char* extension : COPIED) {
-        checkOutput(options, extension);
+        outputs.push_back(options.out + extension);
     }
-    checkOutput(options, MAP);
+    outputs.push_back(options.out + MAP);
+    kit::checkOutputs(outputs, inputs, options.force);
 }
 
 } // namespace kit::place

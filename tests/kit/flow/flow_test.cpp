@@ -119,6 +119,44 @@ TEST_F(KitFlow, ReplacesNothingWithoutForce)
     EXPECT_EQ(contentOf(out() + ".gds"), "old");
 }
 
+TEST_F(KitFlow, InputsInItsFolderAreRefusedAndFoldersOfOthersStay)
+{
+    std::filesystem::create_directory(out() + ".flow");
+    m_dir.write("out.flow/d.def", "DESIGN d ;\n");
+    EXPECT_EQ(flow(VIRELOCE_KIT_EXAMPLES "/raw/Nangate45_stdcell.lef", out() + ".flow/d.def", {"--force"}),
+              2);
+    EXPECT_NE(m_error.find("out.flow/d.def is in "), std::string::npos) << m_error;
+    EXPECT_EQ(gcd({"--force", "--allow-conflicts"}), 2);
+    EXPECT_NE(m_error.find("no run of flow has made it"), std::string::npos) << m_error;
+    EXPECT_EQ(contentOf(out() + ".flow/d.def"), "DESIGN d ;\n");
+}
+
+TEST_F(KitFlow, NeverReplacesAnInput)
+{
+    const std::string def = m_dir.path("out.json");
+    std::filesystem::copy_file(VIRELOCE_KIT_EXAMPLES "/raw/gcd_nangate45.def", def);
+    EXPECT_EQ(flow(VIRELOCE_KIT_EXAMPLES "/raw/Nangate45_stdcell.lef", def, {"--force", "--allow-conflicts"}),
+              2);
+    EXPECT_NE(m_error.find("would replace the input"), std::string::npos) << m_error;
+    EXPECT_EQ(contentOf(def), contentOf(VIRELOCE_KIT_EXAMPLES "/raw/gcd_nangate45.def"));
+}
+
+TEST_F(KitFlow, FolderWithoutTheCellsIsTold)
+{
+    EXPECT_EQ(gcd({"--cell-path", m_dir.path("none")}), 2);
+    EXPECT_NE(m_output.find("What to do: give the folder that has them with --cell-path"), std::string::npos)
+        << m_output;
+}
+
+TEST_F(KitFlow, OptionsAreCheckedBeforeTheFirstStep)
+{
+    for (const Words& more : {Words{"--site", "foo"}, Words{"--mindp", "-5"}, Words{"--jobs", "0"}}) {
+        EXPECT_EQ(gcd(more), 2);
+        EXPECT_EQ(m_output, "");
+        EXPECT_NE(m_error.find(more[0]), std::string::npos) << m_error;
+    }
+}
+
 /// A cell of two sites with metal at its right edge only.
 constexpr const char* LEF = R"(UNITS DATABASE MICRONS 1000 ; END UNITS
 SITE core CLASS CORE ; SIZE 0.2 BY 2 ; END core
@@ -146,6 +184,13 @@ TEST_F(SmallFlow, StopsAtImportWithItsMessages)
     EXPECT_NE(m_output.find("component u is not placed"), std::string::npos) << m_output;
     EXPECT_NE(m_output.find("What was run: "), std::string::npos) << m_output;
     EXPECT_FALSE(says("color", "")) << m_output;
+}
+
+TEST_F(SmallFlow, TellsWarningsOfStepsThatGoWell)
+{
+    EXPECT_EQ(small("- u C + PLACED ( 1000 2000 ) N ;\n- v C + PLACED ( 1400 0 ) N ;\n"), 0) << m_output;
+    EXPECT_NE(m_output.find("warning: component u lies upside down in its row"), std::string::npos)
+        << m_output;
 }
 
 TEST_F(SmallFlow, LegalizesIfWished)

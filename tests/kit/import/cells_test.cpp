@@ -123,6 +123,35 @@ TEST_F(KitImportCells, UnitsAreRequired)
     EXPECT_NE(outcome.error.find("has no UNITS DISTANCE MICRONS"), std::string::npos) << outcome.error;
 }
 
+TEST_F(KitImportCells, AnInputIsNeverReplaced)
+{
+    importWell("");
+    for (const char* name : {"q.place", "q.map.part"}) {
+        const std::string def = test::contentOf(m_dir.path("d.def"));
+        m_dir.write(name, def);
+        const auto outcome = test::runKit({"import", "--lef", m_dir.path("l.lef"), "--def", m_dir.path(name),
+                                           "-o", m_dir.path("q"), "--force"});
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_NE(outcome.error.find("would replace the input"), std::string::npos) << outcome.error;
+        EXPECT_EQ(test::contentOf(m_dir.path(name)), def);
+        std::filesystem::remove(m_dir.path(name));
+    }
+}
+
+TEST_F(KitImportCells, ResultThatCannotBeAFileIsOneLine)
+{
+    importWell("");
+    std::filesystem::create_directory(m_dir.path("p.netlist"));
+    for (const std::string& out :
+         {m_dir.path("p"), m_dir.path("") + "/", m_dir.path(std::string(300, 'x'))}) {
+        const auto outcome = test::runKit(
+            {"import", "--lef", m_dir.path("l.lef"), "--def", m_dir.path("d.def"), "-o", out, "--force"});
+        EXPECT_EQ(outcome.status, 2) << out;
+        EXPECT_EQ(std::count(outcome.error.begin(), outcome.error.end(), '\n'), 1) << outcome.error;
+        EXPECT_FALSE(std::filesystem::exists(out + ".place"));
+    }
+}
+
 TEST_F(KitImportCells, AnEarlierDesignIsNotReplacedWithoutForce)
 {
     importWell("");
@@ -152,6 +181,13 @@ TEST_F(KitImportNets, PinsOfKeptComponentsAreTerminalsInTheMiddleOfTheirMetal)
     // D is at (0.3, 0.5) of (1.1, 3), turned by 180 degrees; Q has no metal 1.
     EXPECT_EQ(fileOf(".pins"), "2\nm/D 2200 2500\nm/Q 1950 1500\n");
     EXPECT_EQ(fileOf(".netlist"), "2\n2\n m/D a\n3\n m/Q a m/D\n");
+}
+
+TEST_F(KitImportNets, TerminalsStayInTheRangeOf32Bits)
+{
+    importWell(components({"m RAM + FIXED ( 2147483600 2147483600 ) N", "a A + PLACED ( 1000 0 ) N"}) +
+               "NETS 1 ;\n- n ( m D ) ( a Z ) ;\nEND NETS\n");
+    EXPECT_EQ(fileOf(".pins"), "1\nm/D 2147483647 2147483647\n");
 }
 
 TEST_F(KitImportNets, PinsWithoutAPlaceAreLeftOutWithAWarning)
@@ -197,6 +233,23 @@ TEST_F(KitImportNames, PinThatIsNamedAsAComponentIsRenamed)
                "NETS\n");
     EXPECT_EQ(fileOf(".pins"), "1\n_name0_ 5 6\n");
     EXPECT_EQ(fileOf(".netlist"), "1\n2\n _name0_ u\n");
+}
+
+TEST_F(KitImportNames, TerminalsOfOneNameAreToldApart)
+{
+    importWell(components({"m RAM + FIXED ( 1400 0 ) N", "a A + PLACED ( 1000 0 ) N"}) +
+               "PINS 1 ;\n- m/D + NET n + PLACED ( 5 6 ) N ;\nEND PINS\n"
+               "NETS 2 ;\n- n ( PIN m/D ) ( a Z ) ;\n- o ( m D ) ( a Z ) ;\nEND NETS\n");
+    EXPECT_EQ(fileOf(".pins"), "2\nm/D 5 6\n_name0_ 1700 500\n");
+    EXPECT_EQ(fileOf(".netlist"), "2\n2\n m/D a\n2\n _name0_ a\n");
+}
+
+TEST_F(KitImportNames, LineEndInANameIsAnError)
+{
+    const auto outcome = import(components({"\"u\nv\" A + PLACED ( 1000 0 ) N"}));
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_NE(outcome.error.find("a component's name has a line end in it"), std::string::npos)
+        << outcome.error;
 }
 
 TEST_F(KitImportNames, MasterThatCannotNameAFileIsAnError)
@@ -267,7 +320,18 @@ TEST_F(KitLegalize, CellWithoutRoomIsNamed)
                                     components({"c A"}),
                                 {"--legalize"});
     EXPECT_EQ(outcome.status, 2);
-    EXPECT_NE(outcome.error.find("component c finds no free sites"), std::string::npos) << outcome.error;
+    EXPECT_NE(outcome.error.find("component c finds no 2 free sites side by side"), std::string::npos)
+        << outcome.error;
+}
+
+TEST_F(KitLegalize, BlocksAndHighCellsMustBePlaced)
+{
+    const auto outcome = import(components({"m RAM", "h TALL + UNPLACED"}), {"--legalize"});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_NE(outcome.error.find("component m is higher than a row and is not placed"), std::string::npos)
+        << outcome.error;
+    EXPECT_NE(outcome.error.find("component h is higher than a row and is not placed"), std::string::npos)
+        << outcome.error;
 }
 
 TEST_F(KitLegalize, MovedCellLiesAsItsRow)

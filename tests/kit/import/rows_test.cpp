@@ -52,6 +52,14 @@ TEST_F(KitImportRows, FirstOneHasANeighbourOneHeightAway)
                              "c core 0 8000 N DO 2 BY 1 STEP 200 0 ;"}));
 }
 
+TEST_F(KitImportRows, RowThatTellsTheHeightStandsAboveTheHighest)
+{
+    importWell("", {},
+               "ROW a core 0 0 N DO 2 BY 1 STEP 200 0 ;\nROW b core 0 2100 N DO 2 BY 1 STEP 200 0 ;\n");
+    EXPECT_EQ(rows(), (Words{"b core 0 2100 N DO 2 BY 1 STEP 200 0 ;", "a core 0 0 N DO 2 BY 1 STEP 200 0 ;",
+                             "ROW_HEIGHT core 0 4100 N DO 0 BY 1 STEP 200 0 ;"}));
+}
+
 TEST_F(KitImportRows, WithoutNeighboursGetOneWithoutSitesThatTellsTheHeight)
 {
     importWell("", {}, "ROW a core 0 0 N DO 2 BY 1 STEP 200 0 ;\n");
@@ -109,9 +117,31 @@ INSTANTIATE_TEST_SUITE_P(
         BadRows{"OverlapOffSites",
                 "ROW a core 0 0 N DO 5 BY 1 STEP 200 0 ;\nROW b core 500 0 N DO 5 BY 1 STEP 200 0 ;\n",
                 "overlap, and their sites do not meet"},
+        BadRows{"TwoOrientationsAtOneHeight",
+                "ROW a core 0 0 N DO 5 BY 1 STEP 200 0 ;\nROW b core 2000 0 FS DO 5 BY 1 STEP 200 0 ;\n",
+                "d.def:5:1: error: row b lies FS, and a at the same height N"},
         BadRows{"OutOfRange", "ROW a core 2147483000 0 N DO 5 BY 1 STEP 200 0 ;\n",
                 "leaves the range of 32 bits"}),
     [](const auto& instance) { return instance.param.rule; });
+
+TEST_F(KitImportRows, OfLongNamesFitTheirLine)
+{
+    const std::string longName(90, 'x');
+    const std::string row = longName + " core 1000 0 N DO 20 BY 1 STEP 200 0 ;\n";
+    importWell("", {}, "ROW " + row + "ROW r1 core 1000 2000 FS DO 20 BY 1 STEP 200 0 ;\n");
+    EXPECT_EQ(rows().front(), "ROW core 1000 0 N DO 20 BY 1 STEP 200 0 ;");
+}
+
+TEST_F(KitImportRows, ManyBlocksOnOnePlaceAreOne)
+{
+    std::string body = "BLOCKAGES 500 ;\n";
+    for (int i = 0; i < 500; ++i) {
+        body += "- PLACEMENT RECT ( " + std::to_string(1400 + i % 3 * 200) + " 0 ) ( 2600 4000 ) ;\n";
+    }
+    importWell(body + "END BLOCKAGES\n");
+    EXPECT_EQ(records("BIGNODES"), (Words{"BLOCK_0 BLOCK + ( 1400 0 ) ( 1200 2000 ) N",
+                                          "BLOCK_1 BLOCK + ( 1400 2000 ) ( 1200 2000 ) N"}));
+}
 
 TEST_F(KitImportRows, WithoutLefSiteStepOrPitchAskForTheSite)
 {
