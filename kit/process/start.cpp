@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -91,11 +92,8 @@ int errorFrom(int pipe)
 pid_t start(const Start& program)
 {
     std::vector<std::string> words = program.words;
-    std::vector<char*> argv;
-    for (std::string& word : words) {
-        argv.push_back(word.data());
-    }
-    argv.push_back(nullptr);
+    std::vector<char*> argv(words.size() + 1); // the last is null
+    std::transform(words.begin(), words.end(), argv.begin(), [](std::string& word) { return word.data(); });
     std::array<int, 2> ends{};
     if (pipe2(ends.data(), O_CLOEXEC) != 0) { // exec closes it: then all is well
         fail(program, errno);

@@ -88,7 +88,8 @@ Spot besideOthers(const Spot& spot, const std::vector<Spot>& others)
     constexpr int MOST_STEPS = 8;
     for (int i = 0; i <= MOST_STEPS; ++i) {
         Spot beside = spot;
-        beside.x += SPOT * ((i + 1) / 2) * (i % 2 == 1 ? 1 : -1);
+        const int steps = (i + 1) / 2;
+        beside.x += i % 2 == 1 ? SPOT * steps : -SPOT * steps;
         if (std::none_of(others.begin(), others.end(),
                          [&](const Spot& other) { return beside.hides(other); })) {
             return beside;

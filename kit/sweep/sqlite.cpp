@@ -4,6 +4,7 @@
 #include <sqlite3.h>
 
 #include <cstdio>
+#include <memory>
 
 #include "kit/fault.h"
 
@@ -13,18 +14,25 @@ namespace {
 
 using nlohmann::ordered_json;
 
+struct Close {
+    void operator()(sqlite3* database) const { sqlite3_close(database); }
+};
+
 /// A database that is being made; it is gone if it is not renamed.
 class Database {
 public:
     explicit Database(std::string path) : m_path(std::move(path)), m_partPath(m_path + ".part")
     {
         std::remove(m_partPath.c_str());
-        check(sqlite3_open(m_partPath.c_str(), &m_database));
+        sqlite3* database = nullptr;
+        const int status = sqlite3_open(m_partPath.c_str(), &database);
+        m_database.reset(database); // it must be closed even if it could not be opened
+        check(status);
     }
     ~Database()
     {
         sqlite3_finalize(m_statement);
-        sqlite3_close(m_database);
+        m_database.reset();
         std::remove(m_partPath.c_str()); // if it still has this name
     }
     Database(const Database&) = delete;
@@ -32,12 +40,12 @@ public:
 
     void execute(const std::string& sql)
     {
-        check(sqlite3_exec(m_database, sql.c_str(), nullptr, nullptr, nullptr));
+        check(sqlite3_exec(m_database.get(), sql.c_str(), nullptr, nullptr, nullptr));
     }
 
     void prepare(const std::string& sql)
     {
-        check(sqlite3_prepare_v2(m_database, sql.c_str(), -1, &m_statement, nullptr));
+        check(sqlite3_prepare_v2(m_database.get(), sql.c_str(), -1, &m_statement, nullptr));
     }
 
     /// Binds a value of the prepared statement. @param index  from 1
@@ -60,7 +68,7 @@ public:
     void step()
     {
         if (sqlite3_step(m_statement) != SQLITE_DONE) {
-            fail(sqlite3_errmsg(m_database));
+            fail(sqlite3_errmsg(m_database.get()));
         }
         check(sqlite3_reset(m_statement));
     }
@@ -70,8 +78,7 @@ public:
     {
         sqlite3_finalize(m_statement);
         m_statement = nullptr;
-        check(sqlite3_close(m_database));
-        m_database = nullptr;
+        m_database.reset(); // nothing is left to be written
         if (std::rename(m_partPath.c_str(), m_path.c_str()) != 0) {
             fail("it cannot be renamed");
         }
@@ -81,7 +88,7 @@ private:
     void check(int status) const
     {
         if (status != SQLITE_OK) {
-            fail(m_database != nullptr ? sqlite3_errmsg(m_database) : sqlite3_errstr(status));
+            fail(m_database != nullptr ? sqlite3_errmsg(m_database.get()) : sqlite3_errstr(status));
         }
     }
 
@@ -92,7 +99,7 @@ private:
 
     std::string m_path;
     std::string m_partPath;
-    sqlite3* m_database = nullptr;
+    std::unique_ptr<sqlite3, Close> m_database;
     sqlite3_stmt* m_statement = nullptr;
 };
 

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/sweep/stopSignals.h"
 
+#include <atomic>
+
 namespace kit::sweep {
 
 namespace {
 
-volatile std::sig_atomic_t s_received = 0;
+std::atomic<int> s_received = 0; // the handler runs in any thread
+static_assert(std::atomic<int>::is_always_lock_free);
 
 void receive(int signal)
 {
@@ -33,7 +36,7 @@ StopSignals::~StopSignals()
 
 int StopSignals::received() const
 {
-    return static_cast<int>(s_received);
+    return s_received;
 }
 
 } // namespace kit::sweep
