@@ -22,6 +22,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
+constexpr std::string_view PART = ".part"; // ending of an OutputFile that is not whole
+
 void makeFolder(const std::string& path)
 {
     std::error_code error;
@@ -217,7 +219,9 @@ void Claims::cleanUp()
         const std::string path = m_folder.claims() + "/" + name;
         const std::optional<Claim> claim = claimOf(name);
         const bool done = claim.has_value() && fs::exists(m_folder.result(claim->id));
-        if ((done || name[0] == '.') && stateOf(path) == State::STALE) {
+        const bool half = name[0] == '.' && name.ends_with(PART) &&
+                          Owner::isGone(name.substr(1, name.size() - 1 - PART.size()));
+        if (half || ((done || name[0] == '.') && stateOf(path) == State::STALE)) {
             unlink(path.c_str());
         }
     }

@@ -44,7 +44,9 @@ Content contentOf(const std::string& base, const std::string& cellPath)
     }
     for (const std::string& name : cellsIn(cells)) {
         addPart(hash, name);
-        addPart(hash, input::readText(cellPath + "/" + name + ".color"));
+        std::string path = cellPath;
+        path.append("/").append(name).append(".color");
+        addPart(hash, input::readText(path));
     }
     input::Design design;
     input::Findings findings; // of form; the run will tell them

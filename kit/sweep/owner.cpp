@@ -5,10 +5,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
+
+#include "kit/hash.h"
 
 namespace kit::sweep {
 
@@ -60,6 +64,19 @@ int64_t startOf(int64_t process)
     return start;
 }
 
+const std::string& placeHere()
+{
+    static const std::string s_place = Owner::self().place;
+    return s_place;
+}
+
+std::string hashOf(const std::string& text)
+{
+    Hash hash;
+    hash.add(text);
+    return hash.text();
+}
+
 } // namespace
 
 Owner Owner::self()
@@ -74,7 +91,19 @@ std::string Owner::name() const
     std::string safe = host;
     std::replace_if(
         safe.begin(), safe.end(), [](unsigned char c) { return std::isalnum(c) == 0 && c != '-'; }, '_');
-    return safe + "." + std::to_string(process) + "." + std::to_string(start);
+    return safe + "." + std::to_string(process) + "." + std::to_string(start) + "." + hashOf(place);
+}
+
+bool Owner::isGone(const std::string& name)
+{
+    const size_t hash = name.rfind('.');
+    const size_t start = hash == std::string::npos || hash == 0 ? hash : name.rfind('.', hash - 1);
+    const size_t process = start == std::string::npos || start == 0 ? start : name.rfind('.', start - 1);
+    if (process == std::string::npos || name.substr(hash + 1) != hashOf(placeHere())) {
+        return false;
+    }
+    const int64_t id = std::atoll(name.c_str() + process + 1);
+    return startOf(id) != std::atoll(name.c_str() + start + 1);
 }
 
 std::string Owner::text() const
@@ -97,8 +126,7 @@ std::optional<Owner> Owner::parse(const std::string& text)
 
 std::optional<bool> Owner::isAlive() const
 {
-    static const std::string s_here = Owner::self().place;
-    if (place != s_here) {
+    if (place != placeHere()) {
         return std::nullopt;
     }
     return startOf(process) == start;

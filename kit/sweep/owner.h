@@ -23,6 +23,9 @@ struct Owner {
     /// As a part of a file name.
     std::string name() const;
 
+    /// Whether the process of a name is known to be no more: for files that it could not finish.
+    static bool isGone(const std::string& name);
+
     /// As the text of a claim.
     std::string text() const;
 

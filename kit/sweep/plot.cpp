@@ -114,7 +114,7 @@ private:
 /// The number that a metric is, if it is one.
 std::optional<double> metric(const Made& run, const char* name)
 {
-    const nlohmann::ordered_json& metrics = run.result.metrics;
+    const nlohmann::json& metrics = run.result.metrics;
     const bool known = metrics.is_object() && metrics.contains(name) && metrics[name].is_number();
     return known ? std::optional(metrics[name].get<double>()) : std::nullopt;
 }

@@ -30,7 +30,7 @@ Status statusOf(const std::string& name)
 }
 
 /// The value of a metric, null if it is not there.
-ordered_json valueOf(const json& placed, std::string pointer)
+json valueOf(const json& placed, std::string pointer)
 {
     if (pointer[0] == '~') {
         const bool rescued = placed.contains(json::json_pointer("/rescue/placement"));
@@ -41,9 +41,10 @@ ordered_json valueOf(const json& placed, std::string pointer)
         return nullptr;
     }
     const json& value = placed.at(at);
-    return value.is_array()        ? ordered_json(value.size())
-           : value.is_structured() ? ordered_json(nullptr)
-                                   : ordered_json(value);
+    if (value.is_array()) {
+        return value.size();
+    }
+    return value.is_object() ? json(nullptr) : value;
 }
 
 Result resultFrom(const json& file)
@@ -85,12 +86,12 @@ bool isDone(Status status)
     return status == Status::CLEAN || status == Status::NOT_CLEAN;
 }
 
-ordered_json metricsOf(const json& placed)
+json metricsOf(const json& placed)
 {
     if (!placed.is_object() || !placed.contains("placement") || !placed["placement"].is_object()) {
         return nullptr;
     }
-    ordered_json metrics = ordered_json::object();
+    json metrics = json::object();
     for (const Metric& metric : METRICS) {
         metrics[metric.name] = valueOf(placed, metric.pointer);
     }

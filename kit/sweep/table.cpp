@@ -51,7 +51,7 @@ ordered_json valuesOf(const Task& task, const std::optional<Result>& result)
         values["host"] = result->host;
         values["message"] = result->message;
         if (result->metrics.is_object()) {
-            values.update(result->metrics);
+            values.update(ordered_json(result->metrics));
         }
     }
     return values;
