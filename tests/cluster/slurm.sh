@@ -32,6 +32,14 @@ start_daemon() {
     daemons[$name]=$(setsid "$@" >"$cluster/$name.out" 2>&1 </dev/null & echo $!)
 }
 
+# Whether all daemons that were started are there.
+daemons_run() {
+    local pid
+    for pid in "${daemons[@]}"; do
+        kill -0 "$pid" 2>/dev/null || return 1
+    done
+}
+
 # Stops a daemon, by force if it takes more than some seconds.
 stop_daemon() {
     local pid=${daemons[$1]-}
@@ -91,11 +99,12 @@ try_slurm() {
     start_daemon slurmctld slurmctld -D -c
     start_daemon n1 "${separate[@]}" slurmd -D -N n1
     start_daemon n2 "${separate[@]}" slurmd -D -N n2
-    for _ in {1..40}; do
+    local deadline=$((SECONDS + 20))
+    while ((SECONDS < deadline)) && daemons_run; do
         if [[ $(timeout 5 sinfo --noheader --Node --format=%t 2>/dev/null | tr '\n' ' ') == 'idle idle ' ]]; then
             return 0
         fi
-        sleep 0.5
+        sleep 0.2
     done
     return 1
 }
@@ -119,6 +128,7 @@ slurm_up() {
             return 0
         fi
         slurm_down
+        echo "Slurm does not start:" >&2
         tail -n 5 "$cluster"/*.out >&2
     done
     return 1

@@ -48,11 +48,20 @@ runs_of() {
     echo "${entries[*]}"
 }
 
-# Runs a planned study by one process on this machine, and keeps its table in $1/table.csv.
+# The time in milliseconds.
+milliseconds() {
+    echo "$((${EPOCHREALTIME/[!0-9]/} / 1000))"
+}
+
+# Runs a planned study by one process on this machine, and keeps its table in $1/table.csv. Sets `single_time` to what
+# that took, in milliseconds.
 run_on_one_machine() {
-    local work=$1 status=0
+    local work=$1 status=0 begin
     cp -r "$work/plan" "$work/single"
+    begin=$(milliseconds)
     "$kit" sweep run "$work/single" --jobs 2 --quiet >"$work/single.log" 2>&1 || status=$?
+    # shellcheck disable=SC2034 # for the tests
+    single_time=$(($(milliseconds) - begin))
     ((status == 1)) || fail "one machine: status $status in place of 1, for the run that fails"
     table_of "$work/single" >"$work/table.csv"
 }

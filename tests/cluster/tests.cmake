@@ -3,7 +3,7 @@
 #     cmake --preset release -D VIRELOCE_CLUSTER_TESTS=ON && ctest --preset release -L cluster
 option(VIRELOCE_CLUSTER_TESTS "Run the tests of sweeps in a cluster among the others" OFF)
 if(VIRELOCE_CLUSTER_TESTS)
-    foreach(engine slurm parallel kill)
+    foreach(engine submission slurm parallel kill)
         add_test(NAME cluster.${engine} COMMAND ${PROJECT_SOURCE_DIR}/scripts/cluster-tests ${engine})
         set_tests_properties(cluster.${engine} PROPERTIES LABELS cluster RUN_SERIAL ON TIMEOUT 300
             SKIP_REGULAR_EXPRESSION "SKIPPED: "

@@ -413,11 +413,11 @@ TEST_F(KitSweepRun, SignalStopsTheWait)
     plan(2);
     const std::string id = kit::sweep::readTasks(dir()).at(0).id;
     test::writeFile(dir() + "/claims/" + id + ".0", claimText({"far", "far away", 1, 1}));
-    auto waiting = options(program("placed"));
+    auto waiting = options(program(tell("made") + "placed"));
     waiting.resume = true;
     waiting.wait = true;
     Child child(waiting);
-    while (results().empty()) {
+    while (linesOf("made") < 1) {
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
