@@ -23,8 +23,7 @@ void checkOutputs(const std::vector<std::string>& outputs, const std::vector<std
         const std::string& output = outputs[i];
         for (const std::string& input : inputs) {
             if (isSameFile(output, input) || isSameFile(output + ".part", input)) {
-                throw Fault(output + " would replace the input " + input +
-                            ": choose another name for the result");
+                throw Fault(output + " is an input: choose another name for the result");
             }
         }
         for (size_t k = 0; k < i; ++k) {

@@ -221,8 +221,10 @@ private:
         if (fs::exists(messages)) {
             m_out << "Why is in " << messages << "\n";
         }
-        m_out
-            << "What to do: give --allow-conflicts to take their least bad colouring, or a smaller --mindp\n";
+        m_out << "What to do: give "
+              << (m_options.cellPath.empty()
+                      ? "--allow-conflicts to take their least bad colouring, or a smaller --mindp\n"
+                      : "the folder that has them with --cell-path, or leave it out to colour the library\n");
         return false;
     }
 

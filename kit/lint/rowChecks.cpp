@@ -107,8 +107,8 @@ private:
         }
         if (row.numSites <= 0) {
             m_reporter.note("row-empty", {row.line, 0},
-                               "row " + row.name + " has " + std::to_string(row.numSites) + " sites",
-                               "that is no problem if it is meant");
+                            "row " + row.name + " has " + std::to_string(row.numSites) + " sites",
+                            "that is no problem if it is meant");
         }
         if ((int64_t{row.y} - first.y) % m_height != 0) {
             m_reporter.warning("row-pitch", {row.line, 0},

@@ -132,7 +132,7 @@ TEST_F(KitImportCells, AnInputIsNeverReplaced)
         const auto outcome = test::runKit({"import", "--lef", m_dir.path("l.lef"), "--def", m_dir.path(name),
                                            "-o", m_dir.path("q"), "--force"});
         EXPECT_EQ(outcome.status, 2);
-        EXPECT_NE(outcome.error.find("would replace the input"), std::string::npos) << outcome.error;
+        EXPECT_NE(outcome.error.find("is an input"), std::string::npos) << outcome.error;
         EXPECT_EQ(test::contentOf(m_dir.path(name)), def);
         std::filesystem::remove(m_dir.path(name));
     }
@@ -148,7 +148,8 @@ TEST_F(KitImportCells, ResultThatCannotBeAFileIsOneLine)
             {"import", "--lef", m_dir.path("l.lef"), "--def", m_dir.path("d.def"), "-o", out, "--force"});
         EXPECT_EQ(outcome.status, 2) << out;
         EXPECT_EQ(std::count(outcome.error.begin(), outcome.error.end(), '\n'), 1) << outcome.error;
-        EXPECT_FALSE(std::filesystem::exists(out + ".place"));
+        std::error_code unknown; // the last name is too long for a file
+        EXPECT_FALSE(std::filesystem::exists(out + ".place", unknown));
     }
 }
 

@@ -199,7 +199,7 @@ TEST_F(KitPlace, RefusesToReplaceAnEarlierResult)
     const KitOutcome again = place();
     EXPECT_EQ(again.status, 2);
     EXPECT_EQ(again.error,
-              "vireloce-kit: " + out(".place") + " exists: choose another -o, or --force to replace it\n");
+              "vireloce-kit: " + out(".place") + " exists: choose another name, or --force to replace it\n");
     EXPECT_EQ(place({"--force"}).status, 0);
 }
 
@@ -210,7 +210,7 @@ TEST_F(KitPlace, NeverReplacesAnInput)
         const KitOutcome outcome =
             runKit({"place", m_design.base(), "--cell-path", m_design.lib(), "-o", same, "--force"});
         EXPECT_EQ(outcome.status, 2);
-        EXPECT_NE(outcome.error.find("is an input: choose another -o"), std::string::npos) << outcome.error;
+        EXPECT_NE(outcome.error.find("is an input"), std::string::npos) << outcome.error;
     }
     EXPECT_EQ(m_design.allText(), before);
 }
