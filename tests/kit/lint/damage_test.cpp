@@ -543,7 +543,7 @@ const DamageCase DAMAGES[] = {
     {"EmptyRow",
      {{"d.place", "ROW row_1 core 0 1900 FS DO 12 BY 1 STEP 190 0 ;",
        "ROW row_1 core 0 1900 FS DO 12 BY 1 STEP 190 0 ;\nROW row_2 core 0 3800 N DO 0 BY 1 STEP 190 0 ;"}},
-     1,
+     0,
      {"d.place:12: note: row row_2 has 0 sites; that is no problem if it is meant [row-empty]"}},
     {"RowOverRow",
      {{"d.place", "ROW row_1 core 0 1900 FS DO 12 BY 1 STEP 190 0 ;",
