@@ -43,6 +43,13 @@ Ending reap(pid_t child)
             .peakKib = usage.ru_maxrss};
 }
 
+int64_t ownPeakKib()
+{
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
 bool isPlain(char c)
 {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
@@ -88,8 +95,11 @@ Ending run(const std::vector<std::string>& words, const std::string& outputPath,
     ending.seconds = secondsSince(begin);
     ending.timedOut = reason == Watch::Reason::TIME;
     ending.stopped = reason == Watch::Reason::STOP;
-    ending.overMemory =
-        reason == Watch::Reason::MEMORY || (limits.memoryKib > 0 && ending.peakKib > limits.memoryKib);
+    // A peak begins with what this program has in use, of which the child was a copy until it became the
+    // other one.
+    const bool peakIsOver =
+        limits.memoryKib > 0 && ending.peakKib > std::max<int64_t>(limits.memoryKib, ownPeakKib());
+    ending.overMemory = reason == Watch::Reason::MEMORY || peakIsOver;
     return ending;
 }
 
