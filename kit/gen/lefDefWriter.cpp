@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/gen/lefDefWriter.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <filesystem>
@@ -196,7 +197,7 @@ private:
             return;
         }
         const auto index = static_cast<size_t>(member);
-        const int32_t pins = numPins(m_library[m_placement.cells[index].type]);
+        const int32_t pins = std::max(1, numPins(m_library[m_placement.cells[index].type]));
         m_out << " ( u" << member << " P" << m_used[index]++ % pins << " )";
     }
 

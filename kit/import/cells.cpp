@@ -63,11 +63,11 @@ private:
     {
         const DefComponent& comp = m_def.components[index];
         const bool placed = comp.status == Status::PLACED;
-        if (comp.status == Status::FIXED || comp.status == Status::COVER) {
-            keep(index, macro);
-        } else if (hasWord(macro.macroClass, "SPACER")) {
+        const bool fixed = comp.status == Status::FIXED || comp.status == Status::COVER;
+        const bool filler = !fixed && hasWord(macro.macroClass, "SPACER");
+        if (filler) {
             ++m_cells.fillers;
-        } else if (placed && (staysByClass(macro) || !fitsOneRow(comp, macro))) {
+        } else if (fixed || (placed && (staysByClass(macro) || !fitsOneRow(comp, macro)))) {
             keep(index, macro);
         } else if (!placed && (staysByClass(macro) || isHigh(macro))) {
             error("unplaced", comp,

@@ -49,6 +49,7 @@ std::optional<SiteSize> lowestSite(const Def& def, const Lef& lef)
 int64_t leastPitch(const std::vector<DefRow>& rows)
 {
     std::vector<int64_t> heights;
+    heights.reserve(rows.size());
     for (const DefRow& row : rows) {
         heights.push_back(row.y);
     }
