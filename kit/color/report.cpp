@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "kit/color/micron.h"
+#include "kit/input/findingText.h"
 #include "kit/input/text.h"
 
 namespace kit::color {
@@ -17,19 +18,6 @@ namespace {
 using input::counted;
 
 constexpr int COLUMN = 9; // width of a column of numbers
-
-const char* wordOf(input::Severity severity)
-{
-    switch (severity) {
-    case input::Severity::ERROR:
-        return "error";
-    case input::Severity::WARNING:
-        return "warning";
-    case input::Severity::NOTE:
-        break;
-    }
-    return "note";
-}
 
 /// Writes a table of how many cells have a number of something.
 void writeHistogram(const std::map<size_t, size_t>& cells, const char* what, std::ostream& out)
@@ -79,7 +67,7 @@ void writeMessages(const input::Findings& findings, std::ostream& out)
         if (finding.line > 0 && finding.column > 0) {
             line += ":" + std::to_string(finding.column);
         }
-        line += std::string(": ") + wordOf(finding.severity) + ": " + finding.what;
+        line += std::string(": ") + input::wordOf(finding.severity) + ": " + finding.what;
         line += finding.advice.empty() ? "" : "; " + finding.advice;
         std::replace_if(
             line.begin(), line.end(), [](char c) { return (c >= 0 && c < ' ') || c == '\x7f'; }, '?');

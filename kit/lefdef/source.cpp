@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "kit/input/findingText.h"
 #include "kit/input/text.h"
 
 namespace kit::lefdef {
@@ -13,19 +14,6 @@ namespace {
 /// Bytes between two marks: few enough to count lines from one in no time, many enough that the marks of a
 /// large file are small.
 constexpr size_t BLOCK = 4096;
-
-const char* nameOf(input::Severity severity)
-{
-    switch (severity) {
-    case input::Severity::ERROR:
-        return "error";
-    case input::Severity::WARNING:
-        return "warning";
-    case input::Severity::NOTE:
-        break;
-    }
-    return "note";
-}
 
 } // namespace
 
@@ -76,7 +64,7 @@ void SourceReporter::add(input::Severity severity, const char* code, size_t offs
     ++told;
     if (told > MOST_FINDINGS) {
         m_reporter.add(severity, "too-many", m_source.placeOf(offset),
-                       "from here on no " + std::string(nameOf(severity)) + " is told, there were " +
+                       "from here on no " + std::string(input::wordOf(severity)) + " is told, there were " +
                            std::to_string(MOST_FINDINGS) + " before",
                        "correct those first");
         return;
