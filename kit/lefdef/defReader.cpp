@@ -22,6 +22,7 @@ using input::quoted;
 /// Room is made for the records that a header promises, but for no more than one in so many bytes of the
 /// file.
 constexpr size_t USUAL_RECORD = 32;
+constexpr size_t USUAL_MEMBER = 16; ///< bytes of a member of a net, with its share of the rest
 
 /// A polygon with more corners is refused: cutting it takes their square.
 constexpr size_t MOST_CORNERS = 1000;
@@ -63,7 +64,12 @@ private:
 
     void readComponents() { readSection(m_def.components, &DefReader::readComponent); }
     void readPins() { readSection(m_def.pins, &DefReader::readPin); }
-    void readNets() { readSection(m_def.nets, &DefReader::readNet); }
+    void readNets()
+    {
+        // Pages that stay empty cost nothing, and growing would copy and clear most of them twice.
+        m_def.members.reserve(m_def.members.size() + (m_in.source().text().size() - m_begin) / USUAL_MEMBER);
+        readSection(m_def.nets, &DefReader::readNet);
+    }
     void readBlockages() { readSection(m_def.blockages, &DefReader::readBlockage); }
 
     template <typename Record>
