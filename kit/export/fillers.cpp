@@ -13,7 +13,7 @@ bool isFiller(const DefComponent& component, const MacroIndex& macros)
 {
     const auto macro = macros.find(component.macro);
     if (macro != macros.end()) {
-        return macro->second->macroClass.ends_with("SPACER");
+        return lefdef::isFiller(*macro->second);
     }
     return component.name.starts_with("FILL") || component.macro.starts_with("FILL");
 }

@@ -19,8 +19,8 @@ using MacroIndex = std::unordered_map<std::string_view, const lefdef::LefMacro*>
 /// The index of a library.
 MacroIndex indexMacros(const lefdef::Lef& lef);
 
-/// Which components of the DEF file are fillers: those that are PLACED, untouched, and of a class that ends
-/// in SPACER; where no library says what they are, those whose own or macro's name begins with FILL.
+/// Which components of the DEF file are fillers: those that are PLACED, untouched, and fillers by their
+/// class; where no library says what they are, those whose own or macro's name begins with FILL.
 ///
 /// @return [component of the DEF file]
 std::vector<bool> findFillers(const lefdef::Def& def, const Matching& matching, const MacroIndex& macros);

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/export/matching.h"
 
-#include <algorithm>
 #include <optional>
 #include <string_view>
 #include <unordered_map>
@@ -10,6 +9,7 @@
 #include "kit/fault.h"
 #include "kit/input/names.h"
 #include "kit/input/reporter.h"
+#include "kit/lefdef/trueOrient.h"
 
 namespace kit::exporter {
 
@@ -20,40 +20,6 @@ using lefdef::Orient;
 using lefdef::Status;
 
 constexpr int64_t NONE = -1;
-
-Orient orientOf(const std::string& name)
-{
-    return lefdef::orientOf(name).value_or(Orient::N); // the placer takes another word as N
-}
-
-/// The rows of a placement by their bottom edges.
-class Rows {
-public:
-    explicit Rows(const std::vector<input::Row>& rows)
-    {
-        for (const input::Row& row : rows) {
-            m_rows[row.y].push_back(&row);
-        }
-    }
-
-    /// Whether the row at a point is upside down; nothing if there is none.
-    std::optional<bool> upsideDownAt(int32_t x, int32_t y) const
-    {
-        const auto at = m_rows.find(y);
-        if (at == m_rows.end()) {
-            return {};
-        }
-        const auto row = std::find_if(at->second.begin(), at->second.end(), [x](const input::Row* candidate) {
-            const int64_t right = candidate->x + int64_t{candidate->numSites} * candidate->step;
-            return candidate->x <= x && x < right;
-        });
-        return row == at->second.end() ? std::nullopt
-                                       : std::optional(lefdef::isUpsideDown(orientOf((*row)->orient)));
-    }
-
-private:
-    std::unordered_map<int32_t, std::vector<const input::Row*>> m_rows;
-};
 
 /// The names of the DEF file for those in the placement.
 class Originals {
@@ -78,8 +44,9 @@ private:
 class Matcher {
 public:
     Matcher(const Sides& sides, input::Findings& findings)
-        : m_sides(sides), m_reporter(findings, sides.placementPath), m_rows(sides.placement.rows),
-          m_originals(sides.map), m_partners(sides.def.components.size(), NONE)
+        : m_sides(sides), m_reporter(findings, sides.placementPath),
+          m_orients(sides.placement.rows, sides.map), m_originals(sides.map),
+          m_partners(sides.def.components.size(), NONE)
     {
         m_inDef.reserve(sides.def.components.size());
         for (size_t i = 0; i < sides.def.components.size(); ++i) {
@@ -89,14 +56,14 @@ public:
 
     Matching run()
     {
-        readFlipped();
+        checkFlipped();
         Matching matching;
         for (size_t i = 0; i < m_sides.placement.components.size(); ++i) {
             if (const std::optional<size_t> partner = partnerOf(i)) {
                 matching.placed.push_back(placedAt(i, *partner));
             }
         }
-        if (m_found == 0) {
+        if (m_found == 0 && !m_sides.placement.components.empty()) {
             throw Fault("no component of " + m_sides.placementPath + " is in " + m_sides.defSource.path() +
                         ": it is another design");
         }
@@ -105,11 +72,10 @@ public:
     }
 
 private:
-    void readFlipped()
+    void checkFlipped()
     {
         const input::NameIndex names = input::indexNames(m_sides.placement.components);
         for (const std::string& name : m_sides.map.flipped) {
-            m_flipped.insert(name);
             if (input::findName(names, name) < 0) {
                 m_reporter.warning("unknown-name", {},
                                    "the map names the flipped component " + name + ", which is not here",
@@ -159,21 +125,15 @@ private:
     {
         const input::Component& comp = m_sides.placement.components[inPlace];
         const DefComponent& component = m_sides.def.components[inDef];
-        std::optional<bool> upsideDown = m_rows.upsideDownAt(comp.x, comp.y);
-        if (upsideDown) {
-            upsideDown = *upsideDown != (m_flipped.count(comp.name) != 0);
-        } else {
-            upsideDown = lefdef::isUpsideDown(component.orient);
+        std::optional<Orient> orient = m_orients.of(comp);
+        if (!orient) {
+            orient = lefdef::upright(lefdef::isMirrored(comp), lefdef::isUpsideDown(component.orient));
             m_reporter.warning("off-row", {comp.line, 0},
                                std::string(component.name) + " is on no row, and whether it is upside down "
                                                              "is taken from the DEF file",
                                "place with --rescue");
         }
-        return {.inDef = inDef,
-                .inPlace = inPlace,
-                .x = comp.x,
-                .y = comp.y,
-                .orient = lefdef::upright(lefdef::isMirrored(orientOf(comp.orient)), *upsideDown)};
+        return {.inDef = inDef, .inPlace = inPlace, .x = comp.x, .y = comp.y, .orient = *orient};
     }
 
     void addUntouched(Matching& matching) const
@@ -192,12 +152,11 @@ private:
 
     const Sides& m_sides;
     input::Reporter m_reporter;
-    Rows m_rows;
+    lefdef::TrueOrients m_orients;
     Originals m_originals;
     std::unordered_map<std::string_view, size_t> m_inDef;
     std::vector<int64_t> m_partners; ///< [component of the DEF file] index in the placement, or NONE
-    std::unordered_set<std::string_view> m_flipped;
-    size_t m_found = 0; ///< components of the placement that are in the DEF file
+    size_t m_found = 0;              ///< components of the placement that are in the DEF file
 };
 
 } // namespace

@@ -43,14 +43,12 @@ struct Matching {
 
 /// Finds the new place of every component of the placement in the DEF file.
 ///
-/// A cell lies upside down as its row does (FS or S), the other way round if the map has it among the
-/// flipped; it is mirrored as in the placement (FN or S). Where it is on no row, the DEF file tells whether
-/// it is upside down.
+/// Where a cell is on no row, the DEF file tells whether it is upside down.
 ///
 /// @param findings  out: "no-component", "off-row", "unknown-name" and "fixed" as warnings; "other-macro" and
 ///                  "same-component" as errors
 ///
-/// Errors: throws Fault if no component of the placement is in the DEF file.
+/// Errors: throws Fault if the placement has components, and none of them is in the DEF file.
 Matching matchComponents(const Sides& sides, input::Findings& findings);
 
 /// Tells those of the untouched components that the placement should have had: they are PLACED, no fillers,

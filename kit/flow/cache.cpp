@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/flow/cache.h"
 
+#include <unistd.h>
+
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 
@@ -10,10 +13,14 @@
 
 namespace kit::flow {
 
+namespace fs = std::filesystem;
+
 namespace {
 
 /// Goes up when the same input may be coloured otherwise than before.
 constexpr const char* VERSION = "1";
+
+constexpr const char* PART = ".part";
 
 std::string cacheRoot(const Options& options)
 {
@@ -46,7 +53,27 @@ std::string cachedFolder(const Options& options, const std::string& site)
         hash.add(input::readText(path));
         hash.add(std::string_view("\0", 1));
     }
-    return (std::filesystem::path(cacheRoot(options)) / hash.text()).string();
+    return (fs::path(cacheRoot(options)) / hash.text()).string();
+}
+
+std::string partOf(const std::string& folder)
+{
+    return folder + PART + std::to_string(getpid());
+}
+
+void removeOldParts(const std::string& folder)
+{
+    const fs::path path(folder);
+    const auto old = fs::file_time_type::clock::now() - std::chrono::hours(24);
+    std::error_code error; // another run may remove the same
+    for (const fs::directory_entry& entry : fs::directory_iterator(path.parent_path(), error)) {
+        const fs::path& name = entry.path();
+        const bool isPart = name.stem().string().size() == path.filename().string().size() &&
+                            name.extension().string().starts_with(PART);
+        if (isPart && entry.last_write_time(error) < old && !error) {
+            fs::remove_all(name, error);
+        }
+    }
 }
 
 } // namespace kit::flow

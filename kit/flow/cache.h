@@ -16,4 +16,11 @@ namespace kit::flow {
 /// Errors: throws Fault if a LEF file cannot be read, or no such place is known.
 std::string cachedFolder(const Options& options, const std::string& site);
 
+/// The folder in which this process makes a folder of the cache, beside it.
+std::string partOf(const std::string& folder);
+
+/// Removes what runs that were killed have left of making this and other folders of the cache. What is
+/// younger than a day may be the work of another run.
+void removeOldParts(const std::string& folder);
+
 } // namespace kit::flow

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/flow/flow.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -188,8 +186,9 @@ private:
             return requireCells();
         }
         // A folder of the cache is whole: it is made beside and then given its name.
-        const std::string part = m_places.cellDir + ".part" + std::to_string(getpid());
+        const std::string part = partOf(m_places.cellDir);
         makeFolder(fs::path(m_places.cellDir).parent_path().string());
+        removeOldParts(m_places.cellDir);
         if (!runStep(colorStep(m_options, site, part))) {
             fs::remove_all(part);
             return false;

@@ -64,7 +64,7 @@ private:
         const DefComponent& comp = m_def.components[index];
         const bool placed = comp.status == Status::PLACED;
         const bool fixed = comp.status == Status::FIXED || comp.status == Status::COVER;
-        const bool filler = !fixed && hasWord(macro.macroClass, "SPACER");
+        const bool filler = !fixed && isFiller(macro);
         if (filler) {
             ++m_cells.fillers;
         } else if (fixed || (placed && (staysByClass(macro) || !fitsOneRow(comp, macro)))) {

@@ -59,6 +59,9 @@ struct LefMacro {
     size_t endOffset = 0;               ///< behind its END and name
 };
 
+/// Whether a macro is a filler: a cell without a function, of class CORE SPACER or PAD SPACER.
+bool isFiller(const LefMacro& macro);
+
 /// A placement site.
 struct LefSite {
     std::string name;

@@ -294,6 +294,11 @@ void LefReader::keepIfNew(Record record, std::vector<Record>& records, Index& in
 
 } // namespace
 
+bool isFiller(const LefMacro& macro)
+{
+    return macro.macroClass.ends_with("SPACER");
+}
+
 void readLef(const Source& source, const std::string& layer, int32_t number, Lef& lef,
              input::Findings& findings)
 {

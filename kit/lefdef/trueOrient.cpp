@@ -1,26 +1,49 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/lefdef/trueOrient.h"
 
+#include <algorithm>
 #include <filesystem>
-#include <optional>
-#include <string_view>
-#include <unordered_map>
-#include <unordered_set>
-
-#include "kit/lefdef/nameMap.h"
-#include "kit/lefdef/orient.h"
 
 namespace kit::lefdef {
 
 namespace {
 
-bool isUpsideDown(const std::string& orient)
+Orient orientNamed(const std::string& name)
 {
-    const std::optional<Orient> known = orientOf(orient);
-    return known && isUpsideDown(*known);
+    return orientOf(name).value_or(Orient::N);
 }
 
 } // namespace
+
+TrueOrients::TrueOrients(const std::vector<input::Row>& rows, const NameMap& map)
+    : m_flipped(map.flipped.begin(), map.flipped.end())
+{
+    for (const input::Row& row : rows) {
+        m_rows[row.y].push_back(&row);
+    }
+}
+
+std::optional<Orient> TrueOrients::of(const input::Component& comp) const
+{
+    const auto at = m_rows.find(comp.y);
+    if (at == m_rows.end()) {
+        return {};
+    }
+    const auto row = std::find_if(at->second.begin(), at->second.end(), [&comp](const input::Row* candidate) {
+        const int64_t right = candidate->x + int64_t{candidate->numSites} * candidate->step;
+        return candidate->x <= comp.x && comp.x < right;
+    });
+    if (row == at->second.end()) {
+        return {};
+    }
+    const bool upsideDown = isUpsideDown(orientNamed((*row)->orient)) != m_flipped.contains(comp.name);
+    return upright(isMirrored(comp), upsideDown);
+}
+
+bool isMirrored(const input::Component& comp)
+{
+    return isMirrored(orientNamed(comp.orient));
+}
 
 void restoreOrientations(const std::string& placement, input::Design& design, input::Findings& findings)
 {
@@ -29,16 +52,12 @@ void restoreOrientations(const std::string& placement, input::Design& design, in
         return;
     }
     const NameMap map = readNameMap(path, findings);
-    const std::unordered_set<std::string_view> flipped(map.flipped.begin(), map.flipped.end());
-    std::unordered_map<int32_t, bool> upsideDownAt;
-    for (const input::Row& row : design.rows) {
-        upsideDownAt[row.y] = isUpsideDown(row.orient);
-    }
+    const TrueOrients orients(design.rows, map);
     for (input::Component& comp : design.components) {
-        const auto row = upsideDownAt.find(comp.y);
-        if (row != upsideDownAt.end() && (comp.orient == "N" || comp.orient == "FN")) {
-            const bool upsideDown = row->second != (flipped.count(comp.name) > 0);
-            comp.orient = std::string(nameOf(upright(comp.orient == "FN", upsideDown)));
+        if (comp.orient == "N" || comp.orient == "FN") {
+            if (const std::optional<Orient> orient = orients.of(comp)) {
+                comp.orient = std::string(nameOf(*orient));
+            }
         }
     }
 }

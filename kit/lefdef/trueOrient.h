@@ -1,16 +1,41 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
 
 #include "kit/input/design.h"
 #include "kit/input/finding.h"
+#include "kit/lefdef/nameMap.h"
+#include "kit/lefdef/orient.h"
 
 namespace kit::lefdef {
 
-/// Gives the components of an imported design the orientations that they have in the layout: the placement
-/// says only which are mirrored, the rows and the map beside it say which are upside down. A placement
-/// without a map stays as it is.
+/// How the cells of an imported design lie in the layout. The placement says only which are mirrored (FN and
+/// S); a cell is upside down as its row is (FS and S), the other way round if the map has it among the
+/// flipped.
+class TrueOrients {
+public:
+    /// Both must outlive it.
+    TrueOrients(const std::vector<input::Row>& rows, const NameMap& map);
+
+    /// The orientation of a component by the row that its lower left corner is on; nothing if there is none.
+    std::optional<Orient> of(const input::Component& comp) const;
+
+private:
+    std::unordered_map<int32_t, std::vector<const input::Row*>> m_rows; ///< by their bottom edges
+    std::unordered_set<std::string_view> m_flipped;
+};
+
+/// Whether a component is mirrored by what its placement says. The placer takes another word as N.
+bool isMirrored(const input::Component& comp);
+
+/// Gives the components of an imported design their true orientations. One that is on no row, and a placement
+/// without a map, stay as they are.
 ///
 /// @param placement  path of the placement file; its map has ".map" in place of ".place"
 /// @param findings   out: problems of the map

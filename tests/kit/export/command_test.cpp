@@ -58,6 +58,7 @@ INSTANTIATE_TEST_SUITE_P(
             "was made from [no-component]\n0 errors, 1 warning, 0 notes\n"},
         Told{"NoComponentInCommon", "- u INV + PLACED ( 380 0 ) N\n ;\n", "- v INV + PLACED ( 0 0 ) N ;\n", 2,
              "vireloce-kit: no component of out.place is in in.def: it is another design\n"},
+        Told{"NothingToPlace", "", "- v INV + FIXED ( 0 0 ) N ;\n", 0, ""},
         Told{"ComponentThatThePlacementLacks", "- u INV + PLACED ( 380 0 ) N\n ;\n",
              "- u INV + PLACED ( 0 0 ) N ;\n- v INV + PLACED ( 0 0 ) N ;\n- w INV ;\n", 1,
              "in.def:9: warning: the component v is not in the placement, and stays where it is; export into "

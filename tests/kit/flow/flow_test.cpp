@@ -2,6 +2,7 @@
 // All the way from LEF and DEF, by the program itself.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <string>
 
@@ -91,6 +92,27 @@ TEST_F(KitFlow, ColoursALibraryOnce)
     // Another distance is another colouring.
     ASSERT_EQ(gcd({"--mindp", "120", "--force"}), 0) << m_output;
     EXPECT_FALSE(says("color", "known from before")) << m_output;
+}
+
+TEST_F(KitFlow, RemovesWhatKilledRunsLeftInTheCache)
+{
+    namespace fs = std::filesystem;
+    ASSERT_EQ(gcd({"--allow-conflicts"}), 0) << m_output;
+    const fs::path coloured = fs::directory_iterator(m_dir.path("cache"))->path();
+    const fs::path old = coloured.string() + ".part1";
+    const fs::path young = coloured.string() + ".part2";
+    const fs::path strange = m_dir.path("cache/my.part1");
+    for (const fs::path& path : {old, young, strange}) {
+        fs::create_directory(path);
+        if (path != young) {
+            fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::hours(25));
+        }
+    }
+    ASSERT_EQ(gcd({"--mindp", "120", "--force"}), 0) << m_output; // colours the library anew
+    EXPECT_FALSE(fs::exists(old));
+    EXPECT_TRUE(fs::exists(young)) << "another run may be at work on it";
+    EXPECT_TRUE(fs::exists(strange));
+    EXPECT_TRUE(fs::exists(coloured));
 }
 
 TEST_F(KitFlow, TakesColourFilesThatAreThere)
