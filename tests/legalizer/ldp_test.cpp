@@ -10,8 +10,9 @@
 namespace {
 
 using test::Exhaustive;
+using test::expectAsTheModel;
+using test::expectTheCheapest;
 using test::Literal;
-using test::LiteralModel;
 using test::nodesOf;
 using test::onRandomSegments;
 using test::Places;
@@ -438,9 +439,8 @@ TEST(PruningOnRandomSegments, ChangesNothingWhereCostsArePlain)
 
 class SolveLdpOnRandomSegments : public testing::TestWithParam<bool> {
 protected:
-    static void solve(RandomSegment& random, int step)
+    static void solve(SegLegalizer& solver, int step)
     {
-        SegLegalizer solver(&random.legalizer, random.segment);
         GetParam() ? solver.solveLdpFast(step) : solver.solveLdp(step);
     }
 };
@@ -449,31 +449,17 @@ INSTANTIATE_TEST_SUITE_P(Both, SolveLdpOnRandomSegments, testing::Bool(), progra
 
 TEST_P(SolveLdpOnRandomSegments, SolvesAsASecondImplementationDoes)
 {
-    int number = 0;
-    onRandomSegments([&](RandomSegment& random) {
-        const int step = 1 + ++number % 2;
-        Literal model(random.design, *random.segment);
-        model.solveLdp(step, GetParam());
-        solve(random, step);
-        EXPECT_EQ(random.places(), model.places());
-    });
+    for (const int step : {1, 2}) {
+        expectAsTheModel([step](Literal& model) { model.solveLdp(step, GetParam()); },
+                         [step](SegLegalizer& solver) { solve(solver, step); });
+    }
 }
 
 TEST_P(SolveLdpOnRandomSegments, TakesTheCheapestOfAllChoicesAndOfEqualsTheLowestSolutionThenTheLeftmostShift)
 {
-    int plain = 0;
-    int tried = 0;
-    onRandomSegments([&](RandomSegment& random) {
-        plain += random.wild ? 0 : 1;
-        Exhaustive search(LiteralModel(random.design, *random.segment));
-        const auto want = random.wild || LDP_K <= 0 ? std::nullopt : search.shifts();
-        if (want && !search.gaveUp()) {
-            solve(random, 2);
-            EXPECT_EQ(random.places(), *want);
-            ++tried;
-        }
-    });
-    EXPECT_GT(4 * tried, plain); // where nothing fits, the search has nothing to say
+    // Where nothing fits, the search has nothing to say.
+    expectTheCheapest([](Exhaustive& search) { return LDP_K <= 0 ? std::nullopt : search.shifts(); },
+                      [](SegLegalizer& solver) { solve(solver, 2); }, /*oneIn=*/4);
 }
 
 } // namespace

@@ -11,10 +11,11 @@ namespace {
 
 using test::edgesOf;
 using test::Exhaustive;
+using test::expectAsTheModel;
+using test::expectTheCheapest;
 using test::FlatEdge;
 using test::FlatNode;
 using test::Literal;
-using test::LiteralModel;
 using test::nodesOf;
 using test::onRandomSegments;
 using test::Places;
@@ -410,29 +411,12 @@ TEST_F(SolveOSR, ReleasesItsGrid)
 
 TEST(SolveOSROnRandomSegments, PlacesAsASecondImplementationDoes)
 {
-    onRandomSegments([](RandomSegment& random) {
-        Literal model(random.design, *random.segment);
-        model.solveOSR();
-        SegLegalizer(&random.legalizer, random.segment).solveOSR();
-        EXPECT_EQ(random.places(), model.places());
-    });
+    expectAsTheModel(&Literal::solveOSR, &SegLegalizer::solveOSR);
 }
 
 TEST(SolveOSROnRandomSegments, TakesTheCheapestOfAllPlacementsAndOfEqualsTheLeftmostFromTheRight)
 {
-    int plain = 0;
-    int tried = 0;
-    onRandomSegments([&](RandomSegment& random) {
-        plain += random.wild ? 0 : 1;
-        Exhaustive search(LiteralModel(random.design, *random.segment));
-        const auto want = random.wild ? std::nullopt : search.placement();
-        if (want && !search.gaveUp()) {
-            SegLegalizer(&random.legalizer, random.segment).solveOSR();
-            EXPECT_EQ(random.places(), *want);
-            ++tried;
-        }
-    });
-    EXPECT_GT(2 * tried, plain);
+    expectTheCheapest(&Exhaustive::placement, &SegLegalizer::solveOSR);
 }
 
 } // namespace

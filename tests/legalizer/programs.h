@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <functional>
+#include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -171,6 +173,50 @@ void onRandomSegments(Test test)
         RandomSegment random(static_cast<uint32_t>(seed));
         test(random);
     }
+}
+
+/// Compares what a program does on random segments with what the literal model does.
+///
+/// @param model  called with a Literal
+/// @param solve  called with a SegLegalizer
+template <class Model, class Solve>
+void expectAsTheModel(Model model, Solve solve)
+{
+    onRandomSegments([&](RandomSegment& random) {
+        Literal literal(random.design, *random.segment);
+        std::invoke(model, literal);
+        SegLegalizer solver(&random.legalizer, random.segment);
+        std::invoke(solve, solver);
+        EXPECT_EQ(random.places(), literal.places());
+    });
+}
+
+/// Compares what a program does on random segments with the cheapest of all ways, where these are few enough
+/// to try.
+///
+/// @param search  called with an Exhaustive; gives the places, if it can tell
+/// @param solve   called with a SegLegalizer
+/// @param oneIn   of so many segments without far costs, at least one must have been tried
+template <class Search, class Solve>
+void expectTheCheapest(Search search, Solve solve, int oneIn = 2)
+{
+    int plain = 0;
+    int tried = 0;
+    onRandomSegments([&](RandomSegment& random) {
+        if (random.wild) {
+            return;
+        }
+        ++plain;
+        Exhaustive exhaustive(LiteralModel(random.design, *random.segment));
+        const std::optional<Places> want = std::invoke(search, exhaustive);
+        if (want && !exhaustive.gaveUp()) {
+            SegLegalizer solver(&random.legalizer, random.segment);
+            std::invoke(solve, solver);
+            EXPECT_EQ(random.places(), *want);
+            ++tried;
+        }
+    });
+    EXPECT_GT(oneIn * tried, plain);
 }
 
 /// Nodes in the order of their ids: id, compIdx, site, colorId and component.

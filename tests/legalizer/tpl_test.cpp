@@ -11,10 +11,11 @@ namespace {
 
 using test::edgesOf;
 using test::Exhaustive;
+using test::expectAsTheModel;
+using test::expectTheCheapest;
 using test::FlatEdge;
 using test::FlatNode;
 using test::Literal;
-using test::LiteralModel;
 using test::nodesOf;
 using test::onRandomSegments;
 using test::Places;
@@ -315,29 +316,12 @@ TEST_F(SolveTPL, ReleasesItsGraph)
 
 TEST(SolveTPLOnRandomSegments, ColoursAsASecondImplementationDoes)
 {
-    onRandomSegments([](RandomSegment& random) {
-        Literal model(random.design, *random.segment);
-        model.solveTPL();
-        SegLegalizer(&random.legalizer, random.segment).solveTPL();
-        EXPECT_EQ(random.places(), model.places());
-    });
+    expectAsTheModel(&Literal::solveTPL, &SegLegalizer::solveTPL);
 }
 
 TEST(SolveTPLOnRandomSegments, TakesTheCheapestOfAllColouringsAndOfEqualsTheHighestFromTheRight)
 {
-    int plain = 0;
-    int tried = 0;
-    onRandomSegments([&](RandomSegment& random) {
-        plain += random.wild ? 0 : 1;
-        Exhaustive search(LiteralModel(random.design, *random.segment));
-        const auto want = random.wild ? std::nullopt : search.colouring();
-        if (want && !search.gaveUp()) {
-            SegLegalizer(&random.legalizer, random.segment).solveTPL();
-            EXPECT_EQ(random.places(), *want);
-            ++tried;
-        }
-    });
-    EXPECT_GT(2 * tried, plain);
+    expectTheCheapest(&Exhaustive::colouring, &SegLegalizer::solveTPL);
 }
 
 } // namespace

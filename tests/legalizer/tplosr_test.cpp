@@ -10,10 +10,11 @@ namespace {
 
 using test::edgesOf;
 using test::Exhaustive;
+using test::expectAsTheModel;
+using test::expectTheCheapest;
 using test::FlatEdge;
 using test::FlatNode;
 using test::Literal;
-using test::LiteralModel;
 using test::nodesOf;
 using test::onRandomSegments;
 using test::Places;
@@ -403,29 +404,12 @@ TEST_F(SolveTPLOSR, ReleasesItsGrid)
 
 TEST(SolveTPLOSROnRandomSegments, SolvesAsASecondImplementationDoes)
 {
-    onRandomSegments([](RandomSegment& random) {
-        Literal model(random.design, *random.segment);
-        model.solveTPLOSR();
-        SegLegalizer(&random.legalizer, random.segment).solveTPLOSR();
-        EXPECT_EQ(random.places(), model.places());
-    });
+    expectAsTheModel(&Literal::solveTPLOSR, &SegLegalizer::solveTPLOSR);
 }
 
 TEST(SolveTPLOSROnRandomSegments, TakesTheCheapestOfAllWaysAndOfEqualsTheHighestSolutionThenTheLeftmostPlace)
 {
-    int plain = 0;
-    int tried = 0;
-    onRandomSegments([&](RandomSegment& random) {
-        plain += random.wild ? 0 : 1;
-        Exhaustive search(LiteralModel(random.design, *random.segment));
-        const auto want = random.wild ? std::nullopt : search.joint();
-        if (want && !search.gaveUp()) {
-            SegLegalizer(&random.legalizer, random.segment).solveTPLOSR();
-            EXPECT_EQ(random.places(), *want);
-            ++tried;
-        }
-    });
-    EXPECT_GT(2 * tried, plain);
+    expectTheCheapest(&Exhaustive::joint, &SegLegalizer::solveTPLOSR);
 }
 
 TEST(SolveTPLOSROnRandomSegments, WithOneSolutionPerCellPlacesAsTheOrderedProgramDoes)
