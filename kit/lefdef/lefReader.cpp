@@ -250,17 +250,7 @@ void LefReader::readSiteStatement(LefSite& site)
             site.siteClass = siteClass;
         }
     } else if (word == "SIZE") {
-        const size_t at = m_in.offset();
-        const Length width = m_in.length("width");
-        m_in.expect("BY");
-        const Length height = m_in.length("height");
-        if (width < 0 || height < 0) {
-            m_in.failAt(at, "range", "the size of " + quoted(site.name) + " is negative", "correct it");
-        }
-        if (m_in.finish()) {
-            site.width = width;
-            site.height = height;
-        }
+        m_in.size(site.name, site.width, site.height);
     } else {
         skipStatement();
     }

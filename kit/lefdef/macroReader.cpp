@@ -94,17 +94,7 @@ void MacroReader::readOrigin()
 
 void MacroReader::readSize()
 {
-    const size_t at = m_in.offset();
-    const Length width = m_in.length("width");
-    m_in.expect("BY");
-    const Length height = m_in.length("height");
-    if (width < 0 || height < 0) {
-        m_in.failAt(at, "range", "the size of " + quoted(m_macro.name) + " is negative", "correct it");
-    }
-    if (m_in.finish()) {
-        m_macro.width = width;
-        m_macro.height = height;
-    }
+    m_in.size(m_macro.name, m_macro.width, m_macro.height);
 }
 
 void MacroReader::readSymmetry()

@@ -172,6 +172,21 @@ int64_t Parser::length(const char* what)
                   [](std::string_view text) { return parseDecimal(text, LENGTH_DIGITS, LONGEST_LENGTH); });
 }
 
+void Parser::size(std::string_view of, int64_t& width, int64_t& height)
+{
+    const size_t at = offset();
+    const int64_t wide = length("width");
+    expect("BY");
+    const int64_t high = length("height");
+    if (wide < 0 || high < 0) {
+        failAt(at, "range", "the size of " + quoted(of) + " is negative", "correct it");
+    }
+    if (finish()) {
+        width = wide;
+        height = high;
+    }
+}
+
 void Parser::skipOption()
 {
     if (!m_failed) {

@@ -66,6 +66,12 @@ public:
     /// "range".
     int64_t length(const char* what);
 
+    /// Takes the rest of a statement "SIZE width BY height". Errors: as length(); "range" if one is negative.
+    ///
+    /// @param of      name of what has the size, for the texts
+    /// @param width   out: in picometres, as height; both stay as they are if the statement is not sound
+    void size(std::string_view of, int64_t& width, int64_t& height);
+
     /// Passes over the words up to the next `+`, or the end of the statement.
     void skipOption();
 

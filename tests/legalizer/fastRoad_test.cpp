@@ -15,24 +15,13 @@
 namespace {
 
 using test::CrowdedSegment;
+using test::LimitGuard;
 using test::Random;
 using test::RandomDesign;
 using test::RoadGuard;
 using test::TinyDesign;
 
 using Places = std::vector<std::array<int32_t, 4>>;
-
-/// Sets SegLegalizer::s_maxGraphSize and restores it.
-class LimitGuard {
-public:
-    explicit LimitGuard(int64_t limit) { SegLegalizer::s_maxGraphSize = limit; }
-    ~LimitGuard() { SegLegalizer::s_maxGraphSize = m_before; }
-    LimitGuard(const LimitGuard&) = delete;
-    LimitGuard& operator=(const LimitGuard&) = delete;
-
-private:
-    int64_t m_before = SegLegalizer::s_maxGraphSize;
-};
 
 /// Whether an action ends the run because a graph would be too large.
 bool needsAGraph(const std::function<void()>& action)

@@ -13,6 +13,7 @@
 
 namespace {
 
+using test::LimitGuard;
 using test::RandomDesign;
 using test::reportOf;
 using test::reportOfEndedRun;
@@ -214,18 +215,6 @@ TEST(ExternalGraphLibrary, PlacesForItDoNothing)
 }
 
 // --- the limit
-
-/// Sets SegLegalizer::s_maxGraphSize and restores it.
-class LimitGuard {
-public:
-    explicit LimitGuard(int64_t limit) { SegLegalizer::s_maxGraphSize = limit; }
-    ~LimitGuard() { SegLegalizer::s_maxGraphSize = m_before; }
-    LimitGuard(const LimitGuard&) = delete;
-    LimitGuard& operator=(const LimitGuard&) = delete;
-
-private:
-    int64_t m_before = SegLegalizer::s_maxGraphSize;
-};
 
 /// A program on a segment of 4 sites with a cell of 2 and a cell of 3 solutions.
 struct LimitCase {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <cstdint>
+
 #include "legalizer/segLegalizer.h"
 
 namespace test {
@@ -15,6 +17,18 @@ public:
 
 private:
     bool m_before = SegLegalizer::s_useGraphs;
+};
+
+/// Sets the size from which a graph ends the run, while it lives.
+class LimitGuard {
+public:
+    explicit LimitGuard(int64_t limit) { SegLegalizer::s_maxGraphSize = limit; }
+    ~LimitGuard() { SegLegalizer::s_maxGraphSize = m_before; }
+    LimitGuard(const LimitGuard&) = delete;
+    LimitGuard& operator=(const LimitGuard&) = delete;
+
+private:
+    int64_t m_before = SegLegalizer::s_maxGraphSize;
 };
 
 } // namespace test
