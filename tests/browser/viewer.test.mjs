@@ -120,6 +120,15 @@ test("a click lists the nets, whose members can be gone to", () => withGcd(async
   assert.equal(await page.evaluate(() => window.viewer.selected), name);
 }));
 
+/** A layer that is switched changes the picture, and changes it back. */
+async function expectToggles(page, id) {
+  const first = await picture(page);
+  await page.locator(`#${id}`).click();
+  assert.notEqual(await picture(page), first, id);
+  await page.locator(`#${id}`).click();
+  assert.equal(await picture(page), first, id);
+}
+
 test("every layer that there is something of changes the picture", () => withGcd(async (page) => {
   const [x, y] = await page.evaluate((name) => window.viewer.pixelsOf(name), CELL);
   await page.mouse.move(x, y);
@@ -127,15 +136,24 @@ test("every layer that there is something of changes the picture", () => withGcd
   assert.ok(boxes.length >= 13, boxes.join());
   for (const id of boxes) {
     if (["layer-conflicts", "layer-metal", "layer-names"].includes(id)) {
-      continue; // nothing of it in the whole view of gcd
+      continue; // nothing of it in the whole view of gcd: see below
     }
-    const first = await picture(page);
-    await page.locator(`#${id}`).click();
-    assert.notEqual(await picture(page), first, id);
-    await page.locator(`#${id}`).click();
-    assert.equal(await picture(page), first, id);
+    await expectToggles(page, id);
   }
 }));
+
+test("names are a layer where cells are large", () => withGcd(async (page) => {
+  await page.evaluate(() => { window.viewer.view.scale *= 6; window.viewer.draw(); });
+  await expectToggles(page, "layer-names");
+}));
+
+test("conflicts are a layer", async () => {
+  const {page, seen} = await open(generatedPage(20000));
+  assert.notEqual(await page.locator("label:has(#layer-conflicts) .count").textContent(), "0");
+  await expectToggles(page, "layer-conflicts");
+  assert.deepEqual(seen.errors, []);
+  await page.close();
+});
 
 test("before and after are two pictures", () => withGcd(async (page) => {
   const result = await picture(page);
@@ -162,6 +180,7 @@ test("without colours metal is one layer", async () => {
   const {page, seen} = await open(plainPage());
   assert.equal(await page.locator("#layer-mask0").count(), 0);
   assert.equal(await page.locator("#layer-metal").count(), 1);
+  await expectToggles(page, "layer-metal");
   assert.ok(await page.locator("#times").isHidden());
   assert.deepEqual(seen.errors, []);
   await page.close();
