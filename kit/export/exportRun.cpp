@@ -176,7 +176,7 @@ private:
                                             file);
         if (leftOut > 0) {
             note("no-outline",
-                 counted(leftOut, "component") + " that stay where they are, are not in the layout",
+                 "the layout lacks " + counted(leftOut, "component") + ", as no outline is known",
                  "give their macros with --lef");
         }
         m_outputs.add(layerPropertiesOf(m_options.gds), "layer properties") << layerPropertiesText();

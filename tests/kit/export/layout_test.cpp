@@ -90,7 +90,7 @@ TEST(KitLayout, ComponentsThatStayHaveTheMetalOfTheLibrary)
     files.colors = "a INV 1 0 0 0 1 2\n";
     const KitOutcome outcome =
         files.run({"--gds", files.path("new.gds"), "--lef", files.path("lef"), "--layer", "M1"});
-    EXPECT_NE(outcome.error.find("in.def: note: 1 component that stay where they are, are not in the layout"),
+    EXPECT_NE(outcome.error.find("in.def: note: the layout lacks 1 component, as no outline is known"),
               std::string::npos)
         << outcome.error;
     const GdsLibrary library = readGds(files.output("new.gds"));
