@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdlib>
 #include <limits>
 
@@ -501,6 +502,23 @@ TEST_F(SolveDPlace, DensitiesAndMarksAreTakenAnewInEveryPass)
     EXPECT_EQ(target->components, (std::list<Component*>{c, b, there}));
     EXPECT_EQ(tiny.legalizer.segDensity, (std::vector<float>{1.0F / 4.0F, 5.0F / 50.0F}));
     EXPECT_EQ(tiny.legalizer.segDone, std::vector<bool>(2, true));
+}
+
+TEST_F(SolveDPlace, TellsHowFarItHasComeAfterEverySegment)
+{
+    Component* left = nullptr;
+    Component* right = nullptr;
+    addOverfull(0, SITE_HEIGHT, &left, &right);
+    draw(right, 0, 2 * SITE_HEIGHT);
+    tiny.addComponent(tiny.addSegment(0, 2 * SITE_HEIGHT, 50), plain, 30);
+    std::vector<std::array<int32_t, 5>> told;
+    tiny.legalizer.onProgress = [&told](const vireloce::Progress& progress) {
+        told.push_back({progress.pass, progress.segmentsDone, progress.numSegments, progress.overfull,
+                        progress.movedOut});
+    };
+    solve();
+    EXPECT_EQ(told, (std::vector<std::array<int32_t, 5>>{
+                        {1, 1, 2, 1, 1}, {1, 2, 2, 1, 1}, {2, 1, 2, 0, 0}, {2, 2, 2, 0, 0}}));
 }
 
 TEST_F(SolveDPlace, SecondStepFollowsAMoveWithEveryMethod)
