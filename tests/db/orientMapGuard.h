@@ -5,19 +5,14 @@
 #include <string>
 
 #include "db/component.h"
+#include "support/restorer.h"
 
 namespace test {
 
 /// Restores the orientations known to the process.
-class OrientMapGuard {
+class OrientMapGuard : Restorer<std::map<std::string, Component::Orient_e>> {
 public:
-    OrientMapGuard() = default;
-    ~OrientMapGuard() { Component::s_orientMap = m_before; }
-    OrientMapGuard(const OrientMapGuard&) = delete;
-    OrientMapGuard& operator=(const OrientMapGuard&) = delete;
-
-private:
-    std::map<std::string, Component::Orient_e> m_before = Component::s_orientMap;
+    OrientMapGuard() : Restorer(Component::s_orientMap) {}
 };
 
 } // namespace test

@@ -4,31 +4,20 @@
 #include <cstdint>
 
 #include "legalizer/segLegalizer.h"
+#include "support/restorer.h"
 
 namespace test {
 
 /// Chooses the road of the segment solver while it lives.
-class RoadGuard {
+class RoadGuard : Restorer<bool> {
 public:
-    explicit RoadGuard(bool graphs) { SegLegalizer::s_useGraphs = graphs; }
-    ~RoadGuard() { SegLegalizer::s_useGraphs = m_before; }
-    RoadGuard(const RoadGuard&) = delete;
-    RoadGuard& operator=(const RoadGuard&) = delete;
-
-private:
-    bool m_before = SegLegalizer::s_useGraphs;
+    explicit RoadGuard(bool graphs) : Restorer(SegLegalizer::s_useGraphs, graphs) {}
 };
 
 /// Sets the size from which a graph ends the run, while it lives.
-class LimitGuard {
+class LimitGuard : Restorer<int64_t> {
 public:
-    explicit LimitGuard(int64_t limit) { SegLegalizer::s_maxGraphSize = limit; }
-    ~LimitGuard() { SegLegalizer::s_maxGraphSize = m_before; }
-    LimitGuard(const LimitGuard&) = delete;
-    LimitGuard& operator=(const LimitGuard&) = delete;
-
-private:
-    int64_t m_before = SegLegalizer::s_maxGraphSize;
+    explicit LimitGuard(int64_t limit) : Restorer(SegLegalizer::s_maxGraphSize, limit) {}
 };
 
 } // namespace test

@@ -8,6 +8,7 @@
 
 #include "lut/cells.h"
 #include "lut/library.h"
+#include "support/restorer.h"
 
 namespace {
 
@@ -16,6 +17,7 @@ using test::Library;
 using test::makeCell;
 using test::MaskList;
 using test::reportOf;
+using test::Restorer;
 using test::ShapeList;
 
 using Block = std::vector<std::vector<int32_t>>;
@@ -177,35 +179,24 @@ TEST_F(GenLUTable, EveryEntryIsTheSafeDistanceOfItsPairInSites)
     EXPECT_GT(conflicts, 20);
 }
 
-/// Sets the largest size of a table and restores it.
-class MaxTableSize {
-public:
-    explicit MaxTableSize(int64_t size) { LUTable::s_maxTableSize = size; }
-    ~MaxTableSize() { LUTable::s_maxTableSize = m_before; }
-    MaxTableSize(const MaxTableSize&) = delete;
-    MaxTableSize& operator=(const MaxTableSize&) = delete;
-
-private:
-    int64_t m_before = LUTable::s_maxTableSize;
-};
-
 TEST_F(GenLUTable, TableThatWouldBeTooLargeEndsTheRun)
 {
     addBar(50, 50, {{0}, {1}});
     addBar(50, 50, {{0}, {1}, {2}});
     addBar(50, 50, {});
     {
-        const MaxTableSize exactly(256); // 3 cells and 5 solutions, each mirrored too: 16 times 16
+        const Restorer exactly(LUTable::s_maxTableSize,
+                               256); // 3 cells and 5 solutions, each mirrored too: 16 times 16
         EXPECT_EQ(reportOf([this] { lut.genLUTable(); }), "STAT | LUTable item #           = 100\n");
     }
-    const MaxTableSize oneLess(255);
+    const Restorer oneLess(LUTable::s_maxTableSize, 255);
     EXPECT_EQ(test::reportOfEndedRun([this] { lut.genLUTable(); }),
               "ERROR| the library is too large for a spacing table: 3 cells with 5 colour solutions\n");
 }
 
 TEST_F(GenLUTable, EmptyLibraryIsNeverTooLarge)
 {
-    const MaxTableSize none(0);
+    const Restorer none(LUTable::s_maxTableSize, 0);
     EXPECT_EQ(reportOf([this] { lut.genLUTable(); }), "STAT | LUTable item #           = 0\n");
 }
 

@@ -13,6 +13,7 @@
 #include "mutation/inputs.h"
 #include "mutation/verdict.h"
 #include "support/guards.h"
+#include "support/restorer.h"
 
 namespace {
 
@@ -114,21 +115,9 @@ TEST_F(Robustness, RunningOutOfMemoryIsAnError)
     EXPECT_EQ(run({"-algo", "0"}, int64_t{200} << 20U).what, "out of memory");
 }
 
-/// Puts the most that a spacing table may hold back in place.
-class TableSizeGuard {
-public:
-    TableSizeGuard() = default;
-    ~TableSizeGuard() { LUTable::s_maxTableSize = m_before; }
-    TableSizeGuard(const TableSizeGuard&) = delete;
-    TableSizeGuard& operator=(const TableSizeGuard&) = delete;
-
-private:
-    int64_t m_before = LUTable::s_maxTableSize;
-};
-
 TEST(LUTable, ALibraryTooLargeForATableEndsTheRunBeforeTheTableIsBuilt)
 {
-    const TableSizeGuard guard;
+    const test::Restorer guard(LUTable::s_maxTableSize);
     test::Library library;
     library.addFile("A", "190 1900  0  0  3  0 1 2");
     // Two cells of three solutions, each unflipped and flipped: a side of 2 * (2 + 6).
