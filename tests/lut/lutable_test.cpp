@@ -185,8 +185,8 @@ TEST_F(GenLUTable, TableThatWouldBeTooLargeEndsTheRun)
     addBar(50, 50, {{0}, {1}, {2}});
     addBar(50, 50, {});
     {
-        const Restorer exactly(LUTable::s_maxTableSize,
-                               256); // 3 cells and 5 solutions, each mirrored too: 16 times 16
+        // 3 cells and 5 solutions, each mirrored too: 16 times 16.
+        const Restorer exactly(LUTable::s_maxTableSize, 256);
         EXPECT_EQ(reportOf([this] { lut.genLUTable(); }), "STAT | LUTable item #           = 100\n");
     }
     const Restorer oneLess(LUTable::s_maxTableSize, 255);

@@ -58,6 +58,27 @@ TEST_F(KitImportCells, TrueOrientationsComeBackFromRowsAndMap)
     EXPECT_TRUE(findings.empty());
 }
 
+TEST_F(KitImportCells, TrueOrientationOfACellOnNoRowIsWhatTheFileSays)
+{
+    import(components({"a A + PLACED ( 1400 2000 ) FS"}));
+    kit::input::Findings findings;
+    kit::input::Design design;
+    kit::input::readPlacement(base() + ".place", design, findings);
+    const kit::input::Component onRow = design.components[0];
+    design.components.assign(4, onRow);
+    const kit::input::Row row = design.rows[1];
+    ASSERT_EQ(row.y, onRow.y);
+    design.components[1].x = row.x - 1;
+    design.components[2].x = row.x + row.numSites * row.step;
+    design.components[3].y += 1;
+    kit::lefdef::restoreOrientations(base() + ".place", design, findings);
+    Words orients;
+    for (const auto& comp : design.components) {
+        orients.push_back(comp.orient);
+    }
+    EXPECT_EQ(orients, (Words{"FS", "N", "N", "N"}));
+}
+
 TEST_F(KitImportCells, FillersAreLeftOut)
 {
     importWell(components({"f FILL + PLACED ( 1000 0 ) N", "a A + PLACED ( 1400 0 ) N"}));

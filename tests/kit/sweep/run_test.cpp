@@ -14,6 +14,7 @@
 
 #include "kit/fault.h"
 #include "kit/process/childProcess.h"
+#include "kit/sweep/folder.h"
 #include "kit/sweep/sweepCase.h"
 
 namespace {
@@ -267,7 +268,7 @@ TEST_F(KitSweepRun, RunOfADeadProcessNeedsResumeAndIsTakenOver)
     ++dead.start; // its id was given to another since
     test::writeFile(dir() + "/claims/" + id + ".0", claimText(dead));
     test::writeFile(dir() + "/claims/." + dead.name(), claimText(dead));
-    test::writeFile(dir() + "/work" + "/" + id + "." + dead.name() + "/placed/half", "half");
+    test::writeFile(kit::sweep::Folder(dir()).work() + "/" + id + "." + dead.name() + "/placed/half", "half");
     EXPECT_NE(faultOf(options(program("placed"))).find("--resume"), std::string::npos);
     EXPECT_EQ(resume("placed"), 0);
     EXPECT_EQ(results().size(), 2U);
