@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // What a placement measures: wirelength, stitches, conflicts, and the final report of them.
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <limits>
 
@@ -91,8 +92,10 @@ void Design::evaluation()
     finalHPWL = evaluateHPWL();
     vireloce::report() << "STAT | final HPWL               = " << finalHPWL << '\n';
     const int64_t increase = finalHPWL - initHPWL;
+    const double percent = static_cast<double>(increase) * 100.0 / static_cast<double>(initHPWL);
+    // Required: 0 of 0 prints as "-nan". Processors differ in the sign they give it; that of x86 is kept.
     vireloce::reportf("STAT | HPWL increases           = %ld(%.3f%%)\n", static_cast<long>(increase),
-                      static_cast<double>(increase) * 100.0 / static_cast<double>(initHPWL));
+                      std::isnan(percent) ? std::copysign(percent, -1.0) : percent);
     const int stitches = evaluateStitchNum();
     const int conflicts = evaluateConflictNum();
     vireloce::report() << "STAT | final stitch   #         = " << stitches << '\n'
