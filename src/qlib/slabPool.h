@@ -7,12 +7,6 @@
 
 #include "qlib/largeBlock.h"
 
-#if defined(__has_feature)
-#define VIRELOCE_HAS_FEATURE(feature) __has_feature(feature)
-#else
-#define VIRELOCE_HAS_FEATURE(feature) 0
-#endif
-
 namespace vireloce {
 
 /// Memory for records of one type, of which a large design has millions.
@@ -24,6 +18,15 @@ namespace vireloce {
 template <class T>
 class SlabPool {
 public:
+    /// Whether the address sanitizer watches.
+#if defined(__clang__)
+    static constexpr bool IS_WATCHED = __has_feature(address_sanitizer);
+#elif defined(__SANITIZE_ADDRESS__)
+    static constexpr bool IS_WATCHED = true;
+#else
+    static constexpr bool IS_WATCHED = false;
+#endif
+
     /// Memory for a T.
     ///
     /// Errors: std::bad_alloc.
@@ -61,12 +64,6 @@ public:
     }
 
 private:
-#if defined(__SANITIZE_ADDRESS__) || VIRELOCE_HAS_FEATURE(address_sanitizer)
-    static constexpr bool IS_WATCHED = true;
-#else
-    static constexpr bool IS_WATCHED = false;
-#endif
-
     static constexpr size_t FIRST_SIZE = 65536;    ///< bytes of the first slab
     static constexpr size_t SIZE = 2 * LARGE_PAGE; ///< bytes of the others
 
