@@ -18,6 +18,7 @@ struct FacingRect {
     int32_t yl;   ///< bottom, DBU
     int32_t yh;   ///< top, DBU
 
+    /// Whether distance and both ends are equal.
     bool operator==(const FacingRect&) const = default;
 };
 
@@ -26,6 +27,7 @@ struct FacingShape {
     int32_t mask;                  ///< 0, 1 or 2, and no rail
     std::vector<FacingRect> rects; ///< those near the edge, in the order of the shape
 
+    /// Whether masks are equal and rectangles are, in the same order.
     bool operator==(const FacingShape&) const = default;
 };
 
@@ -34,6 +36,8 @@ using Facing = std::vector<FacingShape>;
 
 /// An edge of a cell, the left or the right one, which faces a neighbour.
 struct Edge {
+    /// Collects what the edge of a cell shows.
+    ///
     /// @param cell    read here only
     /// @param isLeft  whether it is the left edge of the cell as it is drawn
     Edge(const Cell& cell, bool isLeft);

@@ -12,8 +12,11 @@
 /// The cell library. It owns its cells; their rectangles live until the process ends.
 class LUTable {
 public:
+    /// A library without cells.
     LUTable() = default;
+    /// Deletes the cells.
     ~LUTable();
+    /// Not copied: it owns its cells.
     LUTable(const LUTable&) = delete;
     LUTable& operator=(const LUTable&) = delete;
 

@@ -14,6 +14,7 @@ class WordReader;
 /// Reads the nets into the design and links them to their components and pins.
 class NetParser {
 public:
+    /// A reader into a design, which outlives it.
     explicit NetParser(Design* owner) : design(owner) {}
 
     /// Reads base + ".netlist": a count, then a degree and as many member names per net, between white space.

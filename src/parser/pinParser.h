@@ -8,6 +8,7 @@ class Design;
 /// Reads the fixed pins into the design.
 class PinParser {
 public:
+    /// A reader into a design, which outlives it.
     explicit PinParser(Design* owner) : design(owner) {}
 
     /// Reads base + ".pins": a count, then a name, an x and a y (DBU) per pin, between white space.

@@ -25,6 +25,7 @@ public:
         OTHER_STMT = 4,      ///< anything else, skipped
     };
 
+    /// A reader into a design, which outlives it.
     explicit PlaceParser(Design* owner) : design(owner) {}
 
     /// Reads base + ".place". The cell library must have been read before.
@@ -62,7 +63,9 @@ private:
     /// Reads the second line of a record, which holds nothing of interest.
     void skipSecondLine(const char* section);
 
+    /// Reads the row on the line in work. Errors: as run().
     void processRow();
+    /// Sets compNum and reads as many components, or those before the first filler. Errors: as run().
     void processComponents();
 
     /// Reads the two lines of a component record.
@@ -71,7 +74,9 @@ private:
     ///         second line is then still to be read
     std::unique_ptr<Component> readComponent();
 
+    /// Sets macroNum and reads as many macros. Errors: as run().
     void processMacros();
+    /// Skips a line and reads the design bound from the next four, in micrometres. Errors: as run().
     void processCoreBox();
 
     static constexpr int LINE_SIZE = 256; ///< 255 characters and the null character

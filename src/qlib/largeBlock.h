@@ -29,15 +29,20 @@ template <class T>
 struct BlockAllocator {
     using value_type = T;
 
+    /// All are alike: none has a state.
     BlockAllocator() = default;
+    /// That of another type, as containers make them for their own records.
     template <class U>
     explicit BlockAllocator(const BlockAllocator<U>& /*other*/)
     {
     }
 
+    /// Memory for some elements. Errors: std::bad_alloc.
     T* allocate(size_t count) { return static_cast<T*>(takeBlock(count * sizeof(T))); }
+    /// Gives it back; the count is the one that was given to allocate().
     void deallocate(T* elements, size_t count) { giveBlockBack(elements, count * sizeof(T)); }
 
+    /// True: what one has taken, any other may give back.
     bool operator==(const BlockAllocator& /*other*/) const { return true; }
 };
 

@@ -12,6 +12,7 @@ struct qBox {
     int32_t yh = 0;  ///< top
     int32_t id = -1; ///< free for the user
 
+    /// The point at the origin.
     qBox() = default;
 
     /// The rectangle between two opposite corners, given in any order.
@@ -28,6 +29,7 @@ struct qBox {
     }
 
 private:
+    /// Swaps sides that are in the wrong order.
     void order()
     {
         if (xl > xh) {

@@ -50,6 +50,7 @@ public:
         int32_t level = -1; ///< height above the leaves; -1 until the node has its place
         Branch branch[MaxNodes];
 
+        /// Whether its branches hold nodes, not items.
         bool isInternal() const { return level > 0; }
     };
 
@@ -71,6 +72,7 @@ public:
     /// An empty tree.
     RTree() : root(allocateNode(0)) {}
 
+    /// Not copied: each tree frees its nodes.
     RTree(const RTree&) = delete;
     RTree& operator=(const RTree&) = delete;
 
@@ -251,6 +253,7 @@ public:
     ElemTypeReal unitSphereVolume = 3.141593F;
 
 private:
+    /// A new node without branches at a level, owned by the caller.
     static Node* allocateNode(int32_t level)
     {
         Node* const node = new Node;
@@ -258,6 +261,7 @@ private:
         return node;
     }
 
+    /// Whether two rectangles share a point, be it on their edges.
     static bool overlap(const Rect& a, const Rect& b)
     {
         for (int dim = 0; dim < NumDims; ++dim) {
@@ -268,6 +272,7 @@ private:
         return true;
     }
 
+    /// The smallest rectangle around two.
     static Rect combine(const Rect& a, const Rect& b)
     {
         Rect both;
@@ -320,6 +325,9 @@ private:
         return best;
     }
 
+    /// Adds a branch to a node.
+    ///
+    /// @param newNode  out: the second half of the node, if it was split
     /// @return true if the node was full and was split
     bool addBranch(Branch* branch, Node* node, Node** newNode)
     {
@@ -331,6 +339,7 @@ private:
         return true;
     }
 
+    /// As addBranch(), for a node and its bounds.
     bool addChild(Node* node, Node* child, Node** newNode)
     {
         Branch branch;
@@ -339,6 +348,7 @@ private:
         return addBranch(&branch, node, newNode);
     }
 
+    /// Puts a branch into a group, 0 or 1, and extends the bounds of the group.
     void classify(PartitionVars* vars, int32_t index, int32_t group)
     {
         vars->partition[index] = group;

@@ -77,9 +77,11 @@ private:
         Slab* next;
         size_t bytes; ///< of the slab
 
+        /// The first place; the others follow without gaps.
         unsigned char* places() { return reinterpret_cast<unsigned char*>(this + 1); }
     };
 
+    /// Takes one more slab, whose places become the fresh ones. Errors: std::bad_alloc.
     static void addSlab()
     {
         const size_t bytes = s_slabs == nullptr ? FIRST_SIZE : SIZE;
@@ -88,6 +90,7 @@ private:
         s_freshEnd = s_fresh + (bytes - sizeof(Slab)) / sizeof(T) * sizeof(T);
     }
 
+    /// Gives all slabs back. No record may be left.
     static void freeSlabs()
     {
         while (s_slabs != nullptr) {
