@@ -9,7 +9,9 @@ namespace vireloce {
 /// one in the process must not see that.
 class ParameterScope {
 public:
+    /// Notes all parameters.
     ParameterScope() = default;
+    /// Puts them back.
     ~ParameterScope()
     {
         SITE_WIDTH = m_siteWidth;
@@ -19,6 +21,7 @@ public:
         LDP_M = m_range;
         LDP_K = m_solutions;
     }
+    /// Not copied: one puts them back.
     ParameterScope(const ParameterScope&) = delete;
     ParameterScope& operator=(const ParameterScope&) = delete;
 

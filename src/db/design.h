@@ -27,8 +27,11 @@
 /// Legalizer::solveDPlace(), measured by evaluation().
 class Design {
 public:
+    /// An empty design with the default paths; enters "N" and "FN" into Component::s_orientMap.
     Design();
+    /// Deletes all records but the macros.
     ~Design();
+    /// Not copied: it owns its records.
     Design(const Design&) = delete;
     Design& operator=(const Design&) = delete;
 
