@@ -7,6 +7,9 @@ if(VIRELOCE_KIT)
 endif()
 install(TARGETS vireloce_core EXPORT vireloceTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vireloce FILES_MATCHING PATTERN "*.h")
+# Installed headers include each other as their users do, so that short paths such as "db/pin.h" stay the users' own.
+install(CODE "set(include_dir \"${CMAKE_INSTALL_INCLUDEDIR}\")")
+install(SCRIPT cmake/qualifyIncludes.cmake)
 install(FILES docs/vireloce.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
 

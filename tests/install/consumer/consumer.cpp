@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "app/driver.h"
-#include "db/design.h"
-#include "qlib/report.h"
+#include "vireloce/app/driver.h"
+#include "vireloce/db/design.h"
+#include "vireloce/qlib/report.h"
 
 namespace {
 
