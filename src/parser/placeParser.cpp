@@ -15,43 +15,43 @@ namespace {
 
 constexpr double DBU_PER_MICROMETRE = 2000.0;
 
+/// Ends a token with a null character, in place of the space behind it.
+///
+/// @return where the rest of the line begins
+char* cutToken(char* token)
+{
+    char* const end = token + std::strcspn(token, " ");
+    if (*end == '\0') {
+        return end;
+    }
+    *end = '\0';
+    return end + 1;
+}
+
 /// The tokens of a line, taken from the left, with spaces between them.
 class Tokens {
 public:
     /// @param path    the file, for messages
     /// @param line    the line's number, for messages
     /// @param record  what the line holds, for messages
-    /// @param text    the line; its tokens are cut in place
-    Tokens(const std::string& path, int64_t line, const char* record, char* text)
-        : m_path(path), m_line(line), m_record(record), m_rest(text)
+    /// @param text    the line from the first token on that is not taken; its tokens are cut in place
+    /// @param taken   tokens taken before, for messages
+    Tokens(const std::string& path, int64_t line, const char* record, char* text, int taken = 0)
+        : m_path(path), m_line(line), m_record(record), m_rest(text), m_taken(taken)
     {
-    }
-
-    /// The rest of the statement whose first token strtok has cut.
-    Tokens(const std::string& path, int64_t line, const char* record)
-        : Tokens(path, line, record, std::strtok(nullptr, ""))
-    {
-        m_taken = 1;
     }
 
     /// The next token. Ends the run if there is none.
     const char* next()
     {
-        while (m_rest != nullptr && *m_rest == ' ') {
-            ++m_rest;
-        }
-        if (m_rest == nullptr || *m_rest == '\0') {
+        m_rest += std::strspn(m_rest, " ");
+        if (*m_rest == '\0') {
             vireloce::endRunAt(m_path, m_line,
                                std::string(m_record) + " ends after " + std::to_string(m_taken) + " tokens");
         }
         ++m_taken;
         const char* const token = m_rest;
-        while (*m_rest != ' ' && *m_rest != '\0') {
-            ++m_rest;
-        }
-        if (*m_rest != '\0') {
-            *m_rest++ = '\0';
-        }
+        m_rest = cutToken(m_rest);
         return token;
     }
 
@@ -77,8 +77,8 @@ private:
     const std::string& m_path;
     int64_t m_line;
     const char* m_record;
-    char* m_rest;    ///< behind the tokens taken; nullptr: nothing is left
-    int m_taken = 0; ///< tokens taken
+    char* m_rest; ///< behind the tokens taken
+    int m_taken;  ///< tokens taken
 };
 
 } // namespace
@@ -139,7 +139,7 @@ void PlaceParser::skipSecondLine(const char* section)
 void PlaceParser::setStatement(char* line)
 {
     statement = line;
-    std::strtok(line, " ");
+    m_rest = cutToken(line + std::strspn(line, " "));
     // The comparison is with the start of the line, not with the token: an indented keyword is none.
     if (std::strcmp(line, "ROW") == 0) {
         statementType = ROW_STMT;
@@ -176,7 +176,7 @@ void PlaceParser::processStmt()
 
 void PlaceParser::processRow()
 {
-    Tokens tokens(m_path, m_line, "ROW");
+    Tokens tokens(m_path, m_line, "ROW", m_rest, 1);
     Row row;
     row.name = tokens.next();
     row.siteName = tokens.next();
@@ -191,7 +191,7 @@ void PlaceParser::processRow()
 
 void PlaceParser::processComponents()
 {
-    compNum = Tokens(m_path, m_line, "COMPONENTS").nextInt();
+    compNum = Tokens(m_path, m_line, "COMPONENTS", m_rest, 1).nextInt();
     const size_t first = design->components.size();
     vireloce::NameTable cellTable(design->lut.cellIndex.size());
     cellTable.insertAll(design->lut.cellIndex);
@@ -228,7 +228,7 @@ std::unique_ptr<Component> PlaceParser::readComponent()
 
 void PlaceParser::processMacros()
 {
-    macroNum = Tokens(m_path, m_line, "BIGNODES").nextInt();
+    macroNum = Tokens(m_path, m_line, "BIGNODES", m_rest, 1).nextInt();
     char line[LINE_SIZE];
     for (int32_t i = 0; i < macroNum; ++i) {
         readSectionLine(line, "BIGNODES");

@@ -82,6 +82,7 @@ private:
     static constexpr int LINE_SIZE = 256; ///< 255 characters and the null character
 
     char m_buffer[LINE_SIZE] = {}; ///< the line that run() is at
+    char* m_rest = m_buffer;       ///< of the statement, behind its first token
     std::string m_path;            ///< of the file, as opened
     int64_t m_line = 0;            ///< number of the line read last, from 1
     bool m_overlong = false;       ///< a line of over 255 characters has ended the reading

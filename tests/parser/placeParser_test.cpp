@@ -587,7 +587,19 @@ TEST(PlaceParser, StatementIsCutBehindItsFirstTokenOnly)
     char line[] = "COMPONENTS 3 ;";
     design.placeParser.setStatement(line);
     EXPECT_STREQ(line, "COMPONENTS");
-    EXPECT_STREQ(std::strtok(nullptr, " "), "3");
+    EXPECT_STREQ(line + sizeof "COMPONENTS", "3 ;");
+}
+
+TEST(PlaceParser, RestOfAStatementIsItsOwnWhateverElseIsTokenised)
+{
+    Design design;
+    char line[] = "ROW r s 5 6 N D 7 B 1 S 8";
+    design.placeParser.setStatement(line);
+    char other[] = "some other text";
+    std::strtok(other, " ");
+    design.placeParser.processStmt();
+    ASSERT_EQ(design.rows.size(), 1U);
+    EXPECT_EQ(design.rows[0]->step, 8);
 }
 
 TEST(PlaceParser, ProcessedStatementContinuesWithTheRestOfItsLine)
