@@ -4,11 +4,10 @@
 #include <algorithm>
 #include <limits>
 
-#include "app/parameters.h"
 #include "qlib/exact.h"
 
-Cell::Cell(int32_t cellWidth, int32_t cellHeight)
-    : width(cellWidth), height(cellHeight), siteWidth(vireloce::ceilSites(cellWidth, SITE_WIDTH)),
+Cell::Cell(int32_t cellWidth, int32_t cellHeight, int32_t widthOfSite)
+    : width(cellWidth), height(cellHeight), siteWidth(vireloce::ceilSites(cellWidth, widthOfSite)),
       outlineYl(std::numeric_limits<int32_t>::max()), outlineYh(std::numeric_limits<int32_t>::min()),
       outlineXl(std::numeric_limits<int32_t>::max()), outlineXh(std::numeric_limits<int32_t>::min())
 {

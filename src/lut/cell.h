@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "app/parameters.h"
 #include "qlib/qBox.h"
 
 /// Site width of the coordinates that the library is written in, DBU, whatever the design's is.
@@ -13,11 +14,12 @@ inline constexpr int32_t LIBRARY_SITE_WIDTH = 190;
 /// A library cell: its size, its metal-1 shapes and its precomputed colour solutions.
 class Cell {
 public:
-    /// An unnamed cell without shapes; its width in sites follows from SITE_WIDTH as it is now.
+    /// An unnamed cell without shapes.
     ///
-    /// @param cellWidth   DBU
-    /// @param cellHeight  DBU
-    Cell(int32_t cellWidth, int32_t cellHeight);
+    /// @param cellWidth    DBU
+    /// @param cellHeight   DBU
+    /// @param widthOfSite  DBU; its width in sites follows from it
+    Cell(int32_t cellWidth, int32_t cellHeight, int32_t widthOfSite = SITE_WIDTH);
 
     /// Moves the geometry so that the shapes' lower-left extent becomes the origin, and sets the box to the
     /// cell's outline.
@@ -51,7 +53,7 @@ public:
     int32_t id = 0;                           ///< index in LUTable::cells
     int32_t width;                            ///< DBU; library coordinates until Design::resizeCell()
     int32_t height;                           ///< DBU; library coordinates until Design::resizeCell()
-    int32_t siteWidth;                        ///< width in sites of the SITE_WIDTH at the time of reading
+    int32_t siteWidth;                        ///< width in sites of the -siteW option
     std::string name;                         ///< name of the cell
     int32_t outlineYl;                        ///< bottom of the box, library coordinates
     int32_t outlineYh;                        ///< top of the box

@@ -71,17 +71,19 @@ std::vector<qBox*> readBoxes(ColorFile& file, const char* what)
 }
 
 /// Reads the size of a cell and makes the cell.
-std::unique_ptr<Cell> readSize(ColorFile& file)
+///
+/// @param siteWidth  DBU
+std::unique_ptr<Cell> readSize(ColorFile& file, int32_t siteWidth)
 {
     const int32_t width = file.number("cell width");
     const int32_t height = file.number("cell height");
-    if (SITE_WIDTH == 0) {
+    if (siteWidth == 0) {
         vireloce::endRun("ERROR| the site width is 0: -siteW must be positive");
     }
-    auto cell = std::make_unique<Cell>(width, height);
+    auto cell = std::make_unique<Cell>(width, height, siteWidth);
     if (width < 0 || cell->siteWidth < 0) {
         file.fail("the cell is " + std::to_string(width) + " wide, " + std::to_string(cell->siteWidth) +
-                  " sites of " + std::to_string(SITE_WIDTH));
+                  " sites of " + std::to_string(siteWidth));
     }
     return cell;
 }
@@ -140,7 +142,7 @@ void LUTable::readCell(std::string name)
         vireloce::endRun("ERROR| cannot open file " + path);
     }
     ColorFile file(in);
-    std::unique_ptr<Cell> cell = readSize(file);
+    std::unique_ptr<Cell> cell = readSize(file, SITE_WIDTH);
     cell->id = static_cast<int32_t>(cells.size());
     cell->name = name;
     cell->headerBoxes = readBoxes(file, "number of header boxes");

@@ -2,6 +2,7 @@
 // The spacing table: how far two cells must stand apart for every pair of colour solutions.
 #include <algorithm>
 
+#include "app/parameters.h"
 #include "lut/facing.h"
 #include "lut/lutable.h"
 #include "qlib/report.h"
@@ -9,12 +10,12 @@
 namespace {
 
 /// The edges of all cells on one side.
-std::vector<vireloce::Edge> edgesOf(const std::vector<Cell*>& cells, bool isLeft)
+std::vector<vireloce::Edge> edgesOf(const std::vector<Cell*>& cells, bool isLeft, int32_t minDist)
 {
     std::vector<vireloce::Edge> edges;
     edges.reserve(cells.size());
     for (const Cell* cell : cells) {
-        edges.emplace_back(*cell, isLeft);
+        edges.emplace_back(*cell, isLeft, minDist);
     }
     return edges;
 }
@@ -42,8 +43,9 @@ void LUTable::genLUTable()
     requireTableSize();
     const size_t n = cells.size();
     const auto cellOfType = [this, n](size_t type) { return cells[type < n ? type : type - n]; };
-    const std::vector<vireloce::Edge> leftEdges = edgesOf(cells, /*isLeft=*/true);
-    const std::vector<vireloce::Edge> rightEdges = edgesOf(cells, /*isLeft=*/false);
+    const int32_t minDist = MINDPLDIST;
+    const std::vector<vireloce::Edge> leftEdges = edgesOf(cells, /*isLeft=*/true, minDist);
+    const std::vector<vireloce::Edge> rightEdges = edgesOf(cells, /*isLeft=*/false, minDist);
     distTable.clear();
     distTable.resize(2 * n);
     for (size_t i = 0; i < 2 * n; ++i) {
@@ -53,7 +55,7 @@ void LUTable::genLUTable()
             const vireloce::Edge& right = j < n ? leftEdges[j] : rightEdges[j - n];
             // Rectangles that overlap are warned of once for every pair of solutions, in their order.
             distTable[i].push_back(left.isClear(right)
-                                       ? blockOf(left, right)
+                                       ? blockOf(left, right, minDist)
                                        : genLUTable(cellOfType(i), i >= n, cellOfType(j), j >= n));
         }
     }

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <limits>
 
-#include "app/parameters.h"
 #include "lut/gapSpacing.h"
 #include "qlib/exact.h"
 
@@ -21,7 +20,7 @@ bool isFar(int32_t dist)
 }
 
 /// What an edge of a cell shows in a solution.
-Facing facingOf(const Cell& cell, bool isLeft, size_t solution)
+Facing facingOf(const Cell& cell, bool isLeft, size_t solution, int32_t minDist)
 {
     Facing facing;
     for (size_t k = 0; k < cell.shapes.size(); ++k) {
@@ -31,7 +30,7 @@ Facing facingOf(const Cell& cell, bool isLeft, size_t solution)
         FacingShape shape{cell.colors[solution][k], {}};
         for (const qBox* box : cell.shapes[k]) {
             const int32_t dist = isLeft ? box->xl : cell.outlineXh - box->xh;
-            if (dist < MINDPLDIST) {
+            if (dist < minDist) {
                 shape.rects.push_back({dist, box->yl, box->yh});
             }
         }
@@ -43,11 +42,11 @@ Facing facingOf(const Cell& cell, bool isLeft, size_t solution)
 }
 
 /// Spacing that two shapes of one mask need, DBU, 0 or more.
-int32_t shapeDist(const FacingShape& left, const FacingShape& right)
+int32_t shapeDist(const FacingShape& left, const FacingShape& right, int32_t minDist)
 {
     for (const FacingRect& a : left.rects) {
         for (const FacingRect& b : right.rects) {
-            const int32_t dist = gapSpacing(a.dist + b.dist, verticalGap(a.yl, a.yh, b.yl, b.yh));
+            const int32_t dist = gapSpacing(a.dist + b.dist, verticalGap(a.yl, a.yh, b.yl, b.yh), minDist);
             if (dist > 0) {
                 return dist;
             }
@@ -57,11 +56,11 @@ int32_t shapeDist(const FacingShape& left, const FacingShape& right)
 }
 
 /// Spacing between two cells that show this to each other, DBU, 0 or more.
-int32_t facingDist(const Facing& left, const Facing& right)
+int32_t facingDist(const Facing& left, const Facing& right, int32_t minDist)
 {
     for (const FacingShape& a : left) {
         for (const FacingShape& b : right) {
-            const int32_t dist = a.mask == b.mask ? shapeDist(a, b) : 0;
+            const int32_t dist = a.mask == b.mask ? shapeDist(a, b, minDist) : 0;
             if (dist > 0) {
                 return dist;
             }
@@ -71,12 +70,13 @@ int32_t facingDist(const Facing& left, const Facing& right)
 }
 
 /// [right solution] spacing to a cell that shows this on its right, sites of the library.
-std::vector<int32_t> rowOf(const Facing& left, const Edge& right)
+std::vector<int32_t> rowOf(const Facing& left, const Edge& right, int32_t minDist)
 {
     std::vector<int32_t> sites;
     sites.reserve(right.facings.size());
     for (const Facing& facing : right.facings) {
-        sites.push_back(ceilSites(facingDist(left, facing), LIBRARY_SITE_WIDTH)); // required: not SITE_WIDTH
+        // Required: not the site width of the design.
+        sites.push_back(ceilSites(facingDist(left, facing, minDist), LIBRARY_SITE_WIDTH));
     }
     std::vector<int32_t> row(right.shown.size());
     for (size_t t = 0; t < row.size(); ++t) {
@@ -89,11 +89,11 @@ std::vector<int32_t> rowOf(const Facing& left, const Edge& right)
 
 // The neighbour stands at the width, and a mirrored cell turns about its outline: for distances to add up,
 // the two must be one.
-Edge::Edge(const Cell& cell, bool isLeft)
+Edge::Edge(const Cell& cell, bool isLeft, int32_t minDist)
     : nearest(std::numeric_limits<int32_t>::max()), isOdd(cell.width != cell.outlineXh || isFar(cell.width))
 {
     for (size_t s = 0; s < cell.colors.size(); ++s) {
-        Facing facing = facingOf(cell, isLeft, s);
+        Facing facing = facingOf(cell, isLeft, s, minDist);
         for (const FacingShape& shape : facing) {
             for (const FacingRect& rect : shape.rects) {
                 nearest = std::min(nearest, rect.dist);
@@ -113,7 +113,7 @@ bool Edge::isClear(const Edge& other) const
     return !isOdd && !other.isOdd && int64_t{nearest} + other.nearest >= 0;
 }
 
-std::vector<std::vector<int32_t>> blockOf(const Edge& left, const Edge& right)
+std::vector<std::vector<int32_t>> blockOf(const Edge& left, const Edge& right, int32_t minDist)
 {
     std::vector<std::vector<int32_t>> block;
     block.reserve(left.shown.size());
@@ -121,7 +121,7 @@ std::vector<std::vector<int32_t>> blockOf(const Edge& left, const Edge& right)
     for (const size_t facing : left.shown) {
         if (facing == firstRow.size()) {
             firstRow.push_back(block.size());
-            block.push_back(rowOf(left.facings[facing], right));
+            block.push_back(rowOf(left.facings[facing], right, minDist));
         } else {
             block.push_back(block[firstRow[facing]]);
         }

@@ -14,7 +14,7 @@ namespace vireloce {
 
 /// A rectangle near an edge, as seen from it.
 struct FacingRect {
-    int32_t dist; ///< to the edge, DBU, less than MINDPLDIST; negative if it sticks out
+    int32_t dist; ///< to the edge, DBU, less than the minimum distance; negative if it sticks out
     int32_t yl;   ///< bottom, DBU
     int32_t yh;   ///< top, DBU
 
@@ -38,9 +38,10 @@ using Facing = std::vector<FacingShape>;
 struct Edge {
     /// Collects what the edge of a cell shows.
     ///
-    /// @param cell    read here only
-    /// @param isLeft  whether it is the left edge of the cell as it is drawn
-    Edge(const Cell& cell, bool isLeft);
+    /// @param cell     read here only
+    /// @param isLeft   whether it is the left edge of the cell as it is drawn
+    /// @param minDist  least distance of two rectangles of one mask, DBU
+    Edge(const Cell& cell, bool isLeft, int32_t minDist);
 
     /// Whether no rectangles of the two edges overlap in x once the cells abut, and blockOf() tells all.
     bool isClear(const Edge& other) const;
@@ -56,9 +57,10 @@ struct Edge {
 /// Required: an entry follows from the first pair of rectangles that gives a positive value, in the order
 /// left shape, right shape, left rectangle, right rectangle; not from the largest over all pairs.
 ///
-/// @param left   edge of the left cell
-/// @param right  edge of the right cell
+/// @param left     edge of the left cell
+/// @param right    edge of the right cell
+/// @param minDist  least distance of two rectangles of one mask, DBU; that of both edges
 /// @return [left solution][right solution] spacing, sites of the library
-std::vector<std::vector<int32_t>> blockOf(const Edge& left, const Edge& right);
+std::vector<std::vector<int32_t>> blockOf(const Edge& left, const Edge& right, int32_t minDist);
 
 } // namespace vireloce

@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <limits>
 
-#include "app/parameters.h"
 #include "qlib/exact.h"
 
 namespace vireloce {
@@ -24,15 +23,16 @@ inline int32_t verticalGap(int32_t leftYl, int32_t leftYh, int32_t rightYl, int3
 
 /// Spacing that two rectangles of one mask need, DBU, NO_CONFLICT if they are far enough apart.
 ///
-/// @param dx  horizontal gap, DBU; negative if they overlap in x
-/// @param dy  vertical gap, DBU
-inline int32_t gapSpacing(int32_t dx, int32_t dy)
+/// @param dx       horizontal gap, DBU; negative if they overlap in x
+/// @param dy       vertical gap, DBU
+/// @param minDist  least distance of two rectangles of one mask, DBU
+inline int32_t gapSpacing(int32_t dx, int32_t dy, int32_t minDist)
 {
-    if (dy >= MINDPLDIST || dx >= MINDPLDIST || dx * dx + dy * dy > MINDPLDIST * MINDPLDIST) {
+    if (dy >= minDist || dx >= minDist || dx * dx + dy * dy > minDist * minDist) {
         return NO_CONFLICT;
     }
     // Required: the root is taken over the horizontal gap and the vertical one is subtracted.
-    const int32_t square = MINDPLDIST * MINDPLDIST - dx * dx;
+    const int32_t square = minDist * minDist - dx * dx;
     return toInt(std::sqrt(static_cast<double>(square)) - dy);
 }
 

@@ -55,7 +55,7 @@ int overlapDirection(const qBox& a, const qBox& b)
 /// Spacing that two rectangles of one mask need, DBU, NO_CONFLICT if they are far enough apart.
 ///
 /// If the right one begins left of the other's end, the vertical gap counts as 0, with a warning.
-int32_t pairDist(const qBox& a, const qBox& b)
+int32_t pairDist(const qBox& a, const qBox& b, int32_t minDist)
 {
     int32_t dy = 0;
     if (b.xl < a.xh) {
@@ -63,25 +63,25 @@ int32_t pairDist(const qBox& a, const qBox& b)
     } else {
         dy = vireloce::verticalGap(a.yl, a.yh, b.yl, b.yh);
     }
-    return vireloce::gapSpacing(b.xl - a.xh, dy);
+    return vireloce::gapSpacing(b.xl - a.xh, dy, minDist);
 }
 
 /// Largest spacing over the rectangles of two shapes of one mask, but the first that is positive.
 int32_t shapeDist(const Placed& left, const std::vector<qBox*>& leftShape, const Placed& right,
-                  const std::vector<qBox*>& rightShape)
+                  const std::vector<qBox*>& rightShape, int32_t minDist)
 {
     int32_t best = NO_CONFLICT;
     for (const qBox* leftBox : leftShape) {
-        if (left.fromRight(*leftBox) >= MINDPLDIST) {
+        if (left.fromRight(*leftBox) >= minDist) {
             continue;
         }
         const qBox a = stand(*leftBox, left.flip, 0, left.cell.outlineXh);
         for (const qBox* rightBox : rightShape) {
-            if (right.fromLeft(*rightBox) >= MINDPLDIST) {
+            if (right.fromLeft(*rightBox) >= minDist) {
                 continue;
             }
             const qBox b = stand(*rightBox, right.flip, left.cell.width, left.cell.width + right.cell.width);
-            best = std::max(best, pairDist(a, b));
+            best = std::max(best, pairDist(a, b, minDist));
             if (best > 0) {
                 return best;
             }
@@ -105,6 +105,7 @@ int32_t LUTable::getSafeDist(Cell* left, bool leftFlip, int32_t leftSolution, Ce
     }
     const Placed a{*left, leftFlip, leftSolution};
     const Placed b{*right, rightFlip, rightSolution};
+    const int32_t minDist = MINDPLDIST;
     int32_t best = NO_CONFLICT;
     for (size_t p = 0; p < left->shapes.size(); ++p) {
         if (!a.isCritical(p)) {
@@ -114,7 +115,7 @@ int32_t LUTable::getSafeDist(Cell* left, bool leftFlip, int32_t leftSolution, Ce
             if (a.mask(p) != b.mask(q) || !b.isCritical(q)) {
                 continue;
             }
-            best = std::max(best, shapeDist(a, left->shapes[p], b, right->shapes[q]));
+            best = std::max(best, shapeDist(a, left->shapes[p], b, right->shapes[q], minDist));
             if (best > 0) {
                 return best;
             }

@@ -74,12 +74,13 @@ class CellSiteWidth : public testing::TestWithParam<WidthCase> {
     test::ParameterGuard m_parameters;
 };
 
-TEST_P(CellSiteWidth, IsTheWidthInSitesOfTheSiteWidthAsItIsNow)
+TEST_P(CellSiteWidth, IsTheWidthInSitesOfTheSiteWidthAsItIsNowOrIsGiven)
 {
     SITE_WIDTH = GetParam().siteWidth;
     const Cell cell(GetParam().width, 1400);
     EXPECT_EQ(cell.siteWidth, GetParam().want);
     SITE_WIDTH = 1;
+    EXPECT_EQ(Cell(GetParam().width, 1400, GetParam().siteWidth).siteWidth, GetParam().want);
     EXPECT_EQ(cell.siteWidth, GetParam().want);
 }
 

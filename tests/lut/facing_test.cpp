@@ -73,64 +73,72 @@ RC_GTEST_PROP(SpacingTable, IsTheLiteralOneAtAnyMinimumDistance, ())
     compareWithLiteral(minDist, *rc::gen::element(1, 100, 300, 1000000, 5000000));
 }
 
-/// Edges of cells that are 600 wide.
-class EdgeTest : public testing::Test {
-    test::ParameterGuard m_parameters;
-};
+constexpr int32_t MIN_DIST = 185;
 
-TEST_F(EdgeTest, ShowsWhatIsNearerThanTheMinimumDistance)
+Edge leftOf(const Cell& cell)
+{
+    return Edge(cell, /*isLeft=*/true, MIN_DIST);
+}
+
+Edge rightOf(const Cell& cell)
+{
+    return Edge(cell, /*isLeft=*/false, MIN_DIST);
+}
+
+TEST(Edge, ShowsWhatIsNearerThanTheMinimumDistance)
 {
     const auto cell = makeCell(600, 1400, {{{184, 500, 416, 900}}, {{185, 500, 415, 900}}}, {{1, 2}});
-    const Edge left(*cell, /*isLeft=*/true);
-    const Edge right(*cell, /*isLeft=*/false);
+    const Edge left = leftOf(*cell);
+    const Edge right = rightOf(*cell);
     for (const Edge& edge : {left, right}) {
         EXPECT_EQ(edge.facings, (std::vector<vireloce::Facing>{{{1, {{184, 500, 900}}}}}));
         EXPECT_EQ(edge.nearest, 184);
     }
+    EXPECT_EQ(Edge(*cell, /*isLeft=*/true, 186).facings.at(0).size(), 2U);
 }
 
-TEST_F(EdgeTest, ShowsNeitherRailsNorOtherMasks)
+TEST(Edge, ShowsNeitherRailsNorOtherMasks)
 {
     const auto cell = makeCell(600, 1400, {{{0, 0, 600, 90}}, {{0, 500, 600, 900}}}, {{0, 3}, {0, -1}});
-    const Edge edge(*cell, /*isLeft=*/true);
+    const Edge edge = leftOf(*cell);
     EXPECT_EQ(edge.facings, std::vector<vireloce::Facing>(1));
     EXPECT_EQ(edge.nearest, LARGEST);
 }
 
-TEST_F(EdgeTest, SolutionsThatDifferFarFromItShowTheSame)
+TEST(Edge, SolutionsThatDifferFarFromItShowTheSame)
 {
     const auto cell =
         makeCell(600, 1400, {{{0, 500, 90, 900}}, {{300, 500, 600, 900}}}, {{1, 0}, {2, 0}, {1, 2}, {2, 1}});
-    EXPECT_EQ(Edge(*cell, /*isLeft=*/true).shown, (std::vector<size_t>{0, 1, 0, 1}));
-    EXPECT_EQ(Edge(*cell, /*isLeft=*/false).shown, (std::vector<size_t>{0, 0, 1, 2}));
+    EXPECT_EQ(leftOf(*cell).shown, (std::vector<size_t>{0, 1, 0, 1}));
+    EXPECT_EQ(rightOf(*cell).shown, (std::vector<size_t>{0, 0, 1, 2}));
 }
 
-TEST_F(EdgeTest, IsClearOfAnotherUnlessRectanglesWouldOverlap)
+TEST(Edge, IsClearOfAnotherUnlessRectanglesWouldOverlap)
 {
     const auto sticksOutBy20 = makeCell(600, 1400, {{{0, 500, 620, 900}}}, {{1}});
     const auto twentyInside = makeCell(600, 1400, {{{20, 500, 600, 900}}}, {{1}});
     const auto nineteenInside = makeCell(600, 1400, {{{19, 500, 600, 900}}}, {{1}});
-    const Edge edge(*sticksOutBy20, /*isLeft=*/false);
-    EXPECT_TRUE(edge.isClear(Edge(*twentyInside, /*isLeft=*/true)));
-    EXPECT_FALSE(edge.isClear(Edge(*nineteenInside, /*isLeft=*/true)));
+    const Edge edge = rightOf(*sticksOutBy20);
+    EXPECT_TRUE(edge.isClear(leftOf(*twentyInside)));
+    EXPECT_FALSE(edge.isClear(leftOf(*nineteenInside)));
 }
 
-TEST_F(EdgeTest, OfAnOutlineThatIsNotTheWidthIsNeverClear)
+TEST(Edge, OfAnOutlineThatIsNotTheWidthIsNeverClear)
 {
     const auto good = makeCell(600, 1400, {}, {{}});
     const auto odd = makeCell(600, 1400, {}, {{}});
     odd->outlineXh = 590;
-    EXPECT_TRUE(Edge(*good, /*isLeft=*/true).isClear(Edge(*good, /*isLeft=*/false)));
-    EXPECT_FALSE(Edge(*good, /*isLeft=*/true).isClear(Edge(*odd, /*isLeft=*/false)));
-    EXPECT_FALSE(Edge(*odd, /*isLeft=*/true).isClear(Edge(*good, /*isLeft=*/false)));
+    EXPECT_TRUE(leftOf(*good).isClear(rightOf(*good)));
+    EXPECT_FALSE(leftOf(*good).isClear(rightOf(*odd)));
+    EXPECT_FALSE(leftOf(*odd).isClear(rightOf(*good)));
 }
 
-TEST_F(EdgeTest, OfAWidthWhoseSumsCouldWrapIsNeverClear)
+TEST(Edge, OfAWidthWhoseSumsCouldWrapIsNeverClear)
 {
     const auto widest = makeCell(1 << 28, 1400, {}, {{}});
     const auto tooWide = makeCell((1 << 28) + 1, 1400, {}, {{}});
-    EXPECT_TRUE(Edge(*widest, /*isLeft=*/true).isClear(Edge(*widest, /*isLeft=*/false)));
-    EXPECT_FALSE(Edge(*tooWide, /*isLeft=*/true).isClear(Edge(*widest, /*isLeft=*/false)));
+    EXPECT_TRUE(leftOf(*widest).isClear(rightOf(*widest)));
+    EXPECT_FALSE(leftOf(*tooWide).isClear(rightOf(*widest)));
 }
 
 } // namespace
