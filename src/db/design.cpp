@@ -38,6 +38,13 @@ Design::~Design()
     macroTree.clear();
 }
 
+void Design::addMacro(Macro macro)
+{
+    Macro& own = m_ownMacros.emplace_back(std::move(macro));
+    macros.push_back(&own);
+    qLib::insertItem(macroTree, &own, own.x, own.y, own.x + own.width, own.y + own.height);
+}
+
 int32_t Design::safeSites(const Component& left, int32_t leftSolution, const Component& right,
                           int32_t rightSolution) const
 {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <set>
 #include <string>
@@ -20,8 +21,8 @@
 #include "parser/placeParser.h"
 #include "qlib/qLibRTree.h"
 
-/// A placed design and all that the placer knows of it. It owns every record but the macros, which live until
-/// the process ends. Geometry is in DBU, positions inside a segment are in sites.
+/// A placed design and all that the placer knows of it. It owns every record. Geometry is in DBU, positions
+/// inside a segment are in sites.
 ///
 /// Life: constructed, configured by parseParameters(), read and set up by initAll(), placed by
 /// Legalizer::solveDPlace(), measured by evaluation().
@@ -47,6 +48,9 @@ public:
     ///
     /// Errors: those of the readers; a component of an unknown cell; a site width that is not positive.
     void initAll();
+
+    /// Keeps a macro until the design ends, and enters it into macros and macroTree.
+    void addMacro(Macro macro);
 
     /// Takes SITE_HEIGHT and SITE_WIDTH from the rows and rescales the cells; nothing with fewer than two
     /// rows.
@@ -167,7 +171,7 @@ public:
     std::vector<Pin*> pins;                   ///< file order, owned
     std::vector<Net*> nets;                   ///< by id, owned
     std::vector<Component*> components;       ///< file order, owned
-    std::vector<Macro*> macros;               ///< file order, not deleted with the design
+    std::vector<Macro*> macros;               ///< file order, not owned: see addMacro()
     std::map<std::string, int32_t> pinIndex;  ///< name to index in pins, the last of a name
     std::map<std::string, int32_t> compIndex; ///< name to index in components, the last of a name
     std::map<int32_t, int32_t> rowIndexByY;   ///< bottom y to index in rows, the last at a y
@@ -182,5 +186,6 @@ private:
     /// Prints the statistics of the set-up.
     void reportSetUp(int stitchLowerBound);
 
-    Segment* m_lastHit = nullptr; ///< first segment of the last search that found one, not owned
+    std::deque<Macro> m_ownMacros; ///< those of addMacro(); a deque never moves its elements
+    Segment* m_lastHit = nullptr;  ///< first segment of the last search that found one, not owned
 };

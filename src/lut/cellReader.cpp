@@ -5,7 +5,6 @@
 
 #include "app/parameters.h"
 #include "lut/lutable.h"
-#include "qlib/immortal.h"
 #include "qlib/report.h"
 #include "qlib/wordReader.h"
 
@@ -14,7 +13,8 @@ namespace {
 /// A colour file: integers between white space, each of which must be there.
 class ColorFile {
 public:
-    explicit ColorFile(vireloce::WordReader& in) : m_in(in) {}
+    /// @param boxes  keeps the rectangles that are read
+    ColorFile(vireloce::WordReader& in, std::deque<qBox>& boxes) : m_in(in), m_boxes(boxes) {}
 
     /// The next integer. Ends the run if there is none.
     ///
@@ -53,13 +53,14 @@ public:
         const int32_t y1 = number("rectangle");
         const int32_t x2 = number("rectangle");
         const int32_t y2 = number("rectangle");
-        return vireloce::makeImmortal<qBox>(x1, y1, x2, y2);
+        return &m_boxes.emplace_back(x1, y1, x2, y2);
     }
 
     [[noreturn]] void fail(const std::string& what) { vireloce::endRunAt(m_in.path(), m_in.line(), what); }
 
 private:
     vireloce::WordReader& m_in;
+    std::deque<qBox>& m_boxes;
 };
 
 /// Reads a list of rectangles behind its count.
@@ -141,7 +142,7 @@ void LUTable::readCell(std::string name)
     if (!in.open(path)) {
         vireloce::endRun("ERROR| cannot open file " + path);
     }
-    ColorFile file(in);
+    ColorFile file(in, m_boxes);
     std::unique_ptr<Cell> cell = readSize(file, SITE_WIDTH);
     cell->id = static_cast<int32_t>(cells.size());
     cell->name = name;

@@ -3,13 +3,14 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <string>
 #include <vector>
 
 #include "lut/cell.h"
 
-/// The cell library. It owns its cells; their rectangles live until the process ends.
+/// The cell library. It owns the cells and the rectangles that it has read.
 class LUTable {
 public:
     /// A library without cells.
@@ -97,4 +98,6 @@ public:
 private:
     /// Ends the run if the table would be larger than s_maxTableSize.
     void requireTableSize() const;
+
+    std::deque<qBox> m_boxes; ///< rectangles of the cells that were read; a deque never moves its elements
 };

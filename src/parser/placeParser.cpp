@@ -7,7 +7,6 @@
 #include "db/design.h"
 #include "parser/componentNames.h"
 #include "qlib/exact.h"
-#include "qlib/immortal.h"
 #include "qlib/nameTable.h"
 #include "qlib/report.h"
 
@@ -241,10 +240,7 @@ void PlaceParser::processMacros()
         macro.width = tokens.nextIntAfter(2);
         macro.height = tokens.nextInt();
         tokens.nextAfter(1); // must be there
-        auto* kept = vireloce::makeImmortal<Macro>(std::move(macro));
-        design->macros.push_back(kept);
-        qLib::insertItem(design->macroTree, kept, kept->x, kept->y, kept->x + kept->width,
-                         kept->y + kept->height);
+        design->addMacro(std::move(macro));
         skipSecondLine("BIGNODES");
     }
 }

@@ -6,6 +6,7 @@
 #include <new>
 
 #include "db/design.h"
+#include "lut/library.h"
 
 namespace {
 
@@ -43,7 +44,7 @@ std::string longName(int number)
     return "a name that is too long to be kept in place, number " + std::to_string(number);
 }
 
-/// Gives a design some of everything that it owns, and the macro, which it does not.
+/// Gives a design some of everything that it owns, and a macro that it does not.
 void fill(Design& design, Macro* macro)
 {
     for (int i = 0; i < 20; ++i) {
@@ -72,6 +73,7 @@ void fill(Design& design, Macro* macro)
         design.segments.push_back(segment);
         row->segments.push_back(segment);
         qLib::insertItem(design.segmentTree, segment, i * 190, 0, i * 190 + 190, 1900);
+        design.addMacro({i, 0, 190, 1900, longName(i)});
         design.macros.push_back(macro);
         qLib::insertItem(design.macroTree, macro, i * 190, 0, i * 190 + 190, 1900);
         design.tclFiles.insert(longName(i));
@@ -96,7 +98,7 @@ TEST(DesignEnd, ReleasesEverythingThatTheDesignOwns)
     EXPECT_EQ(after, before);
 }
 
-TEST(DesignEnd, LeavesTheMacros)
+TEST(DesignEnd, LeavesTheMacrosOfOthers)
 {
     Macro macro;
     macro.name = longName(1);
@@ -107,6 +109,26 @@ TEST(DesignEnd, LeavesTheMacros)
     }
     EXPECT_EQ(macro.name, longName(1));
     EXPECT_EQ(macro.width, 5);
+}
+
+TEST(LibraryEnd, ReleasesTheRectanglesThatItHasRead)
+{
+    const test::Library files; // for its folder
+    std::string text = "190 1900 0 1 2000\n";
+    for (int i = 0; i < 2000; ++i) {
+        text += "0 0 10 10\n";
+    }
+    files.addFile("A", text + "1 0 0\n");
+    const int64_t before = s_liveBlocks;
+    {
+        LUTable lut;
+        lut.setCellPath(files.path("lib"));
+        lut.readCell("A");
+        EXPECT_EQ(lut.cells.at(0)->shapes.at(0).size(), 2000U);
+        EXPECT_GT(s_liveBlocks, before + 50);
+    }
+    const int64_t after = s_liveBlocks;
+    EXPECT_EQ(after, before);
 }
 
 TEST(DesignEnd, OfAnEmptyDesignReleasesItsTrees)

@@ -3,12 +3,12 @@
 #pragma once
 
 #include <array>
+#include <deque>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "lut/cell.h"
-#include "qlib/immortal.h"
 
 namespace test {
 
@@ -21,11 +21,13 @@ using ShapeList = std::vector<std::vector<Corners>>;
 /// The masks of the shapes, per solution.
 using MaskList = std::vector<std::vector<int32_t>>;
 
+/// Rectangles that last until the test program ends.
 inline std::vector<qBox*> boxesOf(const std::vector<Corners>& corners)
 {
+    static std::deque<qBox> s_boxes;
     std::vector<qBox*> boxes;
     for (const auto& [x1, y1, x2, y2] : corners) {
-        boxes.push_back(vireloce::makeImmortal<qBox>(x1, y1, x2, y2));
+        boxes.push_back(&s_boxes.emplace_back(x1, y1, x2, y2));
     }
     return boxes;
 }

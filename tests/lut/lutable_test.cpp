@@ -336,20 +336,6 @@ TEST_F(DebugTwoCells, ReplacesTheFileThatIsThere)
     EXPECT_LT(text.size(), 1000U);
 }
 
-TEST(LUTableDestructor, RectanglesOutliveTheTable)
-{
-    std::vector<qBox*> boxes;
-    {
-        Library library;
-        library.addFile("A", "190 1400 1 1 2 3 4 1 2 10 20 30 40 50 60 70 80 0");
-        library.lut.readCell("A");
-        boxes = library.lut.cells[0]->shapes[0];
-        boxes.push_back(library.lut.cells[0]->headerBoxes[0]);
-    }
-    EXPECT_EQ(test::cornersOf(boxes),
-              (std::vector<Corners>{{0, 0, 20, 20}, {40, 40, 60, 60}, {-9, -18, -7, -16}}));
-}
-
 TEST(LUTableMembers, StandInTheirOrder)
 {
     const LUTable lut;
