@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/place/placeRun.h"
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <iostream>
 #include <nlohmann/json.hpp>
 
-#include "app/parameterScope.h"
-#include "app/parameters.h"
+#include "app/driver.h"
 #include "db/design.h"
 #include "kit/fault.h"
 #include "kit/input/colors.h"
@@ -56,6 +56,18 @@ void copyInput(const std::string& from, const std::string& to)
     }
 }
 
+/// Prints what the report begins with; gives the options of the placer.
+vireloce::PlaceOptions beginReport(const Options& options)
+{
+    const std::vector<std::string> words = placerArguments(options);
+    std::vector<const char*> argv(words.size());
+    std::transform(words.begin(), words.end(), argv.begin(),
+                   [](const std::string& word) { return word.c_str(); });
+    vireloce::PlaceOptions placer;
+    vireloce::beginReport(static_cast<int>(argv.size()), argv.data(), placer);
+    return placer;
+}
+
 /// Looks on while the placer runs, and writes what comes out.
 class KeptRun {
 public:
@@ -64,30 +76,49 @@ public:
     int run()
     {
         const auto begin = std::chrono::steady_clock::now();
-        const PlacerRun run =
-            runPlacer(placerArguments(m_options),
-                      {.afterSetUp = [this](Design& design) { m_start = positionsOf(design); },
-                       .onProgress = [this](const vireloce::Progress& progress) { m_line.show(progress); },
-                       .afterEvaluation = [this](Design& design) { finish(design); }});
-        if (!run.readable) {
+        const vireloce::PlaceOptions options = beginReport(m_options);
+        try {
+            m_run.result = vireloce::place(options, hooks());
+        } catch (const vireloce::RunError&) { // the report says why
+        }
+        if (!m_run.readable) {
             return UNREADABLE;
         }
         const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
         nlohmann::ordered_json result =
-            resultJson(m_options, run, std::move(m_placement), std::move(m_rescue), seconds.count());
-        if (m_written) { // what this takes is not the placer's time and memory
-            const Judgement judgement = judge(m_options, MINDPLDIST);
+            resultJson(m_options, m_run, std::move(m_placement), std::move(m_rescue), seconds.count());
+        if (m_run.complete) { // what this takes is not the placer's time and memory
+            const Judgement judgement = judge(m_options, options.parameters.minDist);
             m_clean = m_clean && judgement.errors == 0;
             result["judge"] = toJson(judgement);
         }
         OutputFile json(m_options.out + ".json");
         json << result.dump(1) << "\n";
         json.commit();
-        return run.complete && m_clean ? CLEAN : NOT_CLEAN;
+        return m_run.complete && m_clean ? CLEAN : NOT_CLEAN;
     }
 
 private:
-    /// Takes the result from the design, which ends with the run.
+    vireloce::PlaceHooks hooks()
+    {
+        vireloce::PlaceHooks hooks;
+        hooks.report = &vireloce::report();
+        hooks.afterSetUp = [this](Design& design, const vireloce::PlaceResult& result) {
+            m_run = {.result = result, .readable = true};
+            m_start = positionsOf(design);
+        };
+        hooks.onProgress = [this](const vireloce::Progress& progress, const vireloce::PlaceResult& result) {
+            m_run.result.passes = result.passes;
+            m_line.show(progress);
+        };
+        hooks.afterEvaluation = [this](Design& design, const vireloce::PlaceResult& /*result*/) {
+            finish(design);
+            m_run.complete = true;
+        };
+        return hooks;
+    }
+
+    /// Takes the placement from the design, which ends with the run.
     void finish(Design& design)
     {
         State state = measure(design, m_start);
@@ -101,7 +132,6 @@ private:
         }
         m_clean = state.conflicts == 0 && withoutPlace(state).empty();
         writeFiles(design);
-        m_written = true;
     }
 
     /// Components that nobody could build where they are, by index.
@@ -147,12 +177,11 @@ private:
     }
 
     const Options& m_options;
-    const vireloce::ParameterScope m_parameters; // in one process the next run must find them as they were
     ProgressLine m_line;
     std::vector<Point> m_start; ///< [component] positions before the placement
     nlohmann::ordered_json m_placement;
     nlohmann::ordered_json m_rescue;
-    bool m_written = false; ///< OUT.place and OUT.colors
+    PlacerRun m_run;
     bool m_clean = false;
 };
 

@@ -6,7 +6,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <nlohmann/json.hpp>
-#include <sstream>
 
 #include "db/design.h"
 
@@ -17,12 +16,6 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr int SCHEMA_VERSION = 1;
-
-std::string trimmed(const std::string& text)
-{
-    const size_t begin = text.find_first_not_of(' ');
-    return begin == std::string::npos ? "" : text.substr(begin, text.find_last_not_of(' ') - begin + 1);
-}
 
 /// The number that a text begins with, the text itself if it is none.
 Json valueOf(const std::string& text)
@@ -36,25 +29,38 @@ Json valueOf(const std::string& text)
     return whole ? Json(std::strtoll(text.c_str(), nullptr, 10)) : Json(value);
 }
 
-/// The report's lines "STAT | LABEL = VALUE" by their labels, single blanks in them; a unit or a share behind
-/// the value is left out.
-Json reportJson(const std::string& report)
+/// CPU seconds with the digits that the report has.
+double asReported(const vireloce::Times& times)
 {
-    Json values = Json::object();
-    std::istringstream lines(report);
-    for (std::string line; std::getline(lines, line);) {
-        const size_t equals = line.find(" = ");
-        if (!line.starts_with("STAT | ") || equals == std::string::npos) {
-            continue;
-        }
-        std::istringstream words(line.substr(7, equals - 7));
-        std::string label;
-        for (std::string word; words >> word;) {
-            label += (label.empty() ? "" : " ") + word;
-        }
-        values[label] = valueOf(trimmed(line.substr(equals + 3)));
+    return std::round(times.cpu * 1000.0) / 1000.0;
+}
+
+/// The numbers of the report by their labels, single blanks in them.
+Json reportJson(const PlacerRun& run)
+{
+    const vireloce::SetUpFigures& setUp = run.result.setUp;
+    Json json{{"cell type #", setUp.cellTypes},
+              {"LUTable item #", setUp.tableEntries},
+              {"net #", setUp.nets},
+              {"row #", setUp.rows},
+              {"segment #", setUp.segments},
+              {"component #", setUp.components},
+              {"macro #", setUp.macros},
+              {"max solution # for cells", setUp.maxSolutions},
+              {"max site # on rows", setUp.maxSites},
+              {"max componnet # on rows", setUp.maxComponents},
+              {"init HPWL", setUp.hpwl},
+              {"stitch # lowerB", setUp.stitchLowerBound},
+              {"LUT CPU time", asReported(run.result.setUpTime)}};
+    if (run.complete) {
+        const vireloce::FinalFigures& end = run.result.end;
+        json.update({{"final HPWL", end.hpwl},
+                     {"HPWL increases", end.hpwlIncrease},
+                     {"final stitch #", end.stitches},
+                     {"final conflict #", end.conflicts},
+                     {"Virelocer CPU time", asReported(run.result.placeTime)}});
     }
-    return values;
+    return json;
 }
 
 Json optionsJson(const Options& options)
@@ -72,10 +78,10 @@ Json optionsJson(const Options& options)
     return json;
 }
 
-Json passesJson(const std::vector<Pass>& passes)
+Json passesJson(const std::vector<vireloce::Pass>& passes)
 {
     Json json = Json::array();
-    for (const Pass& pass : passes) {
+    for (const vireloce::Pass& pass : passes) {
         json.push_back({{"overfull_segments", pass.overfull}, {"moved_cells", pass.movedOut}});
     }
     return json;
@@ -160,8 +166,8 @@ Json resultJson(const Options& options, const PlacerRun& run, Json placement, Js
             {"version", SCHEMA_VERSION},
             {"options", optionsJson(options)},
             {"complete", run.complete},
-            {"report", reportJson(run.report)},
-            {"passes", passesJson(run.passes)},
+            {"report", reportJson(run)},
+            {"passes", passesJson(run.result.passes)},
             {"placement", std::move(placement)},
             {"rescue", std::move(rescue)},
             {"judge", nullptr},

@@ -7,14 +7,21 @@
 #include <string>
 #include <vector>
 
+#include "app/place.h"
 #include "kit/place/options.h"
-#include "kit/place/placerRun.h"
 #include "kit/place/rescue.h"
 #include "kit/place/state.h"
 
 class Design;
 
 namespace kit::place {
+
+/// A run of the placer, as far as it came.
+struct PlacerRun {
+    vireloce::PlaceResult result;
+    bool readable = false; ///< the set-up is in the result
+    bool complete = false; ///< the end is, too
+};
 
 /// The placement part of the result: what can be said of the design.
 ///

@@ -1,13 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "app/driver.h"
 
-#include <memory>
-#include <new>
-
-#include "db/design.h"
-#include "legalizer/legalizer.h"
-#include "qlib/report.h"
-#include "qlib/timer.h"
+#include "app/place.h"
 
 void printWelcome()
 {
@@ -37,47 +31,26 @@ void printUsage()
 
 namespace vireloce {
 
-namespace {
-
-/// Does the work of runPlacer().
-void run(int argc, char** argv, const RunHooks& hooks)
+bool beginReport(int argc, const char* const* argv, PlaceOptions& options)
 {
     printWelcome();
-    const auto design = std::make_unique<Design>();
-    if (!design->parseParameters(argc, argv)) {
+    const bool isGood = readOptions(argc, argv, options);
+    if (!isGood) {
         printUsage();
-        return;
     }
-
-    const double setUpBegin = qLib::timer();
-    design->initAll();
-    // Required: the label says LUT, but the time is that of the whole set-up.
-    reportf("\nSTAT | LUT CPU time             = %.3f s\n\n", qLib::timer() - setUpBegin);
-    design->requireSolutions();
-    design->dropNames();
-    if (hooks.afterSetUp) {
-        hooks.afterSetUp(*design);
-    }
-    const auto legalizer = std::make_unique<Legalizer>(design.get());
-    legalizer->onProgress = hooks.onProgress;
-    const double placeBegin = qLib::timer();
-    legalizer->solveDPlace();
-    const double placeEnd = qLib::timer();
-    design->evaluation();
-    reportf("\nSTAT | Virelocer CPU time       = %.3f s\n\n", placeEnd - placeBegin);
-    if (hooks.afterEvaluation) {
-        hooks.afterEvaluation(*design);
-    }
+    return isGood;
 }
 
-} // namespace
-
-int runPlacer(int argc, char** argv, const RunHooks& hooks)
+int runPlacer(int argc, const char* const* argv)
 {
+    PlaceOptions options;
+    PlaceHooks hooks;
+    hooks.report = &report();
     try {
-        run(argc, argv, hooks);
-    } catch (const std::bad_alloc&) {
-        endRun("ERROR| out of memory");
+        if (beginReport(argc, argv, options)) {
+            place(options, hooks);
+        }
+    } catch (const RunError&) { // the report says it
     }
     report().flush();
     return 0;

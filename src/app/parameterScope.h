@@ -12,26 +12,13 @@ public:
     /// Notes all parameters.
     ParameterScope() = default;
     /// Puts them back.
-    ~ParameterScope()
-    {
-        SITE_WIDTH = m_siteWidth;
-        SITE_HEIGHT = m_siteHeight;
-        MINDPLDIST = m_minDist;
-        WEIGHT_WRLENG = m_weight;
-        LDP_M = m_range;
-        LDP_K = m_solutions;
-    }
+    ~ParameterScope() { setParameters(m_before); }
     /// Not copied: one puts them back.
     ParameterScope(const ParameterScope&) = delete;
     ParameterScope& operator=(const ParameterScope&) = delete;
 
 private:
-    int32_t m_siteWidth = SITE_WIDTH;
-    int32_t m_siteHeight = SITE_HEIGHT;
-    int32_t m_minDist = MINDPLDIST;
-    float m_weight = WEIGHT_WRLENG;
-    int32_t m_range = LDP_M;
-    int32_t m_solutions = LDP_K;
+    Parameters m_before = parametersNow();
 };
 
 } // namespace vireloce

@@ -19,10 +19,11 @@ void deleteAll(std::vector<T*>& owned)
 
 } // namespace
 
-Design::Design()
-    : placeParser(this), pinParser(this), netParser(this), placePath("sparc_exu_alu"), designName(placePath),
-      cellPath("../benchNangate_shifted")
+Design::Design() : placeParser(this), pinParser(this), netParser(this)
 {
+    const vireloce::PlaceOptions defaults;
+    placePath = designName = defaults.placePath;
+    cellPath = defaults.cellPath;
     Component::s_orientMap.emplace("N", Component::N);
     Component::s_orientMap.emplace("FN", Component::FN);
 }

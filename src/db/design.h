@@ -9,12 +9,14 @@
 #include <string>
 #include <vector>
 
+#include "app/placeOptions.h"
 #include "db/component.h"
 #include "db/macro.h"
 #include "db/net.h"
 #include "db/pin.h"
 #include "db/row.h"
 #include "db/segment.h"
+#include "db/setUpFigures.h"
 #include "lut/lutable.h"
 #include "parser/netParser.h"
 #include "parser/pinParser.h"
@@ -24,7 +26,7 @@
 /// A placed design and all that the placer knows of it. It owns every record. Geometry is in DBU, positions
 /// inside a segment are in sites.
 ///
-/// Life: constructed, configured by parseParameters(), read and set up by initAll(), placed by
+/// Life: constructed, configured by setOptions(), read and set up by initAll(), placed by
 /// Legalizer::solveDPlace(), measured by evaluation().
 class Design {
 public:
@@ -36,13 +38,15 @@ public:
     Design(const Design&) = delete;
     Design& operator=(const Design&) = delete;
 
-    /// Echoes the arguments and reads them as pairs of option and value, the last of a kind winning.
+    /// Changes the options as vireloce::readOptions() reads them.
     ///
     /// @param argc  number of entries of argv, the program's name included
     /// @param argv  [argc]
-    /// @return false after the line "ERROR| can NOT parse: " about an unknown option, or one without a value;
-    ///         the pairs before it have taken effect
+    /// @return whether all of them could be read
     bool parseParameters(int argc, char** argv);
+
+    /// Takes the paths and the algorithm number of some options, and sets the parameters to theirs.
+    void setOptions(const vireloce::PlaceOptions& options);
 
     /// Reads the library and the design files, cuts rows, assigns components, prints the statistics.
     ///
@@ -178,13 +182,14 @@ public:
     std::set<std::string> tclFiles;           ///< scripts for calibreAllTcl()
     RTree<Macro*, int, 2, float, 8, 4> macroTree;
     RTree<Segment*, int, 2, float, 8, 4> segmentTree;
+    vireloce::SetUpFigures setUpFigures; ///< of initAll()
 
 private:
     /// Searches segmentTree and notes the first hit in m_lastHit.
     const std::vector<Segment*>& findSegments(int32_t xl, int32_t yl, int32_t xh, int32_t yh);
 
-    /// Prints the statistics of the set-up.
-    void reportSetUp(int stitchLowerBound);
+    /// Sets setUpFigures and prints them but for those of the library, which has printed its own.
+    void reportSetUp();
 
     std::deque<Macro> m_ownMacros; ///< those of addMacro(); a deque never moves its elements
     Segment* m_lastHit = nullptr;  ///< first segment of the last search that found one, not owned

@@ -57,21 +57,34 @@ void Design::initAll()
         LDP_K = std::max(LDP_K, static_cast<int32_t>(cell->colors.size()));
     }
     initHPWL = evaluateHPWL();
-    reportSetUp(evaluateStitchLowerBound());
+    reportSetUp();
 }
 
-void Design::reportSetUp(int stitchLowerBound)
+void Design::reportSetUp()
 {
-    vireloce::report() << "STAT | net #                    = " << nets.size() << '\n'
-                       << "STAT | row #                    = " << rows.size() << '\n'
-                       << "STAT | segment #                = " << segments.size() << '\n'
-                       << "STAT | component #              = " << components.size() << '\n'
-                       << "STAT | macro #                  = " << macros.size() << '\n'
-                       << "STAT | max solution # for cells = " << LDP_K << '\n'
-                       << "STAT | max site # on rows       = " << getMaxSiteNum() << '\n'
-                       << "STAT | max componnet # on rows  = " << getMaxCompNum() << '\n'
-                       << "STAT | init HPWL                = " << initHPWL << '\n'
-                       << "STAT | stitch # lowerB          = " << stitchLowerBound << '\n';
+    setUpFigures = {.cellTypes = lut.cells.size(),
+                    .tableEntries = lut.countEntries(),
+                    .nets = nets.size(),
+                    .rows = rows.size(),
+                    .segments = segments.size(),
+                    .components = components.size(),
+                    .macros = macros.size(),
+                    .maxSolutions = LDP_K,
+                    .maxSites = getMaxSiteNum(),
+                    .maxComponents = getMaxCompNum(),
+                    .hpwl = initHPWL,
+                    .stitchLowerBound = evaluateStitchLowerBound()};
+    const vireloce::SetUpFigures& f = setUpFigures;
+    vireloce::report() << "STAT | net #                    = " << f.nets << '\n'
+                       << "STAT | row #                    = " << f.rows << '\n'
+                       << "STAT | segment #                = " << f.segments << '\n'
+                       << "STAT | component #              = " << f.components << '\n'
+                       << "STAT | macro #                  = " << f.macros << '\n'
+                       << "STAT | max solution # for cells = " << f.maxSolutions << '\n'
+                       << "STAT | max site # on rows       = " << f.maxSites << '\n'
+                       << "STAT | max componnet # on rows  = " << f.maxComponents << '\n'
+                       << "STAT | init HPWL                = " << f.hpwl << '\n'
+                       << "STAT | stitch # lowerB          = " << f.stitchLowerBound << '\n';
 }
 
 void Design::resizeCell()

@@ -27,7 +27,7 @@ int32_t LUTable::getCellIndex(std::string name) const
     return at != cellIndex.end() ? at->second : -1;
 }
 
-void LUTable::evaluateLUT() const
+size_t LUTable::countEntries() const
 {
     size_t count = 0;
     for (const auto& row : distTable) {
@@ -37,7 +37,12 @@ void LUTable::evaluateLUT() const
             }
         }
     }
-    vireloce::report() << "STAT | LUTable item #           = " << count << '\n';
+    return count;
+}
+
+void LUTable::evaluateLUT() const
+{
+    vireloce::report() << "STAT | LUTable item #           = " << countEntries() << '\n';
 }
 
 bool LUTable::isConnectWithShapeID(Cell* cell, int32_t shape, const std::vector<int>& shapeIDs) const

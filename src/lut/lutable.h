@@ -72,6 +72,9 @@ public:
     /// Whether a shape of a cell is one of some shapes or touches one of them. Not part of a run.
     bool isConnectWithShapeID(Cell* cell, int32_t shape, const std::vector<int>& shapeIDs) const;
 
+    /// Number of entries of the table.
+    size_t countEntries() const;
+
     /// Prints the number of entries of the table.
     void evaluateLUT() const;
 

@@ -5,25 +5,30 @@
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
+#include <utility>
 #include <vector>
 
 namespace vireloce {
 
 namespace {
 
-std::ostream* s_report = nullptr;  ///< not owned; nullptr: standard output
-EndHandler s_endHandler = nullptr; ///< nullptr: std::exit(0)
+std::ostream* s_report = nullptr; ///< of the ReportScope, not owned; nullptr: there is none
+
+[[noreturn]] void end(const RunError& error)
+{
+    report() << error.what() << '\n';
+    report().flush();
+    if (s_report != nullptr) {
+        throw error;
+    }
+    std::exit(0);
+}
 
 } // namespace
 
 std::ostream& report()
 {
     return s_report != nullptr ? *s_report : std::cout;
-}
-
-void setReport(std::ostream* stream)
-{
-    s_report = stream;
 }
 
 void reportf(const char* format, ...)
@@ -43,26 +48,27 @@ void reportf(const char* format, ...)
     va_end(again);
 }
 
-EndHandler setEndHandler(EndHandler handler)
+ReportScope::ReportScope(std::ostream* target) : m_before(std::exchange(s_report, target)) {}
+
+ReportScope::~ReportScope()
 {
-    const EndHandler before = s_endHandler;
-    s_endHandler = handler;
-    return before;
+    s_report = m_before;
 }
 
 void endRun(const std::string& line)
 {
-    report() << line << '\n';
-    report().flush();
-    if (s_endHandler != nullptr) {
-        s_endHandler();
-    }
-    std::exit(0);
+    RunError error(line);
+    error.text = line.substr(line.find("| ") + 2);
+    end(error);
 }
 
 void endRunAt(const std::string& path, int64_t line, const std::string& what)
 {
-    endRun("ERROR| " + path + ":" + std::to_string(line) + ": " + what);
+    RunError error("ERROR| " + path + ":" + std::to_string(line) + ": " + what);
+    error.file = path;
+    error.line = line;
+    error.text = what;
+    end(error);
 }
 
 } // namespace vireloce

@@ -83,10 +83,9 @@ std::pair<Places, std::string> placed(uint32_t seed, int algo, bool graphs)
     random.design.algo = algo;
     const RoadGuard road(graphs);
     const test::ReportCapture capture;
-    const test::EndIntercept intercept;
     try {
         random.legalizer.solveDPlace();
-    } catch (const test::RunEnded&) {
+    } catch (const vireloce::RunError&) {
         return {{}, capture.text()};
     }
     return {random.places(), capture.text()};

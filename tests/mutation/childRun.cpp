@@ -67,8 +67,7 @@ double secondsOf(const timeval& time)
     setitimer(ITIMER_PROF, &cpuLimit, nullptr);
     alarm(10 * seconds);
     std::filesystem::current_path(place.folder);
-    vireloce::setEndHandler(
-        nullptr); // an early end is what the program does, whatever a test around it wants
+    const vireloce::ReportScope program(nullptr); // whatever a test around it wants
     body();
     std::exit(0); // not _exit(): the leak checker runs on the way out
 }

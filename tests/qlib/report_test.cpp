@@ -16,8 +16,7 @@ namespace {
 
 using vireloce::report;
 using vireloce::reportf;
-using vireloce::setEndHandler;
-using vireloce::setReport;
+using vireloce::ReportScope;
 
 /// Standard output of an action, as bytes of the process.
 template <class Action>
@@ -65,40 +64,42 @@ TEST(Report, KeepsProgramOrderWithWhatOthersPrint)
     EXPECT_EQ(text, "1\n2\n3\n4\n5\n6\n");
 }
 
-TEST(SetReport, RedirectTakesTheWholeReport)
+TEST(ReportScope, TakesTheWholeReport)
 {
     std::ostringstream target;
     const std::string left = standardOutputOf([&target] {
-        setReport(&target);
+        const ReportScope scope(&target);
         writeMixed();
-        setReport(nullptr);
     });
     EXPECT_EQ(target.str(), MIXED);
     EXPECT_EQ(left, "");
 }
 
-TEST(SetReport, TargetMayChangeBetweenTwoLines)
+TEST(ReportScope, GivesTheReportBackToTheScopeAroundIt)
 {
-    std::ostringstream first;
-    std::ostringstream second;
-    setReport(&first);
-    reportf("one\n");
-    setReport(&second);
-    report() << "two\n";
-    setReport(nullptr);
-    EXPECT_EQ(first.str(), "one\n");
-    EXPECT_EQ(second.str(), "two\n");
+    std::ostringstream outer;
+    std::ostringstream inner;
+    {
+        const ReportScope first(&outer);
+        reportf("one\n");
+        {
+            const ReportScope second(&inner);
+            report() << "two\n";
+        }
+        report() << "three\n";
+    }
+    EXPECT_EQ(outer.str(), "one\nthree\n");
+    EXPECT_EQ(inner.str(), "two\n");
     EXPECT_EQ(&report(), &std::cout);
 }
 
-TEST(SetReport, FormatOfTheTargetHoldsForStreamedTextAlone)
+TEST(ReportScope, FormatOfTheTargetHoldsForStreamedTextAlone)
 {
     std::ostringstream target;
-    setReport(&target);
+    const ReportScope scope(&target);
     report().width(6);
     reportf("%d\n", 7);
     report() << 8 << '\n';
-    setReport(nullptr);
     EXPECT_EQ(target.str(), "7\n     8\n");
 }
 
@@ -146,10 +147,10 @@ TEST(EndRun, PrintsTheLineWithALineEndAfterAllThatCameBefore)
     EXPECT_EQ(text, "STAT | before\nSTAT | formatted\nERROR| the end\n");
 }
 
-TEST(EndRun, InterceptedRunLeavesTheProcessAlive)
+TEST(EndRun, ThrownEndLeavesTheProcessAlive)
 {
     for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(test::reportOfEndedRun([] { vireloce::endRun("again"); }), "again\n");
+        EXPECT_EQ(test::reportOfEndedRun([] { vireloce::endRun("ERROR| again"); }), "ERROR| again\n");
     }
 }
 
@@ -166,15 +167,46 @@ protected:
     }
 };
 
-TEST(EndRun, LineIsFlushedBeforeTheHandlerIsCalled)
+TEST(EndRun, LineIsFlushedBeforeItIsThrown)
 {
     FlushedText text;
     std::ostream target(&text);
-    setReport(&target);
-    const test::EndIntercept intercept;
-    EXPECT_THROW(vireloce::endRun("ERROR| x"), test::RunEnded);
-    setReport(nullptr);
+    const ReportScope scope(&target);
+    EXPECT_THROW(vireloce::endRun("ERROR| x"), vireloce::RunError);
     EXPECT_EQ(text.flushed, "ERROR| x\n");
+}
+
+/// The error of an action that must end the run.
+template <class Action>
+vireloce::RunError errorOf(Action action)
+{
+    const test::ReportCapture capture;
+    try {
+        action();
+    } catch (const vireloce::RunError& error) {
+        EXPECT_EQ(capture.text(), error.what() + std::string("\n"));
+        return error;
+    }
+    ADD_FAILURE() << "the run went on";
+    return vireloce::RunError("");
+}
+
+TEST(RunError, HasFileLineAndText)
+{
+    const vireloce::RunError error = errorOf([] { vireloce::endRunAt("some/a.place", 12, "no x"); });
+    EXPECT_EQ(error.file, "some/a.place");
+    EXPECT_EQ(error.line, 12);
+    EXPECT_EQ(error.text, "no x");
+}
+
+TEST(RunError, FaultAtNoLineOfAFileHasItsTextWithoutTheTag)
+{
+    for (const char* tag : {"ERROR", "WARNING"}) {
+        const vireloce::RunError error = errorOf([tag] { vireloce::endRun(std::string(tag) + "| no | x"); });
+        EXPECT_EQ(error.file, "");
+        EXPECT_EQ(error.line, 0);
+        EXPECT_EQ(error.text, "no | x");
+    }
 }
 
 TEST(EndRunAt, NamesTheFileTheLineAndTheFault)
@@ -187,21 +219,6 @@ TEST(EndRunAt, LineNumberMayNeedMoreThan32Bits)
 {
     EXPECT_EQ(test::reportOfEndedRun([] { vireloce::endRunAt("f", 5000000000, "x"); }),
               "ERROR| f:5000000000: x\n");
-}
-
-TEST(SetEndHandler, ReturnsTheHandlerThatWasInForce)
-{
-    const auto first = [] { throw test::RunEnded{}; };
-    const auto second = [] { throw 5; };
-    const vireloce::EndHandler before = setEndHandler(nullptr);
-    EXPECT_EQ(setEndHandler(first), nullptr);
-    EXPECT_EQ(setEndHandler(second), first);
-    {
-        const test::ReportCapture quiet;
-        EXPECT_THROW(vireloce::endRun("x"), int);
-    }
-    EXPECT_EQ(setEndHandler(nullptr), second);
-    EXPECT_EQ(setEndHandler(before), nullptr);
 }
 
 /// What a process printed, and how it ended.
@@ -224,7 +241,7 @@ Ended inChild(Action action)
         dup2(ends[1], STDOUT_FILENO);
         close(ends[0]);
         close(ends[1]);
-        setEndHandler(nullptr);
+        const ReportScope program(nullptr);
         action();
         _exit(99);
     }
@@ -247,39 +264,6 @@ TEST(EndRun, EndsTheProcessWithStatus0AndAWholeReport)
     EXPECT_TRUE(WIFEXITED(ended.status));
     EXPECT_EQ(WEXITSTATUS(ended.status), 0);
     EXPECT_EQ(ended.output, std::string(MIXED) + "ERROR| over\n");
-}
-
-TEST(EndRun, RedirectedReportEndsTheProcessWithStatus0Too)
-{
-    const Ended ended = inChild([] {
-        std::ostringstream target;
-        setReport(&target);
-        vireloce::endRun("ERROR| over");
-    });
-    EXPECT_TRUE(WIFEXITED(ended.status));
-    EXPECT_EQ(WEXITSTATUS(ended.status), 0);
-    EXPECT_EQ(ended.output, "");
-}
-
-TEST(SetEndHandler, NullptrMeansTheEndOfTheProcessAgain)
-{
-    const Ended ended = inChild([] {
-        setEndHandler([] { std::_Exit(7); });
-        setEndHandler(nullptr);
-        vireloce::endRun("x");
-    });
-    EXPECT_EQ(WEXITSTATUS(ended.status), 0);
-    EXPECT_EQ(ended.output, "x\n");
-}
-
-TEST(SetEndHandler, HandlerMayEndTheProcessItsOwnWay)
-{
-    const Ended ended = inChild([] {
-        setEndHandler([] { std::_Exit(7); });
-        vireloce::endRun("x");
-    });
-    EXPECT_EQ(WEXITSTATUS(ended.status), 7);
-    EXPECT_EQ(ended.output, "x\n");
 }
 
 } // namespace

@@ -18,15 +18,7 @@ namespace test {
 /// Starts with every parameter at its built-in value and restores what was there before.
 class ParameterGuard {
 public:
-    ParameterGuard()
-    {
-        SITE_WIDTH = 190;
-        SITE_HEIGHT = 1900;
-        MINDPLDIST = 185;
-        WEIGHT_WRLENG = 1.4F;
-        LDP_M = 8;
-        LDP_K = 0;
-    }
+    ParameterGuard() { vireloce::setParameters({}); }
 
 private:
     vireloce::ParameterScope m_before;
@@ -35,31 +27,12 @@ private:
 /// Collects the report while it lives.
 class ReportCapture {
 public:
-    ReportCapture() { vireloce::setReport(&m_text); }
-    ~ReportCapture() { vireloce::setReport(nullptr); }
-    ReportCapture(const ReportCapture&) = delete;
-    ReportCapture& operator=(const ReportCapture&) = delete;
-
     /// The report so far.
     std::string text() const { return m_text.str(); }
 
 private:
     std::ostringstream m_text;
-};
-
-/// Thrown in place of the end of the process.
-struct RunEnded {};
-
-/// Turns the end of a run into RunEnded while it lives.
-class EndIntercept {
-public:
-    EndIntercept() : m_before(vireloce::setEndHandler([] { throw RunEnded{}; })) {}
-    ~EndIntercept() { vireloce::setEndHandler(m_before); }
-    EndIntercept(const EndIntercept&) = delete;
-    EndIntercept& operator=(const EndIntercept&) = delete;
-
-private:
-    vireloce::EndHandler m_before;
+    vireloce::ReportScope m_scope{&m_text};
 };
 
 /// The report of an action that must end the run; a failure if it does not.
@@ -67,11 +40,10 @@ template <class Action>
 std::string reportOfEndedRun(Action action)
 {
     const ReportCapture capture;
-    const EndIntercept intercept;
     bool ended = false;
     try {
         action();
-    } catch (const RunEnded&) {
+    } catch (const vireloce::RunError&) {
         ended = true;
     }
     EXPECT_TRUE(ended) << "the run went on";
@@ -83,10 +55,9 @@ template <class Action>
 std::string reportOf(Action action)
 {
     const ReportCapture capture;
-    const EndIntercept intercept;
     try {
         action();
-    } catch (const RunEnded&) {
+    } catch (const vireloce::RunError&) {
         ADD_FAILURE() << "the run ended: " << capture.text();
     }
     return capture.text();

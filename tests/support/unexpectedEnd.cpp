@@ -3,22 +3,18 @@
 // and pass for a test that went well.
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <cstdlib>
+#include <iostream>
+#include <optional>
 
 #include "qlib/report.h"
 
 namespace {
 
 class UnexpectedEnd : public testing::Environment {
-    void SetUp() override
-    {
-        vireloce::setEndHandler([] {
-            std::fputs("a run ended outside of a test that expects it\n", stderr);
-            std::abort();
-        });
-    }
-    void TearDown() override { vireloce::setEndHandler(nullptr); }
+    void SetUp() override { m_scope.emplace(&std::cout); }
+    void TearDown() override { m_scope.reset(); }
+
+    std::optional<vireloce::ReportScope> m_scope; ///< throws what ends a run
 };
 
 [[maybe_unused]] const testing::Environment* const UNEXPECTED_END =

@@ -1,52 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// A program on top of the installed library: it takes the report into a string, and goes on where the placer
-// itself would end the process.
+// A program on top of the installed library: options and results are values, and an error is an exception.
 #include <iostream>
 #include <sstream>
 #include <string>
-#include <vector>
 
-#include "vireloce/app/driver.h"
-#include "vireloce/db/design.h"
-#include "vireloce/qlib/report.h"
-
-namespace {
-
-/// Thrown in place of the end of the process.
-struct RunEnded {};
-
-/// A run and what came of it.
-struct Run {
-    std::string report;
-    bool ended = false; ///< whether an error ended the run
-};
-
-Run place(std::vector<std::string> words)
-{
-    words.insert(words.begin(), "consumer");
-    std::vector<char*> argv;
-    for (std::string& word : words) {
-        argv.push_back(word.data());
-    }
-    Run run;
-    std::ostringstream report;
-    vireloce::setReport(&report);
-    try {
-        vireloce::runPlacer(static_cast<int>(argv.size()), argv.data());
-    } catch (const RunEnded&) {
-        run.ended = true;
-    }
-    vireloce::setReport(nullptr);
-    run.report = report.str();
-    return run;
-}
-
-bool has(const Run& run, const std::string& text)
-{
-    return run.report.find(text) != std::string::npos;
-}
-
-} // namespace
+#include "vireloce/app/place.h"
 
 int main(int argc, char** argv)
 {
@@ -55,22 +13,32 @@ int main(int argc, char** argv)
         return 1;
     }
     const std::string examples = argv[1];
-    vireloce::setEndHandler([] { throw RunEnded{}; });
-
-    const Run missing = place({"-inlib", "no/such"});
-    const Run gcd =
-        place({"-inlib", examples + "/gcd/gcd", "-cellPath", examples + "/nangate45_color", "-algo", "0"});
-
     int faults = 0;
-    const auto require = [&faults](bool rule, const char* text, const Run& run) {
+    const auto require = [&faults](bool rule, const char* text) {
         if (!rule) {
-            std::cout << "NOT TRUE: " << text << '\n' << run.report;
+            std::cout << "NOT TRUE: " << text << '\n';
             ++faults;
         }
     };
-    require(missing.ended, "a missing design ends the run", missing);
-    require(has(missing, "ERROR| cannot open file: no/such.place\n"), "the string has the error", missing);
-    require(!gcd.ended, "a good design runs to its regular end", gcd);
-    require(has(gcd, "STAT | final HPWL               = 4267250\n"), "the string has the report", gcd);
+
+    vireloce::PlaceOptions options;
+    options.placePath = "no/such";
+    try {
+        vireloce::place(options);
+        require(false, "a missing design ends the run");
+    } catch (const vireloce::RunError& error) {
+        require(error.text == "cannot open file: no/such.place", "the error says what is wrong");
+    }
+
+    options.placePath = examples + "/gcd/gcd";
+    options.cellPath = examples + "/nangate45_color";
+    std::ostringstream report;
+    vireloce::PlaceHooks hooks;
+    hooks.report = &report;
+    const vireloce::PlaceResult result = vireloce::place(options, hooks);
+    require(result.end.hpwl == 4267250, "the result has the numbers of the report");
+    require(result.components.size() == result.setUp.components, "the result has every component");
+    require(report.str().find("STAT | final HPWL               = 4267250\n") != std::string::npos,
+            "the stream has the report");
     return faults == 0 ? 0 : 1;
 }

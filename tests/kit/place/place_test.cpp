@@ -157,13 +157,21 @@ TEST_F(KitPlace, JsonSaysWhatTheReportSays)
 {
     const KitOutcome outcome = place({"--algo", "1"});
     const json report = result()["report"];
-    for (const char* label : {"final HPWL", "final stitch   #", "max site # on rows", "LUTable item #"}) {
-        const std::regex line("STAT \\| " + std::string(label) + " *= ([0-9]+)\n");
+    static const std::regex s_line("STAT \\| (.*[^ ]) *= +(-?[0-9.]+).*");
+    static const std::regex s_blanks(" +");
+    size_t figures = 0;
+    std::istringstream lines(outcome.output);
+    for (std::string line; std::getline(lines, line);) {
         std::smatch match;
-        ASSERT_TRUE(std::regex_search(outcome.output, match, line)) << label;
-        const std::string key = std::regex_replace(std::string(label), std::regex(" +"), " ");
-        EXPECT_EQ(std::to_string(report[key].get<int64_t>()), match[1].str()) << label;
+        if (std::regex_match(line, match, s_line)) {
+            const std::string label = std::regex_replace(match[1].str(), s_blanks, " ");
+            ASSERT_TRUE(report.contains(label)) << label;
+            EXPECT_EQ(report[label].get<double>(), std::stod(match[2].str())) << label;
+            ++figures;
+        }
     }
+    EXPECT_EQ(figures, 18U);
+    EXPECT_EQ(report.size(), figures);
     EXPECT_EQ(result()["placement"]["hpwl"], report["final HPWL"]);
     EXPECT_EQ(result()["placement"]["stitches"], report["final stitch #"]);
     EXPECT_EQ(result()["placement"]["conflicts"], report["final conflict #"]);
@@ -286,6 +294,19 @@ TEST_F(KitRescue, ACellMovedIntoAnEmptySegmentIsDroppedAndFoundAPlace)
     const KitOutcome verify = runKit({"verify", m_dir.path("o.place"), "--colors", m_dir.path("o.colors"),
                                       "--cell-path", m_dir.path("lib")});
     EXPECT_EQ(verify.status, 0) << verify.output;
+}
+
+TEST_F(KitRescue, ARunWithoutAPlacementLeavesItsSetUpAlone)
+{
+    components(std::vector<std::pair<int, int>>(5, {0, 0})); // 25 sites in 20, and the method moves none out
+    const KitOutcome outcome = place({"--rescue", "--algo", "2"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.output.find("ERROR| cannot solve the placement"), std::string::npos) << outcome.output;
+    EXPECT_EQ(result()["complete"], false);
+    EXPECT_EQ(result()["report"]["component #"], 5);
+    EXPECT_EQ(result()["report"].size(), 13U) << "the figures of the set-up";
+    EXPECT_EQ(result()["placement"], nullptr);
+    EXPECT_FALSE(std::filesystem::exists(m_dir.path("o.place")));
 }
 
 TEST_F(KitRescue, NeighboursMakeRoom)
