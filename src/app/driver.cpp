@@ -46,6 +46,7 @@ int runPlacer(int argc, const char* const* argv)
     PlaceOptions options;
     PlaceHooks hooks;
     hooks.report = &report();
+    hooks.reportOnly = true;
     try {
         if (beginReport(argc, argv, options)) {
             place(options, hooks);

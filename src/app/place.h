@@ -29,6 +29,7 @@ struct FinalFigures {
     int32_t stitches = 0;       ///< of the components in segments
     int32_t conflicts = 0;      ///< neighbours in a segment that are too close, as the placer counts
 
+    /// Whether all figures are equal.
     bool operator==(const FinalFigures&) const = default;
 };
 
@@ -37,6 +38,7 @@ struct Pass {
     int32_t overfull = 0; ///< segments that components had to be moved out of
     int32_t movedOut = 0; ///< components moved out
 
+    /// Whether both counts are equal.
     bool operator==(const Pass&) const = default;
 };
 
@@ -48,6 +50,7 @@ struct PlacedComponent {
     int32_t siteX = 0;    ///< sites from the left end of its segment
     int32_t solution = 0; ///< index of its colour solution
 
+    /// Whether names, places and solutions are equal.
     bool operator==(const PlacedComponent&) const = default;
 };
 
@@ -66,6 +69,10 @@ struct PlaceResult {
 /// They see the design with all its names and indices. The result is as complete as the run is.
 struct PlaceHooks {
     std::ostream* report = nullptr; ///< where the report goes, not owned; nullptr: nowhere
+
+    /// Whether nothing but the report is wanted. Then PlaceResult::end and PlaceResult::components stay
+    /// empty, which would take some hundredths of the time of a large design.
+    bool reportOnly = false;
 
     std::function<void(Design&, const PlaceResult&)> afterSetUp;         ///< before the first pass
     std::function<void(const Progress&, const PlaceResult&)> onProgress; ///< after every segment of a pass

@@ -22,6 +22,7 @@ struct SetUpFigures {
     int64_t hpwl = 0;             ///< wirelength before the placement, DBU
     int32_t stitchLowerBound = 0; ///< sum over the components of the fewest stitches of their cells
 
+    /// Whether all figures are equal.
     bool operator==(const SetUpFigures&) const = default;
 };
 

@@ -34,6 +34,7 @@ public:
     /// Puts back what was in force.
     ~ReportScope();
 
+    /// Not copied: one puts it back.
     ReportScope(const ReportScope&) = delete;
     ReportScope& operator=(const ReportScope&) = delete;
 

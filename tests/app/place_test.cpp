@@ -140,6 +140,19 @@ TEST(Place, ReportIsThatOfTheProgramBehindTheOptions)
     EXPECT_EQ(told.report, whole.substr(begin));
 }
 
+TEST(Place, OfAReportOnlyTheResultEndsWithThePasses)
+{
+    std::ostringstream text;
+    PlaceHooks hooks;
+    hooks.report = &text;
+    hooks.reportOnly = true;
+    const PlaceResult result = place(gcd(), hooks);
+    EXPECT_EQ(test::withoutTimes(text.str()), Told(gcd()).report);
+    EXPECT_EQ(result.passes, Told(gcd()).result.passes);
+    EXPECT_EQ(result.end, vireloce::FinalFigures());
+    EXPECT_TRUE(result.components.empty());
+}
+
 TEST(Place, WithoutAStreamNothingIsPrinted)
 {
     const DesignFiles files;
