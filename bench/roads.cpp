@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Places a design once, on one of the roads of the segment solver, and says what it took.
 //
-// Usage: bench_roads BASE CELL_DIR ALGO fast|graph
+// Usage: bench_roads BASE CELL_DIR ALGO fast|graph [WEIGHT [RANGE]]
 //
 // Prints one line of JSON: seconds of user CPU and wall time for the set-up and for the placement, peak
 // memory in KiB, and a hash of the figures with every position, or of the error that ended the run. The same
@@ -45,12 +45,18 @@ std::string hashOf(const vireloce::PlaceResult& result, const std::string& error
     return hash.text();
 }
 
-int run(char** argv)
+int run(int argc, char** argv)
 {
     vireloce::PlaceOptions options;
     options.placePath = argv[1];
     options.cellPath = argv[2];
     options.algo = std::atoi(argv[3]);
+    if (argc > 5) {
+        options.parameters.weight = std::strtof(argv[5], nullptr);
+    }
+    if (argc > 6) {
+        options.parameters.moveRange = std::atoi(argv[6]);
+    }
     SegLegalizer::s_useGraphs = std::string(argv[4]) == "graph";
     vireloce::PlaceResult result;
     long setUpPeak = 0;
@@ -79,9 +85,9 @@ int run(char** argv)
 
 int main(int argc, char** argv)
 {
-    if (argc != 5) {
-        std::fprintf(stderr, "usage: bench_roads BASE CELL_DIR ALGO fast|graph\n");
+    if (argc < 5 || argc > 7) {
+        std::fprintf(stderr, "usage: bench_roads BASE CELL_DIR ALGO fast|graph [WEIGHT [RANGE]]\n");
         return 2;
     }
-    return run(argv);
+    return run(argc, argv);
 }

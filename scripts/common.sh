@@ -84,13 +84,17 @@ install_missing() {
     ((${#missing[@]} == 0)) || install_packages "${missing[@]}"
 }
 
-# Builds the release build's vireloce-kit if it is not there, unless VIRELOCE_BIN says where programs are.
-need_kit() {
-    if [[ -z ${VIRELOCE_BIN-} && ! -x build/release/bin/vireloce-kit ]]; then
-        install_missing "${TEST_NEEDS[@]}"
-        quietly build/release/configure.log cmake --preset release
-        quietly build/release/build.log cmake --build --preset release --target vireloce-kit
-    fi
+# Builds some programs of the release build if one is not there, unless VIRELOCE_BIN says where programs are.
+need_programs() {
+    local program
+    for program in "$@"; do
+        if [[ -z ${VIRELOCE_BIN-} && ! -x build/release/bin/$program ]]; then
+            install_missing "${TEST_NEEDS[@]}"
+            quietly build/release/configure.log cmake --preset release
+            quietly build/release/build.log cmake --build --preset release --target "$@"
+            return
+        fi
+    done
 }
 
 # Runs a command with its output in a file, which is shown if the command fails.

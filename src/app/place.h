@@ -64,7 +64,7 @@ struct PlaceResult {
     std::vector<PlacedComponent> components; ///< file order
 };
 
-/// Where somebody may look on while the placer runs. The report is the same with them and without.
+/// What is called while the placer runs. The report is the same with them and without.
 ///
 /// They see the design with all its names and indices. The result is as complete as the run is.
 struct PlaceHooks {

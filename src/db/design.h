@@ -32,7 +32,7 @@ class Design {
 public:
     /// An empty design with the default paths; enters "N" and "FN" into Component::s_orientMap.
     Design();
-    /// Deletes all records but the macros.
+    /// Deletes all records.
     ~Design();
     /// Not copied: it owns its records.
     Design(const Design&) = delete;

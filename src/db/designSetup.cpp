@@ -17,12 +17,6 @@ namespace {
 constexpr int32_t SMALLEST = std::numeric_limits<int32_t>::min();
 constexpr int32_t LARGEST = std::numeric_limits<int32_t>::max();
 
-/// x of a segment's right end, DBU.
-int32_t rightEnd(const Segment& segment)
-{
-    return segment.x + segment.numSites * SITE_WIDTH;
-}
-
 void warnUnassigned(const Component& comp)
 {
     vireloce::report() << "WARNING| cannot assign component: " << comp.name << '(' << comp.cellName << ")| ("
@@ -133,7 +127,7 @@ void Design::initSegments()
             segment->numSites = numSites;
             segments.push_back(segment);
             row->segments.push_back(segment);
-            qLib::insertItem(segmentTree, segment, segment->x, segment->y, rightEnd(*segment),
+            qLib::insertItem(segmentTree, segment, segment->x, segment->y, segment->rightEnd(SITE_WIDTH),
                              segment->y + SITE_HEIGHT);
         }
     }
@@ -205,7 +199,7 @@ void Design::initDesignBound()
     boundXh = boundYh = SMALLEST;
     for (const Segment* segment : segments) {
         boundXl = std::min(boundXl, segment->x);
-        boundXh = std::max(boundXh, rightEnd(*segment));
+        boundXh = std::max(boundXh, segment->rightEnd(SITE_WIDTH));
         boundYl = std::min(boundYl, segment->y);
         boundYh = std::max(boundYh, segment->y + SITE_HEIGHT);
     }

@@ -13,4 +13,7 @@ struct Segment {
     int32_t x = 0;                    ///< left end, DBU
     int32_t y = 0;                    ///< bottom edge, DBU, that of its row
     int32_t numSites = 0;             ///< capacity, sites
+
+    /// x of its right end, DBU.
+    int32_t rightEnd(int32_t siteWidth) const { return x + numSites * siteWidth; }
 };

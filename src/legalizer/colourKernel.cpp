@@ -17,7 +17,7 @@ std::span<const int32_t> ColourKernel::solve(int32_t first, std::span<const Pair
     std::fill_n(m_values.begin(), first, 0);
     int32_t* layer = m_values.data();
     for (const PairCosts& pair : pairs) {
-        fall(pair, layer, layer + pair.numLeft);
+        relax(pair, layer, layer + pair.numLeft);
         layer += pair.numLeft;
     }
 
@@ -43,8 +43,7 @@ std::span<const int32_t> ColourKernel::solve(int32_t first, std::span<const Pair
     return m_solutions;
 }
 
-/// Values of a component's solutions from those of its left neighbour.
-void ColourKernel::fall(const PairCosts& pair, const int32_t* before, int32_t* out) const
+void ColourKernel::relax(const PairCosts& pair, const int32_t* before, int32_t* out) const
 {
     std::fill_n(out, pair.numRight, INFINITE_COST);
     const int32_t* costs = pair.costs;

@@ -17,10 +17,10 @@ struct PairCosts {
 
 /// The cheapest solutions of a row of components, as SegLegalizer::solveTPL_DP() finds them in its graph.
 ///
-/// Values are enough: every solution can be reached from those of the left neighbour in their order, and of
-/// equals the last wins, so that its predecessor is the highest index whose value and cost add up to its own;
-/// there is none if the value is the start value, dearer than which no way is taken. This holds for all
-/// costs, with sums that wrap around.
+/// Values are enough. A solution can be reached from those of the left neighbour in their order, and of
+/// equals the last wins. So its predecessor is the highest index whose value and cost add up to its own. The
+/// start value is an upper bound: a way that costs more is dropped, and a solution to which no other way
+/// leads has no predecessor. This holds for all costs, with sums that wrap around.
 class ColourKernel {
 public:
     /// Finds them.
@@ -32,10 +32,13 @@ public:
     std::span<const int32_t> solve(int32_t first, std::span<const PairCosts> pairs);
 
 private:
-    void fall(const PairCosts& pair, const int32_t* before, int32_t* out) const;
+    /// Values of a component's solutions from those of its left neighbour.
+    void relax(const PairCosts& pair, const int32_t* before, int32_t* out) const;
+
+    /// The solution of the left neighbour that leads to a value, -1 if there is none.
     int32_t stepBefore(const PairCosts& pair, const int32_t* before, int32_t value, int32_t right) const;
 
-    std::vector<int32_t> m_values; ///< of the solutions of all components, one behind the other
+    std::vector<int32_t> m_values; ///< of the solutions of all components, one after the other
     std::vector<int32_t> m_solutions;
 };
 

@@ -1,205 +1,191 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The programs without their graphs: gather what a segment is made of, call a kernel, scatter the result.
+#include "legalizer/fastRoad.h"
+
 #include <algorithm>
+#include <cassert>
 
 #include "app/parameters.h"
 #include "db/design.h"
-#include "legalizer/legalizer.h"
-#include "legalizer/segLegalizer.h"
-#include "legalizer/solverMemory.h"
-#include "qlib/exact.h"
+#include "legalizer/stretch.h"
 
-using vireloce::SolverMemory;
+namespace vireloce {
 
-bool SegLegalizer::s_useGraphs = false;
-
-SolverMemory& SegLegalizer::solverMemory()
+FastRoad::FastRoad(Design& design)
+    : m_design(design), m_siteWidth(SITE_WIDTH), m_weight(WEIGHT_WRLENG), m_numSolutions(LDP_K),
+      m_mirror(design), m_gaps(design.lut, SITE_WIDTH), m_pairCosts(design.lut, m_gaps, WEIGHT_WRLENG),
+      m_marks(m_mirror.numNets())
 {
-    if (legalizer->memory != nullptr) {
-        return *legalizer->memory;
-    }
-    m_ownMemory = std::make_unique<SolverMemory>(design()); // outside a placement anything may have changed
-    return *m_ownMemory;
 }
 
-void SegLegalizer::gather(SolverMemory& memory) const
+const Cell& FastRoad::cellOf(const Component& comp) const
 {
-    vireloce::SegmentData& data = memory.segment;
-    data.numSites = segment->numSites;
-    data.comps.assign(segment->components.begin(), segment->components.end());
-    data.width.clear();
-    for (const Component* comp : data.comps) {
-        data.width.push_back(cellOf(*comp).siteWidth);
-    }
-    memory.terms.prepare(WEIGHT_WRLENG, segment->numSites);
-    gatherLeftEnds(memory);
-    gatherRightEnds(memory);
+    return m_design.cellOf(comp);
 }
 
-void SegLegalizer::gatherSolutions(SolverMemory& memory) const
+void FastRoad::gather(const Segment& segment)
 {
-    memory.behind.clear();
-    memory.stitches.clear();
+    m_segment.numSites = segment.numSites;
+    m_segment.comps.assign(segment.components.begin(), segment.components.end());
+    m_segment.width.clear();
+    for (const Component* comp : m_segment.comps) {
+        m_segment.width.push_back(cellOf(*comp).siteWidth);
+    }
+    gatherLeftEnds(segment);
+    gatherRightEnds();
+    // An end may lie behind the segment by the rounding of large coordinates.
+    m_segment.farthest = segment.numSites;
+    for (const int32_t left : m_segment.leftEnds) {
+        m_segment.farthest = std::max(m_segment.farthest, left);
+    }
+    m_terms.prepare(m_weight, m_segment.farthest);
+}
+
+void FastRoad::gatherSolutions()
+{
+    m_gapsToLeft.clear();
+    m_stitches.clear();
     const Component* left = nullptr;
-    for (const Component* comp : memory.segment.comps) {
-        memory.stitches.emplace_back(cellOf(*comp).stitchNums);
-        memory.behind.push_back(left == nullptr ? nullptr
-                                                : &memory.spacings.between(left->cellIdx, comp->cellIdx));
+    for (const Component* comp : m_segment.comps) {
+        m_stitches.emplace_back(cellOf(*comp).stitchNums);
+        m_gapsToLeft.push_back(left == nullptr ? nullptr : &m_gaps.between(left->cellIdx, comp->cellIdx));
         left = comp;
     }
 }
 
-void SegLegalizer::gatherChosen(SolverMemory& memory) const
+void FastRoad::gatherChosen()
 {
-    static constexpr int32_t ONLY_COLUMN = 0;
-    const std::vector<Component*>& comps = memory.segment.comps;
-    memory.chosen.resize(comps.size());
-    memory.behind.clear();
-    memory.stitches.clear();
+    static constexpr int32_t ONLY_CLASS = 0;
+    const std::vector<Component*>& comps = m_segment.comps;
+    m_chosen.resize(comps.size());
+    m_gapsToLeft.clear();
+    m_stitches.clear();
     const Component* left = nullptr;
     for (size_t q = 0; q < comps.size(); ++q) {
         const Component& comp = *comps[q];
-        SolverMemory::Chosen& chosen = memory.chosen[q];
+        Chosen& chosen = m_chosen[q];
         chosen.stitches = cellOf(comp).stitchesOf(comp.solution);
-        chosen.sites = left == nullptr ? 0 : design().safeSites(*left, left->solution, comp, comp.solution);
-        chosen.spacing = {.least = chosen.sites,
-                          .most = chosen.sites,
-                          .numColumns = 1,
-                          .columnOf = &ONLY_COLUMN,
-                          .sites = &chosen.sites};
-        memory.stitches.emplace_back(&chosen.stitches, 1);
-        memory.behind.push_back(&chosen.spacing);
+        chosen.gap = left == nullptr ? 0 : m_design.safeSites(*left, left->solution, comp, comp.solution);
+        chosen.gaps = {.least = chosen.gap,
+                       .most = chosen.gap,
+                       .numClasses = 1,
+                       .classOf = &ONLY_CLASS,
+                       .gaps = &chosen.gap};
+        m_stitches.emplace_back(&chosen.stitches, 1);
+        m_gapsToLeft.push_back(&chosen.gaps);
         left = &comp;
     }
 }
 
-void SegLegalizer::gatherLeftEnds(SolverMemory& memory) const
+void FastRoad::gatherLeftEnds(const Segment& segment)
 {
-    vireloce::SegmentData& data = memory.segment;
-    const vireloce::Stretch stretch{segment->y, segment->x, segment->x + SITE_WIDTH * segment->numSites};
-    ++memory.solved;
-    memory.touched.clear();
-    data.leftEnds.clear();
-    data.leftEndBegin.clear();
-    for (int32_t q = 0; q < data.size(); ++q) {
-        data.leftEndBegin.push_back(static_cast<int32_t>(data.leftEnds.size()));
-        for (const int32_t net : memory.mirror.netsOf(data.comps[static_cast<size_t>(q)]->id)) {
-            SolverMemory::Mark& mark = memory.marks[static_cast<size_t>(net)];
-            if (mark.segment != memory.solved) {
-                const auto [left, right] = clampedRange(memory.mirror.outside(net, stretch));
-                mark = {memory.solved, static_cast<int32_t>(memory.touched.size())};
-                memory.touched.push_back({.rightEnd = right});
+    const Stretch stretch(segment, m_siteWidth);
+    ++m_gathered;
+    m_touched.clear();
+    m_segment.leftEnds.clear();
+    m_segment.leftEndBegin.clear();
+    for (int32_t q = 0; q < m_segment.size(); ++q) {
+        m_segment.leftEndBegin.push_back(static_cast<int32_t>(m_segment.leftEnds.size()));
+        for (const int32_t net : m_mirror.netsOf(m_segment.comps[static_cast<size_t>(q)]->id)) {
+            Mark& mark = m_marks[static_cast<size_t>(net)];
+            if (mark.segment != m_gathered) {
+                const auto [left, right] = stretch.sitesOf(m_mirror.outside(net, stretch));
+                mark = {m_gathered, static_cast<int32_t>(m_touched.size())};
+                m_touched.push_back({.rightEnd = right});
                 if (left >= 0) {
-                    data.leftEnds.push_back(left);
+                    m_segment.leftEnds.push_back(left);
                 }
             }
-            memory.touched[static_cast<size_t>(mark.touched)].rightmost = q;
+            m_touched[static_cast<size_t>(mark.touched)].rightmost = q;
         }
     }
-    data.leftEndBegin.push_back(static_cast<int32_t>(data.leftEnds.size()));
+    m_segment.leftEndBegin.push_back(static_cast<int32_t>(m_segment.leftEnds.size()));
 }
 
-void SegLegalizer::gatherRightEnds(SolverMemory& memory)
+void FastRoad::gatherRightEnds()
 {
-    vireloce::SegmentData& data = memory.segment;
-    data.rightEnds.clear();
-    data.rightEndBegin.clear();
-    for (int32_t q = 0; q < data.size(); ++q) {
-        data.rightEndBegin.push_back(static_cast<int32_t>(data.rightEnds.size()));
-        for (const int32_t net : memory.mirror.netsOf(data.comps[static_cast<size_t>(q)]->id)) {
-            SolverMemory::Touched& touched =
-                memory.touched[static_cast<size_t>(memory.marks[static_cast<size_t>(net)].touched)];
+    m_segment.rightEnds.clear();
+    m_segment.rightEndBegin.clear();
+    for (int32_t q = 0; q < m_segment.size(); ++q) {
+        m_segment.rightEndBegin.push_back(static_cast<int32_t>(m_segment.rightEnds.size()));
+        for (const int32_t net : m_mirror.netsOf(m_segment.comps[static_cast<size_t>(q)]->id)) {
+            Touched& touched = m_touched[static_cast<size_t>(m_marks[static_cast<size_t>(net)].touched)];
             if (touched.rightmost != q) {
                 continue;
             }
             touched.rightmost = -1; // its other memberships of the net do not count
             if (touched.rightEnd >= 0) {
-                data.rightEnds.push_back(touched.rightEnd);
+                m_segment.rightEnds.push_back(touched.rightEnd);
             }
         }
     }
-    data.rightEndBegin.push_back(static_cast<int32_t>(data.rightEnds.size()));
+    m_segment.rightEndBegin.push_back(static_cast<int32_t>(m_segment.rightEnds.size()));
 }
 
-void SegLegalizer::colourFast()
+std::span<const int32_t> FastRoad::colour(const Segment& segment)
 {
-    SolverMemory& memory = solverMemory();
-    memory.costs.clear();
+    assert(!segment.components.empty());
+    m_costs.clear();
     const Component* left = nullptr;
-    for (const Component* comp : segment->components) {
+    for (const Component* comp : segment.components) {
         if (left != nullptr) {
-            memory.costs.push_back(memory.pairCosts.between(left->cellIdx, comp->cellIdx));
+            m_costs.push_back(m_pairCosts.between(left->cellIdx, comp->cellIdx));
         }
         left = comp;
     }
-    const auto solutions = memory.colouring.solve(numColours(*segment->components.front()), memory.costs);
-    auto solution = solutions.begin();
-    for (Component* comp : segment->components) {
-        if (*solution >= 0) {
-            comp->solution = *solution;
-        }
-        ++solution;
-    }
+    const auto first = static_cast<int32_t>(cellOf(*segment.components.front()).colors.size());
+    return m_colouring.solve(first, m_costs);
 }
 
-bool SegLegalizer::placeOrderedFast()
+FastRoad::GridPlaces FastRoad::placeOrdered(const Segment& segment)
 {
-    SolverMemory& memory = solverMemory();
-    postGreedyColorAssignment(); // a neighbour's colour decides the distance behind it
-    gather(memory);
-    gatherChosen(memory);
-    if (!memory.grid.solve({memory.segment, memory.behind, memory.stitches, memory.terms, UNREACHED_COST})) {
-        return false;
-    }
-    scatterGrid(memory, /*colours=*/false);
-    return true;
+    gather(segment);
+    gatherChosen();
+    return solveGrid(ORDERED_UNREACHED, /*placesWaiting=*/true);
 }
 
-bool SegLegalizer::placeJointFast()
+FastRoad::GridPlaces FastRoad::placeJoint(const Segment& segment)
 {
-    SolverMemory& memory = solverMemory();
-    gather(memory);
-    gatherSolutions(memory);
-    if (!memory.grid.solve(
-            {memory.segment, memory.behind, memory.stitches, memory.terms, vireloce::INFINITE_COST})) {
-        return false;
-    }
-    scatterGrid(memory, /*colours=*/true);
-    return true;
+    gather(segment);
+    gatherSolutions();
+    return solveGrid(INFINITE_COST, /*placesWaiting=*/false);
 }
 
-void SegLegalizer::scatterGrid(const SolverMemory& memory, bool colours) const
+FastRoad::GridPlaces FastRoad::solveGrid(int32_t unreached, bool placesWaiting)
 {
-    for (size_t q = 0; q < memory.segment.comps.size(); ++q) {
-        Component& comp = *memory.segment.comps[q];
-        const vireloce::GridPlace& place = memory.grid.places()[q];
-        placeAt(comp, place.site < 0 ? segment->numSites : place.site);
-        if (colours && place.site >= 0) {
-            comp.solution = place.solution;
-        }
+    assert(m_segment.numSites >= 0 && m_segment.size() > 0);
+    const GridProblem problem{m_segment, m_gapsToLeft, m_stitches, m_terms, unreached, placesWaiting};
+    if (m_grid.solve(problem)) {
+        ++m_taken.grid;
+        return m_grid.places();
     }
+    if (m_fullGrid.solve(problem)) {
+        ++m_taken.fullGrid;
+        return m_fullGrid.places();
+    }
+    return std::nullopt;
 }
 
-std::optional<bool> SegLegalizer::shiftFast(int32_t firstShift, int32_t numShifts, bool prune)
+FastRoad::ShiftPlaces FastRoad::shift(const Segment& segment, int32_t firstShift, int64_t numShifts,
+                                      bool prune)
 {
-    SolverMemory& memory = solverMemory();
-    gather(memory);
-    gatherSolutions(memory);
-    memory.sites.clear();
-    for (size_t q = 0; q < memory.segment.comps.size(); ++q) {
-        memory.sites.push_back(memory.segment.comps[q]->siteX);
-        std::span<const int32_t>& stitches = memory.stitches[q];
-        stitches = stitches.first(std::min(stitches.size(), static_cast<size_t>(std::max(LDP_K, 0))));
+    assert(!segment.components.empty());
+    gather(segment);
+    gatherSolutions();
+    m_leftEnds.clear();
+    for (const Component* comp : m_segment.comps) {
+        m_leftEnds.push_back(comp->siteX);
     }
-    if (!memory.shifts.solve({memory.segment, memory.behind, memory.stitches, memory.sites, memory.terms,
-                              firstShift, numShifts, prune})) {
-        return std::nullopt;
+    const ShiftProblem problem{m_segment,      m_gapsToLeft, m_stitches, m_leftEnds, m_weight,
+                               m_numSolutions, firstShift,   numShifts,  prune};
+    if (m_shifts.solve(problem)) {
+        ++m_taken.shift;
+        return m_shifts.places();
     }
-    for (size_t q = 0; q < memory.shifts.places().size(); ++q) {
-        Component& comp = *memory.segment.comps[q];
-        const vireloce::ShiftPlace& place = memory.shifts.places()[q];
-        placeAt(comp, comp.siteX + firstShift + place.shift);
-        comp.solution = place.solution;
+    if (m_fullShifts.solve(problem)) {
+        ++m_taken.fullShift;
+        return m_fullShifts.places();
     }
-    return !memory.shifts.places().empty();
+    return std::nullopt;
 }
+
+} // namespace vireloce

@@ -6,8 +6,8 @@
 
 #include "app/parameters.h"
 #include "db/design.h"
+#include "legalizer/fastRoad.h"
 #include "legalizer/legalizer.h"
-#include "legalizer/solverMemory.h"
 #include "qlib/exact.h"
 
 bool byDeltaY(const MoveCandidate& a, const MoveCandidate& b)
@@ -29,7 +29,7 @@ bool Legalizer::globalMove(Segment* seg, int need)
         int x = 0;
         int y = 0;
         getOptimalPos(comp, x, y);
-        const int32_t sites = left == nullptr ? design->cellOf(*comp).siteWidth : sitesBehind(*left, *comp);
+        const int32_t sites = left == nullptr ? design->cellOf(*comp).siteWidth : sitesWithGap(*left, *comp);
         candidates.push_back({{x, y}, {comp, sites}});
         left = comp;
     }
@@ -129,8 +129,8 @@ int Legalizer::moveComponent(Component* c, int x, int y)
         c->x = x;
         c->siteX = vireloce::ceilSites(x - target->x, SITE_WIDTH);
         c->y = target->y;
-        if (memory != nullptr) {
-            memory->mirror.moved(*c);
+        if (fastRoad != nullptr) {
+            fastRoad->moved(*c);
         }
     }
     return 1;

@@ -106,21 +106,7 @@ myNode* SegLegalizer::getMyNode(int id)
 std::vector<int32_t> SegLegalizer::solveGrid(int32_t start)
 {
     const size_t count = nodeGrid.size() * nodeGrid[0].size() + 1;
-    std::vector<int32_t> dist(count, start);
-    std::vector<int32_t> pred(count, -1);
-    dist[0] = 0;
-    // Ids increase along every edge, so their order is a topological one. Required: a node that was never
-    // reached is relaxed like any other, and of equally cheap predecessors the last one wins.
-    for (size_t u = 0; u + 1 < count; ++u) {
-        const myNode* node = getMyNode(static_cast<int>(u));
-        for (const myEdge* edge : node->outEdges) {
-            const int32_t candidate = dist[u] + edge->cost;
-            const auto v = static_cast<size_t>(edge->to->id);
-            if (dist[v] >= candidate) {
-                dist[v] = candidate;
-                pred[v] = static_cast<int32_t>(u);
-            }
-        }
-    }
-    return pred;
+    return vireloce::cheapestPaths(count, start, [this, count](size_t u) {
+        return u + 1 < count ? getMyNode(static_cast<int>(u)) : endNode;
+    });
 }

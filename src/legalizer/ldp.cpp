@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The local shift program: every component moves a few sites and takes any of its colour solutions.
 #include <algorithm>
-#include <cstdlib>
-#include <limits>
-#include <utility>
 
 #include "app/parameters.h"
 #include "db/design.h"
+#include "legalizer/fastRoad.h"
 #include "legalizer/segLegalizer.h"
 #include "qlib/exact.h"
 
@@ -17,7 +15,8 @@ class SegLegalizer::LocalShift {
 public:
     explicit LocalShift(SegLegalizer& solver)
         : m_solver(solver), m_comps(solver.segment->components.begin(), solver.segment->components.end()),
-          m_colours(std::max(LDP_K, 0)), m_offsets(countOffsets()), m_firstShift(firstOffset())
+          m_colours(std::max(LDP_K, 0)), m_offsets(static_cast<int32_t>(countOffsets())),
+          m_firstShift(firstOffset())
     {
         const int64_t perComp = static_cast<int64_t>(m_colours) * m_offsets;
         m_states.resize(m_comps.size() * static_cast<size_t>(perComp));
@@ -74,13 +73,8 @@ public:
         return true;
     }
 
-    /// Number of shifts: none with a negative LDP_M; the largest integer, too many for a table, where 32 bits
-    /// do not hold it.
-    static int32_t countOffsets()
-    {
-        constexpr int64_t MOST = std::numeric_limits<int32_t>::max();
-        return static_cast<int32_t>(std::clamp<int64_t>(2 * int64_t{LDP_M} + 1, 0, MOST));
-    }
+    /// Number of shifts, none with a negative LDP_M.
+    static int64_t countOffsets() { return std::max<int64_t>(2 * int64_t{LDP_M} + 1, 0); }
 
     /// Leftmost shift, sites. Required: the shifts lean to the left, from -LDP_M - 1 to LDP_M - 1.
     static int32_t firstOffset() { return -LDP_M - 1; }
@@ -110,18 +104,12 @@ private:
     {
         Component* left = m_comps[i];
         Component* comp = m_comps[i + 1];
-        const int32_t dist = m_solver.design().safeSites(*left, a, *comp, b);
-        const bool wraps = mayWrap(*left, *comp, dist);
         for (int32_t from = 0; from < m_offsets; ++from) {
             const State& source = at(i, a, from);
             if (source.cost >= INFINITE_COST - 1 || source.pruned) {
                 continue;
             }
-            // A step that does not fit is added like any other. On top of a cost of 0 or more it is no less
-            // than INFINITE_COST and cannot win, so what fits is enough to look at.
-            const Range tos =
-                wraps || source.cost < 0 ? Range{0, m_offsets} : fitting(*left, from, *comp, dist);
-            for (int32_t to = tos.first; to < tos.second; ++to) {
+            for (int32_t to = 0; to < m_offsets; ++to) {
                 const int32_t step = m_solver.getLdpCost(left, a, shift(from), comp, b, shift(to));
                 State& target = at(i + 1, b, to);
                 if (step + source.cost < target.cost) { // of equals the first: not as in the graph programs
@@ -129,32 +117,6 @@ private:
                 }
             }
         }
-    }
-
-    using Range = std::pair<int32_t, int32_t>; ///< first offset index, and the one behind the last
-
-    /// Offset indices of a component that fit behind its left neighbour at one of its own.
-    Range fitting(const Component& left, int32_t from, const Component& comp, int32_t dist) const
-    {
-        const int32_t siteLeft = left.siteX + shift(from);
-        if (siteLeft < 0) {
-            return {0, 0};
-        }
-        const int32_t leastSite = siteLeft + m_solver.cellOf(left).siteWidth + dist;
-        const int32_t mostSite = m_solver.segment->numSites - m_solver.cellOf(comp).siteWidth;
-        const int32_t site = comp.siteX + shift(0);
-        return {std::clamp(leastSite - site, 0, m_offsets), std::clamp(mostSite - site + 1, 0, m_offsets)};
-    }
-
-    /// Whether numbers are so large that sums of them might leave 32 bits.
-    bool mayWrap(const Component& left, const Component& comp, int32_t dist) const
-    {
-        constexpr int64_t FAR = int64_t{1} << 28;
-        const int64_t farthest =
-            std::max({std::abs(int64_t{left.siteX}), std::abs(int64_t{comp.siteX}),
-                      int64_t{m_solver.cellOf(left).siteWidth}, int64_t{m_solver.cellOf(comp).siteWidth},
-                      int64_t{dist}, int64_t{m_solver.segment->numSites}, int64_t{m_offsets}});
-        return farthest >= FAR;
     }
 
     /// Marks what is dearer than a state of its colour further left. That one leaves at least as much room to
@@ -191,22 +153,7 @@ void SegLegalizer::solveLdpFast(int step)
 
 void SegLegalizer::solveLocalShift(int step, bool prune)
 {
-    const int64_t perComp = int64_t{std::max(LDP_K, 0)} * LocalShift::countOffsets();
-    requireSize(perComp); // or the product with the number of components might not fit
-    requireSize(static_cast<int64_t>(segment->components.size()) * perComp);
-
-    std::optional<bool> fits;
-    if (!s_useGraphs) {
-        fits = shiftFast(LocalShift::firstOffset(), LocalShift::countOffsets(), prune);
-    }
-    if (!fits.has_value()) {
-        initFLRs();
-        initLRIDs();
-        LocalShift program(*this);
-        program.fill(prune);
-        fits = program.writeBest();
-    }
-    if (*fits) {
+    if (s_useGraphs ? shiftByTable(prune) : shiftFast(prune)) {
         return;
     }
     if (step == 1) {
@@ -214,4 +161,38 @@ void SegLegalizer::solveLocalShift(int step, bool prune)
     } else {
         solveOSR();
     }
+}
+
+bool SegLegalizer::shiftFast(bool prune)
+{
+    if (segment->components.empty()) {
+        return false;
+    }
+    const auto places =
+        fastRoad().shift(*segment, LocalShift::firstOffset(), LocalShift::countOffsets(), prune);
+    if (!places.has_value()) {
+        endTooLarge("two neighbours do not fit into the solver's memory");
+    }
+    if (places->empty()) {
+        return false;
+    }
+    auto place = places->begin();
+    for (Component* comp : segment->components) {
+        placeAt(*comp, comp->siteX + place->shift);
+        comp->solution = place->solution;
+        ++place;
+    }
+    return true;
+}
+
+bool SegLegalizer::shiftByTable(bool prune)
+{
+    const int64_t perComp = int64_t{std::max(LDP_K, 0)} * LocalShift::countOffsets();
+    requireSize(perComp); // or the product with the number of components, or a table's index, might not fit
+    requireSize(static_cast<int64_t>(segment->components.size()) * perComp);
+    initFLRs();
+    initLRIDs();
+    LocalShift program(*this);
+    program.fill(prune);
+    return program.writeBest();
 }

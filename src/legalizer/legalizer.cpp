@@ -4,8 +4,8 @@
 #include <algorithm>
 
 #include "db/design.h"
+#include "legalizer/fastRoad.h"
 #include "legalizer/segLegalizer.h"
-#include "legalizer/solverMemory.h"
 #include "qlib/report.h"
 
 Legalizer::Legalizer(Design* placed) : design(placed) {}
@@ -17,16 +17,16 @@ bool byDec(const std::pair<float, int>& a, const std::pair<float, int>& b)
     return a.first > b.first;
 }
 
-/// Holds the solver's memory while a placement runs, also if its end is thrown.
-class Legalizer::MemoryScope {
+/// Holds the fast road while a placement runs, also if its end is thrown.
+class Legalizer::FastRoadScope {
 public:
-    explicit MemoryScope(Legalizer& owner) : m_owner(owner)
+    explicit FastRoadScope(Legalizer& owner) : m_owner(owner)
     {
-        m_owner.memory = std::make_unique<vireloce::SolverMemory>(*m_owner.design);
+        m_owner.fastRoad = std::make_unique<vireloce::FastRoad>(*m_owner.design);
     }
-    ~MemoryScope() { m_owner.memory.reset(); }
-    MemoryScope(const MemoryScope&) = delete;
-    MemoryScope& operator=(const MemoryScope&) = delete;
+    ~FastRoadScope() { m_owner.fastRoad.reset(); }
+    FastRoadScope(const FastRoadScope&) = delete;
+    FastRoadScope& operator=(const FastRoadScope&) = delete;
 
 private:
     Legalizer& m_owner;
@@ -34,7 +34,7 @@ private:
 
 void Legalizer::solveDPlace()
 {
-    const MemoryScope scope(*this);
+    const FastRoadScope scope(*this);
     passCount = 0;
     while (solvePass() > 0) {
     }
@@ -109,7 +109,7 @@ float Legalizer::getDensity(Segment* seg)
     return sites == 0 ? 0.0F : static_cast<float>(sites) / static_cast<float>(seg->numSites);
 }
 
-int32_t Legalizer::sitesBehind(const Component& left, const Component& comp) const
+int32_t Legalizer::sitesWithGap(const Component& left, const Component& comp) const
 {
     return design->safeSites(left, left.solution, comp, comp.solution) + design->cellOf(comp).siteWidth;
 }
@@ -119,7 +119,7 @@ int Legalizer::getColoredSiteNum(Segment* seg)
     const Component* left = seg->components.front();
     int32_t sites = design->cellOf(*left).siteWidth;
     for (auto it = std::next(seg->components.begin()); it != seg->components.end(); ++it) {
-        sites += sitesBehind(*left, **it);
+        sites += sitesWithGap(*left, **it);
         left = *it;
     }
     return sites;

@@ -14,7 +14,7 @@ struct Component;
 struct Segment;
 
 namespace vireloce {
-struct SolverMemory;
+class FastRoad;
 } // namespace vireloce
 
 /// A component that may leave its segment: ((preferred x, preferred y), (component, sites freed)); DBU,
@@ -111,13 +111,13 @@ public:
     int32_t movedOut = 0;          ///< components moved out of their segment in this pass
     std::function<void(const vireloce::Progress&)> onProgress; ///< called after every segment, if not empty
     Design* design;                                            ///< not owned
-    std::list<Component*>::iterator lastInsertPos;  ///< where moveComponent() last inserted, or would have
-    Segment* lastTargetSeg = nullptr;               ///< segment that a move last worked on, not owned
-    std::unique_ptr<vireloce::SolverMemory> memory; ///< of the segment solver, during solveDPlace() only
-    int32_t metric = 0;                             ///< what SegLegalizer::getEdgeCost_bak() measures: 0 or 1
+    std::list<Component*>::iterator lastInsertPos; ///< where moveComponent() last inserted, or would have
+    Segment* lastTargetSeg = nullptr;              ///< segment that a move last worked on, not owned
+    std::unique_ptr<vireloce::FastRoad> fastRoad;  ///< of the segment solver, during solveDPlace() only
+    int32_t metric = 0;                            ///< what SegLegalizer::getEdgeCost_bak() measures: 0 or 1
 
 private:
-    class MemoryScope;
+    class FastRoadScope;
 
     /// Solves all segments once.
     ///
@@ -138,6 +138,6 @@ private:
     /// The least dense of some segments that are not done, the last of equals; nullptr if all are done.
     Segment* leastDense(const std::vector<Segment*>& found) const;
 
-    /// Sites that a component takes behind its left neighbour, the spacing included.
-    int32_t sitesBehind(const Component& left, const Component& comp) const;
+    /// Sites that a component takes: its width and the gap to its left neighbour.
+    int32_t sitesWithGap(const Component& left, const Component& comp) const;
 };

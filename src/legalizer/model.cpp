@@ -7,24 +7,20 @@
 
 #include "app/parameters.h"
 #include "db/design.h"
+#include "legalizer/fastRoad.h"
 #include "legalizer/legalizer.h"
 #include "legalizer/segLegalizer.h"
-#include "legalizer/solverMemory.h"
+#include "legalizer/stretch.h"
 #include "qlib/exact.h"
 #include "qlib/report.h"
 
 using vireloce::addTruncated;
 using vireloce::ceilSites;
+using vireloce::FastRoad;
 using vireloce::INFINITE_COST;
 
-namespace {
-
-/// Left end of a range that holds nothing, DBU.
-constexpr int32_t UNSET = std::numeric_limits<int32_t>::max();
-
-} // namespace
-
 int64_t SegLegalizer::s_maxGraphSize = 200'000'000; // about 12 GiB
+bool SegLegalizer::s_useGraphs = false;
 
 SegLegalizer::SegLegalizer(Legalizer* owner, Segment* solved) : legalizer(owner), segment(solved) {}
 
@@ -45,58 +41,69 @@ int32_t SegLegalizer::numColours(const Component& comp) const
     return static_cast<int32_t>(cellOf(comp).colors.size());
 }
 
+FastRoad& SegLegalizer::fastRoad()
+{
+    if (legalizer->fastRoad != nullptr) {
+        return *legalizer->fastRoad;
+    }
+    m_ownRoad = std::make_unique<FastRoad>(design()); // outside a placement anything may have changed
+    return *m_ownRoad;
+}
+
+void SegLegalizer::endTooLarge(const std::string& what) const
+{
+    vireloce::endRun("ERROR| the segment at (" + std::to_string(segment->x) + ", " +
+                     std::to_string(segment->y) + ") of " + std::to_string(segment->numSites) +
+                     " sites and " + std::to_string(segment->components.size()) +
+                     " components is too large to solve: " + what);
+}
+
 void SegLegalizer::requireSize(int64_t size) const
 {
     if (size > s_maxGraphSize) {
-        vireloce::endRun("ERROR| the segment at (" + std::to_string(segment->x) + ", " +
-                         std::to_string(segment->y) + ") of " + std::to_string(segment->numSites) +
-                         " sites and " + std::to_string(segment->components.size()) +
-                         " components is too large to solve: " + std::to_string(size) +
-                         " states of at most " + std::to_string(s_maxGraphSize));
+        endTooLarge(std::to_string(size) + " states of at most " + std::to_string(s_maxGraphSize));
     }
 }
 
-bool SegLegalizer::isInside(const Component& comp) const
+void SegLegalizer::writePlaces(const FastRoad::GridPlaces& places, bool colours) const
 {
-    return comp.y == segment->y && segment->x <= comp.x &&
-           comp.x < segment->x + SITE_WIDTH * segment->numSites;
+    if (!places.has_value()) {
+        endTooLarge("two neighbours do not fit into the solver's memory");
+    }
+    auto place = places->begin();
+    for (Component* comp : segment->components) {
+        const bool isLeftOut = place->solution < 0;
+        if (isLeftOut || place->site < 0) {
+            placeAt(*comp, segment->numSites);
+        }
+        if (!isLeftOut) {
+            placeAt(*comp, place->site);
+        }
+        if (colours && !isLeftOut) {
+            comp->solution = place->solution;
+        }
+        ++place;
+    }
 }
 
-int32_t SegLegalizer::clampedSite(int32_t x) const
+vireloce::Stretch SegLegalizer::stretch() const
 {
-    const int32_t left = segment->x;
-    const int32_t right = left + segment->numSites * SITE_WIDTH;
-    if (x < left) {
-        return 0;
-    }
-    return x <= right ? ceilSites(x - left, SITE_WIDTH) : segment->numSites;
+    return {*segment, SITE_WIDTH};
 }
 
 std::pair<int32_t, int32_t> SegLegalizer::fixedRange(const Net& net) const
 {
-    int32_t lo = UNSET;
-    int32_t hi = std::numeric_limits<int32_t>::min();
-    const auto include = [&lo, &hi](int32_t x) {
-        lo = std::min(lo, x);
-        hi = std::max(hi, x);
-    };
+    const vireloce::Stretch inside = stretch();
+    vireloce::Extent extent;
     for (const Pin* pin : net.pins) {
-        include(pin->x);
+        extent.include(pin->x);
     }
     for (const Component* comp : net.components) {
-        if (!isInside(*comp)) {
-            include(comp->x + cellOf(*comp).width / 2);
+        if (!inside.contains(comp->x, comp->y)) {
+            extent.include(comp->x + cellOf(*comp).width / 2);
         }
     }
-    return clampedRange({lo, hi});
-}
-
-std::pair<int32_t, int32_t> SegLegalizer::clampedRange(std::pair<int32_t, int32_t> range) const
-{
-    if (range.first == UNSET) {
-        return {-1, -1};
-    }
-    return {clampedSite(range.first), clampedSite(range.second)};
+    return inside.sitesOf(extent);
 }
 
 void SegLegalizer::initFLRs()
@@ -205,8 +212,8 @@ void SegLegalizer::placeAt(Component& comp, int32_t site) const
     }
     comp.siteX = site;
     comp.x = site * SITE_WIDTH + segment->x;
-    if (legalizer->memory != nullptr) {
-        legalizer->memory->mirror.moved(comp);
+    if (legalizer->fastRoad != nullptr) {
+        legalizer->fastRoad->moved(comp);
     }
 }
 

@@ -1,11 +1,20 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The ordered placement program: one site per component, order and colours kept.
 #include "db/design.h"
+#include "legalizer/fastRoad.h"
+#include "legalizer/gridProblem.h"
 #include "legalizer/segLegalizer.h"
 
 void SegLegalizer::solveOSR()
 {
-    if (!s_useGraphs && placeOrderedFast()) {
+    if (segment->components.empty()) {
+        return;
+    }
+    if (!s_useGraphs) {
+        postGreedyColorAssignment();  // a neighbour's colour decides the gap to it
+        if (segment->numSites >= 0) { // else there are no nodes, and nothing is written
+            writePlaces(fastRoad().placeOrdered(*segment), /*colours=*/false);
+        }
         return;
     }
     initFLRs();
@@ -23,7 +32,7 @@ void SegLegalizer::initGraph_OSR()
     const auto numComps = static_cast<int32_t>(segment->components.size());
     requireSize((int64_t{2} * numComps + 1) * (int64_t{segment->numSites} + 1) * 2);
 
-    postGreedyColorAssignment(); // a neighbour's colour decides the distance behind it
+    postGreedyColorAssignment(); // a neighbour's colour decides the gap to it
 
     addGridRow(nullptr, -1);
     for (Component* comp : segment->components) {
@@ -39,10 +48,9 @@ void SegLegalizer::initGraph_OSR()
         left = comp;
         ++row;
     }
-    // A component left out costs more than any wirelength that leaving it out could save.
     for (int32_t r = 1; r <= numComps && !nodeGrid[0].empty(); ++r) {
         addEdge(nodeGrid[static_cast<size_t>(r)].back(), endNode,
-                10 * segment->numSites * (numComps + 1 - r));
+                vireloce::endCost(segment->numSites, numComps + 1 - r));
     }
     relationGraphNodes();
 }
@@ -53,7 +61,7 @@ void SegLegalizer::solveOSR_DP()
         return;
     }
     shift2RightBnd();
-    const std::vector<int32_t> pred = solveGrid(UNREACHED_COST);
+    const std::vector<int32_t> pred = solveGrid(vireloce::ORDERED_UNREACHED);
     // The waiting nodes of a row come first on the way back, so the last node written is where the component
     // was placed. The start node, which has no predecessor, is never written.
     int32_t i = pred.back();

@@ -2,16 +2,12 @@
 #include "legalizer/placementMirror.h"
 
 #include <algorithm>
-#include <limits>
 
 #include "db/design.h"
 
 namespace vireloce {
 
 namespace {
-
-constexpr int32_t SMALLEST = std::numeric_limits<int32_t>::min();
-constexpr int32_t LARGEST = std::numeric_limits<int32_t>::max();
 
 /// Members from which on a net is kept sorted.
 constexpr size_t LARGE_NET = 64;
@@ -45,35 +41,34 @@ void PlacementMirror::addNets(const Design& design)
     m_nets.reserve(design.nets.size() + 1);
     m_members.reserve(m_compNets.size());
     for (const Net* net : design.nets) {
-        const bool hasRest = !net->pins.empty() || net->components.size() >= LARGE_NET;
+        const bool hasFew = !net->pins.empty() || net->components.size() >= LARGE_NET;
         m_nets.push_back({.begin = static_cast<int32_t>(m_members.size()),
-                          .rest = hasRest ? static_cast<int32_t>(m_rests.size()) : -1});
+                          .few = hasFew ? static_cast<int32_t>(m_few.size()) : -1});
         for (const Component* comp : net->components) {
             m_members.push_back(comp->id);
         }
-        if (hasRest) {
-            addRest(*net);
+        if (hasFew) {
+            addFew(*net);
         }
     }
-    m_nets.push_back({.begin = static_cast<int32_t>(m_members.size()), .rest = -1});
+    m_nets.push_back({.begin = static_cast<int32_t>(m_members.size()), .few = -1});
 }
 
-void PlacementMirror::addRest(const Net& net)
+void PlacementMirror::addFew(const Net& net)
 {
-    Rest& rest = m_rests.emplace_back(Rest{.pinLo = LARGEST, .pinHi = SMALLEST, .sorted = {}});
+    FewHave& few = m_few.emplace_back();
     for (const Pin* pin : net.pins) {
-        rest.pinLo = std::min(rest.pinLo, pin->x);
-        rest.pinHi = std::max(rest.pinHi, pin->x);
+        few.pins.include(pin->x);
     }
     if (net.components.size() < LARGE_NET) {
         return;
     }
     for (const Component* comp : net.components) {
         const auto id = static_cast<size_t>(comp->id);
-        rest.sorted.emplace_back(centre(m_places[id]), comp->id);
+        few.sorted.emplace_back(centre(m_places[id]), comp->id);
         m_inLarge[id] = true;
     }
-    std::sort(rest.sorted.begin(), rest.sorted.end());
+    std::sort(few.sorted.begin(), few.sorted.end());
 }
 
 void PlacementMirror::moved(const Component& comp)
@@ -91,11 +86,11 @@ void PlacementMirror::moved(const Component& comp)
 void PlacementMirror::moveInLarge(int32_t comp, int32_t from, int32_t to)
 {
     for (const int32_t net : netsOf(comp)) { // once per membership, as it is in the sorted list
-        const int32_t rest = m_nets[static_cast<size_t>(net)].rest;
-        if (rest < 0 || m_rests[static_cast<size_t>(rest)].sorted.empty()) {
+        const int32_t few = m_nets[static_cast<size_t>(net)].few;
+        if (few < 0 || m_few[static_cast<size_t>(few)].sorted.empty()) {
             continue;
         }
-        auto& sorted = m_rests[static_cast<size_t>(rest)].sorted;
+        auto& sorted = m_few[static_cast<size_t>(few)].sorted;
         const auto at = std::lower_bound(sorted.begin(), sorted.end(), std::pair(from, comp));
         const auto target = std::lower_bound(sorted.begin(), sorted.end(), std::pair(to, comp));
         *at = {to, comp};
@@ -107,49 +102,44 @@ void PlacementMirror::moveInLarge(int32_t comp, int32_t from, int32_t to)
     }
 }
 
-std::pair<int32_t, int32_t> PlacementMirror::outside(int32_t net, const Stretch& stretch) const
+Extent PlacementMirror::outside(int32_t net, const Stretch& stretch) const
 {
-    const int32_t rest = m_nets[static_cast<size_t>(net)].rest;
-    std::pair<int32_t, int32_t> range{LARGEST, SMALLEST};
-    if (rest >= 0) {
-        const Rest& few = m_rests[static_cast<size_t>(rest)];
-        range = {few.pinLo, few.pinHi};
+    const int32_t index = m_nets[static_cast<size_t>(net)].few;
+    Extent extent;
+    if (index >= 0) {
+        const FewHave& few = m_few[static_cast<size_t>(index)];
+        extent = few.pins;
         if (!few.sorted.empty()) {
-            includeSorted(few, stretch, range);
-            return range;
+            includeSorted(few, stretch, extent);
+            return extent;
         }
     }
-    includeMembers(static_cast<size_t>(net), stretch, range);
-    return range;
+    includeMembers(static_cast<size_t>(net), stretch, extent);
+    return extent;
 }
 
-/// Widens a range by the members of a net that are outside of a stretch.
-void PlacementMirror::includeMembers(size_t net, const Stretch& stretch,
-                                     std::pair<int32_t, int32_t>& range) const
+void PlacementMirror::includeMembers(size_t net, const Stretch& stretch, Extent& extent) const
 {
     for (int32_t k = m_nets[net].begin; k < m_nets[net + 1].begin; ++k) {
         const Place& place = m_places[static_cast<size_t>(m_members[static_cast<size_t>(k)])];
-        if (!isInside(place, stretch)) {
-            range.first = std::min(range.first, centre(place));
-            range.second = std::max(range.second, centre(place));
+        if (!stretch.contains(place.x, place.y)) {
+            extent.include(centre(place));
         }
     }
 }
 
-/// As includeMembers(), from the outermost members inwards.
-void PlacementMirror::includeSorted(const Rest& rest, const Stretch& stretch,
-                                    std::pair<int32_t, int32_t>& range) const
+void PlacementMirror::includeSorted(const FewHave& few, const Stretch& stretch, Extent& extent) const
 {
     const auto isOutside = [&](const auto& entry) {
-        return !isInside(m_places[static_cast<size_t>(entry.second)], stretch);
+        const Place& place = m_places[static_cast<size_t>(entry.second)];
+        return !stretch.contains(place.x, place.y);
     };
-    const auto first = std::find_if(rest.sorted.begin(), rest.sorted.end(), isOutside);
-    if (first == rest.sorted.end()) {
+    const auto first = std::find_if(few.sorted.begin(), few.sorted.end(), isOutside);
+    if (first == few.sorted.end()) {
         return;
     }
-    const auto last = std::find_if(rest.sorted.rbegin(), rest.sorted.rend(), isOutside);
-    range.first = std::min(range.first, first->first);
-    range.second = std::max(range.second, last->first);
+    extent.include(first->first);
+    extent.include(std::find_if(few.sorted.rbegin(), few.sorted.rend(), isOutside)->first);
 }
 
 } // namespace vireloce

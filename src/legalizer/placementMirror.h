@@ -7,18 +7,14 @@
 #include <utility>
 #include <vector>
 
+#include "legalizer/slice.h"
+#include "legalizer/stretch.h"
+
 class Design;
 struct Component;
 struct Net;
 
 namespace vireloce {
-
-/// The stretch of a row that counts as inside: components with this y and an x from xl on, below xh. DBU.
-struct Stretch {
-    int32_t y;
-    int32_t xl;
-    int32_t xh;
-};
 
 /// What the solver reads of a design's nets: who belongs to whom, and where everybody is.
 ///
@@ -34,12 +30,11 @@ public:
     /// Nets of a component, one entry per membership, in the order of Component::nets.
     std::span<const int32_t> netsOf(int32_t comp) const
     {
-        return entries(m_compNets, m_compBegin, static_cast<size_t>(comp));
+        return sliceOf(m_compNets, m_compBegin, static_cast<size_t>(comp));
     }
 
-    /// Least and largest x of what a net has outside of a stretch, pins and components' centres, DBU; the
-    /// largest and the smallest integer if there is nothing.
-    std::pair<int32_t, int32_t> outside(int32_t net, const Stretch& stretch) const;
+    /// What a net has outside of a stretch, pins and components' centres.
+    Extent outside(int32_t net, const Stretch& stretch) const;
 
     /// Number of nets.
     size_t numNets() const { return m_nets.size() - 1; }
@@ -53,13 +48,12 @@ private:
 
     struct NetRecord {
         int32_t begin; ///< first of its members in m_members
-        int32_t rest;  ///< index in m_rests, -1 if it has neither pins nor many members
+        int32_t few;   ///< index in m_few, -1 if it has neither pins nor many members
     };
 
     /// What only few nets have.
-    struct Rest {
-        int32_t pinLo; ///< least x of its pins, DBU; the largest integer without pins
-        int32_t pinHi; ///< largest x of its pins, DBU; the smallest integer without pins
+    struct FewHave {
+        Extent pins; ///< x of its pins
 
         /// The members of a net of many, (centre x, component), ascending; empty for others. They are kept
         /// sorted so that the outermost ones need not be searched for anew for every segment that the net
@@ -67,24 +61,22 @@ private:
         std::vector<std::pair<int32_t, int32_t>> sorted;
     };
 
-    static std::span<const int32_t> entries(const std::vector<int32_t>& all,
-                                            const std::vector<int32_t>& begins, size_t of)
-    {
-        return std::span(all).subspan(static_cast<size_t>(begins[of]),
-                                      static_cast<size_t>(begins[of + 1] - begins[of]));
-    }
-
-    static bool isInside(const Place& place, const Stretch& stretch)
-    {
-        return place.y == stretch.y && stretch.xl <= place.x && place.x < stretch.xh;
-    }
-
+    /// x of the centre, DBU.
     static int32_t centre(const Place& place) { return place.x + place.half; }
 
+    /// Copies the members of all nets.
     void addNets(const Design& design);
-    void addRest(const Net& net);
-    void includeMembers(size_t net, const Stretch& stretch, std::pair<int32_t, int32_t>& range) const;
-    void includeSorted(const Rest& rest, const Stretch& stretch, std::pair<int32_t, int32_t>& range) const;
+
+    /// Notes the pins of a net, and its members sorted if they are many.
+    void addFew(const Net& net);
+
+    /// Widens an extent by the members of a net that are outside of a stretch.
+    void includeMembers(size_t net, const Stretch& stretch, Extent& extent) const;
+
+    /// As includeMembers(), from the outermost members inwards.
+    void includeSorted(const FewHave& few, const Stretch& stretch, Extent& extent) const;
+
+    /// Moves a component in the sorted members of its large nets, from a centre to another, DBU.
     void moveInLarge(int32_t comp, int32_t from, int32_t to);
 
     std::vector<Place> m_places;      ///< [component]
@@ -92,7 +84,7 @@ private:
     std::vector<int32_t> m_compNets;
     std::vector<NetRecord> m_nets; ///< [net + 1]
     std::vector<int32_t> m_members;
-    std::vector<Rest> m_rests;
+    std::vector<FewHave> m_few;
     std::vector<bool> m_inLarge; ///< [component] whether it belongs to a large net
 };
 

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -18,7 +20,9 @@ struct Net;
 struct Segment;
 
 namespace vireloce {
-struct SolverMemory;
+class FastRoad;
+class Stretch;
+struct GridPlace;
 } // namespace vireloce
 
 /// Solves one segment and writes the result into its components: solution, siteX and x. Positions are sites
@@ -26,9 +30,9 @@ struct SolverMemory;
 ///
 /// Life: constructed, solveStep1(), perhaps solveStep2(), destroyed.
 ///
-/// Each program can take two roads that give the same result. The fast road gathers the segment into flat
-/// arrays and calls a kernel. The graph road builds an explicit graph, solves it and releases it: it is the
-/// model that the kernels are tested against, and what numbers are left to that a kernel does not take.
+/// Each program can take two roads that give the same result. A run takes the fast road (FastRoad). The graph
+/// road builds an explicit graph, solves it and releases it: it is the model that the fast road is tested
+/// against.
 class SegLegalizer {
 public:
     /// Placement methods that Design::algo chooses; any other number only fills in missing colours.
@@ -58,11 +62,12 @@ public:
     /// @return 1
     int solveStep2();
 
-    /// Places from left to right: every component takes the first solution that needs least spacing behind
-    /// its left neighbour, and moves right if it is too close. The first one's solution is drawn by rand().
+    /// Places from left to right: every component takes the first solution that needs the least gap
+    /// to its left neighbour, and moves right if it is too close. The first one's solution is drawn by
+    /// rand().
     void solveGreedy();
 
-    /// Gives every component without a solution the first one that needs least spacing behind its left
+    /// Gives every component without a solution the first one that needs the least gap to its left
     /// neighbour. The first component is left as it is.
     void postGreedyColorAssignment();
 
@@ -179,15 +184,18 @@ public:
     std::vector<myNode*> nodes;                 ///< nodes of the colouring graph, owned
     std::vector<myEdge*> edges;                 ///< all edges, owned
 
-    /// Most nodes and edges of one graph, and most states of the local shift program. A segment that would
-    /// need more ends the run with an error line, before memory is taken.
+    /// Most nodes and edges of one graph, and most states of the local shift program on the graph road. A
+    /// segment that would need more ends the run with an error line, before memory is taken.
     static int64_t s_maxGraphSize;
 
     /// Whether all programs take the graph road. For comparisons.
     static bool s_useGraphs;
 
 private:
+    /// The design of the legalizer.
     Design& design() const;
+
+    /// The library cell of a component.
     const Cell& cellOf(const Component& comp) const;
 
     /// Number of colour solutions of a component's cell.
@@ -196,6 +204,7 @@ private:
     /// Ends the run if a graph would be larger than s_maxGraphSize.
     void requireSize(int64_t size) const;
 
+    /// Appends an edge.
     void addEdge(myNode* from, myNode* to, int32_t cost);
 
     /// Appends a row of numSites + 1 nodes to nodeGrid, with the edges along it.
@@ -206,12 +215,15 @@ private:
     /// @param from  row of the left neighbour, or the start row
     /// @param to    row of the component
     /// @param site  left end of the component
-    /// @param dist  sites that it needs behind the end of its neighbour
+    /// @param dist  sites between it and its left neighbour
     void addPlacement(const std::vector<myNode*>& from, const std::vector<myNode*>& to, int32_t site,
                       int32_t dist);
 
     /// As addPlacement(), for every site from the left.
     void addPlacements(const std::vector<myNode*>& from, const std::vector<myNode*>& to, int32_t dist);
+
+    /// Whether the joint grid has any edges: waiting ones, or those to the end node.
+    bool hasJointEdges() const;
 
     /// Makes the end node, with the next free id.
     void addEndNode();
@@ -225,57 +237,38 @@ private:
     /// Puts a component on a site; left of site 0 it keeps its x, and siteX follows from that.
     void placeAt(Component& comp, int32_t site) const;
 
-    /// The first solution of a component that needs least spacing behind its left neighbour, and that
-    /// spacing; 0 and the largest integer if its cell has none.
+    /// The first solution of a component that needs the least gap to its left neighbour, and that
+    /// gap; 0 and the largest integer if its cell has none.
     std::pair<int32_t, int32_t> closestSolution(const Component& left, const Component& comp) const;
 
-    /// Whether a net member is inside the segment, by its y and x.
-    bool isInside(const Component& comp) const;
+    /// What the segment covers.
+    vireloce::Stretch stretch() const;
 
     /// Fixed range of a net, see netFLRs.
     std::pair<int32_t, int32_t> fixedRange(const Net& net) const;
-
-    /// Least and largest x, DBU, as a fixed range, see netFLRs.
-    std::pair<int32_t, int32_t> clampedRange(std::pair<int32_t, int32_t> range) const;
-
-    /// A coordinate as a site of the segment, rounded up, clamped to the segment.
-    int32_t clampedSite(int32_t x) const;
 
     class LocalShift;
 
     /// The local shift program with its way out where nothing fits.
     void solveLocalShift(int step, bool prune);
 
-    /// Start value of the ordered placement grid. Required: a cost above it loses to a path from a node that
-    /// has not been reached.
-    static constexpr int32_t UNREACHED_COST = 12345678;
+    /// The fast road of the placement that is under way, or one made for now.
+    vireloce::FastRoad& fastRoad();
 
-    /// Memory of the placement that is under way, or one made for now.
-    vireloce::SolverMemory& solverMemory();
+    /// Ends the run, for lack of memory.
+    [[noreturn]] void endTooLarge(const std::string& what) const;
 
-    /// Fills the memory's flat arrays for this segment.
-    void gather(vireloce::SolverMemory& memory) const;
-    void gatherSolutions(vireloce::SolverMemory& memory) const; // all of the components' cells
-    void gatherChosen(vireloce::SolverMemory& memory) const;    // the one that each component has
-    void gatherLeftEnds(vireloce::SolverMemory& memory) const;
-    static void gatherRightEnds(vireloce::SolverMemory& memory);
+    /// Writes what the fast road found; what the path leaves out is parked. Ends the run if it found nothing
+    /// for lack of memory.
+    void writePlaces(const std::optional<std::span<const vireloce::GridPlace>>& places, bool colours) const;
 
-    /// Writes what the grid kernel found; what it leaves out is parked.
-    void scatterGrid(const vireloce::SolverMemory& memory, bool colours) const;
-
-    /// The programs on the fast road.
+    /// The local shift program on either road.
     ///
-    /// @return whether it could be taken; if not, no position has been changed
+    /// @return whether anything fits, and was written
     ///@{
-    void colourFast(); // it always can
-    bool placeOrderedFast();
-    bool placeJointFast();
+    bool shiftFast(bool prune);
+    bool shiftByTable(bool prune);
     ///@}
 
-    /// As these, the local shift program.
-    ///
-    /// @return whether anything fits, and was written; nothing if the road could not be taken
-    std::optional<bool> shiftFast(int32_t firstShift, int32_t numShifts, bool prune);
-
-    std::unique_ptr<vireloce::SolverMemory> m_ownMemory; ///< outside of a placement
+    std::unique_ptr<vireloce::FastRoad> m_ownRoad; ///< outside of a placement
 };

@@ -7,6 +7,8 @@
 #include <span>
 #include <vector>
 
+#include "legalizer/slice.h"
+
 struct Component;
 
 namespace vireloce {
@@ -14,6 +16,7 @@ namespace vireloce {
 /// A segment's components in their order, and where their nets pull them. Positions are sites of the segment.
 struct SegmentData {
     int32_t numSites = 0;               ///< capacity, sites
+    int32_t farthest = 0;               ///< bound of the distance of a site from an end, sites; 0 if unknown
     std::vector<Component*> comps;      ///< not owned
     std::vector<int32_t> width;         ///< [component] sites
     std::vector<int32_t> leftEndBegin;  ///< [component + 1] first of its entries in leftEnds
@@ -25,18 +28,10 @@ struct SegmentData {
     int32_t size() const { return static_cast<int32_t>(comps.size()); }
 
     /// What the centre of a component must not be left of, in the order of its nets.
-    std::span<const int32_t> leftOf(size_t comp) const { return part(leftEnds, leftEndBegin, comp); }
+    std::span<const int32_t> leftOf(size_t comp) const { return sliceOf(leftEnds, leftEndBegin, comp); }
 
     /// What the centre of a component must not be right of, in the order of its nets.
-    std::span<const int32_t> rightOf(size_t comp) const { return part(rightEnds, rightEndBegin, comp); }
-
-private:
-    static std::span<const int32_t> part(const std::vector<int32_t>& all, const std::vector<int32_t>& begins,
-                                         size_t comp)
-    {
-        return std::span(all).subspan(static_cast<size_t>(begins[comp]),
-                                      static_cast<size_t>(begins[comp + 1] - begins[comp]));
-    }
+    std::span<const int32_t> rightOf(size_t comp) const { return sliceOf(rightEnds, rightEndBegin, comp); }
 };
 
 } // namespace vireloce

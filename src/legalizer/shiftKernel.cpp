@@ -2,194 +2,243 @@
 #include "legalizer/shiftKernel.h"
 
 #include <algorithm>
+#include <cassert>
+#include <cmath>
 #include <cstdlib>
 
-#include "legalizer/siteCost.h"
 #include "qlib/exact.h"
 
 namespace vireloce {
 
-namespace {
-
-/// Bound of costs and positions.
-constexpr int64_t FAR = int64_t{1} << 28;
-
-} // namespace
-
 bool ShiftKernel::solve(const ShiftProblem& problem)
 {
-    if (!isSane(problem)) {
-        return false;
-    }
-    m_begins.clear();
-    size_t total = 0;
-    for (const auto& stitches : problem.stitches) {
-        m_begins.push_back(total);
-        total += stitches.size() * static_cast<size_t>(problem.numShifts);
-    }
-    m_states.resize(total);
-    std::fill_n(m_states.begin(), total == 0 || m_begins.size() == 1 ? total : m_begins[1], 0);
-    for (size_t q = 1; q < m_begins.size(); ++q) {
-        extend(problem, q);
-    }
-
-    m_places.clear();
-    ShiftPlace place = bestEnd(problem);
-    if (place.solution < 0) {
-        return true;
-    }
-    m_places.resize(m_begins.size());
-    for (size_t q = m_begins.size() - 1; q > 0; --q) {
-        m_places[q] = place;
-        place = stepBefore(problem, q, place);
-    }
-    m_places[0] = place;
-    return true;
+    const bool isSolved = findPath(problem);
+    m_store.release();
+    return isSolved;
 }
 
-bool ShiftKernel::isSane(const ShiftProblem& problem)
+bool ShiftKernel::findPath(const ShiftProblem& problem)
+{
+    if (!fits(problem)) {
+        return false;
+    }
+    m_places.clear();
+    if (problem.segment.size() == 1) { // no neighbour to fit to: the first of all states, which cost nothing
+        m_places.push_back({problem.firstShift, 0});
+        return true;
+    }
+    if (!setWindows(problem)) {
+        return true;
+    }
+    m_store.clear();
+    for (size_t q = 0; q < m_windows.size(); ++q) {
+        if (!makeLayer(problem, q)) {
+            return false;
+        }
+    }
+    return traceBack(problem);
+}
+
+bool ShiftKernel::fits(const ShiftProblem& problem)
 {
     const SegmentData& segment = problem.segment;
-    const int64_t limit = problem.terms.additiveLimit();
-    if (segment.comps.empty() || problem.numShifts < 1 || problem.numShifts >= FAR || limit == 0 ||
-        segment.numSites < 0 || !endsWithin(segment)) {
+    if (segment.comps.empty() || problem.numShifts < 1 || segment.numSites < 0 ||
+        segment.numSites >= FAR_AWAY || !(problem.weight >= 0.0F) || !std::isfinite(problem.weight)) {
         return false;
     }
     for (size_t q = 0; q < segment.comps.size(); ++q) {
-        const auto [least, most] =
-            std::minmax_element(problem.stitches[q].begin(), problem.stitches[q].end());
-        if (least == problem.stitches[q].end() || *least < 0 || segment.width[q] >= FAR ||
-            std::abs(int64_t{problem.sites[q]}) >= FAR ||
-            mostCost(segment, problem.terms, q, *most) >= std::min(limit, FAR)) {
+        const auto stitches = problem.stitchesOf(q);
+        const auto [least, most] = std::minmax_element(stitches.begin(), stitches.end());
+        if (least == stitches.end() || *least < 0 || segment.width[q] < 0 || segment.width[q] >= FAR_AWAY ||
+            std::abs(int64_t{problem.leftEnds[q]}) >= FAR_AWAY ||
+            !hasSmallCosts(segment, problem.weight, q, *most)) {
             return false;
         }
-        if (q > 0 && (problem.behind[q]->least < 0 || problem.behind[q]->most >= FAR)) {
+        if (q > 0 && (problem.gapsToLeft[q]->least < 0 || problem.gapsToLeft[q]->most >= FAR_AWAY)) {
             return false;
         }
     }
-    return segment.numSites < FAR;
+    return true;
 }
 
-/// Fills the states of a component from those of its left neighbour.
-void ShiftKernel::extend(const ShiftProblem& problem, size_t comp)
+bool ShiftKernel::setWindows(const ShiftProblem& problem)
 {
-    fillSums(problem, comp - 1);
-    fillSiteCosts(problem, comp, m_costs);
-    const PairSpacing& behind = *problem.behind[comp];
-    const auto numShifts = static_cast<size_t>(problem.numShifts);
-    const std::span<const int32_t> stitches = problem.stitches[comp];
-    for (int32_t column = 0; column < behind.numColumns; ++column) {
-        fillLeast(problem, comp, column);
-        for (size_t b = 0; b < stitches.size(); ++b) {
-            if (behind.columnOf[b] != column) {
+    const SegmentData& segment = problem.segment;
+    m_windows.clear();
+    for (size_t q = 0; q < segment.comps.size(); ++q) {
+        const int64_t begin = int64_t{problem.leftEnds[q]} + problem.firstShift;
+        const int64_t first = std::max<int64_t>(begin, 0);
+        const int64_t end =
+            std::min(begin + problem.numShifts, int64_t{segment.numSites} - segment.width[q] + 1);
+        if (first >= end) {
+            return false;
+        }
+        m_windows.push_back({static_cast<int32_t>(first), static_cast<int32_t>(end - first)});
+    }
+    return true;
+}
+
+void ShiftKernel::makeCosts(const ShiftProblem& problem, size_t comp, SiteCosts& costs) const
+{
+    costs.makeWhole(problem.segment, problem.weight, comp, problem.stitchesOf(comp), m_windows[comp].first,
+                    m_windows[comp].count);
+}
+
+bool ShiftKernel::makeLayer(const ShiftProblem& problem, size_t comp)
+{
+    const auto count = static_cast<size_t>(m_windows[comp].count);
+    const size_t numSolutions = problem.stitchesOf(comp).size();
+    int32_t* const states = m_store.add(comp, numSolutions * count);
+    if (states == nullptr) {
+        return false;
+    }
+    if (comp == 0) {
+        std::fill_n(states, numSolutions * count, 0);
+        makeCosts(problem, comp, m_costs);
+        return true;
+    }
+    std::swap(m_leftCosts, m_costs);
+    makeCosts(problem, comp, m_costs);
+    fillRunning(problem, comp);
+    const PairGaps& gaps = *problem.gapsToLeft[comp];
+    for (int32_t gapClass = 0; gapClass < gaps.numClasses; ++gapClass) {
+        fillLeast(problem, comp, gapClass);
+        for (size_t b = 0; b < numSolutions; ++b) {
+            if (gaps.classOf[b] != gapClass) {
                 continue;
             }
-            int32_t* states = m_states.data() + m_begins[comp] + b * numShifts;
-            for (size_t to = 0; to < numShifts; ++to) {
-                const int32_t cost = std::min(m_least[to] + m_costs[to], INFINITE_COST);
-                states[to] = std::min(cost + stitches[b], INFINITE_COST);
+            const int32_t* const costs = m_costs.profile(m_costs.profileOf(b));
+            int32_t* const out = states + b * count;
+            for (size_t to = 0; to < count; ++to) {
+                out[to] = std::min(m_least[to] + costs[to], INFINITE_COST);
             }
         }
     }
+    return true;
 }
 
-/// Costs of a component at all its shifts, without stitches.
-void ShiftKernel::fillSiteCosts(const ShiftProblem& problem, size_t comp, std::vector<int32_t>& costs) const
+void ShiftKernel::fillRunning(const ShiftProblem& problem, size_t comp)
 {
-    const int32_t first = problem.sites[comp] + problem.firstShift;
-    const int32_t last = problem.segment.numSites - problem.segment.width[comp];
-    costs.resize(static_cast<size_t>(problem.numShifts));
-    for (int32_t o = 0; o < problem.numShifts; ++o) {
-        const int32_t site = first + o;
-        costs[static_cast<size_t>(o)] =
-            0 <= site && site <= last ? siteCost(problem.segment, problem.terms, comp, site) : INFINITE_COST;
-    }
-}
-
-/// Fills m_sums and m_running for a component as the left one of two.
-///
-/// A row of m_running is as long as three times the shifts, its values in the middle: before them nothing is
-/// possible, behind them all shifts are.
-void ShiftKernel::fillSums(const ShiftProblem& problem, size_t left)
-{
-    const auto numShifts = static_cast<size_t>(problem.numShifts);
-    const std::span<const int32_t> stitches = problem.stitches[left];
-    fillSiteCosts(problem, left, m_left);
-    m_sums.resize(stitches.size() * numShifts);
-    m_running.resize(3 * stitches.size() * numShifts);
-    const int32_t* states = statesOf(left);
-    for (size_t a = 0; a < stitches.size(); ++a) {
-        int32_t* running = m_running.data() + 3 * a * numShifts;
-        std::fill_n(running, numShifts, INFINITE_COST);
-        int32_t leastState = INFINITE_COST;
+    const size_t left = comp - 1;
+    const auto pad = static_cast<size_t>(m_windows[comp].count);
+    const auto count = static_cast<size_t>(m_windows[left].count);
+    const size_t numSolutions = problem.stitchesOf(left).size();
+    m_running.resize(std::max(m_running.size(), numSolutions * (2 * pad + count)));
+    int32_t* running = m_running.data();
+    const int32_t* states = m_store.at(left);
+    for (size_t a = 0; a < numSolutions; ++a, states += count) {
+        const int32_t* const costs = m_leftCosts.profile(m_leftCosts.profileOf(a));
+        running = std::fill_n(running, pad, INFINITE_COST);
+        int32_t leastState = INFINITE_COST - 2; // dearer ones are no way
         int32_t leastSum = INFINITE_COST;
-        for (size_t from = 0; from < numShifts; ++from) {
-            const int32_t state = states[a * numShifts + from];
-            const bool pruned = problem.prune && left > 0 && leastState < state;
-            leastState = std::min(leastState, state);
-            const bool possible = state < INFINITE_COST - 1 && !pruned && m_left[from] < INFINITE_COST;
-            const int32_t sum =
-                possible ? std::min(state + stitches[a] + m_left[from], INFINITE_COST) : INFINITE_COST;
-            m_sums[a * numShifts + from] = sum;
-            leastSum = std::min(leastSum, sum);
-            running[numShifts + from] = leastSum;
+        for (size_t from = 0; from < count; ++from) {
+            if (states[from] <= leastState) {
+                leastSum = std::min(leastSum, states[from] + costs[from]);
+            }
+            if (problem.prune && left > 0) {
+                leastState = std::min(leastState, states[from]);
+            }
+            *running++ = leastSum;
         }
-        std::fill_n(running + 2 * numShifts, numShifts, leastSum);
+        running = std::fill_n(running, pad, leastSum);
     }
 }
 
-/// Fills m_least for the solutions of a column.
-void ShiftKernel::fillLeast(const ShiftProblem& problem, size_t comp, int32_t column)
+void ShiftKernel::fillLeast(const ShiftProblem& problem, size_t comp, int32_t gapClass)
 {
-    const PairSpacing& behind = *problem.behind[comp];
-    const auto numShifts = static_cast<size_t>(problem.numShifts);
-    m_least.assign(numShifts, INFINITE_COST);
-    for (size_t a = 0; a < problem.stitches[comp - 1].size(); ++a) {
-        const int32_t sites = behind.sites[static_cast<int32_t>(a) * behind.numColumns + column];
-        const int32_t lastShift =
-            std::clamp(lastShiftBefore(problem, comp, sites), -problem.numShifts, problem.numShifts);
-        const int32_t* running = m_running.data() + (3 * a + 1) * numShifts;
-        running += lastShift;
-        for (size_t to = 0; to < numShifts; ++to) {
-            m_least[to] = std::min(m_least[to], running[to]);
+    const PairGaps& gaps = *problem.gapsToLeft[comp];
+    const int32_t pad = m_windows[comp].count;
+    const int32_t leftCount = m_windows[comp - 1].count;
+    m_least.assign(static_cast<size_t>(pad), INFINITE_COST);
+    const int32_t* running = m_running.data() + pad;
+    for (size_t a = 0; a < problem.stitchesOf(comp - 1).size(); ++a, running += 2 * pad + leftCount) {
+        const int32_t gap = gaps.gaps[static_cast<int32_t>(a) * gaps.numClasses + gapClass];
+        const int32_t* const sums = running + std::clamp(lastSiteBefore(problem, comp, gap), -pad, leftCount);
+        for (size_t to = 0; to < m_least.size(); ++to) {
+            m_least[to] = std::min(m_least[to], sums[to]);
         }
     }
 }
 
-/// The first of the cheapest states of the last component; no solution if none is possible.
-ShiftPlace ShiftKernel::bestEnd(const ShiftProblem& problem) const
+bool ShiftKernel::makeAgain(const ShiftProblem& problem, size_t comp)
 {
-    const int32_t* const states = statesOf(m_begins.size() - 1);
-    const int32_t* const best = std::min_element(states, m_states.data() + m_states.size());
+    if (m_store.at(comp) != nullptr) {
+        return true;
+    }
+    const size_t from = m_store.lastUpTo(comp);
+    m_store.restartBehind(from);
+    if (from != LayerStore::NONE) {
+        makeCosts(problem, from, m_costs);
+    }
+    for (size_t q = from + 1; q <= comp; ++q) {
+        if (!makeLayer(problem, q)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool ShiftKernel::traceBack(const ShiftProblem& problem)
+{
+    State state = bestEnd(problem);
+    if (state.solution < 0) {
+        return true;
+    }
+    m_places.resize(m_windows.size());
+    for (size_t q = m_windows.size() - 1;; --q) {
+        const int32_t site = m_windows[q].first + state.site;
+        m_places[q] = {site - problem.leftEnds[q], state.solution};
+        if (q == 0) {
+            return true;
+        }
+        const int32_t value = m_store.at(q)[state.solution * m_windows[q].count + state.site];
+        const int32_t stitches = problem.stitches[q][static_cast<size_t>(state.solution)];
+        if (!makeAgain(problem, q - 1)) {
+            return false;
+        }
+        state = stateBefore(problem, q, state,
+                            value - siteCost(problem.segment, problem.weight, q, site, stitches));
+        assert(state.solution >= 0);
+    }
+}
+
+ShiftKernel::State ShiftKernel::bestEnd(const ShiftProblem& problem)
+{
+    const size_t last = m_windows.size() - 1;
+    const int32_t count = m_windows[last].count;
+    const int32_t* const states = m_store.at(last);
+    const int32_t* const best =
+        std::min_element(states, states + problem.stitchesOf(last).size() * static_cast<size_t>(count));
     if (*best > INFINITE_COST - 2) {
-        return {};
+        return {-1, -1};
     }
-    const auto index = static_cast<int32_t>(best - states);
-    return {.shift = index % problem.numShifts, .solution = index / problem.numShifts};
+    const auto index = best - states;
+    return {static_cast<int32_t>(index % count), static_cast<int32_t>(index / count)};
 }
 
-/// The left neighbour's state on the way to a component's.
-ShiftPlace ShiftKernel::stepBefore(const ShiftProblem& problem, size_t comp, ShiftPlace place)
+ShiftKernel::State ShiftKernel::stateBefore(const ShiftProblem& problem, size_t comp, State state,
+                                            int32_t wanted)
 {
-    fillSums(problem, comp - 1);
-    fillSiteCosts(problem, comp, m_costs);
-    const PairSpacing& behind = *problem.behind[comp];
-    const auto solution = static_cast<size_t>(place.solution);
-    const int32_t state = statesOf(comp)[place.solution * problem.numShifts + place.shift];
-    const int32_t wanted =
-        state - m_costs[static_cast<size_t>(place.shift)] - problem.stitches[comp][solution];
-    for (size_t a = 0; a < problem.stitches[comp - 1].size(); ++a) {
-        const int32_t sites = behind.between(static_cast<int32_t>(a), place.solution);
-        const int32_t last =
-            std::min(lastShiftBefore(problem, comp, sites) + place.shift, problem.numShifts - 1);
-        const int32_t* sums = m_sums.data() + a * static_cast<size_t>(problem.numShifts);
+    const size_t left = comp - 1;
+    const PairGaps& gaps = *problem.gapsToLeft[comp];
+    const int32_t count = m_windows[left].count;
+    const int32_t* states = m_store.at(left);
+    makeCosts(problem, left, m_leftCosts);
+    for (size_t a = 0; a < problem.stitchesOf(left).size(); ++a, states += count) {
+        const int32_t* const costs = m_leftCosts.profile(m_leftCosts.profileOf(a));
+        const int32_t gap = gaps.between(static_cast<int32_t>(a), state.solution);
+        const int32_t last = std::min(lastSiteBefore(problem, comp, gap) + state.site, count - 1);
+        int32_t leastState = INFINITE_COST - 2;
         for (int32_t from = 0; from <= last; ++from) {
-            if (sums[from] == wanted) {
-                return {.shift = from, .solution = static_cast<int32_t>(a)};
+            if (states[from] <= leastState && states[from] + costs[from] == wanted) {
+                return {from, static_cast<int32_t>(a)};
+            }
+            if (problem.prune && left > 0) {
+                leastState = std::min(leastState, states[from]);
             }
         }
     }
-    return {}; // not reached: some way led to the state
+    return {-1, -1};
 }
 
 } // namespace vireloce

@@ -20,37 +20,36 @@ void TermTable::prepare(float weight, int32_t most)
     if (0 <= most && most <= m_most && weight == m_weight) {
         return;
     }
-    m_limit = 0;
     m_weight = weight;
     m_most = 0 <= most && most <= MOST_SITES ? most : -1;
-    if (m_most >= 0) {
+    m_reach.fill(0);
+    if (m_most >= 0 && weight >= 0.0F && std::isfinite(weight)) {
         fill();
     }
 }
 
 void TermTable::fill()
 {
-    if (!(m_weight >= 0.0F) || !std::isfinite(m_weight)) {
-        return;
-    }
+    constexpr int32_t MOST_EXACT = 1 << MOST_POWER;
     const auto size = static_cast<size_t>(m_most) + 1;
     m_rising.resize(size);
-    float fraction = 0.0F; // largest of any term
+    int32_t power = MOST_POWER; // the limit so far is two to it
     for (size_t d = 0; d < size; ++d) {
         const float term = static_cast<float>(d) * m_weight;
         m_rising[d] = toInt(term);
-        fraction = std::max(fraction, term - std::trunc(term)); // exact: both have the same last place
+        const auto fraction =
+            static_cast<double>(term - std::trunc(term)); // exact: both have the same last place
+        // Of the largest limit the fraction must be 0; half the limit, twice the room below 1.
+        while (power >= 0 &&
+               (term >= static_cast<float>(MOST_EXACT) ||
+                (fraction > 0.0 && fraction >= 1.0 - static_cast<double>(1 << power) / MOST_EXACT))) {
+            m_reach[static_cast<size_t>(power--)] = static_cast<int32_t>(d);
+        }
+    }
+    for (; power >= 0; --power) {
+        m_reach[static_cast<size_t>(power)] = m_most + 1;
     }
     m_falling.assign(m_rising.rbegin(), m_rising.rend());
-
-    constexpr int32_t MOST_EXACT = 1 << 24; // whole numbers up to here are floats
-    int32_t limit = MOST_EXACT;
-    // Of the largest limit the fraction must be 0; half the limit, twice the room below 1.
-    while (limit > 1 && fraction > 0.0F &&
-           static_cast<double>(fraction) >= 1.0 - static_cast<double>(limit) / MOST_EXACT) {
-        limit /= 2;
-    }
-    m_limit = static_cast<float>(m_most) * m_weight < static_cast<float>(limit) ? limit : 0;
 }
 
 } // namespace vireloce

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The colouring program: one colour solution per component, positions kept.
 #include "db/design.h"
+#include "legalizer/fastRoad.h"
 #include "legalizer/segLegalizer.h"
 #include "qlib/exact.h"
 
@@ -12,7 +13,11 @@ void SegLegalizer::solveTPL()
         return;
     }
     if (!s_useGraphs) {
-        colourFast();
+        auto solution = fastRoad().colour(*segment).begin();
+        for (Component* comp : segment->components) {
+            comp->solution = *solution >= 0 ? *solution : comp->solution;
+            ++solution;
+        }
         return;
     }
     initGraph_TPL();
@@ -81,21 +86,8 @@ void SegLegalizer::solveTPL_DP()
     if (edges.empty() || nodes.empty()) {
         return;
     }
-    std::vector<int32_t> dist(nodes.size(), INFINITE_COST);
-    std::vector<int32_t> pred(nodes.size(), -1);
-    dist[0] = 0;
-    // Required: a node that was never reached is relaxed like any other, and of equally cheap predecessors
-    // the last one wins, the left neighbour's solution with the highest index.
-    for (size_t u = 0; u < nodes.size(); ++u) {
-        for (const myEdge* edge : nodes[u]->outEdges) {
-            const int32_t candidate = edge->cost + dist[u];
-            const auto v = static_cast<size_t>(edge->to->id);
-            if (dist[v] >= candidate) {
-                dist[v] = candidate;
-                pred[v] = static_cast<int32_t>(u);
-            }
-        }
-    }
+    const std::vector<int32_t> pred =
+        vireloce::cheapestPaths(nodes.size(), INFINITE_COST, [this](size_t u) { return nodes[u]; });
     for (int32_t p = pred.back(); p >= 0; p = pred[static_cast<size_t>(p)]) {
         const myNode* node = nodes[static_cast<size_t>(p)];
         if (node->comp != nullptr) {

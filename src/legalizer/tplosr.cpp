@@ -1,14 +1,23 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The joint program: one site and one colour solution per component, order kept.
+#include <algorithm>
 #include <iterator>
 
 #include "db/design.h"
+#include "legalizer/fastRoad.h"
+#include "legalizer/gridProblem.h"
 #include "legalizer/segLegalizer.h"
 #include "qlib/exact.h"
 
 void SegLegalizer::solveTPLOSR()
 {
-    if (!s_useGraphs && placeJointFast()) {
+    if (segment->components.empty()) {
+        return;
+    }
+    if (!s_useGraphs) {
+        if (hasJointEdges()) { // else nothing is written
+            writePlaces(fastRoad().placeJoint(*segment), /*colours=*/true);
+        }
         return;
     }
     initFLRs();
@@ -16,6 +25,14 @@ void SegLegalizer::solveTPLOSR()
     initGraph_TPLOSR();
     solveTPLOSR_DP();
     cleanGraph();
+}
+
+bool SegLegalizer::hasJointEdges() const
+{
+    return segment->numSites > 0 ||
+           (segment->numSites == 0 &&
+            std::any_of(segment->components.begin(), segment->components.end(),
+                        [this](const Component* comp) { return numColours(*comp) > 0; }));
 }
 
 void SegLegalizer::initGraph_TPLOSR()
@@ -61,14 +78,13 @@ void SegLegalizer::initGraph_TPLOSR()
         left = *it;
         row += static_cast<size_t>(numColours(*left));
     }
-    // A component left out costs more than any wirelength that leaving it out could save.
     row = 1;
-    auto unplaced = static_cast<int32_t>(segment->components.size()); // if the path ends here, plus one
+    auto notBefore = static_cast<int32_t>(segment->components.size());
     for (const Component* comp : segment->components) {
         for (int32_t j = 0; j < numColours(*comp) && !nodeGrid[0].empty(); ++j) {
-            addEdge(nodeGrid[row++].back(), endNode, segment->numSites * 10 * unplaced);
+            addEdge(nodeGrid[row++].back(), endNode, vireloce::endCost(segment->numSites, notBefore));
         }
-        --unplaced;
+        --notBefore;
     }
     relationGraphNodes();
 }

@@ -11,12 +11,9 @@ namespace vireloce {
 
 namespace {
 
-/// Three widths or distances up to here add up within 32 bits.
-constexpr int32_t FAR = 1 << 28;
-
 bool isFar(int32_t dist)
 {
-    return dist > FAR || dist < -FAR;
+    return dist > FAR_AWAY || dist < -FAR_AWAY;
 }
 
 /// What an edge of a cell shows in a solution.
@@ -90,14 +87,15 @@ std::vector<int32_t> rowOf(const Facing& left, const Edge& right, int32_t minDis
 // The neighbour stands at the width, and a mirrored cell turns about its outline: for distances to add up,
 // the two must be one.
 Edge::Edge(const Cell& cell, bool isLeft, int32_t minDist)
-    : nearest(std::numeric_limits<int32_t>::max()), isOdd(cell.width != cell.outlineXh || isFar(cell.width))
+    : nearest(std::numeric_limits<int32_t>::max()),
+      needsRectangles(cell.width != cell.outlineXh || isFar(cell.width))
 {
     for (size_t s = 0; s < cell.colors.size(); ++s) {
         Facing facing = facingOf(cell, isLeft, s, minDist);
         for (const FacingShape& shape : facing) {
             for (const FacingRect& rect : shape.rects) {
                 nearest = std::min(nearest, rect.dist);
-                isOdd = isOdd || isFar(rect.dist);
+                needsRectangles = needsRectangles || isFar(rect.dist);
             }
         }
         const auto same = std::find(facings.begin(), facings.end(), facing);
@@ -110,7 +108,7 @@ Edge::Edge(const Cell& cell, bool isLeft, int32_t minDist)
 
 bool Edge::isClear(const Edge& other) const
 {
-    return !isOdd && !other.isOdd && int64_t{nearest} + other.nearest >= 0;
+    return !needsRectangles && !other.needsRectangles && int64_t{nearest} + other.nearest >= 0;
 }
 
 std::vector<std::vector<int32_t>> blockOf(const Edge& left, const Edge& right, int32_t minDist)

@@ -49,7 +49,7 @@ struct Edge {
     std::vector<Facing> facings; ///< what it shows, each once, in the order of the solutions
     std::vector<size_t> shown;   ///< [solution] index in facings
     int32_t nearest;             ///< least FacingRect::dist, DBU; the largest integer without rectangles
-    bool isOdd;                  ///< distances to the edge do not tell where the rectangles stand
+    bool needsRectangles;        ///< distances to the edge do not tell where the rectangles stand
 };
 
 /// Spacings between two cells that stand side by side, for edges that are clear.

@@ -28,11 +28,11 @@ void MemberFinder::add(std::string_view name, bool isLast)
     m_text += name;
     m_compTable.askForSlot(m_names.back().hash);
     if (m_names.size() == BATCH) {
-        finish();
+        flush();
     }
 }
 
-void MemberFinder::finish()
+void MemberFinder::flush()
 {
     for (const Name& name : m_names) {
         m_compTable.askForName(name.hash);

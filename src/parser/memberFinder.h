@@ -30,8 +30,8 @@ public:
     /// @param isLast  whether the net is complete with it
     void add(std::string_view name, bool isLast);
 
-    /// Completes the nets. Errors: as add().
-    void finish();
+    /// Looks up the members that are still waiting. Errors: as add().
+    void flush();
 
     /// [component] how often it is a member of a net that is complete.
     const std::vector<uint32_t>& uses() const { return m_uses; }

@@ -34,7 +34,7 @@ std::vector<uint32_t> NetParser::readNets(vireloce::WordReader& in)
             members.add(in.readWord(), k == degree);
         }
     }
-    members.finish();
+    members.flush();
     return members.uses();
 }
 

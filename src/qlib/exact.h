@@ -13,6 +13,10 @@ namespace vireloce {
 /// "No path" and "infeasible", a cost. Two of them still fit into 32 bits.
 inline constexpr int32_t INFINITE_COST = 0x3fffffff;
 
+/// Bound of numbers of which seven, of any sign, add up within 32 bits. What is farther is left to code that
+/// is exact with sums modulo 2^32.
+inline constexpr int32_t FAR_AWAY = 1 << 28;
+
 /// Truncation toward zero; a value outside the 32-bit range, or not a number, gives the smallest integer.
 ///
 /// That is what the conversion instruction of x86 gives. The language leaves it undefined, so that a compiler

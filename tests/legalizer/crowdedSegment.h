@@ -17,8 +17,9 @@ public:
     explicit CrowdedSegment(uint32_t seed) : m_random(seed)
     {
         SITE_WIDTH = m_random.oneOf<int>({100, 190, 380});
-        WEIGHT_WRLENG = m_random.oneOf<float>(
-            {0.0F, 0.05F, 0.3F, 0.7F, 0.999999F, 1.0F, 1.4F, 1.4F, 1.4F, 1.4F, 2.5F, 10.0F, 1e5F, -1.4F});
+        WEIGHT_WRLENG =
+            m_random.oneOf<float>({0.0F, 0.05F, 0.3F, 0.7F, 0.999999F, 1.0F, 1.4F, 1.4F, 2.5F, 10.0F, 1e5F,
+                                   -1.4F, m_random.weight(), m_random.weight(), m_random.weight()});
         LDP_M = m_random.oneOf<int>({0, 1, 2, 3, 8});
         m_mostSolutions = m_random.oneOf<int>({1, 2, 3, 6, 12});
         m_minSolutions = m_random.oneOf<int>({0, 1, 1, 1, 1, 1, 1, 1});

@@ -1,14 +1,18 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The way from a segment's records to the kernels and back, seen from outside: which segments it takes, and
-// that both roads agree where numbers get large and where components move between segments.
+// The way from a segment's records to the kernels and back: which kernel takes a segment, and that both roads
+// agree where numbers get large and where components move between segments.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <functional>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "legalizer/crowdedSegment.h"
+#include "legalizer/fastRoad.h"
 #include "legalizer/roads.h"
 #include "qlib/exact.h"
 
@@ -20,6 +24,7 @@ using test::Random;
 using test::RandomDesign;
 using test::RoadGuard;
 using test::TinyDesign;
+using vireloce::FastRoad;
 
 using Places = std::vector<std::array<int32_t, 4>>;
 
@@ -59,51 +64,74 @@ std::string nameOf(const testing::TestParamInfo<ProgramCase>& row)
 
 // --- which segments it takes
 
-class FastRoadTakes : public testing::TestWithParam<ProgramCase> {};
-
-TEST_P(FastRoadTakes, OrdinarySegmentsWithoutAGraph)
+/// Whether all numbers are such that the kernels for ordinary numbers are meant to take them.
+bool isOrdinary(const CrowdedSegment& random)
 {
-    int ordinary = 0;
-    int graphs = 0;
-    for (uint32_t seed = 1; seed <= 1500; ++seed) {
-        CrowdedSegment random(seed);
-        bool isOrdinary = WEIGHT_WRLENG >= 0.0F && WEIGHT_WRLENG <= 10.0F && WEIGHT_WRLENG != 0.999999F &&
-                          random.segment->numSites > 0;
-        for (const Component* comp : random.design.components) {
-            isOrdinary = isOrdinary && !random.design.cellOf(*comp).colors.empty();
-        }
-        for (const auto& rows : random.design.lut.distTable) {
-            for (const auto& block : rows) {
-                for (const auto& row : block) {
-                    for (const int32_t dist : row) {
-                        isOrdinary = isOrdinary && dist <= 16 * SITE_WIDTH;
-                    }
-                }
-            }
-        }
-        if (isOrdinary) {
-            ++ordinary;
-            SegLegalizer solver(&random.legalizer, random.segment);
-            graphs += needsAGraph([&] { GetParam().solve(solver); }) ? 1 : 0;
-        }
-    }
-    EXPECT_GT(ordinary, 500);
-    EXPECT_LT(graphs, ordinary / 100);
+    const auto& components = random.design.components;
+    const auto& table = random.design.lut.distTable;
+    const auto entries = [&table](const auto& check) {
+        return std::all_of(table.begin(), table.end(), [&](const auto& rows) {
+            return std::all_of(rows.begin(), rows.end(), [&](const auto& block) {
+                return std::all_of(block.begin(), block.end(), [&](const auto& row) {
+                    return std::all_of(row.begin(), row.end(), check);
+                });
+            });
+        });
+    };
+    return WEIGHT_WRLENG >= 0.0F && WEIGHT_WRLENG <= 10.0F && random.segment->numSites > 0 &&
+           std::none_of(components.begin(), components.end(),
+                        [&](const Component* comp) { return random.design.cellOf(*comp).colors.empty(); }) &&
+           entries([](int32_t dist) { return dist <= 16 * SITE_WIDTH; });
 }
 
-INSTANTIATE_TEST_SUITE_P(Programs, FastRoadTakes, testing::Values(COLOURING, PLACEMENT, JOINT), nameOf);
+class FastRoadTakes : public testing::TestWithParam<ProgramCase> {};
+
+TEST_P(FastRoadTakes, OrdinarySegmentsWithTheKernelsForOrdinaryNumbers)
+{
+    int ordinary = 0;
+    for (uint32_t seed = 1; seed <= 1000; ++seed) {
+        CrowdedSegment random(seed);
+        if (!isOrdinary(random)) {
+            continue;
+        }
+        random.legalizer.fastRoad = std::make_unique<FastRoad>(random.design);
+        SegLegalizer(&random.legalizer, random.segment).solveOSR(); // every component has a solution now
+        SegLegalizer solver(&random.legalizer, random.segment);
+        GetParam().solve(solver);
+        const FastRoad::Taken& taken = random.legalizer.fastRoad->taken();
+        EXPECT_EQ(taken.fullGrid + taken.fullShift, 0) << "seed " << seed;
+        ordinary += taken.grid + taken.shift > 1 ? 1 : 0;
+    }
+    EXPECT_GT(ordinary, 300);
+}
+
+TEST_P(FastRoadTakes, AllSegmentsWithoutAGraph)
+{
+    int full = 0;
+    for (uint32_t seed = 1; seed <= 600; ++seed) {
+        CrowdedSegment random(seed);
+        random.legalizer.fastRoad = std::make_unique<FastRoad>(random.design);
+        SegLegalizer solver(&random.legalizer, random.segment);
+        EXPECT_FALSE(needsAGraph([&] { GetParam().solve(solver); })) << "seed " << seed;
+        const FastRoad::Taken& taken = random.legalizer.fastRoad->taken();
+        full += taken.fullGrid + taken.fullShift > 0 ? 1 : 0;
+    }
+    EXPECT_GT(full, 10);
+}
+
+INSTANTIATE_TEST_SUITE_P(Programs, FastRoadTakes, testing::Values(PLACEMENT, JOINT, SHIFT, SHIFT_FAST),
+                         nameOf);
 
 TEST(FastRoad, TakesWholePlacementsWithoutAGraph)
 {
-    int graphs = 0;
     for (uint32_t seed = 1; seed <= 200; ++seed) {
-        for (const int algo : {0, 1}) {
+        for (const int algo : {0, 1, 3, 4}) {
             RandomDesign random(seed);
             random.design.algo = algo;
-            graphs += needsAGraph([&] { random.legalizer.solveDPlace(); }) ? 1 : 0;
+            EXPECT_FALSE(needsAGraph([&] { random.legalizer.solveDPlace(); }))
+                << "seed " << seed << " algorithm " << algo;
         }
     }
-    EXPECT_LT(graphs, 4);
 }
 
 TEST(FastRoad, IsLeftWhereAllProgramsAreToTakeGraphs)
@@ -227,7 +255,7 @@ TEST_P(Limits, EndTheRunBeforeMemoryIsTakenForASegmentThatIsTooLong)
 {
     SCOPED_TRACE("both roads");
     for (const bool graphs : {false, true}) {
-        for (const float weight : {1.4F, 0.001F, 0.0F}) {
+        for (const float weight : {-1.4F, -0.001F, std::nanf("")}) { // none for the kernel that cuts off
             TinyDesign tiny;
             WEIGHT_WRLENG = weight;
             Segment* segment = tiny.addSegment(0, 0, 10);
@@ -240,6 +268,48 @@ TEST_P(Limits, EndTheRunBeforeMemoryIsTakenForASegmentThatIsTooLong)
             const std::string report = test::reportOfEndedRun([&] { GetParam().solve(solver); });
             EXPECT_NE(report.find("too large to solve"), std::string::npos) << report;
         }
+    }
+}
+
+/// What a program reports and does of two components on a row of two thousand million sites, the right one
+/// pulled to a site.
+std::pair<std::string, Places> onALongRow(const ProgramCase& program, float weight, int pulledTo)
+{
+    TinyDesign tiny;
+    SITE_WIDTH = 1;
+    WEIGHT_WRLENG = weight;
+    Segment* segment = tiny.addSegment(0, 0, 10);
+    segment->numSites = 2'000'000'000;
+    tiny.addComponent(segment, tiny.addCell(1, {0}), 5, 0);
+    Component* right = tiny.addComponent(segment, 0, 9, 0);
+    tiny.addNet({right}, {tiny.addPin(pulledTo, 0)});
+    SegLegalizer solver(&tiny.legalizer, segment);
+    const test::ReportCapture capture;
+    try {
+        program.solve(solver);
+    } catch (const vireloce::RunError&) {
+    }
+    return {capture.text(), tiny.places()};
+}
+
+TEST(FastRoad, PlacesOnARowOfAnyLengthWhereLittleOfItIsOfUse)
+{
+    for (const ProgramCase& program : {PLACEMENT, JOINT}) {
+        for (const float weight : {0.1F, 0.01F}) {
+            const auto [report, places] = onALongRow(program, weight, 300);
+            EXPECT_EQ(report, "");
+            EXPECT_EQ(places[0], (std::array{0, 0, 0, 0}));
+            EXPECT_EQ(places[1][1], weight > 0.05F ? 291 : 201); // what sticks out costs less than 1
+        }
+    }
+}
+
+TEST(FastRoad, EndsTheRunWhereTheUsefulPartOfARowIsTooLong)
+{
+    for (const ProgramCase& program : {PLACEMENT, JOINT}) {
+        const auto [report, places] = onALongRow(program, 0.01F, 1'999'999'999);
+        EXPECT_NE(report.find("two neighbours do not fit into the solver's memory"), std::string::npos)
+            << report;
     }
 }
 

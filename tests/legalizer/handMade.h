@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Segments made of literals for the kernels, and the programs a second time, rule by rule, over them.
+// Segments made of literals for the kernels, and random ones.
 #pragma once
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <ostream>
@@ -11,9 +13,10 @@
 #include <utility>
 #include <vector>
 
-#include "legalizer/gridKernel.h"
+#include "legalizer/gridProblem.h"
 #include "legalizer/randomDesign.h"
-#include "legalizer/shiftKernel.h"
+#include "legalizer/shiftProblem.h"
+#include "legalizer/termTable.h"
 #include "qlib/exact.h"
 
 namespace vireloce {
@@ -48,12 +51,12 @@ using ShiftPlaces = std::vector<vireloce::ShiftPlace>;
 
 /// A component of a hand-made segment.
 struct HandMadeComp {
-    int32_t width = 1;             ///< sites
-    Ints stitches = {0};           ///< [solution]
-    std::vector<Ints> behind = {}; ///< [solution of the left neighbour][solution] sites; all 0 if empty
-    Ints lefts = {};               ///< what its centre must not be left of, sites
-    Ints rights = {};              ///< what its centre must not be right of, sites
-    int32_t site = 0;              ///< left end before a shift
+    int32_t width = 1;           ///< sites
+    Ints stitches = {0};         ///< [solution]
+    std::vector<Ints> gaps = {}; ///< [solution of the left neighbour][solution] sites; all 0 if empty
+    Ints lefts = {};             ///< what its centre must not be left of, sites
+    Ints rights = {};            ///< what its centre must not be right of, sites
+    int32_t site = 0;            ///< left end before a shift
 };
 
 /// A segment.
@@ -63,10 +66,10 @@ struct HandMade {
     std::vector<HandMadeComp> comps = {};
 
     /// Sites between a component's left neighbour and itself.
-    int32_t behind(size_t comp, size_t left, size_t solution) const
+    int32_t gap(size_t comp, size_t left, size_t solution) const
     {
-        const std::vector<Ints>& sites = comps[comp].behind;
-        return sites.empty() ? 0 : sites.at(left).at(solution);
+        const std::vector<Ints>& gaps = comps[comp].gaps;
+        return gaps.empty() ? 0 : gaps.at(left).at(solution);
     }
 
     /// Cost of a component at a site: what sticks out of its ranges, truncated term by term.
@@ -84,10 +87,19 @@ struct HandMade {
     }
 };
 
-/// The flat arrays of a hand-made segment. Every solution has a column of its own, or equal ones share one.
+/// What of a hand-made segment a local shift is to choose from.
+struct ShiftRange {
+    int32_t first = -2;     ///< leftmost shift, sites
+    int64_t count = 3;      ///< shifts
+    bool prune = false;     ///< leave out states that are dearer than one of the same solution further left
+    int32_t solutions = 12; ///< most solutions of a component
+};
+
+/// The flat arrays of a hand-made segment. Every solution has a gap class of its own, or equal ones share
+/// one.
 class HandMadeArrays {
 public:
-    HandMadeArrays(const HandMade& made, bool shareColumns)
+    explicit HandMadeArrays(const HandMade& made, bool shareClasses = true, bool knowsFarthest = true)
     {
         segment.numSites = made.numSites;
         for (const HandMadeComp& comp : made.comps) {
@@ -98,247 +110,118 @@ public:
             segment.rightEndBegin.push_back(static_cast<int32_t>(segment.rightEnds.size()));
             segment.rightEnds.insert(segment.rightEnds.end(), comp.rights.begin(), comp.rights.end());
             stitches.emplace_back(comp.stitches);
-            sites.push_back(comp.site);
+            leftEnds.push_back(comp.site);
         }
         segment.leftEndBegin.push_back(static_cast<int32_t>(segment.leftEnds.size()));
         segment.rightEndBegin.push_back(static_cast<int32_t>(segment.rightEnds.size()));
-        terms.prepare(made.weight, made.numSites);
-        behind.push_back(nullptr);
+        weight = made.weight;
+        int32_t farthest = made.numSites;
+        for (const int32_t left : segment.leftEnds) {
+            farthest = std::max(farthest, left);
+        }
+        segment.farthest = knowsFarthest ? farthest : 0;
+        terms.prepare(weight, farthest);
+        gapsToLeft.push_back(nullptr);
         for (size_t q = 1; q < made.comps.size(); ++q) {
-            addSpacing(made, q, shareColumns);
+            addGaps(made, q, shareClasses);
         }
     }
     HandMadeArrays(const HandMadeArrays&) = delete;
     HandMadeArrays& operator=(const HandMadeArrays&) = delete;
 
+    /// As the joint program, or from the start value of the ordered one as that.
     vireloce::GridProblem grid(int32_t unreached) const
     {
-        return {segment, behind, stitches, terms, unreached};
+        return grid(unreached, unreached == vireloce::ORDERED_UNREACHED);
     }
 
-    vireloce::ShiftProblem shifts(int32_t range, bool prune) const
+    vireloce::GridProblem grid(int32_t unreached, bool placesWaiting) const
     {
-        return {segment, behind, stitches, sites, terms, -range - 1, 2 * range + 1, prune};
+        return {segment, gapsToLeft, stitches, terms, unreached, placesWaiting};
+    }
+
+    vireloce::ShiftProblem shifts(const ShiftRange& range) const
+    {
+        return {segment,         gapsToLeft,  stitches,    leftEnds,   weight,
+                range.solutions, range.first, range.count, range.prune};
     }
 
     vireloce::SegmentData segment;
     vireloce::TermTable terms;
-    std::vector<const vireloce::PairSpacing*> behind;
+    float weight = 0.0F;
+    std::vector<const vireloce::PairGaps*> gapsToLeft;
     std::vector<std::span<const int32_t>> stitches;
-    Ints sites;
+    Ints leftEnds;
 
 private:
     struct Owned {
-        vireloce::PairSpacing spacing;
-        Ints columnOf;
-        Ints sites;
+        vireloce::PairGaps pair;
+        Ints classOf;
+        Ints gaps;
     };
 
-    void addSpacing(const HandMade& made, size_t comp, bool shareColumns)
+    void addGaps(const HandMade& made, size_t comp, bool shareClasses)
     {
         const size_t numLeft = made.comps[comp - 1].stitches.size();
         const size_t numRight = made.comps[comp].stitches.size();
         Owned& owned = *m_owned.emplace_back(std::make_unique<Owned>());
-        std::vector<Ints> columns; // [column][left solution]
+        std::vector<Ints> classes; // [gap class][left solution]
         for (size_t j = 0; j < numRight; ++j) {
-            Ints column;
+            Ints gaps;
             for (size_t i = 0; i < numLeft; ++i) {
-                column.push_back(made.behind(comp, i, j));
+                gaps.push_back(made.gap(comp, i, j));
             }
-            const auto at = shareColumns ? std::find(columns.begin(), columns.end(), column) : columns.end();
-            owned.columnOf.push_back(static_cast<int32_t>(at - columns.begin()));
-            if (at == columns.end()) {
-                columns.push_back(column);
+            const auto at = shareClasses ? std::find(classes.begin(), classes.end(), gaps) : classes.end();
+            owned.classOf.push_back(static_cast<int32_t>(at - classes.begin()));
+            if (at == classes.end()) {
+                classes.push_back(gaps);
             }
         }
         for (size_t i = 0; i < numLeft; ++i) {
-            for (const Ints& column : columns) {
-                owned.sites.push_back(column[i]);
+            for (const Ints& gaps : classes) {
+                owned.gaps.push_back(gaps[i]);
             }
         }
-        owned.spacing.numColumns = static_cast<int32_t>(columns.size());
-        owned.spacing.columnOf = owned.columnOf.data();
-        owned.spacing.sites = owned.sites.data();
-        if (!owned.sites.empty()) {
-            owned.spacing.least = *std::min_element(owned.sites.begin(), owned.sites.end());
-            owned.spacing.most = *std::max_element(owned.sites.begin(), owned.sites.end());
+        owned.pair.numClasses = static_cast<int32_t>(classes.size());
+        owned.pair.classOf = owned.classOf.data();
+        owned.pair.gaps = owned.gaps.data();
+        if (!owned.gaps.empty()) {
+            owned.pair.least = *std::min_element(owned.gaps.begin(), owned.gaps.end());
+            owned.pair.most = *std::max_element(owned.gaps.begin(), owned.gaps.end());
         }
-        behind.push_back(&owned.spacing);
+        gapsToLeft.push_back(&owned.pair);
     }
 
     std::vector<std::unique_ptr<Owned>> m_owned;
 };
 
-/// Sum modulo 2^32.
-inline int32_t wrapped(int32_t a, int32_t b)
+/// Gives every component of a segment up to some ends of ranges on both sides, anywhere or around a site.
+inline void addRandomEnds(HandMade& made, Random& random, int most, int32_t around = -1)
 {
-    return static_cast<int32_t>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b));
+    const auto anySite = [&] {
+        return around < 0 ? random.pick(0, made.numSites)
+                          : std::clamp(around + random.pick(-6, 6), 0, made.numSites);
+    };
+    for (HandMadeComp& comp : made.comps) {
+        for (int i = random.pick(0, most); i > 0; --i) {
+            comp.lefts.push_back(anySite());
+        }
+        for (int i = random.pick(0, most); i > 0; --i) {
+            comp.rights.push_back(anySite());
+        }
+    }
 }
 
-/// The placement grid over its full width, node by node in the order of their numbers.
-class LiteralGrid {
-public:
-    LiteralGrid(const HandMade& made, int32_t unreached) : m_made(made), m_rowLength(made.numSites + 1)
-    {
-        m_rows.push_back({-1, -1});
-        for (size_t q = 0; q < made.comps.size(); ++q) {
-            for (size_t j = 0; j < made.comps[q].stitches.size(); ++j) {
-                m_rows.emplace_back(static_cast<int>(q), static_cast<int>(j));
-            }
-        }
-        m_dist.assign(m_rows.size() * static_cast<size_t>(m_rowLength) + 1, unreached);
-        m_pred.assign(m_dist.size(), -1);
-        m_dist[0] = 0;
-        for (size_t row = 0; row < m_rows.size(); ++row) {
-            for (int32_t site = 0; site < m_rowLength; ++site) {
-                leave(row, site);
-            }
-        }
-    }
-
-    /// What the best path costs.
-    int32_t best() const { return m_dist.back(); }
-
-    GridPlaces places() const
-    {
-        GridPlaces all(m_made.comps.size());
-        for (int32_t i = m_pred.back(); i >= 0 && m_pred[static_cast<size_t>(i)] >= 0;) {
-            const auto [comp, solution] = m_rows[static_cast<size_t>(i / m_rowLength)];
-            const int32_t before = m_pred[static_cast<size_t>(i)];
-            if (comp >= 0 && before / m_rowLength != i / m_rowLength) {
-                const auto q = static_cast<size_t>(comp);
-                all[q] = {i % m_rowLength - m_made.comps[q].width, solution};
-            }
-            i = before;
-        }
-        return all;
-    }
-
-private:
-    int32_t number(size_t row, int32_t site) const { return static_cast<int32_t>(row) * m_rowLength + site; }
-
-    void relax(int32_t from, int32_t to, int32_t cost)
-    {
-        const int32_t candidate = wrapped(m_dist[static_cast<size_t>(from)], cost);
-        if (m_dist[static_cast<size_t>(to)] >= candidate) {
-            m_dist[static_cast<size_t>(to)] = candidate;
-            m_pred[static_cast<size_t>(to)] = from;
-        }
-    }
-
-    void leave(size_t row, int32_t site)
-    {
-        const int32_t from = number(row, site);
-        if (site < m_made.numSites) {
-            relax(from, from + 1, 0);
-        }
-        const auto [comp, solution] = m_rows[row];
-        const auto next = static_cast<size_t>(comp + 1);
-        for (size_t to = row + 1; to < m_rows.size(); ++to) {
-            const auto j = static_cast<size_t>(m_rows[to].second);
-            if (m_rows[to].first != comp + 1) {
-                continue;
-            }
-            const int32_t dist = comp < 0 ? 0 : m_made.behind(next, static_cast<size_t>(solution), j);
-            const int32_t end = site + dist + m_made.comps[next].width;
-            if (end <= m_made.numSites) {
-                relax(from, number(to, end), m_made.cost(next, site + dist, j));
-            }
-        }
-        if (comp >= 0 && site == m_made.numSites) {
-            const auto unplaced = static_cast<int32_t>(m_made.comps.size()) - comp;
-            relax(from, static_cast<int32_t>(m_dist.size()) - 1, 10 * m_made.numSites * unplaced);
-        }
-    }
-
-    const HandMade& m_made;
-    int32_t m_rowLength;
-    std::vector<std::pair<int, int>> m_rows; ///< component and solution
-    Ints m_dist;
-    Ints m_pred;
-};
-
-/// The local shift program by its three tables; empty if nothing fits.
-inline ShiftPlaces literalShifts(const HandMade& made, int32_t range, bool prune)
-{
-    struct State {
-        int32_t cost = vireloce::INFINITE_COST;
-        vireloce::ShiftPlace before = {};
-        bool pruned = false;
-    };
-    const size_t n = made.comps.size();
-    const int32_t shifts = 2 * range + 1;
-    std::vector<std::vector<std::vector<State>>> table(n);
-    for (size_t q = 0; q < n; ++q) {
-        table[q].assign(made.comps[q].stitches.size(), std::vector<State>(static_cast<size_t>(shifts)));
-    }
-    const auto siteOf = [&](size_t q, int32_t shift) { return made.comps[q].site - range - 1 + shift; };
-    const auto stepCost = [&](size_t q, int32_t a, int32_t from, int32_t b, int32_t to) {
-        const int32_t left = siteOf(q, from);
-        const int32_t right = siteOf(q + 1, to);
-        const auto i = static_cast<size_t>(a);
-        const auto j = static_cast<size_t>(b);
-        if (left < 0 || right + made.comps[q + 1].width > made.numSites ||
-            right - left - made.comps[q].width < made.behind(q + 1, i, j)) {
-            return vireloce::INFINITE_COST;
-        }
-        return wrapped(made.cost(q, left, i), made.cost(q + 1, right, j));
-    };
-    for (std::vector<State>& solution : table[0]) {
-        solution.assign(solution.size(), State{.cost = 0});
-    }
-    for (size_t q = 0; q + 1 < n; ++q) {
-        for (int32_t a = 0; a < static_cast<int32_t>(table[q].size()); ++a) {
-            for (int32_t b = 0; b < static_cast<int32_t>(table[q + 1].size()); ++b) {
-                for (int32_t from = 0; from < shifts; ++from) {
-                    const State& source = table[q][static_cast<size_t>(a)][static_cast<size_t>(from)];
-                    for (int32_t to = 0; to < shifts && !source.pruned && source.cost < 1073741822; ++to) {
-                        State& target = table[q + 1][static_cast<size_t>(b)][static_cast<size_t>(to)];
-                        const int32_t cost = wrapped(stepCost(q, a, from, b, to), source.cost);
-                        if (cost < target.cost) {
-                            target = {.cost = cost, .before = {.shift = from, .solution = a}};
-                        }
-                    }
-                }
-            }
-        }
-        for (std::vector<State>& solution : table[q + 1]) {
-            for (size_t o = 0; o < solution.size() && prune; ++o) {
-                solution[o].pruned = std::any_of(solution.begin(), solution.begin() + static_cast<int>(o),
-                                                 [&](const State& s) { return s.cost < solution[o].cost; });
-            }
-        }
-    }
-    int32_t least = vireloce::INFINITE_COST;
-    vireloce::ShiftPlace place;
-    for (size_t b = 0; b < table[n - 1].size(); ++b) {
-        for (size_t o = 0; o < table[n - 1][b].size(); ++o) {
-            if (table[n - 1][b][o].cost < least) {
-                least = table[n - 1][b][o].cost;
-                place = {.shift = static_cast<int32_t>(o), .solution = static_cast<int32_t>(b)};
-            }
-        }
-    }
-    if (least > 1073741821) {
-        return {};
-    }
-    ShiftPlaces all(n);
-    for (size_t q = n; q-- > 0;) {
-        all[q] = place;
-        place = table[q][static_cast<size_t>(place.solution)][static_cast<size_t>(place.shift)].before;
-    }
-    return all;
-}
-
-/// A random hand-made segment: few distinct costs, spacings and widths, from nearly empty to over-full.
+/// A random hand-made segment: few distinct costs, gaps and widths, from nearly empty to over-full, with
+/// weights of one to seven digits. All numbers are such that every kernel takes it, but for some gaps.
 inline HandMade randomHandMade(uint32_t seed)
 {
     Random random(seed);
     HandMade made;
-    made.weight = random.oneOf<float>({0.0F, 0.05F, 0.3F, 1.0F, 1.4F, 1.4F, 2.7F, 10.0F});
+    made.weight = random.oneOf<float>({0.0F, 0.05F, 0.3F, 0.65F, 0.999999F, 1.0F, 1.05F, 1.3F, 1.4F, 1.4F,
+                                       2.1F, 2.7F, 10.0F, 123.456F, 12345.67F, 99999.99F});
     const int32_t mostSolutions = random.oneOf<int>({1, 2, 4, 9});
-    const Ints spacings =
-        random.oneOf<Ints>({{0}, {0, 1}, {0, 0, 0, 1}, {0, 1, 2}, {2, 3}, {0, 5, 16}, {3, 19}});
+    const Ints gaps = random.oneOf<Ints>({{0}, {0, 1}, {0, 0, 0, 1}, {0, 1, 2}, {2, 3}, {0, 5, 16}, {3, 19}});
     const Ints stitchNums = random.oneOf<Ints>({{0, 1}, {0, 0, 1, 2}, {0, 7, 40}, {100, 300}});
     int32_t width = 0;
     for (int i = random.pick(1, random.oneOf<int>({2, 4, 9})); i > 0; --i) {
@@ -351,33 +234,45 @@ inline HandMade randomHandMade(uint32_t seed)
             stitch = random.oneOf(stitchNums);
         }
         if (!made.comps.empty()) {
-            comp.behind.assign(made.comps.back().stitches.size(), Ints(comp.stitches.size()));
-            for (Ints& row : comp.behind) {
-                for (int32_t& sites : row) {
-                    sites = random.oneOf(spacings);
+            comp.gaps.assign(made.comps.back().stitches.size(), Ints(comp.stitches.size()));
+            for (Ints& row : comp.gaps) {
+                for (int32_t& gap : row) {
+                    gap = random.oneOf(gaps);
                 }
             }
         }
         made.comps.push_back(comp);
     }
     made.numSites = std::max(1, width + random.oneOf<int>({-6, -2, -1, 0, 1, 2, 3, 5, 8, 20, 40}));
-    for (HandMadeComp& comp : made.comps) {
-        for (int i = random.pick(0, 3); i > 0; --i) {
-            comp.lefts.push_back(random.pick(0, made.numSites));
-        }
-        for (int i = random.pick(0, 3); i > 0; --i) {
-            comp.rights.push_back(random.pick(0, made.numSites));
-        }
-    }
+    addRandomEnds(made, random, 3);
     return made;
 }
 
-/// The same with numbers around the limits of what a kernel may take.
+/// The same with much more room, and sometimes a component that is too wide for it.
+inline HandMade roomyHandMade(uint32_t seed)
+{
+    HandMade made = randomHandMade(seed);
+    Random random(seed + 3000000);
+    made.numSites += random.oneOf<int>({20, 60, 150});
+    if (random.pick(0, 2) == 0) {
+        made.comps[static_cast<size_t>(random.pick(0, static_cast<int>(made.comps.size()) - 1))].width =
+            made.numSites - random.pick(-1, 5);
+    }
+    for (HandMadeComp& comp : made.comps) { // near each other, so that there is useless space on both sides
+        comp.lefts.clear();
+        comp.rights.clear();
+    }
+    addRandomEnds(made, random, random.oneOf<int>({1, 3}), random.pick(0, made.numSites));
+    return made;
+}
+
+/// A random hand-made segment with numbers around the limits of what a kernel may take.
 inline HandMade largeHandMade(uint32_t seed)
 {
     HandMade made = randomHandMade(seed);
     Random random(seed + 1000000);
-    made.weight = random.oneOf<float>({1.4F, 100.25F, 1000.5F, 4096.0F, 65536.0F, 151830.0F, 1e6F, 1e9F});
+    made.weight = random.oneOf<float>(
+        {1.4F, 100.25F, 1000.5F, 4096.0F, 65536.0F, 151830.0F, 1e6F, 1234567.0F, 1e9F, 3e38F});
     const Ints stitchNums = random.oneOf<Ints>({{0, 1},
                                                 {0, 12345600, 12345678},
                                                 {0, (1 << 22) - 5, (1 << 23) - 1},
@@ -391,6 +286,46 @@ inline HandMade largeHandMade(uint32_t seed)
         for (int i = random.oneOf<int>({0, 0, 5, 70, 200}); i > 0; --i) {
             (random.pick(0, 1) == 0 ? comp.lefts : comp.rights).push_back(random.pick(0, made.numSites));
         }
+    }
+    return made;
+}
+
+/// A random hand-made segment of numbers that occur in no library.
+inline HandMade strangeHandMade(uint32_t seed)
+{
+    constexpr int32_t MOST = std::numeric_limits<int32_t>::max();
+    HandMade made = randomHandMade(seed);
+    Random random(seed + 2000000);
+    made.weight = random.oneOf<float>({1.4F, -1.4F, -0.05F, -1000.5F, 1e9F, -1e9F, std::nanf(""),
+                                       std::numeric_limits<float>::infinity(),
+                                       -std::numeric_limits<float>::infinity()});
+    const Ints stitchNums = random.oneOf<Ints>({{0, 1},
+                                                {-1, 0, 1},
+                                                {-40, -7, 300},
+                                                {MOST, -MOST - 1, 0},
+                                                {(1 << 30) - 1, 1 << 30, -(1 << 30)},
+                                                {12345677, 12345678, 0}});
+    const bool wideGaps = random.pick(0, 1) == 0;
+    for (HandMadeComp& comp : made.comps) {
+        for (int32_t& stitch : comp.stitches) {
+            stitch = random.oneOf(stitchNums);
+        }
+        for (Ints& row : comp.gaps) {
+            for (int32_t& gap : row) {
+                gap = wideGaps && random.pick(0, 2) == 0 ? random.oneOf<int>({17, 30, 1000}) : gap;
+            }
+        }
+    }
+    if (random.pick(0, 5) == 0) { // a component without solutions
+        const auto q = static_cast<size_t>(random.pick(0, static_cast<int>(made.comps.size()) - 1));
+        made.comps[q].stitches.clear();
+        made.comps[q].gaps.clear();
+        if (q + 1 < made.comps.size()) {
+            made.comps[q + 1].gaps.clear();
+        }
+    }
+    if (random.pick(0, 9) == 0) {
+        made.numSites = 0;
     }
     return made;
 }

@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <string>
 
 #include "legalizer/programs.h"
+#include "legalizer/roads.h"
 
 namespace {
 
@@ -361,28 +363,45 @@ TEST_P(SolveLdp, SumsOfStepsWrapAroundIn32Bits)
 
 TEST_P(SolveLdp, ATableBeyondTheSizeLimitEndsTheRunBeforeItIsMade)
 {
-    const int64_t limit = SegLegalizer::s_maxGraphSize;
+    const test::RoadGuard road(/*graphs=*/true);
     LDP_M = 2;
     add(1, {0, 0}, 3);
     add(1, {0, 0}, 8);
-    SegLegalizer::s_maxGraphSize = 20;
-    EXPECT_EQ(test::reportOf([&] { solve(1); }), "");
-    SegLegalizer::s_maxGraphSize = 19;
+    {
+        const test::LimitGuard limit(20);
+        EXPECT_EQ(test::reportOf([&] { solve(1); }), "");
+    }
+    const test::LimitGuard limit(19);
     EXPECT_EQ(
         reportOfEndedRun([&] { solve(1); }),
         "ERROR| the segment at (570, 1900) of 10 sites and 2 components is too large to solve: 20 states of "
         "at most 19\n");
-    SegLegalizer::s_maxGraphSize = limit;
 }
 
-TEST_P(SolveLdp, ARangeOfMoreShiftsThanCanBeCountedIsBeyondTheSizeLimit)
+TEST_P(SolveLdp, ARangeOfMoreShiftsThanCanBeCountedIsBeyondTheSizeLimitOfTheTable)
 {
+    const test::RoadGuard road(/*graphs=*/true);
     add(1, {0}, 3);
     for (const int range : {1 << 30, std::numeric_limits<int>::max()}) {
         LDP_M = range;
         EXPECT_EQ(reportOfEndedRun([&] { solve(1); }),
-                  "ERROR| the segment at (570, 1900) of 10 sites and 1 components is too large to solve: "
-                  "2147483647 states of at most 200000000\n");
+                  "ERROR| the segment at (570, 1900) of 10 sites and 1 components is too large to solve: " +
+                      std::to_string(2 * int64_t{range} + 1) + " states of at most 200000000\n");
+    }
+}
+
+TEST_P(SolveLdp, OnlyShiftsToSitesOfTheSegmentTakeMemory)
+{
+    Component* left = add(1, {0}, 3);
+    Component* right = add(1, {0}, 8);
+    pull(left, 6, 6);
+    pull(right, 2, 2);
+    for (const int range : {20, 1 << 30, std::numeric_limits<int>::max() - 1}) {
+        LDP_M = range;
+        left->siteX = 3;
+        right->siteX = 8;
+        EXPECT_EQ(test::reportOf([&] { solve(1); }), "") << range;
+        EXPECT_EQ(sites(), (Ints{2, 3})) << range;
     }
 }
 

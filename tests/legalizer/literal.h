@@ -34,27 +34,22 @@ public:
 
     std::vector<FlatEdge> colouringEdges() const
     {
-        const std::vector<Layer> nodes = layers();
-        const auto end = static_cast<int32_t>(nodes.size()) + 1;
         std::vector<FlatEdge> edges;
-        for (int32_t b = 1; b < end; ++b) {
-            if (nodes[static_cast<size_t>(b) - 1].comp == 0) {
-                edges.push_back({0, b, 0});
-            }
+        int32_t first = 1; // node of a component's first solution
+        for (int32_t j = 0; numComps() > 0 && j < colours(0); ++j) {
+            edges.push_back({0, first + j, 0});
         }
-        for (int32_t a = 1; a < end; ++a) {
-            for (int32_t b = 1; b < end; ++b) {
-                const Layer& left = nodes[static_cast<size_t>(a) - 1];
-                const Layer& right = nodes[static_cast<size_t>(b) - 1];
-                if (left.comp + 1 == right.comp) {
-                    edges.push_back({a, b, pairCost(left.comp, left.colour, right.colour)});
+        for (size_t i = 0; i + 1 < numComps(); ++i) {
+            const int32_t next = first + colours(i);
+            for (int32_t a = 0; a < colours(i); ++a) {
+                for (int32_t b = 0; b < colours(i + 1); ++b) {
+                    edges.push_back({first + a, next + b, pairCost(i, a, b)});
                 }
             }
+            first = next;
         }
-        for (int32_t a = end - 1; a > 0; --a) {
-            if (nodes[static_cast<size_t>(a) - 1].comp + 1 == numComps()) {
-                edges.push_back({a, end, 0});
-            }
+        for (int32_t j = numComps() > 0 ? colours(numComps() - 1) - 1 : -1; j >= 0; --j) {
+            edges.push_back({first + j, first + colours(numComps() - 1), 0});
         }
         return edges;
     }
@@ -183,7 +178,25 @@ public:
     /// @param prune  whether dearer states right of a cheaper one are not gone on from
     void solveLdp(int step, bool prune)
     {
+        if (!shiftLocally(prune)) {
+            step == 1 ? solveTPL() : solveOSR();
+        }
+    }
+
+protected:
+    /// The local shift program.
+    ///
+    /// @return whether anything fits, and was written
+    bool shiftLocally(bool prune)
+    {
         Shifts table(numComps());
+        for (size_t i = 0; i < numComps() && table.perComp() > 0; ++i) {
+            for (int32_t b = 0; b < colours(i); ++b) {
+                for (int32_t o = 0; o < table.numOffsets; ++o) {
+                    table.at(i, {b, o}).own = ownCost(i, shiftedSite(i, o), b);
+                }
+            }
+        }
         for (size_t i = 0; i + 1 < numComps() && table.perComp() > 0; ++i) {
             for (int32_t a = 0; a < colours(i); ++a) {
                 for (int32_t b = 0; b < colours(i + 1); ++b) {
@@ -215,14 +228,14 @@ public:
             }
         }
         if (least > 1073741821) {
-            step == 1 ? solveTPL() : solveOSR();
-            return;
+            return false;
         }
         for (size_t i = numComps(); i-- > 0;) {
             place(i, shiftedSite(i, best.offset));
             colour(i, best.colour);
             best = table.at(i, best).before;
         }
+        return true;
     }
 
 private:
@@ -242,8 +255,9 @@ private:
     struct Shifts {
         struct State {
             int32_t cost = FAR;
-            Shift before;
+            Shift before = {};
             bool pruned = false;
+            int32_t own = 0; ///< what the component costs by itself
         };
 
         explicit Shifts(size_t numComps) : states(numComps * perComp())
@@ -273,9 +287,11 @@ private:
         if (from.cost >= 1073741822 || from.pruned) {
             return;
         }
-        const int32_t step = shiftCost(i, shiftedSite(i, left.offset), left.colour,
-                                       shiftedSite(i + 1, right.offset), right.colour);
         Shifts::State& to = table.at(i + 1, right);
+        const int32_t step =
+            fits(i, shiftedSite(i, left.offset), left.colour, shiftedSite(i + 1, right.offset), right.colour)
+                ? wrappedSum(from.own, to.own)
+                : FAR;
         if (wrappedSum(step, from.cost) < to.cost) {
             to.cost = wrappedSum(step, from.cost);
             to.before = left;

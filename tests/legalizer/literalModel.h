@@ -56,6 +56,7 @@ public:
     int32_t width(size_t i) const { return m_comps[i].cell->siteWidth; }
     int32_t solution(size_t i) const { return m_comps[i].solution; }
     int32_t siteX(size_t i) const { return m_comps[i].siteX; }
+    int32_t x(size_t i) const { return m_comps[i].x; }
 
     /// Sites between a component and its right neighbour.
     int32_t spacing(size_t i, int32_t colour, int32_t rightColour) const
@@ -66,6 +67,13 @@ public:
             return 0;
         }
         return ceilDivided(block[static_cast<size_t>(colour)][static_cast<size_t>(rightColour)]);
+    }
+
+    int32_t stitches(size_t i, int32_t colour) const
+    {
+        const std::vector<int32_t>& all = m_comps[i].cell->stitchNums;
+        return colour >= 0 && colour < static_cast<int32_t>(all.size()) ? all[static_cast<size_t>(colour)]
+                                                                        : 0;
     }
 
     int32_t ownCost(size_t i, int32_t site, int32_t colour) const
@@ -167,22 +175,14 @@ private:
 
     static int32_t truncated(float value)
     {
-        const double wide = std::trunc(static_cast<double>(value));
-        const bool inRange = wide >= std::numeric_limits<int32_t>::min() &&
-                             wide <= std::numeric_limits<int32_t>::max(); // not so if not a number
-        return inRange ? static_cast<int32_t>(wide) : std::numeric_limits<int32_t>::min();
+        constexpr float LIMIT = 2147483648.0F;
+        const bool inRange = std::fabs(value) < LIMIT; // not so if not a number
+        return inRange ? static_cast<int32_t>(value) : std::numeric_limits<int32_t>::min();
     }
 
     static int32_t ceilDivided(int32_t length)
     {
         return truncated(std::ceil(static_cast<float>(length) / static_cast<float>(SITE_WIDTH)));
-    }
-
-    int32_t stitches(size_t i, int32_t colour) const
-    {
-        const std::vector<int32_t>& all = m_comps[i].cell->stitchNums;
-        return colour >= 0 && colour < static_cast<int32_t>(all.size()) ? all[static_cast<size_t>(colour)]
-                                                                        : 0;
     }
 
     std::array<int32_t, 2> fixedRange(const Net& net) const
@@ -211,30 +211,28 @@ private:
 
     void findOutermost()
     {
-        for (const Net* net : m_design->nets) {
-            std::vector<Comp*> members; // from left to right
-            for (Comp& comp : m_comps) {
-                const std::vector<Net*>& nets = comp.record->nets;
-                if (std::find(nets.begin(), nets.end(), net) != nets.end()) {
-                    members.push_back(&comp);
-                }
-            }
-            if (!members.empty()) {
-                members.front()->leftNets.push_back(net->id);
-                members.back()->rightNets.push_back(net->id);
+        std::vector<const Comp*> leftmost(m_design->nets.size());
+        std::vector<const Comp*> rightmost(m_design->nets.size());
+        for (const Comp& comp : m_comps) {
+            for (const Net* net : comp.record->nets) {
+                const auto id = static_cast<size_t>(net->id);
+                leftmost[id] = leftmost[id] == nullptr ? &comp : leftmost[id];
+                rightmost[id] = &comp;
             }
         }
         // The order of a component's nets decides what is truncated when.
         for (Comp& comp : m_comps) {
-            const auto byMembership = [&](int32_t a, int32_t b) {
-                const auto position = [&](int32_t id) {
-                    const auto sameId = [id](const Net* net) { return net->id == id; };
-                    return std::find_if(comp.record->nets.begin(), comp.record->nets.end(), sameId);
-                };
-                return position(a) < position(b);
-            };
-            std::sort(comp.leftNets.begin(), comp.leftNets.end(), byMembership);
-            std::sort(comp.rightNets.begin(), comp.rightNets.end(), byMembership);
+            for (const Net* net : comp.record->nets) {
+                addOnce(comp.leftNets, net->id, leftmost[static_cast<size_t>(net->id)] == &comp);
+                addOnce(comp.rightNets, net->id, rightmost[static_cast<size_t>(net->id)] == &comp);
+            }
+        }
+    }
+
+    static void addOnce(std::vector<int32_t>& nets, int32_t id, bool isOutermost)
+    {
+        if (isOutermost && std::find(nets.begin(), nets.end(), id) == nets.end()) {
+            nets.push_back(id);
         }
     }
 

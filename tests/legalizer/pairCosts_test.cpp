@@ -13,9 +13,9 @@
 namespace {
 
 using test::Random;
+using vireloce::GapCache;
 using vireloce::PairCostCache;
 using vireloce::PairCosts;
-using vireloce::SpacingCache;
 
 TEST(PairCostCache, SaysWhatTheGraphsEdgesCost)
 {
@@ -44,12 +44,12 @@ TEST(PairCostCache, SaysWhatTheGraphsEdgesCost)
             }
         }
         SegLegalizer solver(&tiny.legalizer, nullptr);
-        SpacingCache spacings(tiny.design);
-        PairCostCache cache(tiny.design, spacings);
+        GapCache gaps(tiny.design.lut, SITE_WIDTH);
+        PairCostCache cache(tiny.design.lut, gaps, WEIGHT_WRLENG);
         for (int round = 0; round < 2; ++round) { // made, then kept
             for (Component* left : comps) {
                 for (Component* right : comps) {
-                    const PairCosts pair = cache.between(left->cellIdx, right->cellIdx);
+                    const PairCosts& pair = cache.between(left->cellIdx, right->cellIdx);
                     ASSERT_EQ(static_cast<size_t>(pair.numLeft), tiny.design.cellOf(*left).colors.size());
                     ASSERT_EQ(static_cast<size_t>(pair.numRight), tiny.design.cellOf(*right).colors.size());
                     for (int i = 0; i < pair.numLeft; ++i) {

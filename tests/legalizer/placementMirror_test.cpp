@@ -14,6 +14,7 @@
 namespace {
 
 using test::Random;
+using vireloce::Extent;
 using vireloce::PlacementMirror;
 using vireloce::Stretch;
 
@@ -21,7 +22,20 @@ using Range = std::pair<int32_t, int32_t>;
 
 constexpr Range NOTHING{std::numeric_limits<int32_t>::max(), std::numeric_limits<int32_t>::min()};
 
-/// What a net has outside of a stretch, by its records.
+/// A stretch of a row, DBU.
+Stretch stretchOf(int32_t y, int32_t xl, int32_t xh)
+{
+    return {Segment{.components = {}, .id = 0, .x = xl, .y = y, .numSites = xh - xl}, /*siteWidth=*/1};
+}
+
+/// What a net has outside of a stretch.
+Range outside(const PlacementMirror& mirror, const Net& net, const Stretch& stretch)
+{
+    const Extent extent = mirror.outside(net.id, stretch);
+    return {extent.lo, extent.hi};
+}
+
+/// The same by its records.
 Range scanned(const Design& design, const Net& net, const Stretch& stretch)
 {
     Range range = NOTHING;
@@ -32,7 +46,7 @@ Range scanned(const Design& design, const Net& net, const Stretch& stretch)
         include(pin->x);
     }
     for (const Component* comp : net.components) {
-        if (comp->y != stretch.y || comp->x < stretch.xl || comp->x >= stretch.xh) {
+        if (!stretch.contains(comp->x, comp->y)) {
             include(comp->x + design.cellOf(*comp).width / 2);
         }
     }
@@ -74,7 +88,12 @@ public:
     Stretch anyStretch()
     {
         const int xl = random.oneOf<int>({-400, 0, 1, 190});
-        return {.y = random.oneOf<int>({0, 0, 1900, 7}), .xl = xl, .xh = xl + random.pick(0, 3) * 190};
+        return {Segment{.components = {},
+                        .id = 0,
+                        .x = xl,
+                        .y = random.oneOf<int>({0, 0, 1900, 7}),
+                        .numSites = random.pick(0, 3)},
+                190};
     }
 
     Random random;
@@ -86,9 +105,8 @@ void compare(Netlist& netlist, const PlacementMirror& mirror)
     for (int i = 0; i < 4; ++i) {
         const Stretch stretch = netlist.anyStretch();
         for (const Net* net : netlist.design.nets) {
-            ASSERT_EQ(mirror.outside(net->id, stretch), scanned(netlist.design, *net, stretch))
-                << "net of " << net->components.size() << " members, y " << stretch.y << " from "
-                << stretch.xl << " to " << stretch.xh;
+            ASSERT_EQ(outside(mirror, *net, stretch), scanned(netlist.design, *net, stretch))
+                << "net of " << net->components.size() << " members, try " << i;
         }
     }
 }
@@ -129,10 +147,10 @@ TEST(PlacementMirror, CountsAComponentFromTheLeftEndOnAndBelowTheRightEnd)
     comp->x = 100;
     const PlacementMirror mirror(tiny.design);
     const Range there{195, 195};
-    EXPECT_EQ(mirror.outside(net->id, {.y = 1900, .xl = 100, .xh = 101}), NOTHING);
-    EXPECT_EQ(mirror.outside(net->id, {.y = 1900, .xl = 101, .xh = 300}), there);
-    EXPECT_EQ(mirror.outside(net->id, {.y = 1900, .xl = 0, .xh = 100}), there);
-    EXPECT_EQ(mirror.outside(net->id, {.y = 1901, .xl = 0, .xh = 300}), there);
+    EXPECT_EQ(outside(mirror, *net, stretchOf(1900, 100, 101)), NOTHING);
+    EXPECT_EQ(outside(mirror, *net, stretchOf(1900, 101, 300)), there);
+    EXPECT_EQ(outside(mirror, *net, stretchOf(1900, 0, 100)), there);
+    EXPECT_EQ(outside(mirror, *net, stretchOf(1901, 0, 300)), there);
 }
 
 TEST(PlacementMirror, HasNothingOutsideForANetWithoutMembersOrPins)
@@ -140,7 +158,7 @@ TEST(PlacementMirror, HasNothingOutsideForANetWithoutMembersOrPins)
     test::TinyDesign tiny;
     const Net* net = tiny.addNet({});
     const PlacementMirror mirror(tiny.design);
-    EXPECT_EQ(mirror.outside(net->id, {.y = 0, .xl = 0, .xh = 100}), NOTHING);
+    EXPECT_EQ(outside(mirror, *net, stretchOf(0, 0, 100)), NOTHING);
     EXPECT_EQ(mirror.numNets(), 1U);
 }
 
@@ -154,10 +172,10 @@ TEST(PlacementMirror, TakesCentresModulo32BitsAsTheRecordsDo)
     PlacementMirror mirror(tiny.design);
     comp->x = std::numeric_limits<int32_t>::max() - 1;
     mirror.moved(*comp);
-    const Stretch stretch{.y = 5, .xl = 0, .xh = 1};
-    EXPECT_LT(mirror.outside(few->id, stretch).first, 0);
-    EXPECT_EQ(mirror.outside(few->id, stretch), scanned(tiny.design, *few, stretch));
-    EXPECT_EQ(mirror.outside(large->id, stretch), scanned(tiny.design, *large, stretch));
+    const Stretch stretch = stretchOf(5, 0, 1);
+    EXPECT_LT(outside(mirror, *few, stretch).first, 0);
+    EXPECT_EQ(outside(mirror, *few, stretch), scanned(tiny.design, *few, stretch));
+    EXPECT_EQ(outside(mirror, *large, stretch), scanned(tiny.design, *large, stretch));
 }
 
 TEST(PlacementMirror, ListsNetsOfAComponentOncePerMembershipInTheirOrder)

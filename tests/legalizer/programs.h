@@ -75,7 +75,7 @@ public:
     explicit RandomSegment(uint32_t seed) : wild(seed % 3 == 0), m_random(seed)
     {
         SITE_WIDTH = m_random.oneOf<int>({100, 190});
-        WEIGHT_WRLENG = m_random.oneOf<float>({0.0F, 0.3F, 1.4F, 1.4F, 1.4F, 10.0F});
+        WEIGHT_WRLENG = m_random.oneOf<float>({0.0F, 0.3F, 1.4F, 1.4F, 10.0F, m_random.weight()});
         LDP_M = m_random.oneOf<int>({-1, 0, 0, 1, 1, 1, 2, 2, 2, 3});
         if (wild) {
             WEIGHT_WRLENG =

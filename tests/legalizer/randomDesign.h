@@ -25,6 +25,20 @@ public:
         return values[m_next() % values.size()];
     }
 
+    /// A weight of one to seven digits, from 0.01 to below 100.
+    float weight()
+    {
+        int digits = 0;
+        for (int i = pick(1, 7); i > 0; --i) {
+            digits = 10 * digits + pick(i == 1 ? 1 : 0, 9);
+        }
+        double value = digits;
+        while (value >= 100.0) {
+            value /= 10.0;
+        }
+        return static_cast<float>(value / oneOf<double>({1.0, 10.0, 100.0}));
+    }
+
 private:
     std::mt19937 m_next;
 };
@@ -38,8 +52,8 @@ public:
     explicit RandomDesign(uint32_t seed, int minColours = 1) : random(seed)
     {
         SITE_WIDTH = random.oneOf<int>({7, 100, 190, 200});
-        WEIGHT_WRLENG = random.oneOf<float>({0.0F, 0.3F, 1.4F, 10.0F});
-        LDP_M = random.pick(0, 3);
+        WEIGHT_WRLENG = random.oneOf<float>({0.0F, 0.3F, 1.4F, 10.0F, random.weight(), random.weight()});
+        LDP_M = random.oneOf<int>({0, 1, 2, 3, 8});
         addCells(minColours);
         addSegments();
         for (int i = random.pick(0, 3); i > 0; --i) {

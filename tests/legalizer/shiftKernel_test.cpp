@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The local shift kernel against the table of all states.
+// The local shift kernel for ordinary numbers against the table of all states.
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <vector>
 
-#include "legalizer/handMade.h"
+#include "legalizer/literalKernels.h"
+#include "legalizer/shiftKernel.h"
 
 namespace {
 
@@ -19,25 +21,33 @@ using test::literalShifts;
 using test::Random;
 using test::randomHandMade;
 using test::ShiftPlaces;
+using test::ShiftRange;
 using vireloce::ShiftKernel;
+using vireloce::ShiftPlace;
 
 constexpr float INF = std::numeric_limits<float>::infinity();
 
 /// The kernel's places, nothing if it does not take the segment.
-std::optional<ShiftPlaces> solved(ShiftKernel& kernel, const HandMade& made, int32_t range, bool prune,
-                                  bool shareColumns = true)
+std::optional<ShiftPlaces> solved(ShiftKernel& kernel, const HandMade& made, const ShiftRange& range,
+                                  bool shareClasses = true)
 {
-    const HandMadeArrays arrays(made, shareColumns);
-    if (!kernel.solve(arrays.shifts(range, prune))) {
+    const HandMadeArrays arrays(made, shareClasses);
+    if (!kernel.solve(arrays.shifts(range))) {
         return std::nullopt;
     }
     return ShiftPlaces(kernel.places().begin(), kernel.places().end());
 }
 
-std::optional<ShiftPlaces> solved(const HandMade& made, int32_t range, bool prune = false)
+std::optional<ShiftPlaces> solved(const HandMade& made, const ShiftRange& range)
 {
     ShiftKernel kernel;
-    return solved(kernel, made, range, prune);
+    return solved(kernel, made, range);
+}
+
+/// As the local shift program has it: from -sites - 1 to sites - 1.
+ShiftRange within(int32_t sites, bool prune = false)
+{
+    return {.first = -sites - 1, .count = 2 * sites + 1, .prune = prune};
 }
 
 TEST(ShiftKernel, FindsTheTablesChoiceOnRandomSegments)
@@ -48,13 +58,13 @@ TEST(ShiftKernel, FindsTheTablesChoiceOnRandomSegments)
     constexpr uint32_t COUNT = 1500;
     for (uint32_t seed = 1; seed <= COUNT && !HasFailure(); ++seed) {
         const HandMade made = randomHandMade(seed);
-        const int32_t range = static_cast<int32_t>(seed % 5);
-        const bool prune = seed % 2 == 0;
-        const auto places = solved(kernel, made, range, prune, /*shareColumns=*/seed % 3 != 0);
+        ShiftRange range = within(static_cast<int32_t>(seed % 5), /*prune=*/seed % 2 == 0);
+        range.solutions = seed % 7 == 0 ? 2 : 12; // of up to 9
+        const auto places = solved(kernel, made, range, /*shareClasses=*/seed % 3 != 0);
         refused += places.has_value() ? 0 : 1;
         if (places.has_value()) {
             fitting += places->empty() ? 0 : 1;
-            ASSERT_EQ(*places, literalShifts(made, range, prune)) << "seed " << seed;
+            ASSERT_EQ(*places, literalShifts(made, range)) << "seed " << seed;
         }
     }
     EXPECT_LT(refused, static_cast<int>(COUNT / 100)) << "ordinary segments";
@@ -65,7 +75,7 @@ struct ShiftCase {
     const char* name;
     HandMade made;
     int32_t range;
-    ShiftPlaces want; ///< shifts as indices from the leftmost, which is -range - 1
+    ShiftPlaces want; ///< shifts as indices from the leftmost one
 };
 
 void PrintTo(const ShiftCase& row, std::ostream* out)
@@ -78,8 +88,13 @@ class ShiftKernelChoice : public testing::TestWithParam<ShiftCase> {};
 TEST_P(ShiftKernelChoice, IsThatOfTheTable)
 {
     for (const bool prune : {false, true}) {
-        EXPECT_EQ(literalShifts(GetParam().made, GetParam().range, prune), GetParam().want);
-        EXPECT_EQ(solved(GetParam().made, GetParam().range, prune), GetParam().want) << "prune " << prune;
+        const ShiftRange range = within(GetParam().range, prune);
+        ShiftPlaces want = GetParam().want;
+        for (ShiftPlace& place : want) {
+            place.shift += range.first;
+        }
+        EXPECT_EQ(literalShifts(GetParam().made, range), want);
+        EXPECT_EQ(solved(GetParam().made, range), want) << "prune " << prune;
     }
 }
 
@@ -97,7 +112,7 @@ INSTANTIATE_TEST_SUITE_P(
         ShiftCase{"TiesGoToTheLowestSolutionOfTheLeftOneBeforeItsShift", // solution 1 could be at shift 0
                   {.weight = 1.0F,
                    .comps = {{.stitches = {1, 0}, .lefts = {1}, .site = 2},
-                             {.behind = {{0}, {1}}, .rights = {2}, .site = 4}}},
+                             {.gaps = {{0}, {1}}, .rights = {2}, .site = 4}}},
                   1,
                   {{1, 0}, {0, 0}}},
         ShiftCase{"TiesGoToTheLowestShift",
@@ -127,10 +142,10 @@ TEST(ShiftKernel, AgreesWithTheTableOnLargeNumbersWhereItTakesThem)
     int refused = 0;
     for (uint32_t seed = 1; seed <= 1500 && !HasFailure(); ++seed) {
         const HandMade made = largeHandMade(seed);
-        const auto places = solved(kernel, made, 2, seed % 2 == 0);
+        const auto places = solved(kernel, made, within(2, seed % 2 == 0));
         (places.has_value() ? taken : refused) += 1;
         if (places.has_value()) {
-            ASSERT_EQ(*places, literalShifts(made, 2, seed % 2 == 0)) << "seed " << seed;
+            ASSERT_EQ(*places, literalShifts(made, within(2, seed % 2 == 0))) << "seed " << seed;
         }
     }
     EXPECT_GT(taken, 100);
@@ -145,8 +160,9 @@ TEST(ShiftKernel, SaturatesSumsThatGrowBeyondTheStartValue)
             made.comps[q].stitches = {(1 << 23) - static_cast<int32_t>(q % 3), 1 << 23};
             made.comps[q].site = static_cast<int32_t>(q) + 1;
         }
-        ASSERT_EQ(literalShifts(made, 1, false).empty(), n > 65);
-        EXPECT_EQ(solved(made, 1), literalShifts(made, 1, false)) << n << " components";
+        const ShiftPlaces want = literalShifts(made, within(1));
+        ASSERT_EQ(want.empty(), n > 65);
+        EXPECT_EQ(solved(made, within(1)), want) << n << " components";
     }
 }
 
@@ -155,8 +171,41 @@ TEST(ShiftKernel, ChoosesTheSameWithPruning)
     // A state that is dearer than one further left has dearer own costs too, as room to the left only helps.
     for (uint32_t seed = 1; seed <= 1500; ++seed) {
         const HandMade made = randomHandMade(seed);
-        ASSERT_EQ(solved(made, 3, false), solved(made, 3, true)) << "seed " << seed;
+        ASSERT_EQ(solved(made, within(3)), solved(made, within(3, /*prune=*/true))) << "seed " << seed;
     }
+}
+
+TEST(ShiftKernel, FindsTheSameWhereStatesAreMadeAgain)
+{
+    int solvedWithLess = 0;
+    int refused = 0;
+    for (uint32_t seed = 1; seed <= 600 && !HasFailure(); ++seed) {
+        const HandMade made = randomHandMade(seed);
+        const ShiftRange range = within(3, /*prune=*/seed % 2 == 0);
+        int64_t all = 0; // states
+        for (const HandMadeComp& comp : made.comps) {
+            all += static_cast<int64_t>(comp.stitches.size()) * range.count;
+        }
+        for (const int64_t most : {10, 40, 130}) {
+            ShiftKernel kernel(vireloce::bestProfileOps(), most);
+            const auto places = solved(kernel, made, range);
+            refused += places.has_value() ? 0 : 1;
+            if (places.has_value()) {
+                ASSERT_EQ(*places, literalShifts(made, range)) << "seed " << seed << " states " << most;
+                solvedWithLess += 2 * most < all && !places->empty() ? 1 : 0;
+            }
+        }
+    }
+    EXPECT_GT(solvedWithLess, 20);
+    EXPECT_GT(refused, 20);
+}
+
+TEST(ShiftKernel, LooksAtSitesOfTheSegmentOnly)
+{
+    const HandMade made{.numSites = 20, .comps = {{.lefts = {7}, .site = 3}, {.rights = {2}, .site = 9}}};
+    ShiftKernel kernel(vireloce::bestProfileOps(), /*mostEntries=*/40);
+    const ShiftRange all{.first = -(1 << 27), .count = int64_t{1} << 28};
+    EXPECT_EQ(solved(kernel, made, all), literalShifts(made, {.first = -20, .count = 40}));
 }
 
 struct RefusedCase {
@@ -174,7 +223,7 @@ class ShiftKernelRefuses : public testing::TestWithParam<RefusedCase> {};
 
 TEST_P(ShiftKernelRefuses, LeavesIt)
 {
-    EXPECT_EQ(solved(GetParam().made, GetParam().range), std::nullopt);
+    EXPECT_EQ(solved(GetParam().made, within(GetParam().range)), std::nullopt);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -184,18 +233,18 @@ INSTANTIATE_TEST_SUITE_P(
                     RefusedCase{"NegativeSites", {.numSites = -1, .comps = {{}}}},
                     RefusedCase{"FarNegativeSites", {.numSites = -1000, .comps = {{}}}},
                     RefusedCase{"NegativeStitches", {.comps = {{.stitches = {0, -1}}}}},
-                    RefusedCase{"StitchesBeyondFloats", {.comps = {{.stitches = {1 << 24}}}}},
+                    RefusedCase{"StitchesOfMoreThanASiteMayCost", {.comps = {{.stitches = {1 << 28}}}}},
                     RefusedCase{"NegativeWeight", {.weight = -1.4F, .comps = {{}}}},
                     RefusedCase{"WeightThatIsNoNumber", {.weight = std::nanf(""), .comps = {{}}}},
                     RefusedCase{"InfiniteWeight", {.weight = INF, .comps = {{}}}},
-                    RefusedCase{"CostsThatDependOnTheirOrder",
-                                {.weight = 1000.5F, .comps = {{.lefts = Ints(2000, 9)}}}},
-                    RefusedCase{"NegativeSpacing", {.comps = {{}, {.behind = {{-1}}}}}},
-                    RefusedCase{"SpacingsThatMightWrap", {.comps = {{}, {.behind = {{1 << 28}}}}}},
+                    RefusedCase{"TermsOfMoreThanASiteMayCost",
+                                {.weight = 1e5F, .comps = {{.lefts = Ints(2000, 9)}}}},
+                    RefusedCase{"NegativeWidth", {.comps = {{.width = -1}}}},
+                    RefusedCase{"NegativeGap", {.comps = {{}, {.gaps = {{-1}}}}}},
+                    RefusedCase{"GapsThatMightWrap", {.comps = {{}, {.gaps = {{1 << 28}}}}}},
                     RefusedCase{"PlacesThatMightWrap", {.comps = {{.site = 1 << 28}}}},
                     RefusedCase{"NegativePlacesThatMightWrap", {.comps = {{.site = -2147483647 - 1}}}},
-                    RefusedCase{"WidthsThatMightWrap", {.comps = {{.width = 1 << 28}}}},
-                    RefusedCase{"LeftEndBeyondTheSegment", {.comps = {{.lefts = {11}}}}}),
+                    RefusedCase{"WidthsThatMightWrap", {.comps = {{.width = 1 << 28}}}}),
     [](const auto& row) { return row.param.name; });
 
 } // namespace

@@ -31,8 +31,8 @@ TEST_P(TermTableOfWeight, AddsWhatATruncatedSumAddsBelowTheLimit)
     for (const int32_t most : {0, 1, 7, 60, 2000}) {
         TermTable table;
         table.prepare(GetParam(), most);
-        const int32_t limit = table.additiveLimit();
         for (int32_t d = 0; d <= most; ++d) {
+            const int32_t limit = table.additiveLimit(d);
             const int32_t last = limit - table.rising()[d] - 1; // dearest cost whose sum is below the limit
             const auto check = [&](int32_t from, int32_t to) {
                 for (int32_t cost = std::max(from, 0); cost <= std::min(to, last); ++cost) {
@@ -53,7 +53,7 @@ TEST_P(TermTableOfWeight, HoldsEveryTermTruncated)
 {
     TermTable table;
     table.prepare(GetParam(), 300);
-    ASSERT_GT(table.additiveLimit(), 0);
+    ASSERT_GT(table.additiveLimit(300), 0);
     for (int32_t d = 0; d <= 300; ++d) {
         EXPECT_EQ(table.rising()[d], static_cast<int32_t>(static_cast<float>(d) * GetParam())) << d;
     }
@@ -80,7 +80,7 @@ TEST(TermTable, AddsExactlyForEveryCostThatItVouchesFor)
         TermTable table;
         table.prepare(weight, 5);
         for (const int32_t d : {1, 3, 5}) {
-            const int32_t end = table.additiveLimit() - table.rising()[d];
+            const int32_t end = table.additiveLimit(d) - table.rising()[d];
             int32_t wrong = 0;
             for (int32_t cost = 0; cost < end; ++cost) {
                 wrong += adds(table, weight, cost, d) ? 0 : 1;
@@ -94,14 +94,29 @@ TEST(TermTable, VouchesForFewerCostsTheNearerATermComesToAWholeNumber)
 {
     TermTable halves;
     halves.prepare(0.5F, 100);
-    EXPECT_EQ(halves.additiveLimit(), 1 << 22); // 1 - 0.5 is not more than 2^23 / 2^24, but than half of that
+    EXPECT_EQ(halves.additiveLimit(100),
+              1 << 22); // 1 - 0.5 is not more than 2^23 / 2^24, but than half of that
     TermTable wholes;
     wholes.prepare(10.0F, 100);
-    EXPECT_EQ(wholes.additiveLimit(), 1 << 24);
+    EXPECT_EQ(wholes.additiveLimit(100), 1 << 24);
     TermTable nearlyWhole;
     nearlyWhole.prepare(0.999999F, 1);
-    EXPECT_LT(nearlyWhole.additiveLimit(), 1 << 6);
-    EXPECT_GT(nearlyWhole.additiveLimit(), 0);
+    EXPECT_LT(nearlyWhole.additiveLimit(1), 1 << 6);
+    EXPECT_GT(nearlyWhole.additiveLimit(1), 0);
+}
+
+TEST(TermTable, HasALowerLimitForTermsFromTheFirstAwkwardOneOn)
+{
+    // 60 sites at 1.05 are 62.999996: on top of 2 the sum is rounded up.
+    TermTable table;
+    table.prepare(1.05F, 100);
+    ASSERT_FALSE(adds(table, 1.05F, 2, 60));
+    EXPECT_LE(table.additiveLimit(60), 65);
+    EXPECT_GT(table.additiveLimit(59), 65);
+    EXPECT_EQ(table.additiveLimit(0), 1 << 24);
+    for (int32_t d = 1; d <= 100; ++d) {
+        EXPECT_LE(table.additiveLimit(d), table.additiveLimit(d - 1)) << d;
+    }
 }
 
 TEST(TermTable, IsNeededBecauseTermsAddDifferentlyAboveSomeLimit)
@@ -109,7 +124,7 @@ TEST(TermTable, IsNeededBecauseTermsAddDifferentlyAboveSomeLimit)
     TermTable table;
     table.prepare(0.999999F, 1);
     bool differs = false;
-    for (int32_t cost = table.additiveLimit(); cost < 1 << 20; ++cost) {
+    for (int32_t cost = table.additiveLimit(1); cost < 1 << 20; ++cost) {
         differs = differs || !adds(table, 0.999999F, cost, 1);
     }
     EXPECT_TRUE(differs);
@@ -132,12 +147,12 @@ TEST_P(TermTableRefuses, WithALimitOfNone)
 {
     TermTable table;
     table.prepare(GetParam().weight, GetParam().most);
-    EXPECT_EQ(table.additiveLimit(), 0);
+    EXPECT_EQ(table.additiveLimit(std::max(GetParam().most, 0)), 0);
     table.prepare(1.0F, 10); // and is of use again afterwards
-    EXPECT_EQ(table.additiveLimit(), 1 << 24);
+    EXPECT_EQ(table.additiveLimit(10), 1 << 24);
     EXPECT_EQ(table.rising()[10], 10);
     table.prepare(GetParam().weight, GetParam().most);
-    EXPECT_EQ(table.additiveLimit(), 0);
+    EXPECT_EQ(table.additiveLimit(std::max(GetParam().most, 0)), 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -156,10 +171,11 @@ TEST(TermTable, TakesTheLargestTermsBelowTheLimit)
 {
     TermTable table;
     table.prepare(1e5F, 167);
-    EXPECT_EQ(table.additiveLimit(), 1 << 24);
+    EXPECT_EQ(table.additiveLimit(167), 1 << 24);
     EXPECT_EQ(table.rising()[167], 16700000);
     table.prepare(1e5F, 168);
-    EXPECT_EQ(table.additiveLimit(), 0);
+    EXPECT_EQ(table.additiveLimit(168), 0);
+    EXPECT_EQ(table.additiveLimit(167), 1 << 24);
 }
 
 TEST(TermTable, KeepsALargerTableOfTheSameWeight)
@@ -178,9 +194,11 @@ TEST(TermTable, VouchesForNothingWithANegativeRangeAfterALargerTable)
     TermTable table;
     table.prepare(1.4F, 100);
     table.prepare(1.4F, -1);
-    EXPECT_EQ(table.additiveLimit(), 0);
+    EXPECT_EQ(table.additiveLimit(0), 0);
+    EXPECT_EQ(table.most(), -1);
     table.prepare(1.4F, 10);
-    EXPECT_GT(table.additiveLimit(), 0);
+    EXPECT_GT(table.additiveLimit(10), 0);
+    EXPECT_EQ(table.most(), 10);
 }
 
 TEST(TermTable, IsMadeAnewForAnotherWeightOrALargerRange)
@@ -205,7 +223,8 @@ RC_GTEST_PROP(TermTable, NeverVouchesForASumThatIsTruncatedDifferently, ())
     table.prepare(weight, most);
     for (int i = 0; i < 50; ++i) {
         const auto d = *rc::gen::inRange(0, most + 1);
-        const int32_t room = table.additiveLimit() > 0 ? table.additiveLimit() - table.rising()[d] : 0;
+        const int32_t limit = table.additiveLimit(d);
+        const int32_t room = limit > 0 ? limit - table.rising()[d] : 0;
         if (room > 0) {
             const auto cost = *rc::gen::oneOf(rc::gen::inRange(0, room), rc::gen::just(room - 1));
             RC_ASSERT(adds(table, weight, cost, d));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The kept spacings of pairs of cells against the design's table.
+// The kept gaps of pairs of cells against the design's table.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -7,14 +7,14 @@
 #include <vector>
 
 #include "app/parameters.h"
+#include "legalizer/pairGaps.h"
 #include "legalizer/randomDesign.h"
-#include "legalizer/spacing.h"
 
 namespace {
 
 using test::Random;
-using vireloce::PairSpacing;
-using vireloce::SpacingCache;
+using vireloce::GapCache;
+using vireloce::PairGaps;
 
 /// Cells of 0 to 6 solutions and a table of a few distinct entries, some of which are the same in sites.
 class AnyTable : public test::TinyDesign {
@@ -43,14 +43,14 @@ private:
     Random m_random;
 };
 
-/// Calls check(left, right, spacing) for every pair of cells of many tables.
+/// Calls check(left, right, gaps) for every pair of cells of many tables.
 template <class Check>
 void onPairs(Check check)
 {
     for (uint32_t seed = 1; seed <= 300 && !testing::Test::HasFailure(); ++seed) {
         SCOPED_TRACE("table of seed " + std::to_string(seed));
         AnyTable table(seed);
-        SpacingCache cache(table.design);
+        GapCache cache(table.design.lut, SITE_WIDTH);
         for (const Component* left : table.comps) {
             for (const Component* right : table.comps) {
                 check(table.design, *left, *right, cache.between(left->cellIdx, right->cellIdx));
@@ -64,9 +64,9 @@ int32_t solutionsOf(const Design& design, const Component& comp)
     return static_cast<int32_t>(design.cellOf(comp).colors.size());
 }
 
-TEST(SpacingCache, SaysWhatTheDesignSaysOfEveryPairOfSolutions)
+TEST(GapCache, SaysWhatTheDesignSaysOfEveryPairOfSolutions)
 {
-    onPairs([](const Design& design, const Component& left, const Component& right, const PairSpacing& pair) {
+    onPairs([](const Design& design, const Component& left, const Component& right, const PairGaps& pair) {
         for (int32_t i = 0; i < solutionsOf(design, left); ++i) {
             for (int32_t j = 0; j < solutionsOf(design, right); ++j) {
                 EXPECT_EQ(pair.between(i, j), design.safeSites(left, i, right, j)) << i << " " << j;
@@ -75,9 +75,9 @@ TEST(SpacingCache, SaysWhatTheDesignSaysOfEveryPairOfSolutions)
     });
 }
 
-TEST(SpacingCache, SharesAColumnExactlyWhereAllLeftSolutionsSeeTheSameSites)
+TEST(GapCache, SharesAClassExactlyWhereAllLeftSolutionsNeedTheSameGaps)
 {
-    onPairs([](const Design& design, const Component& left, const Component& right, const PairSpacing& pair) {
+    onPairs([](const Design& design, const Component& left, const Component& right, const PairGaps& pair) {
         for (int32_t j = 0; j < solutionsOf(design, right); ++j) {
             for (int32_t k = 0; k < j; ++k) {
                 bool alike = true;
@@ -85,28 +85,28 @@ TEST(SpacingCache, SharesAColumnExactlyWhereAllLeftSolutionsSeeTheSameSites)
                     alike =
                         alike && design.safeSites(left, i, right, j) == design.safeSites(left, i, right, k);
                 }
-                EXPECT_EQ(pair.columnOf[j] == pair.columnOf[k], alike) << j << " " << k;
+                EXPECT_EQ(pair.classOf[j] == pair.classOf[k], alike) << j << " " << k;
             }
         }
     });
 }
 
-TEST(SpacingCache, NumbersItsColumnsFromZeroWithoutGaps)
+TEST(GapCache, NumbersItsClassesFromZeroOnWithoutOmission)
 {
-    onPairs([](const Design& design, const Component&, const Component& right, const PairSpacing& pair) {
-        std::vector<bool> used(static_cast<size_t>(pair.numColumns), false);
+    onPairs([](const Design& design, const Component&, const Component& right, const PairGaps& pair) {
+        std::vector<bool> used(static_cast<size_t>(pair.numClasses), false);
         for (int32_t j = 0; j < solutionsOf(design, right); ++j) {
-            ASSERT_GE(pair.columnOf[j], 0);
-            ASSERT_LT(pair.columnOf[j], pair.numColumns);
-            used[static_cast<size_t>(pair.columnOf[j])] = true;
+            ASSERT_GE(pair.classOf[j], 0);
+            ASSERT_LT(pair.classOf[j], pair.numClasses);
+            used[static_cast<size_t>(pair.classOf[j])] = true;
         }
         EXPECT_EQ(std::count(used.begin(), used.end(), false), 0);
     });
 }
 
-TEST(SpacingCache, KnowsTheLeastAndTheMostSites)
+TEST(GapCache, KnowsTheLeastAndTheMostGap)
 {
-    onPairs([](const Design& design, const Component& left, const Component& right, const PairSpacing& pair) {
+    onPairs([](const Design& design, const Component& left, const Component& right, const PairGaps& pair) {
         int32_t least = std::numeric_limits<int32_t>::max();
         int32_t most = std::numeric_limits<int32_t>::min();
         for (int32_t i = 0; i < solutionsOf(design, left); ++i) {
@@ -120,7 +120,7 @@ TEST(SpacingCache, KnowsTheLeastAndTheMostSites)
     });
 }
 
-TEST(SpacingCache, TakesEntriesOfOneSiteCountForTheSame)
+TEST(GapCache, TakesEntriesOfOneSiteCountForTheSame)
 {
     test::TinyDesign tiny;
     const int cell = tiny.addCell(2, {0, 0, 0, 0});
@@ -129,34 +129,34 @@ TEST(SpacingCache, TakesEntriesOfOneSiteCountForTheSame)
         tiny.setDist(cell, cell, i, 1, SITE_WIDTH);
         tiny.setDist(cell, cell, i, 2, SITE_WIDTH + 1);
     }
-    SpacingCache cache(tiny.design);
-    const PairSpacing& pair = cache.between(cell, cell);
-    EXPECT_EQ(pair.numColumns, 3);
-    EXPECT_EQ(pair.columnOf[0], pair.columnOf[1]);
+    GapCache cache(tiny.design.lut, SITE_WIDTH);
+    const PairGaps& pair = cache.between(cell, cell);
+    EXPECT_EQ(pair.numClasses, 3);
+    EXPECT_EQ(pair.classOf[0], pair.classOf[1]);
     EXPECT_EQ(pair.between(3, 1), 1);
     EXPECT_EQ(pair.between(3, 2), 2);
     EXPECT_EQ(pair.between(3, 3), 0);
 }
 
-TEST(SpacingCache, TellsThePairFromItsReverse)
+TEST(GapCache, TellsThePairFromItsReverse)
 {
     test::TinyDesign tiny;
     const int a = tiny.addCell(2, {0});
     const int b = tiny.addCell(2, {0, 0});
     tiny.setDist(a, b, 0, 1, SITE_WIDTH);
     tiny.setDist(b, a, 0, 0, 2 * SITE_WIDTH);
-    SpacingCache cache(tiny.design);
+    GapCache cache(tiny.design.lut, SITE_WIDTH);
     EXPECT_EQ(cache.between(a, b).between(0, 1), 1);
     EXPECT_EQ(cache.between(b, a).between(0, 0), 2);
     EXPECT_EQ(cache.between(b, a).between(1, 0), 0);
 }
 
-TEST(SpacingCache, KeepsAPairWhereItIsWhileOthersAreMade)
+TEST(GapCache, KeepsAPairWhereItIsWhileOthersAreMade)
 {
     AnyTable table(5);
-    SpacingCache cache(table.design);
-    const PairSpacing* first = &cache.between(0, 0);
-    const int32_t* sites = first->sites;
+    GapCache cache(table.design.lut, SITE_WIDTH);
+    const PairGaps* first = &cache.between(0, 0);
+    const int32_t* gaps = first->gaps;
     for (int round = 0; round < 2; ++round) {
         for (const Component* left : table.comps) {
             for (const Component* right : table.comps) {
@@ -165,7 +165,7 @@ TEST(SpacingCache, KeepsAPairWhereItIsWhileOthersAreMade)
         }
     }
     EXPECT_EQ(&cache.between(0, 0), first);
-    EXPECT_EQ(first->sites, sites);
+    EXPECT_EQ(first->gaps, gaps);
 }
 
 } // namespace

@@ -1,20 +1,20 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "legalizer/rowOps.h"
+#include "legalizer/profileOps.h"
 
 #include <array>
 
 namespace vireloce {
 
-extern const RowOps ROW_OPS_BASELINE;
+extern const ProfileOps PROFILE_OPS_BASELINE;
 #ifdef VIRELOCE_X86_VARIANTS
-extern const RowOps ROW_OPS_AVX2;
-extern const RowOps ROW_OPS_AVX512;
+extern const ProfileOps PROFILE_OPS_AVX2;
+extern const ProfileOps PROFILE_OPS_AVX512;
 #endif
 
-std::span<const RowOps* const> rowOpsHere()
+std::span<const ProfileOps* const> profileOpsHere()
 {
 #ifdef VIRELOCE_X86_VARIANTS
-    static constexpr std::array ALL{&ROW_OPS_BASELINE, &ROW_OPS_AVX2, &ROW_OPS_AVX512};
+    static constexpr std::array ALL{&PROFILE_OPS_BASELINE, &PROFILE_OPS_AVX2, &PROFILE_OPS_AVX512};
     static const size_t s_count = []() -> size_t {
         __builtin_cpu_init();
         if (__builtin_cpu_supports("avx2") == 0) {
@@ -24,14 +24,14 @@ std::span<const RowOps* const> rowOpsHere()
     }();
     return std::span(ALL).first(s_count);
 #else
-    static constexpr std::array ALL{&ROW_OPS_BASELINE};
+    static constexpr std::array ALL{&PROFILE_OPS_BASELINE};
     return ALL;
 #endif
 }
 
-const RowOps& bestRowOps()
+const ProfileOps& bestProfileOps()
 {
-    static const RowOps& s_best = *rowOpsHere().back();
+    static const ProfileOps& s_best = *profileOpsHere().back();
     return s_best;
 }
 
