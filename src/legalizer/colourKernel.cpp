@@ -2,6 +2,7 @@
 #include "legalizer/colourKernel.h"
 
 #include <algorithm>
+#include <cassert>
 
 #include "qlib/exact.h"
 
@@ -10,6 +11,7 @@ namespace vireloce {
 std::span<const int32_t> ColourKernel::solve(int32_t first, std::span<const PairCosts> pairs)
 {
     size_t total = static_cast<size_t>(first);
+    assert(first >= 0);
     for (const PairCosts& pair : pairs) {
         total += static_cast<size_t>(pair.numRight);
     }
@@ -17,6 +19,7 @@ std::span<const int32_t> ColourKernel::solve(int32_t first, std::span<const Pair
     std::fill_n(m_values.begin(), first, 0);
     int32_t* layer = m_values.data();
     for (const PairCosts& pair : pairs) {
+        assert(layer + pair.numLeft + pair.numRight <= m_values.data() + total);
         relax(pair, layer, layer + pair.numLeft);
         layer += pair.numLeft;
     }

@@ -28,6 +28,7 @@ void FastRoad::gather(const Segment& segment)
     m_segment.comps.assign(segment.components.begin(), segment.components.end());
     m_segment.width.clear();
     for (const Component* comp : m_segment.comps) {
+        assert(m_mirror.agreesOn(*comp)); // or whoever moved it did not say so
         m_segment.width.push_back(cellOf(*comp).siteWidth);
     }
     gatherLeftEnds(segment);

@@ -18,6 +18,7 @@ int32_t gapClassOf(const GridProblem& problem, size_t comp, size_t solution)
 
 bool FullGridKernel::solve(const GridProblem& problem)
 {
+    assert(problem.isComplete());
     const bool isSolved = findPath(problem);
     m_store.release();
     return isSolved;

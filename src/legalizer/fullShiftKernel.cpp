@@ -11,6 +11,7 @@ namespace vireloce {
 
 bool FullShiftKernel::solve(const ShiftProblem& problem)
 {
+    assert(problem.isComplete());
     const bool isSolved = findPath(problem);
     m_store.release();
     return isSolved;

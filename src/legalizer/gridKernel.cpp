@@ -25,6 +25,7 @@ GridKernel::GridKernel(const ProfileOps& ops, const Limits& limits)
 
 bool GridKernel::solve(const GridProblem& problem)
 {
+    assert(problem.isComplete() && m_limits.mostEntries > 0 && m_limits.narrow >= 0);
     const bool isSolved = findPath(problem);
     m_store.release();
     return isSolved;
@@ -127,6 +128,7 @@ size_t GridKernel::cheapestLast(const GridProblem& problem) const
 
 void GridKernel::setWindow(const GridProblem& problem, size_t last)
 {
+    assert(last < m_layers.size());
     const int32_t numSites = problem.segment.numSites;
     const int32_t slack = numSites - m_layers[last].least;
     m_wide = slack >= m_limits.narrow;
@@ -290,6 +292,7 @@ bool GridKernel::traceBack(const GridProblem& problem, const End& end)
             profiles(q) + static_cast<size_t>(profileOf(problem, q)[solution]) * strideOf(q);
         const int32_t k = firstEqual(values, std::min(slack - layer.begin, layer.count - 1));
         const int32_t site = layer.least + layer.begin + k - problem.segment.width[q];
+        assert(values[k] < problem.unreached && 0 <= site && layer.begin + k <= layer.lastSlack);
         m_places[q] = {site, solution};
         if (q == 0) {
             return true;

@@ -2,6 +2,7 @@
 // What the kernels of ordered and joint placement are asked, and what they answer.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -26,6 +27,13 @@ struct GridProblem {
     const TermTable& terms; ///< of the weight, up to the segment's number of sites if that is worth a table
     int32_t unreached;      ///< start value of a node that has not been reached
     bool placesWaiting;     ///< whether a waiting node of the path is a place, too, as in ordered placement
+
+    /// Whether all arrays are as long as the components ask.
+    bool isComplete() const
+    {
+        const size_t n = segment.comps.size();
+        return segment.isComplete() && gapsToLeft.size() == n && stitches.size() == n;
+    }
 };
 
 /// Where the best path puts a component.

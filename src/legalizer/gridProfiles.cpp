@@ -153,6 +153,7 @@ GridKernel::Made GridKernel::keepUseful(const GridProblem& problem, size_t comp,
                                               slackWithoutLeftPull(problem.segment, comp + 1, next.least)));
         lastKept = std::max(lastKept, next.lastMade);
     }
+    assert(from < count && tail < count);
     layer.begin = first + from;
     layer.count = lastKept - layer.begin + 1;
 
@@ -207,8 +208,10 @@ void GridKernel::fillCheapest(const GridProblem& problem, size_t comp)
     const int32_t* const leftProfileOf = profileOf(problem, comp - 1);
     const int32_t* gap = gaps.gaps;
     for (size_t i = 0; i < stitches.size(); ++i) {
+        assert(leftProfileOf[i] < m_layers[comp - 1].numProfiles);
         int32_t* cheapest = m_cheapest.data() + static_cast<ptrdiff_t>(leftProfileOf[i]) * spread;
         for (int32_t gapClass = 0; gapClass < gaps.numClasses; ++gapClass, cheapest += perClass, ++gap) {
+            assert(gaps.least <= *gap && *gap <= gaps.most);
             int32_t& least = cheapest[*gap - gaps.least];
             least = std::min(least, stitches[i]);
         }

@@ -2,6 +2,7 @@
 #include "legalizer/layerStore.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstring>
 #include <new>
 
@@ -42,6 +43,7 @@ int32_t* LayerStore::add(size_t layer, size_t entries)
     m_begins[layer] = m_used;
     m_kept.push_back({layer, entries});
     m_used += entries;
+    assert(m_used <= m_capacity && m_capacity <= m_most);
     return m_room.get() + m_begins[layer];
 }
 
@@ -99,6 +101,7 @@ void LayerStore::dropBetweenCheckpoints()
         m_kept[kept++] = layer;
     }
     m_kept.resize(kept);
+    assert(m_used <= m_capacity && m_fixed <= m_kept.size());
 }
 
 void LayerStore::growTo(size_t entries)

@@ -2,6 +2,7 @@
 #include "legalizer/pairGaps.h"
 
 #include <algorithm>
+#include <cassert>
 #include <limits>
 #include <new>
 
@@ -59,6 +60,7 @@ const PairGaps* GapCache::make(int32_t leftCell, int32_t rightCell)
             pair.most = std::max(pair.most, gap);
         }
     }
+    assert(next == gaps + block.size() * firsts.size());
     pair.classOf = classOf;
     pair.gaps = gaps;
     return new (m_pairs.take<PairGaps>(1)) PairGaps(pair);

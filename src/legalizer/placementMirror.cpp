@@ -2,6 +2,7 @@
 #include "legalizer/placementMirror.h"
 
 #include <algorithm>
+#include <cassert>
 
 #include "db/design.h"
 
@@ -74,6 +75,7 @@ void PlacementMirror::addFew(const Net& net)
 void PlacementMirror::moved(const Component& comp)
 {
     const auto id = static_cast<size_t>(comp.id);
+    assert(id < m_places.size());
     const int32_t from = centre(m_places[id]);
     m_places[id].x = comp.x;
     m_places[id].y = comp.y;
@@ -93,6 +95,7 @@ void PlacementMirror::moveInLarge(int32_t comp, int32_t from, int32_t to)
         auto& sorted = m_few[static_cast<size_t>(few)].sorted;
         const auto at = std::lower_bound(sorted.begin(), sorted.end(), std::pair(from, comp));
         const auto target = std::lower_bound(sorted.begin(), sorted.end(), std::pair(to, comp));
+        assert(at != sorted.end() && *at == std::pair(from, comp));
         *at = {to, comp};
         if (target <= at) {
             std::rotate(target, at, at + 1);
@@ -102,8 +105,15 @@ void PlacementMirror::moveInLarge(int32_t comp, int32_t from, int32_t to)
     }
 }
 
+bool PlacementMirror::agreesOn(const Component& comp) const
+{
+    const auto id = static_cast<size_t>(comp.id);
+    return id < m_places.size() && m_places[id].x == comp.x && m_places[id].y == comp.y;
+}
+
 Extent PlacementMirror::outside(int32_t net, const Stretch& stretch) const
 {
+    assert(0 <= net && static_cast<size_t>(net) < numNets());
     const int32_t index = m_nets[static_cast<size_t>(net)].few;
     Extent extent;
     if (index >= 0) {

@@ -27,6 +27,9 @@ public:
     /// Takes over the position of a component.
     void moved(const Component& comp);
 
+    /// Whether a component is where the design has it: whether all moves were told.
+    bool agreesOn(const Component& comp) const;
+
     /// Nets of a component, one entry per membership, in the order of Component::nets.
     std::span<const int32_t> netsOf(int32_t comp) const
     {

@@ -27,6 +27,15 @@ struct SegmentData {
     /// Number of components.
     int32_t size() const { return static_cast<int32_t>(comps.size()); }
 
+    /// Whether all arrays are as long as the components ask.
+    bool isComplete() const
+    {
+        const size_t n = comps.size();
+        return width.size() == n && leftEndBegin.size() == n + 1 && rightEndBegin.size() == n + 1 &&
+               static_cast<size_t>(leftEndBegin.back()) == leftEnds.size() &&
+               static_cast<size_t>(rightEndBegin.back()) == rightEnds.size();
+    }
+
     /// What the centre of a component must not be left of, in the order of its nets.
     std::span<const int32_t> leftOf(size_t comp) const { return sliceOf(leftEnds, leftEndBegin, comp); }
 

@@ -12,6 +12,7 @@ namespace vireloce {
 
 bool ShiftKernel::solve(const ShiftProblem& problem)
 {
+    assert(problem.isComplete());
     const bool isSolved = findPath(problem);
     m_store.release();
     return isSolved;
@@ -100,6 +101,7 @@ bool ShiftKernel::makeLayer(const ShiftProblem& problem, size_t comp)
     std::swap(m_leftCosts, m_costs);
     makeCosts(problem, comp, m_costs);
     fillRunning(problem, comp);
+    assert(m_costs.count() == m_windows[comp].count && m_leftCosts.count() == m_windows[comp - 1].count);
     const PairGaps& gaps = *problem.gapsToLeft[comp];
     for (int32_t gapClass = 0; gapClass < gaps.numClasses; ++gapClass) {
         fillLeast(problem, comp, gapClass);

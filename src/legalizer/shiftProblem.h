@@ -24,6 +24,13 @@ struct ShiftProblem {
     int64_t numShifts;    ///< shifts from there, each a site further to the right
     bool prune;           ///< leave out states that are dearer than one of the same solution further left
 
+    /// Whether all arrays are as long as the components ask.
+    bool isComplete() const
+    {
+        const size_t n = segment.comps.size();
+        return segment.isComplete() && gapsToLeft.size() == n && stitches.size() == n && leftEnds.size() == n;
+    }
+
     /// Stitches of those solutions of a component that the table has room for.
     std::span<const int32_t> stitchesOf(size_t comp) const
     {

@@ -49,6 +49,7 @@ bool hasSmallCosts(const SegmentData& segment, float weight, size_t comp, int32_
 void SiteCosts::makeShared(const SegmentData& segment, const TermTable& terms, size_t comp,
                            std::span<const int32_t> stitches, int32_t most, int32_t firstSite, int32_t count)
 {
+    assert(std::all_of(stitches.begin(), stitches.end(), [most](int32_t number) { return number <= most; }));
     assert(firstSite >= 0 && firstSite + count + segment.width[comp] - 1 <= segment.numSites);
     if (addTerms(segment, terms, comp, most, firstSite, count)) {
         return;
@@ -172,7 +173,9 @@ void SiteCosts::findNumbers(std::span<const int32_t> stitches)
 
 void SiteCosts::setCount(size_t numProfiles, int32_t count)
 {
+    assert(count >= 0);
     m_numProfiles = static_cast<int32_t>(numProfiles);
+    m_count = count;
     m_stride = static_cast<size_t>(profileSpace(count));
     if (m_costs.size() < numProfiles * m_stride) {
         m_costs.resize(numProfiles * m_stride);

@@ -2,6 +2,7 @@
 // What the sites of a segment cost a component: the costs of SegLegalizer::getEdgeCost(), profile by profile.
 #pragma once
 
+#include <cassert>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -59,11 +60,19 @@ public:
     int32_t numProfiles() const { return m_numProfiles; }
 
     /// Index of a solution's profile.
-    int32_t profileOf(size_t solution) const { return m_numProfiles == 1 ? 0 : m_profileOf[solution]; }
+    int32_t profileOf(size_t solution) const
+    {
+        assert(m_numProfiles == 1 || solution < m_profileOf.size());
+        return m_numProfiles == 1 ? 0 : m_profileOf[solution];
+    }
+
+    /// Sites of each profile.
+    int32_t count() const { return m_count; }
 
     /// [count] one of the profiles, with room for whole blocks.
     const int32_t* profile(int32_t index) const
     {
+        assert(0 <= index && index < m_numProfiles);
         return m_costs.data() + static_cast<size_t>(index) * m_stride;
     }
 
@@ -92,6 +101,7 @@ private:
 
     const ProfileOps* m_ops; ///< not owned
     int32_t m_numProfiles = 0;
+    int32_t m_count = 0;              ///< sites of each profile
     size_t m_stride = 0;              ///< from one profile to the next
     std::vector<int32_t> m_costs;     ///< [profile][site]
     std::vector<int32_t> m_numbers;   ///< [profile] its number of stitches

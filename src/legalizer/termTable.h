@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -36,6 +37,7 @@ public:
     /// @param distance  from 0 to most(), sites
     int32_t additiveLimit(int32_t distance) const
     {
+        assert(0 <= distance && distance <= m_most);
         int32_t power = MOST_POWER;
         while (power >= 0 && distance >= m_reach[static_cast<size_t>(power)]) {
             --power;
@@ -53,7 +55,11 @@ public:
     const int32_t* rising() const { return m_rising.data(); }
 
     /// The same from the largest distance down: falling(d)[k] is the cost of d - k sites, for k in 0 .. d.
-    const int32_t* falling(int32_t d) const { return m_falling.data() + (m_most - d); }
+    const int32_t* falling(int32_t d) const
+    {
+        assert(0 <= d && d <= m_most);
+        return m_falling.data() + (m_most - d);
+    }
 
 private:
     static constexpr int32_t MOST_POWER = 24; ///< whole numbers up to 2^24 are floats
