@@ -32,7 +32,7 @@ struct GridProblem {
     bool isComplete() const
     {
         const size_t n = segment.comps.size();
-        return segment.isComplete() && gapsToLeft.size() == n && stitches.size() == n;
+        return n == 0 || (segment.isComplete() && gapsToLeft.size() == n && stitches.size() == n);
     }
 };
 

@@ -28,7 +28,8 @@ struct ShiftProblem {
     bool isComplete() const
     {
         const size_t n = segment.comps.size();
-        return segment.isComplete() && gapsToLeft.size() == n && stitches.size() == n && leftEnds.size() == n;
+        return n == 0 || (segment.isComplete() && gapsToLeft.size() == n && stitches.size() == n &&
+                          leftEnds.size() == n);
     }
 
     /// Stitches of those solutions of a component that the table has room for.

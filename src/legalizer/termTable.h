@@ -37,7 +37,6 @@ public:
     /// @param distance  from 0 to most(), sites
     int32_t additiveLimit(int32_t distance) const
     {
-        assert(0 <= distance && distance <= m_most);
         int32_t power = MOST_POWER;
         while (power >= 0 && distance >= m_reach[static_cast<size_t>(power)]) {
             --power;
