@@ -23,6 +23,8 @@
 //    that path is the best of all: of equals the later component wins. Otherwise `last` is taken back to the
 //    first component where it may be, and all is done again. Where no path places `last`, as the gaps are
 //    larger than the least, it is taken back by one component, then by two, four and so on.
+//    Example: 10 sites, widths of 3, 4 and 2, no gaps. If all are placed, the slack is 10 - 9 = 1, and they
+//    end on site 3 or 4, 7 or 8, 9 or 10.
 // 6. Where there is much slack, most of it is of no use.
 //    To the right: where the values fall no more, and right of the left ends of all of its nets, a
 //    component's own costs never fall either, so neither do its values. They are cut off and stand for the
