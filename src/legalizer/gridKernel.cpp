@@ -297,6 +297,12 @@ bool GridKernel::traceBack(const GridProblem& problem, const End& end)
         if (q == 0) {
             return true;
         }
+        if (problem.stitches[q - 1].size() == 1) { // the only way
+            const PairGaps& gaps = *problem.gapsToLeft[q];
+            slack = layer.begin + k - (gaps.between(0, solution) - gaps.least);
+            solution = 0;
+            continue;
+        }
         const int32_t stitches = problem.stitches[q][static_cast<size_t>(solution)];
         const int32_t wanted =
             values[k] - (siteCost(problem.segment, problem.terms.weight(), q, site, stitches) - stitches);

@@ -23,17 +23,17 @@ public:
 
     /// Costs of two cells by their index in LUTable::cells.
     ///
-    /// @return valid as long as the cache
-    const PairCosts& between(int32_t leftCell, int32_t rightCell);
+    /// @return its array is valid as long as the cache
+    PairCosts between(int32_t leftCell, int32_t rightCell);
 
 private:
     /// Works out the costs of two cells.
-    const PairCosts* make(int32_t leftCell, int32_t rightCell);
+    const int32_t* make(int32_t leftCell, int32_t rightCell);
 
     const LUTable& m_library;
     GapCache& m_gaps;
     float m_weight;
-    CellPairCache<PairCosts> m_pairs;
+    CellPairCache<int32_t> m_costs; ///< the arrays alone: one look into memory less
 };
 
 } // namespace vireloce
