@@ -1,5 +1,5 @@
 find_package(SQLite3 REQUIRED)
-vireloce_test(kit
+vireloce_test(kit SHARDS 4
     kit/cellLibrary_test.cpp
     kit/color/cell_test.cpp
     kit/color/command_test.cpp
