@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "kit/base/shortText.h"
 #include "kit/input/text.h"
 #include "kit/process/childProcess.h"
 
@@ -18,6 +19,15 @@ void addGiven(Words& words, const char* name, const std::string& value)
 {
     if (!value.empty()) {
         words.insert(words.end(), {name, value});
+    }
+}
+
+/// Adds a number if it was given, in one word with its option: it may be negative.
+template <typename Number>
+void addGiven(Words& words, const std::string& name, std::optional<Number> value)
+{
+    if (value.has_value()) {
+        words.push_back(name + "=" + shortText(*value));
     }
 }
 

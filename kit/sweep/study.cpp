@@ -263,8 +263,8 @@ private:
 
 Study readStudy(const std::string& path)
 {
-    const nlohmann::json json = readJson(path);
-    return StudyReader(Field(json, path, ""), fs::absolute(path).parent_path()).read();
+    const nlohmann::json study = readJson(path);
+    return StudyReader(Field(study, path, ""), fs::absolute(path).parent_path()).read();
 }
 
 } // namespace kit::sweep

@@ -2,6 +2,7 @@
 #include <nlohmann/json.hpp>
 #include <ostream>
 
+#include "kit/input/findingText.h"
 #include "kit/verify/report.h"
 
 namespace kit::verify {
@@ -12,11 +13,6 @@ using Json = nlohmann::ordered_json;
 
 constexpr int SCHEMA = 1;
 
-const char* wordOf(input::Severity severity)
-{
-    return severity == input::Severity::ERROR ? "error" : "note";
-}
-
 Json jsonOf(const DbuBox& box)
 {
     return {box.xl, box.yl, box.xh, box.yh};
@@ -25,7 +21,7 @@ Json jsonOf(const DbuBox& box)
 Json jsonOf(const input::Finding& fault)
 {
     const std::string advice = fault.advice.empty() ? "" : "; " + fault.advice;
-    return {{"severity", wordOf(fault.severity)},
+    return {{"severity", input::wordOf(fault.severity)},
             {"code", fault.code},
             {"file", fault.file},
             {"line", fault.line},
@@ -38,7 +34,7 @@ Json jsonOf(const Issue& issue, const Options& options, const input::Design& des
     const auto nameOf = [&](int32_t component) {
         return design.components[static_cast<size_t>(component)].name;
     };
-    Json json{{"severity", wordOf(info.severity)},
+    Json json{{"severity", input::wordOf(info.severity)},
               {"code", info.name},
               {"file", issue.inColors ? options.colors : options.placement},
               {"line", issue.line},

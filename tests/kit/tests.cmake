@@ -62,3 +62,5 @@ target_compile_definitions(test_kit PRIVATE
     VIRELOCE_STUDY_SCHEMA="${PROJECT_SOURCE_DIR}/kit/sweep/study.schema.json")
 target_link_libraries(test_kit PRIVATE vireloce_kit SQLite::SQLite3)
 add_dependencies(test_kit vireloce-kit)
+set_source_files_properties(${CMAKE_CURRENT_LIST_DIR}/command_test.cpp PROPERTIES
+    COMPILE_DEFINITIONS VIRELOCE_VERSION="${PROJECT_VERSION}")

@@ -660,7 +660,7 @@ const DamageCase DAMAGES[] = {
      1,
      {"d.place:10: warning: the components in row row_0 from x 0 on take 8 sites of 7 (115 %), spacings "
       "included, whatever the colour solutions, in the order in which they stand; leave more room in the "
-      "row, or add solutions to its cells [overfull-colours]"}},
+      "row, or add solutions to its cells [overfull-colors]"}},
     {"PinCountTooSmall",
      {{"d.pins", "2\n", "1\n"}},
      2,

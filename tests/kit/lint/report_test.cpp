@@ -127,7 +127,7 @@ TEST(LintDesigns, GeneratedDesignsAreSound)
 
 TEST(LintDesigns, DenseGeneratedDesignsHaveRoomForTheirSpacings)
 {
-    const GeneratedDesign design({"--utilisation", "95", "--mirrored", "50"});
+    const GeneratedDesign design({"--utilization", "95", "--mirrored", "50"});
     const KitOutcome outcome = runKit({"lint", design.base(), "--cell-path", design.lib()});
     EXPECT_EQ(outcome.output, "0 errors, 0 warnings, 0 notes\n");
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "kit/compare/command.h"
+#include "kit/tools/commands.h"
 
 #include <fstream>
 #include <iostream>
@@ -54,14 +54,17 @@ void run(const Options& options)
 
 } // namespace
 
-void addCommand(CLI::App& program, int& /*exitStatus*/)
+void addCommand(const Command& program)
 {
-    CLI::App& command = *program.add_subcommand("compare", "Put results of place side by side");
+    const Command command = program.subcommand("compare", "Put results of place side by side");
     command.footer("Example:\n  vireloce-kit compare out/algo0.json out/algo1.json > table.md");
     const auto options = std::make_shared<Options>();
-    command.add_option("RESULT", options->paths, "files OUT.json of vireloce-kit place")->required();
-    command.add_flag("--csv", options->csv, "comma-separated values instead of Markdown");
-    command.callback([options] { run(*options); });
+    command.add("RESULT", options->paths, "files OUT.json of vireloce-kit place").required();
+    command.flag("--csv", options->csv, "comma-separated values instead of Markdown");
+    command.does([options] {
+        run(*options);
+        return 0;
+    });
 }
 
 } // namespace kit::compare

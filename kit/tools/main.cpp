@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "kit/commands.h"
+#include "kit/tools/commands.h"
 
 int main(int argc, char** argv)
 {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "kit/gen/command.h"
+#include "kit/tools/commands.h"
 
 #include <charconv>
 #include <memory>
@@ -13,32 +13,31 @@ namespace kit::gen {
 namespace {
 
 /// Adds an integer option with its range and default.
-void addInteger(CLI::App& command, const std::string& name, int32_t& value, Range range,
-                const std::string& help)
+Option addInteger(const Command& command, const std::string& name, int32_t& value, Range range,
+                  const std::string& help)
 {
-    command.add_option("--" + name, value, help)
-        ->check(CLI::Range(range.least, range.greatest))
-        ->capture_default_str();
+    return command.add("--" + name, value, help).between(range.least, range.greatest).withDefault();
 }
 
-void addDesignOptions(CLI::App& command, Options& options)
+void addDesignOptions(const Command& command, Options& options)
 {
     addInteger(command, "components", options.components, COMPONENTS_RANGE, "placed cells");
-    addInteger(command, "utilisation", options.utilisation, UTILISATION_RANGE,
-               "sites that the cells take, in per cent of those in the segments");
+    addInteger(command, "utilization", options.utilisation, UTILISATION_RANGE,
+               "sites that the cells take, in per cent of those in the segments")
+        .formerly("--utilisation");
     addInteger(command, "sites-per-row", options.sitesPerRow, SITES_PER_ROW_RANGE, "most sites in a row");
     addInteger(command, "macros", options.macros, MACROS_RANGE, "macros that cut the rows");
     addInteger(command, "site-step", options.siteStep, SITE_STEP_RANGE, "distance of two sites, DBU");
     addInteger(command, "mirrored", options.mirrored, MIRRORED_RANGE, "mirrored components, in per cent");
 }
 
-void addLibraryOptions(CLI::App& command, Options& options)
+void addLibraryOptions(const Command& command, Options& options)
 {
     addInteger(command, "cell-types", options.cellTypes, CELL_TYPES_RANGE, "cells of the library");
     addInteger(command, "solutions", options.solutions, SOLUTIONS_RANGE, "most colour solutions of a cell");
 }
 
-void addNetOptions(CLI::App& command, Options& options)
+void addNetOptions(const Command& command, Options& options)
 {
     addInteger(command, "window-sites", options.windowSites, WINDOW_SITES_RANGE,
                "farthest member of a local net, in sites to either side of its driver");
@@ -59,28 +58,32 @@ std::string faultOfSeed(const std::string& text)
     return whole ? "" : "Value " + text + " is not a whole number from 0 to 2^64 - 1";
 }
 
-void addFileOptions(CLI::App& command, Options& options)
+void addFileOptions(const Command& command, Options& options)
 {
-    command.add_option("OUT", options.out, "path and base name of the design files")->required();
-    command.add_option("--cell-dir", options.cellDir, "folder of the colour files (default: OUT.colors)");
-    command.add_option("--seed", options.seed, "the same seed gives the same files")
-        ->check(CLI::Validator(faultOfSeed, ""))
-        ->capture_default_str();
-    command.add_flag("--lef-def", options.lefDef, "write OUT.lef and OUT.def as well");
-    command.add_flag("--force", options.force, "replace files that exist");
+    command.add("OUT", options.out, "path and base name of the design files").required();
+    command.add("--cell-path", options.cellDir, "folder of the colour files (default: OUT.colors)")
+        .formerly("--cell-dir");
+    command.add("--seed", options.seed, "the same seed gives the same files")
+        .check(faultOfSeed)
+        .withDefault();
+    command.flag("--lef-def", options.lefDef, "write OUT.lef and OUT.def as well");
+    command.flag("--force", options.force, "replace files that exist");
 }
 
 } // namespace
 
-void addCommand(CLI::App& program, int& /*exitStatus*/)
+void addCommand(const Command& program)
 {
-    CLI::App& command = *program.add_subcommand("gen", "Write a synthetic design with its cell library");
+    const Command command = program.subcommand("gen", "Write a synthetic design with its cell library");
     const auto options = std::make_shared<Options>();
     addFileOptions(command, *options);
     addDesignOptions(command, *options);
     addLibraryOptions(command, *options);
     addNetOptions(command, *options);
-    command.callback([options] { generate(*options); });
+    command.does([options] {
+        generate(*options);
+        return 0;
+    });
 }
 
 } // namespace kit::gen

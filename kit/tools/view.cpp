@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "kit/view/command.h"
+#include "kit/tools/commands.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -19,22 +19,23 @@ namespace {
 
 constexpr int32_t GREATEST_MIN_DIST = 100'000;
 
-void addOptions(CLI::App& command, Options& options)
+void addOptions(const Command& command, Options& options)
 {
-    command.add_option("PLACEMENT", options.placement, "placement file, or path and base name of a design")
-        ->required();
-    command.add_option("-o,--out", options.out, "the picture: FILE.svg or FILE.html")->required();
-    command.add_option("--colors", options.colors, "colour solutions that the placer chose");
-    command.add_option("--cell-path", options.cellDir, "folder of the colour files");
-    command.add_option("--cells", options.cells,
-                       "cell list (default: beside the placement, then beside BASE)");
-    command.add_option("--before", options.before, "input placement BASE.place, for displacements");
-    command.add_option("--netlist", options.netlist, "netlist (default: as --cells)");
-    command.add_option("--pins", options.pins, "pins (default: as --cells)");
-    command.add_option("--mindp", options.minDist, "distance of metal on one mask, DBU of the library")
-        ->check(CLI::Range(0, GREATEST_MIN_DIST))
-        ->capture_default_str();
-    command.add_flag("--force", options.force, "replace a picture that exists");
+    command.add("PLACEMENT", options.placement, "placement file, or path and base name of a design")
+        .required();
+    command.add("-o,--output", options.out, "the picture: FILE.svg or FILE.html")
+        .required()
+        .formerly("--out");
+    command.add("--colors", options.colors, "colour solutions that the placer chose");
+    command.add("--cell-path", options.cellDir, "folder of the colour files");
+    command.add("--cells", options.cells, "cell list (default: beside the placement, then beside BASE)");
+    command.add("--before", options.before, "input placement BASE.place, for displacements");
+    command.add("--netlist", options.netlist, "netlist (default: as --cells)");
+    command.add("--pins", options.pins, "pins (default: as --cells)");
+    command.add("--mindp", options.minDist, "distance of metal on one mask, DBU of the library")
+        .between(0, GREATEST_MIN_DIST)
+        .withDefault();
+    command.flag("--force", options.force, "replace a picture that exists");
 }
 
 /// Says on standard error what the picture misses because of its input.
@@ -75,13 +76,15 @@ void view(const Options& options)
 
 } // namespace
 
-void addCommand(CLI::App& program, int& /*exitStatus*/)
+void addCommand(const Command& program)
 {
-    CLI::App& command =
-        *program.add_subcommand("view", "Draw a placement, as a picture or a page to explore");
+    const Command command = program.subcommand("view", "Draw a placement, as a picture or a page to explore");
     const auto options = std::make_shared<Options>();
     addOptions(command, *options);
-    command.callback([options] { view(*options); });
+    command.does([options] {
+        view(*options);
+        return 0;
+    });
 }
 
 } // namespace kit::view

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "kit/import/command.h"
+#include "kit/tools/commands.h"
 
 #include <iostream>
 #include <memory>
@@ -32,25 +32,26 @@ void writeSummary(const Options& options, const Summary& summary)
 
 } // namespace
 
-void addCommand(CLI::App& program, int& exitStatus)
+void addCommand(const Command& program)
 {
-    CLI::App& command = *program.add_subcommand("import", "Take a placed design from LEF and DEF files");
+    const Command command = program.subcommand("import", "Take a placed design from LEF and DEF files");
     const auto options = std::make_shared<Options>();
-    command.add_option("--lef", options->lefs, "LEF file; may be given again")->required()->take_all();
-    command.add_option("--def", options->def, "DEF file")->required();
-    command.add_option("-o,--output", options->out, "path of the design files without extension")->required();
-    command.add_option("--layer", options->layer, "name of metal 1")->capture_default_str();
+    command.add("--lef", options->lefs, "LEF file; may be given again").required();
+    command.add("--def", options->def, "DEF file").required();
+    command.add("-o,--output", options->out, "path of the design files without extension").required();
+    command.add("--layer", options->layer, "name of metal 1").withDefault();
     lefdef::addSiteOption(command, options->site);
-    command.add_flag("--legalize", options->legalize,
-                     "put cells that are unplaced, off their row or over one another on free sites");
-    command.add_flag("--force", options->force, "replace earlier files");
+    command.flag("--legalize", options->legalize,
+                 "put cells that are unplaced, off their row or over one another on free sites");
+    command.flag("--force", options->force, "replace earlier files");
     command.footer(FOOTER);
-    command.callback([options, &exitStatus] {
+    command.does([options] {
         Summary summary;
-        exitStatus = importDesign(*options, std::cerr, summary);
+        const int exitStatus = importDesign(*options, std::cerr, summary);
         if (exitStatus == 0) {
             writeSummary(*options, summary);
         }
+        return exitStatus;
     });
 }
 
