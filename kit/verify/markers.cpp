@@ -3,6 +3,7 @@
 #include <charconv>
 #include <filesystem>
 
+#include "kit/base/escape.h"
 #include "kit/outputFile.h"
 #include "kit/verify/report.h"
 
@@ -11,28 +12,6 @@ namespace kit::verify {
 namespace {
 
 constexpr double DBU_PER_MICROMETRE = 2000;
-
-/// A text in XML: bytes that a parser would refuse become question marks.
-std::string escaped(const std::string& text)
-{
-    std::string xml;
-    for (const char c : text) {
-        switch (c) {
-        case '&':
-            xml += "&amp;";
-            break;
-        case '<':
-            xml += "&lt;";
-            break;
-        case '>':
-            xml += "&gt;";
-            break;
-        default:
-            xml += c < ' ' || c > '~' ? '?' : c;
-        }
-    }
-    return xml;
-}
 
 /// A text as a quoted word of the database.
 std::string quoted(const std::string& text)
@@ -96,7 +75,7 @@ class MarkerFile {
 public:
     MarkerFile(const Options& options, const Input& input)
         : m_options(options), m_input(input), m_out(options.lyrdb),
-          m_cell(escaped(std::filesystem::path(options.placement).stem().string()))
+          m_cell(escapeXml(std::filesystem::path(options.placement).stem().string()))
     {
     }
 
@@ -118,8 +97,8 @@ private:
     void writeHead()
     {
         m_out << "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<report-database>\n <description>"
-              << "Judgement of " << escaped(m_options.placement) << " with " << escaped(m_options.colors)
-              << "</description>\n <original-file>" << escaped(m_options.placement)
+              << "Judgement of " << escapeXml(m_options.placement) << " with " << escapeXml(m_options.colors)
+              << "</description>\n <original-file>" << escapeXml(m_options.placement)
               << "</original-file>\n <generator>vireloce-kit verify</generator>\n <top-cell>" << m_cell
               << "</top-cell>\n";
     }
@@ -141,7 +120,7 @@ private:
         const std::string text = textOf(issue, m_input.design, m_options.minDist);
         m_out << "  <item>\n   <category>" << quoted(infoOf(issue.kind).name) << "</category>\n   <cell>"
               << m_cell << "</cell>\n   <values>\n    <value>" << valueOf(issue)
-              << "</value>\n    <value>text: " << escaped(quoted(text))
+              << "</value>\n    <value>text: " << escapeXml(quoted(text))
               << "</value>\n   </values>\n  </item>\n";
     }
 

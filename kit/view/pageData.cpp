@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "kit/base/escape.h"
 #include "kit/view/base64.h"
-#include "kit/view/escape.h"
 
 namespace kit::view {
 

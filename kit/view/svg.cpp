@@ -5,8 +5,8 @@
 #include <cmath>
 #include <string>
 
+#include "kit/base/escape.h"
 #include "kit/view/density.h"
-#include "kit/view/escape.h"
 #include "kit/view/joints.h"
 #include "kit/view/palette.h"
 #include "kit/view/ramp.h"

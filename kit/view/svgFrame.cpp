@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "kit/view/escape.h"
+#include "kit/base/escape.h"
 #include "kit/view/palette.h"
 #include "kit/view/ramp.h"
 
