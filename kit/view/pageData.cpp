@@ -182,6 +182,7 @@ std::string describe(const Scene& scene)
         kinds.push_back(describeKind(kind));
     }
     Json data{{"title", printable(scene.title)},
+              {"dbuPerMicron", scene.dbuPerMicron},
               {"siteWidth", scene.siteWidth},
               {"rowHeight", scene.rowHeight},
               {"minDist", scene.minDist},

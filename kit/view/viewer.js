@@ -7,8 +7,7 @@
 
 // ---- Data ----------------------------------------------------------------------------------------------
 
-const NONE = 65535;          // no kind, no colour solution
-const DBU_PER_MICRON = 2000; // as in the core box of the placement file
+const NONE = 65535; // no kind, no colour solution
 
 const byId = (id) => document.getElementById(id);
 
@@ -37,6 +36,7 @@ const integers = (id) => new Int32Array(take(id).buffer);
 const shorts = (id) => new Uint16Array(take(id).buffer);
 
 const design = JSON.parse(byId("design").textContent);
+const DBU_PER_MICRON = design.dbuPerMicron;
 const kinds = design.kinds;
 const cells = {
   x: integers("x"), y: integers("y"), kind: shorts("kind"), colouring: shorts("colouring"), turns: take("turns"),

@@ -18,6 +18,7 @@ vireloce_test(kit
     kit/export/gds_test.cpp
     kit/export/layout_test.cpp
     kit/export/lefMasks_test.cpp
+    kit/export/markers_test.cpp
     kit/export/pieces_test.cpp
     kit/flow/flow_test.cpp
     kit/geometry/polygon_test.cpp
@@ -26,6 +27,7 @@ vireloce_test(kit
     kit/import/gcd_test.cpp
     kit/import/generated_test.cpp
     kit/import/rows_test.cpp
+    kit/input/frame_test.cpp
     kit/input/reader_test.cpp
     kit/lefdef/def_test.cpp
     kit/lefdef/example_test.cpp
