@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "kit/base/escape.h"
 #include "kit/view/base64.h"
-#include "kit/view/escape.h"
 
 namespace kit::view {
 
@@ -182,6 +182,7 @@ std::string describe(const Scene& scene)
         kinds.push_back(describeKind(kind));
     }
     Json data{{"title", printable(scene.title)},
+              {"dbuPerMicron", scene.dbuPerMicron},
               {"siteWidth", scene.siteWidth},
               {"rowHeight", scene.rowHeight},
               {"minDist", scene.minDist},

@@ -1,5 +1,6 @@
 find_package(SQLite3 REQUIRED)
 vireloce_test(kit
+    kit/base/escape_test.cpp
     kit/cellLibrary_test.cpp
     kit/color/cell_test.cpp
     kit/color/command_test.cpp
@@ -17,13 +18,16 @@ vireloce_test(kit
     kit/export/gds_test.cpp
     kit/export/layout_test.cpp
     kit/export/lefMasks_test.cpp
+    kit/export/markers_test.cpp
     kit/export/pieces_test.cpp
     kit/flow/flow_test.cpp
+    kit/geometry/polygon_test.cpp
     kit/import/cells_test.cpp
     kit/import/damage_test.cpp
     kit/import/gcd_test.cpp
     kit/import/generated_test.cpp
     kit/import/rows_test.cpp
+    kit/input/frame_test.cpp
     kit/input/reader_test.cpp
     kit/lefdef/def_test.cpp
     kit/lefdef/example_test.cpp

@@ -224,7 +224,7 @@ std::map<std::string, int> elementsOf(const std::string& xml)
         }
     }
     EXPECT_TRUE(open.empty());
-    EXPECT_FALSE(std::regex_search(xml, std::regex("&(?!(amp|lt|gt);)")));
+    EXPECT_FALSE(std::regex_search(xml, std::regex("&(?!(amp|lt|gt|quot|#39);)")));
     return counts;
 }
 
@@ -248,16 +248,40 @@ TEST(KitVerifyReport, MarkersAreWellFormedXml)
 
 TEST(KitVerifyReport, MarkersAreInMicrometres)
 {
-    const std::string xml = markersOf(mixedInput());
-    EXPECT_NE(xml.find("<value>box: (0.858500,0.000000;0.953500,0.700000)</value>"), std::string::npos)
-        << xml;
-    EXPECT_NE(xml.find("<value>edge-pair: (0.090000,0.350000;0.090000,0.675000)/"
-                       "(0.100000,0.675000;0.100000,0.350000)</value>"),
-              std::string::npos)
-        << xml;
-    EXPECT_NE(xml.find("<value>text: 'u0 (A&lt;&amp;&gt;) at (0, 0) and "), std::string::npos) << xml;
-    EXPECT_NE(xml.find("<top-cell>out</top-cell>"), std::string::npos) << xml;
+    Judged judged = mixedInput(); // one site is 190 DBU, whatever a micrometre is
+    struct Row {
+        int32_t units; ///< 0: the placement does not say
+        const char* box;
+        const char* pair;
+    };
+    for (const Row& row :
+         {Row{100, "(17.170000,0.000000;19.070000,14.000000)",
+              "(1.800000,7.000000;1.800000,13.500000)/(2.000000,13.500000;2.000000,7.000000)"},
+          Row{1000, "(1.717000,0.000000;1.907000,1.400000)",
+              "(0.180000,0.700000;0.180000,1.350000)/(0.200000,1.350000;0.200000,0.700000)"},
+          Row{2000, "(0.858500,0.000000;0.953500,0.700000)",
+              "(0.090000,0.350000;0.090000,0.675000)/(0.100000,0.675000;0.100000,0.350000)"},
+          Row{0, "(0.858500,0.000000;0.953500,0.700000)",
+              "(0.090000,0.350000;0.090000,0.675000)/(0.100000,0.675000;0.100000,0.350000)"},
+          Row{4000, "(0.429250,0.000000;0.476750,0.350000)",
+              "(0.045000,0.175000;0.045000,0.337500)/(0.050000,0.337500;0.050000,0.175000)"}}) {
+        judged.input.design.dbuPerMicron = row.units;
+        const std::string xml = markersOf(judged);
+        EXPECT_NE(xml.find(std::string("<value>box: ") + row.box + "</value>"), std::string::npos) << xml;
+        EXPECT_NE(xml.find(std::string("<value>edge-pair: ") + row.pair + "</value>"), std::string::npos)
+            << xml;
+    }
+}
+
+TEST(KitVerifyReport, MarkersNameWhatTheyAreAbout)
+{
+    Judged judged = mixedInput();
+    const std::string xml = markersOf(judged);
+    EXPECT_NE(xml.find("<value>text: &#39;u0 (A&lt;&amp;&gt;) at (0, 0) and "), std::string::npos) << xml;
     EXPECT_NE(xml.find("<category>'conflict'</category>"), std::string::npos) << xml;
+    EXPECT_NE(xml.find("<top-cell>out</top-cell>"), std::string::npos) << xml;
+    judged.input.design.name = "top/gcd";
+    EXPECT_NE(markersOf(judged).find("<top-cell>top_gcd</top-cell>"), std::string::npos);
 }
 
 TEST(KitVerifyReport, MarkersOfShapesAboveEachOtherFaceUpAndDown)

@@ -27,6 +27,7 @@ inline Scene smallScene()
 {
     Scene scene;
     scene.title = "small.place";
+    scene.dbuPerMicron = 1000;
     scene.siteWidth = 100;
     scene.rowHeight = 400;
     scene.coloured = true;

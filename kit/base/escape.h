@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace kit::view {
+namespace kit {
 
 /// A text as the content or a quoted attribute of an XML or HTML element.
 ///
@@ -17,4 +17,4 @@ std::string escapeScript(std::string_view json);
 /// The text with every byte that is no UTF-8, and every control character, replaced by a question mark.
 std::string printable(std::string_view text);
 
-} // namespace kit::view
+} // namespace kit

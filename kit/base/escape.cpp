@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "kit/view/escape.h"
+#include "kit/base/escape.h"
 
 #include <algorithm>
 #include <cstdint>
 
-namespace kit::view {
+namespace kit {
 
 namespace {
 
@@ -125,4 +125,4 @@ std::string escapeScript(std::string_view json)
     return result;
 }
 
-} // namespace kit::view
+} // namespace kit

@@ -1,20 +1,20 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "kit/lefdef/polygon.h"
+#include "kit/geometry/polygon.h"
 
 #include <algorithm>
 #include <cstddef>
 
-namespace kit::lefdef {
+namespace kit::geometry {
 
 namespace {
 
 /// Left and right ends, in turn, of what is inside between two heights; the band holds no corner within.
-std::vector<int32_t> spansOf(const std::vector<DefPoint>& corners, int32_t yl, int32_t yh)
+std::vector<int64_t> spansOf(const std::vector<Point>& corners, int64_t yl, int64_t yh)
 {
-    std::vector<int32_t> ends;
+    std::vector<int64_t> ends;
     for (size_t i = 0; i < corners.size(); ++i) {
-        const DefPoint& a = corners[i];
-        const DefPoint& b = corners[(i + 1) % corners.size()];
+        const Point& a = corners[i];
+        const Point& b = corners[(i + 1) % corners.size()];
         if (std::min(a.y, b.y) <= yl && std::max(a.y, b.y) >= yh) {
             ends.push_back(a.x);
         }
@@ -23,11 +23,11 @@ std::vector<int32_t> spansOf(const std::vector<DefPoint>& corners, int32_t yl, i
     return ends;
 }
 
-std::vector<int32_t> heightsOf(const std::vector<DefPoint>& corners)
+std::vector<int64_t> heightsOf(const std::vector<Point>& corners)
 {
-    std::vector<int32_t> heights;
+    std::vector<int64_t> heights;
     heights.reserve(corners.size());
-    for (const DefPoint& corner : corners) {
+    for (const Point& corner : corners) {
         heights.push_back(corner.y);
     }
     std::sort(heights.begin(), heights.end());
@@ -37,11 +37,11 @@ std::vector<int32_t> heightsOf(const std::vector<DefPoint>& corners)
 
 } // namespace
 
-bool isRectilinear(const std::vector<DefPoint>& corners)
+bool isRectilinear(const std::vector<Point>& corners)
 {
     for (size_t i = 0; i < corners.size(); ++i) {
-        const DefPoint& a = corners[i];
-        const DefPoint& b = corners[(i + 1) % corners.size()];
+        const Point& a = corners[i];
+        const Point& b = corners[(i + 1) % corners.size()];
         if (a.x != b.x && a.y != b.y) {
             return false;
         }
@@ -49,15 +49,30 @@ bool isRectilinear(const std::vector<DefPoint>& corners)
     return true;
 }
 
-std::vector<DefRect> cutIntoRects(const std::vector<DefPoint>& corners)
+bool hasArea(const std::vector<Point>& corners)
 {
-    std::vector<DefRect> rects;
+    uint64_t doubled = 0; // wraps around, as terms may; a polygon's area is far from doing so
+    for (size_t i = 0; i < corners.size(); ++i) {
+        const Point& a = corners[i];
+        const Point& b = corners[(i + 1) % corners.size()];
+        doubled += static_cast<uint64_t>(a.x) * static_cast<uint64_t>(b.y) -
+                   static_cast<uint64_t>(b.x) * static_cast<uint64_t>(a.y);
+    }
+    return doubled != 0;
+}
+
+std::vector<Rect> cutIntoRects(const std::vector<Point>& corners)
+{
+    if (!isRectilinear(corners)) {
+        return {};
+    }
+    std::vector<Rect> rects;
     std::vector<size_t> open; ///< those that end at the present height, from the left
-    const std::vector<int32_t> heights = heightsOf(corners);
+    const std::vector<int64_t> heights = heightsOf(corners);
     for (size_t band = 1; band < heights.size(); ++band) {
-        const int32_t yl = heights[band - 1];
-        const int32_t yh = heights[band];
-        const std::vector<int32_t> ends = spansOf(corners, yl, yh);
+        const int64_t yl = heights[band - 1];
+        const int64_t yh = heights[band];
+        const std::vector<int64_t> ends = spansOf(corners, yl, yh);
         std::vector<size_t> present;
         auto below = open.begin();
         for (size_t i = 0; i + 1 < ends.size(); i += 2) {
@@ -80,4 +95,4 @@ std::vector<DefRect> cutIntoRects(const std::vector<DefPoint>& corners)
     return rects;
 }
 
-} // namespace kit::lefdef
+} // namespace kit::geometry
