@@ -312,6 +312,17 @@ TEST_F(KitRescue, ARunWithoutAPlacementLeavesItsSetUpAlone)
     EXPECT_FALSE(std::filesystem::exists(m_dir.path("o.place")));
 }
 
+TEST_F(KitRescue, NamesThatAreNoUtf8AreReplacedInTheJson)
+{
+    components({{0, 0}, {950, 0}, {1900, 0}, {2850, 0}, {3600, 0}});
+    m_dir.write("d.place", std::regex_replace(contentOf(m_dir.path("d.place")), std::regex("- u"), "- \xff"));
+    const KitOutcome outcome = place({});
+    EXPECT_EQ(outcome.status, 1) << outcome.error;
+    EXPECT_EQ(result()["placement"]["dropped_cells"][0].asString().substr(0, 3), "\xef\xbf\xbd");
+    EXPECT_NE(contentOf(m_dir.path("o.place")).find("- \xff"), std::string::npos) << "files keep the bytes";
+    EXPECT_EQ(place({"--rescue"}).status, 0);
+}
+
 TEST_F(KitRescue, NeighboursMakeRoom)
 {
     // Five cells below, one of which is moved up, where it overlaps: there are three, with gaps too small for
