@@ -5,15 +5,12 @@
 
 #include <cmath>
 #include <cstdlib>
-#include <nlohmann/json.hpp>
 
 #include "db/design.h"
 
 namespace kit::place {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 constexpr int SCHEMA_VERSION = 1;
 
@@ -141,8 +138,10 @@ Json toJson(const Design& design, const Rescue& rescue)
     Json cells = Json::array();
     for (const Rescued& rescued : rescue.cells) {
         const Component& comp = *design.components[static_cast<size_t>(rescued.component)];
-        Json cell{{"name", comp.name}, {"helped", rescued.helped}, {"from", {rescued.fromX, rescued.fromY}}};
-        cell["to"] = rescued.helped ? Json{comp.x, comp.y} : Json(nullptr);
+        Json cell{{"name", comp.name},
+                  {"helped", rescued.helped},
+                  {"from", Json::array({rescued.fromX, rescued.fromY})}};
+        cell["to"] = rescued.helped ? Json::array({comp.x, comp.y}) : Json(nullptr);
         cells.push_back(std::move(cell));
     }
     return {{"cells", cells}, {"moved_neighbours", rescue.movedNeighbours}};

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <nlohmann/json.hpp>
 #include <utility>
 
 #include "kit/sweep/fields.h"
@@ -263,7 +262,7 @@ private:
 
 Study readStudy(const std::string& path)
 {
-    const nlohmann::json study = readJson(path);
+    const Json study = readJson(path);
     return StudyReader(Field(study, path, ""), fs::absolute(path).parent_path()).read();
 }
 

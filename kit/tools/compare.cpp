@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/tools/commands.h"
 
-#include <fstream>
 #include <iostream>
 #include <list>
 #include <memory>
-#include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "kit/compare/table.h"
 #include "kit/fault.h"
+#include "kit/input/text.h"
 
 namespace kit::compare {
 
@@ -21,18 +21,13 @@ struct Options {
     bool csv = false;
 };
 
-nlohmann::json read(const std::string& path)
+Json read(const std::string& path)
 {
-    std::ifstream in(path);
-    if (!in.is_open()) {
-        throw Fault("cannot open " + path);
-    }
-    nlohmann::json result = nlohmann::json::parse(in, nullptr, /*allow_exceptions=*/false);
-    if (!result.is_object() || result.value("schema", nlohmann::json()) != "vireloce-place" ||
-        result.value("version", nlohmann::json()) != 1) {
+    const std::optional<Json> result = Json::tryParse(input::readText(path));
+    if (!result || (*result)["schema"] != "vireloce-place" || (*result)["version"] != 1) {
         throw Fault(path + " is no result of vireloce-kit place, version 1");
     }
-    return result;
+    return *result;
 }
 
 /// A path without its extension.
@@ -43,7 +38,7 @@ std::string nameOf(const std::string& path)
 
 void run(const Options& options)
 {
-    std::list<nlohmann::json> results; // which are referred to
+    std::list<Json> results; // which are referred to
     std::vector<Run> runs;
     for (const std::string& path : options.paths) {
         runs.push_back({nameOf(path), results.emplace_back(read(path))});

@@ -1,6 +1,7 @@
 find_package(SQLite3 REQUIRED)
 vireloce_test(kit
     kit/base/escape_test.cpp
+    kit/base/json_test.cpp
     kit/cellLibrary_test.cpp
     kit/color/cell_test.cpp
     kit/color/command_test.cpp

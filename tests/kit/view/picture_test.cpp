@@ -12,8 +12,8 @@
 namespace {
 
 using namespace kit::view;
+using kit::Json;
 using kit::view::Cell; // and not the placer's
-using nlohmann::json;
 using test::arrayOf;
 using test::jsonOf;
 using test::occurrences;
@@ -200,27 +200,27 @@ TEST(ViewSvg, TheLargestMetalStaysBelowAFewMb)
 
 TEST(ViewPage, HoldsTheDesign)
 {
-    const json data = jsonOf(pictureOf(smallScene(), writeHtml));
+    const Json data = jsonOf(pictureOf(smallScene(), writeHtml));
     EXPECT_EQ(data["title"], "small.place");
     EXPECT_EQ(data["dbuPerMicron"], 1000);
     EXPECT_EQ(data["rows"].size(), 2U);
     EXPECT_EQ(data["macros"][0]["name"], "ram");
-    EXPECT_EQ(data["stretches"], (json{0, 0, 1000, 400, 0, 400, 800, 800}));
-    EXPECT_EQ(data["bounds"], (json{0, 0, 1000, 800}));
-    EXPECT_EQ(data["pins"][0], (json{{"name", "in"}, {"x", -50}, {"y", 200}}));
+    EXPECT_EQ(data["stretches"], Json::array({0, 0, 1000, 400, 0, 400, 800, 800}));
+    EXPECT_EQ(data["bounds"], Json::array({0, 0, 1000, 800}));
+    EXPECT_EQ(data["pins"][0], (Json{{"name", "in"}, {"x", -50}, {"y", 200}}));
     EXPECT_EQ(data["coloured"], true);
     EXPECT_EQ(data["moved"], false);
 }
 
 TEST(ViewPage, HoldsTheLibrary)
 {
-    const json inv = jsonOf(pictureOf(smallScene(), writeHtml))["kinds"][0];
+    const Json inv = jsonOf(pictureOf(smallScene(), writeHtml))["kinds"][0];
     EXPECT_EQ(inv["name"], "INV");
     EXPECT_EQ(inv["width"], 200);
-    EXPECT_EQ(inv["metal"], (json{10, 50, 30, 200, 0, 10, 200, 30, 350, 1}));
-    EXPECT_EQ(inv["joints"], (json{0, 1, 10, 200, 30, 200}));
-    EXPECT_EQ(inv["stitches"], (json{0, 1}));
-    EXPECT_EQ(inv["masks"], (json{"00", "12"}));
+    EXPECT_EQ(inv["metal"], Json::array({10, 50, 30, 200, 0, 10, 200, 30, 350, 1}));
+    EXPECT_EQ(inv["joints"], Json::array({0, 1, 10, 200, 30, 200}));
+    EXPECT_EQ(inv["stitches"], Json::array({0, 1}));
+    EXPECT_EQ(inv["masks"], Json::array({"00", "12"}));
 }
 
 TEST(ViewPage, CellsAreInTheOrderOfTheirRowsAndNetsFollow)
@@ -266,7 +266,7 @@ TEST(ViewPage, TheInputPlacementIsThereIfItIsKnown)
 TEST(ViewPage, OddNamesAreKeptAndBreakNothing)
 {
     const std::string page = pictureOf(oddScene(), writeHtml);
-    const json data = jsonOf(page);
+    const Json data = jsonOf(page);
     EXPECT_EQ(data["title"], ODD);
     EXPECT_EQ(data["kinds"][0]["name"], ODD);
     EXPECT_EQ(data["pins"][0]["name"], ODD);
