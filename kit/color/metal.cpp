@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "kit/color/sets.h"
+#include "kit/geometry/polygon.h"
 #include "kit/input/stretches.h"
 
 namespace kit::color {
@@ -14,6 +15,7 @@ namespace {
 
 using lefdef::LefMacro;
 using lefdef::LefPin;
+using lefdef::LefPoint;
 using lefdef::LefShape;
 using lefdef::Length;
 
@@ -89,26 +91,26 @@ private:
     {
         for (const LefShape& shape : shapes) {
             if (!shape.polygon) {
-                takeRect(shape, pin);
+                takeRect(shape.points[0], shape.points[1], pin);
                 continue;
             }
-            const std::vector<LefShape> rects = rectanglesOf(shape.points);
+            const std::vector<geometry::Rect> rects = geometry::cutIntoRects(shape.points);
             if (rects.empty()) {
                 throw CellFault("a polygon of " +
                                 (pin == NO_PIN ? "the obstructions" : m_macro.pins[pin].name) +
                                 " has edges that are not along an axis, or no area");
             }
-            for (const LefShape& rect : rects) {
-                takeRect(rect, pin);
+            for (const geometry::Rect& rect : rects) {
+                takeRect({rect.xl, rect.yl}, {rect.xh, rect.yh}, pin);
             }
         }
     }
 
     /// Takes a rectangle; a line or a point is no metal.
-    void takeRect(const LefShape& shape, size_t pin)
+    void takeRect(const LefPoint& a, const LefPoint& b, size_t pin)
     {
-        const auto [xl, xh] = std::minmax(shape.points[0].x, shape.points[1].x);
-        const auto [yl, yh] = std::minmax(shape.points[0].y, shape.points[1].y);
+        const auto [xl, xh] = std::minmax(a.x, b.x);
+        const auto [yl, yh] = std::minmax(a.y, b.y);
         if (xl < xh && yl < yh) {
             m_pieces.push_back({xl, yl, xh, yh, pin});
         }

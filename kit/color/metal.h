@@ -67,10 +67,4 @@ struct CellMetal {
 /// right edge, for too many rectangles and too large coordinates.
 CellMetal metalOf(const lefdef::LefMacro& macro, const Scale& scale);
 
-/// Cuts a rectilinear polygon into rectangles by horizontal lines.
-///
-/// @param points  corners in order, in either direction; the first may come again at the end
-/// @return rectangles without common area; nothing if an edge is slanting
-std::vector<lefdef::LefShape> rectanglesOf(const std::vector<lefdef::LefPoint>& points);
-
 } // namespace kit::color

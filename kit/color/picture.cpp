@@ -5,9 +5,9 @@
 #include <array>
 #include <string>
 
+#include "kit/base/escape.h"
 #include "kit/input/spacing.h"
 #include "kit/input/text.h"
-#include "kit/view/escape.h"
 #include "kit/view/palette.h"
 
 namespace kit::color {
@@ -43,7 +43,7 @@ public:
         m_file << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << width / UNITS_PER_PIXEL
                << "\" height=\"" << height / UNITS_PER_PIXEL << "\" viewBox=\"0 0 " << width << " " << height
                << "\" font-family=\"sans-serif\" font-size=\"" << LETTER << "\">\n"
-               << "<title>" << view::escapeXml(m_metal.name) << "</title>\n"
+               << "<title>" << escapeXml(m_metal.name) << "</title>\n"
                << "<rect width=\"100%\" height=\"100%\" fill=\"#ffffff\"/>\n";
         text(GAP, GAP, m_metal.name + (m_cell.trouble ? ": not free of conflicts" : ""),
              " font-weight=\"bold\"");
@@ -63,7 +63,7 @@ public:
 private:
     void text(int32_t x, int32_t y, const std::string& words, std::string_view style = "")
     {
-        m_file << "<text x=\"" << x << "\" y=\"" << y << "\"" << style << ">" << view::escapeXml(words)
+        m_file << "<text x=\"" << x << "\" y=\"" << y << "\"" << style << ">" << escapeXml(words)
                << "</text>\n";
     }
 
@@ -82,7 +82,7 @@ private:
         for (const Rect& rect : rects) {
             addRect(rect);
         }
-        m_file << "\"><title>" << view::escapeXml(name) << "</title></path>\n";
+        m_file << "\"><title>" << escapeXml(name) << "</title></path>\n";
     }
 
     void drawOutline()
@@ -195,9 +195,8 @@ private:
     void drawClose(const Closeness& close)
     {
         m_file << "<g opacity=\"0.8\"><title>"
-               << view::escapeXml(m_metal.nets[m_metal.polygons[close.a].net] + " - " +
-                                  m_metal.nets[m_metal.polygons[close.b].net] + ": " +
-                                  distanceText(close.squared))
+               << escapeXml(m_metal.nets[m_metal.polygons[close.a].net] + " - " +
+                            m_metal.nets[m_metal.polygons[close.b].net] + ": " + distanceText(close.squared))
                << "</title>\n";
         drawConflict({close.rectA, close.rectB});
         m_file << "</g>\n";

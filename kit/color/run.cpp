@@ -173,7 +173,7 @@ void tellTroubles(const Options& options, const Library& library, Result& result
         const MacroPlace place = placeOf(library, **macro);
         Reporter(result.findings, place.file)
             .add(cell.file ? input::Severity::WARNING : input::Severity::ERROR,
-                 cell.tooLarge ? "too-intricate" : "no-colouring", place.at,
+                 cell.tooLarge ? "too-intricate" : "no-coloring", place.at,
                  troubleText(result.metal[i], cell, options.settings), "");
     }
 }

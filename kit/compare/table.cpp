@@ -5,15 +5,12 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
-#include <nlohmann/json.hpp>
 
 #include "kit/csv.h"
 
 namespace kit::compare {
 
 namespace {
-
-using nlohmann::json;
 
 /// Where a number stands in a result: a JSON pointer, or a list whose length it is.
 struct Source {
@@ -38,17 +35,13 @@ constexpr Source SOURCES[] = {
     {"peak memory, KiB", "/peak_memory_kib"},
 };
 
-std::optional<double> valueAt(const json& result, const char* pointer)
+std::optional<double> valueAt(const Json& result, const char* pointer)
 {
-    const json::json_pointer at(pointer);
-    if (!result.contains(at)) {
-        return std::nullopt;
-    }
-    const json& value = result.at(at);
-    if (value.is_array()) {
+    const Json& value = result.atPointer(pointer);
+    if (value.isArray()) {
         return static_cast<double>(value.size());
     }
-    return value.is_number() ? std::optional(value.get<double>()) : std::nullopt;
+    return value.isNumber() ? std::optional(value.asNumber()) : std::nullopt;
 }
 
 /// Whole numbers without a fraction, others with three digits of it; a dash for none.

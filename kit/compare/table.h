@@ -2,17 +2,18 @@
 // Results of `place` side by side.
 #pragma once
 
-#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "kit/base/json.h"
 
 namespace kit::compare {
 
 /// One result: OUT.json as read.
 struct Run {
     std::string name; ///< how it is headed
-    const nlohmann::json& result;
+    const Json& result;
 };
 
 /// A line of the table: one number per run, the smaller the better.

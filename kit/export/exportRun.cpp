@@ -171,9 +171,10 @@ private:
         }
         OutputFile& file = m_outputs.add(m_options.gds, std::to_string(grid.unitsPerMicron()) +
                                                             " database units per micrometre");
-        const int64_t leftOut = writeLayout({m_inputs.design, m_inputs.def, m_matching.placed,
-                                             m_inputs.colours, m_matching.untouched, m_macros, grid},
-                                            file);
+        const int64_t leftOut =
+            writeLayout({m_inputs.frame.topCell, m_inputs.design, m_inputs.def, m_matching.placed,
+                         m_inputs.colours, m_matching.untouched, m_macros, grid},
+                        file);
         if (leftOut > 0) {
             note("no-outline",
                  "the layout lacks " + counted(leftOut, "component") + ", as no outline is known",
@@ -188,7 +189,7 @@ private:
         if (m_inputs.def.databaseMicrons <= 0) {
             throw Fault(m_options.def + " does not say its UNITS, which layouts and masters need");
         }
-        return m_inputs.def.databaseMicrons;
+        return m_inputs.frame.dbuPerMicron;
     }
 
     /// Site width, DBU.

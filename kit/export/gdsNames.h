@@ -9,15 +9,11 @@
 
 namespace kit::exporter {
 
-/// Makes names of structures as a GDSII file may have them: at most 32 of the characters A-Z, a-z, 0-9, "_",
-/// "?" and "$", and none twice.
+/// Makes names of structures as gdsName() does, and none twice.
 class GdsNames {
 public:
-    static constexpr size_t LONGEST = 32; ///< characters
-
-    /// A name that was not given out yet: stem and suffix as they are if that can be. Other characters become
-    /// "_", a stem that is too long is cut, and a name that is taken gets "$2", "$3" and so on between the
-    /// two.
+    /// A name that was not given out yet: stem and suffix as they are if that can be. A stem
+    /// that is too long is cut, and a name that is taken gets "$2", "$3" and so on between the two.
     ///
     /// @param suffix  at most 20 characters
     std::string take(std::string_view stem, std::string_view suffix);

@@ -10,25 +10,16 @@
 #include <string>
 #include <string_view>
 
+#include "kit/geometry/polygon.h"
+
 namespace kit {
 class OutputFile;
 }
 
 namespace kit::exporter {
 
-/// A point, database units.
-struct GdsPoint {
-    int64_t x = 0;
-    int64_t y = 0;
-};
-
-/// A rectangle, database units.
-struct GdsBox {
-    int64_t xl = 0;
-    int64_t yl = 0;
-    int64_t xh = 0;
-    int64_t yh = 0;
-};
+using GdsPoint = geometry::Point; ///< database units
+using GdsBox = geometry::Rect;    ///< database units
 
 /// Writes a library structure by structure.
 ///

@@ -127,6 +127,27 @@ void readDef(const Options& options, Inputs& inputs, Findings& findings)
     }
 }
 
+void findFrame(const Options& options, Inputs& inputs, Findings& findings)
+{
+    input::Design& design = inputs.design;
+    const int32_t units = inputs.def.databaseMicrons;
+    if (design.name.empty()) {
+        design.name = inputs.def.design;
+    }
+    if (design.dbuPerMicron == 0) {
+        design.dbuPerMicron = units;
+    }
+    if (units > 0 && design.dbuPerMicron != units) {
+        findings.push_back({.severity = Severity::ERROR,
+                            .code = "units",
+                            .file = options.def,
+                            .what = "a micrometre has " + std::to_string(units) + " DBU here, and " +
+                                    std::to_string(design.dbuPerMicron) + " in the placement",
+                            .advice = "export into the DEF file that the placement was made from"});
+    }
+    inputs.frame = input::frameOf(design, inputs.files.place);
+}
+
 void readLefs(const Options& options, Inputs& inputs, Findings& findings)
 {
     Findings ofLefs;
@@ -152,6 +173,7 @@ Inputs readInputs(const Options& options, Findings& findings)
     checkOutputs(options, pathsOf(options, inputs.files));
     readResult(options, inputs, findings);
     readDef(options, inputs, findings);
+    findFrame(options, inputs, findings);
     readLefs(options, inputs, findings);
     return inputs;
 }

@@ -10,6 +10,7 @@
 #include "kit/input/colors.h"
 #include "kit/input/design.h"
 #include "kit/input/finding.h"
+#include "kit/input/frame.h"
 #include "kit/lefdef/def.h"
 #include "kit/lefdef/lef.h"
 #include "kit/lefdef/nameMap.h"
@@ -29,6 +30,7 @@ struct Inputs {
     lefdef::Def def;
     std::vector<std::unique_ptr<lefdef::Source>> lefSources; ///< [LefMacro::source]
     lefdef::Lef lef;
+    input::Frame frame; ///< of the placement; what it does not say is the DEF file's
 };
 
 /// Whether an export needs the colours of the cells, and not only their places.
@@ -38,7 +40,8 @@ bool needsColours(const Options& options);
 ///
 /// @param findings  out: errors in the form of the files, and colours that do not fit their cells;
 ///                  "no-solution", a warning for a component without colours; "other-file", a warning for a
-///                  DEF file that is not the one that was imported
+///                  DEF file that is not the one that was imported;
+///                  "units", an error for one in other units than the placement
 ///
 /// Errors: throws Fault if a file cannot be opened, or a result would replace an input.
 Inputs readInputs(const Options& options, input::Findings& findings);

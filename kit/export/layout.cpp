@@ -35,7 +35,8 @@ struct Instance {
     std::string_view name;
 };
 
-/// Draws one cell.
+/// Draws one cell. A shape without area is none: files may have some, and what is thinner than half a
+/// database unit is rounded to one.
 class Drawing {
 public:
     Drawing(GdsWriter& gds, Orient orient, int64_t width, int64_t height)
@@ -46,6 +47,9 @@ public:
 
     void rectangle(int16_t layer, const GdsBox& box)
     {
+        if (box.xl == box.xh || box.yl == box.yh) {
+            return;
+        }
         const GdsPoint a = turn({box.xl, box.yl});
         const GdsPoint b = turn({box.xh, box.yh});
         m_gds.rectangle(layer,
@@ -54,6 +58,9 @@ public:
 
     void polygon(int16_t layer, std::vector<GdsPoint> corners)
     {
+        if (!geometry::hasArea(corners)) {
+            return;
+        }
         std::transform(corners.begin(), corners.end(), corners.begin(),
                        [this](const GdsPoint& corner) { return turn(corner); });
         m_gds.boundary(layer, corners);
@@ -76,7 +83,7 @@ class LayoutWriter {
 public:
     LayoutWriter(const LayoutParts& parts, OutputFile& out)
         : m_parts(parts), m_grid(parts.grid), m_gds(out, LIBRARY_NAME, parts.grid.unitsPerMicron()),
-          m_top(m_names.take(parts.def.design.empty() ? "TOP" : parts.def.design, ""))
+          m_top(m_names.take(parts.topCell, ""))
     {
     }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "kit/export/fillers.h"
@@ -15,6 +16,7 @@ namespace kit::exporter {
 
 /// What a layout is made of.
 struct LayoutParts {
+    const std::string& topCell;  ///< name of the structure with all instances
     const input::Design& design; ///< the placement, with its cells
     const lefdef::Def& def;
     const std::vector<Placed>& placed;

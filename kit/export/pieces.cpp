@@ -114,60 +114,12 @@ std::optional<Box> common(const Box& a, const Box& b)
     return box.xl < box.xh && box.yl < box.yh ? std::optional(box) : std::nullopt;
 }
 
-bool isRectilinear(const std::vector<LefPoint>& corners)
-{
-    for (size_t i = 0; i < corners.size(); ++i) {
-        const LefPoint& next = corners[(i + 1) % corners.size()];
-        if (corners[i].x != next.x && corners[i].y != next.y) {
-            return false;
-        }
-    }
-    return true;
-}
-
-/// What is inside of a polygon between two heights with no corner between them.
-Runs insideOf(const std::vector<LefPoint>& corners, Length yl, Length yh)
-{
-    std::vector<Length> edges;
-    for (size_t i = 0; i < corners.size(); ++i) {
-        const LefPoint& a = corners[i];
-        const LefPoint& b = corners[(i + 1) % corners.size()];
-        if (std::min(a.y, b.y) <= yl && std::max(a.y, b.y) >= yh) {
-            edges.push_back(a.x);
-        }
-    }
-    std::sort(edges.begin(), edges.end());
-    Runs runs;
-    for (size_t i = 0; i + 1 < edges.size(); i += 2) {
-        runs.push_back({edges[i], edges[i + 1]});
-    }
-    return runs;
-}
-
-std::vector<Box> boxesOfPolygon(const std::vector<LefPoint>& corners)
-{
-    if (!isRectilinear(corners)) {
-        return {};
-    }
-    std::vector<Length> heights;
-    heights.reserve(corners.size());
-    for (const LefPoint& corner : corners) {
-        heights.push_back(corner.y);
-    }
-    sortUnique(heights);
-    Stack stack;
-    for (size_t i = 0; i + 1 < heights.size(); ++i) {
-        stack.add(heights[i], heights[i + 1], insideOf(corners, heights[i], heights[i + 1]));
-    }
-    return stack.take();
-}
-
 } // namespace
 
 std::vector<Box> boxesOf(const lefdef::LefShape& shape)
 {
     if (shape.polygon) {
-        return boxesOfPolygon(shape.points);
+        return geometry::cutIntoRects(shape.points);
     }
     const LefPoint& a = shape.points.front();
     const LefPoint& b = shape.points.back();

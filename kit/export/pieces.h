@@ -5,19 +5,12 @@
 #include <cstdint>
 #include <vector>
 
+#include "kit/geometry/polygon.h"
 #include "kit/lefdef/lef.h"
 
 namespace kit::exporter {
 
-/// A rectangle.
-struct Box {
-    lefdef::Length xl = 0;
-    lefdef::Length yl = 0;
-    lefdef::Length xh = 0;
-    lefdef::Length yh = 0;
-
-    bool operator==(const Box&) const = default;
-};
+using Box = geometry::Rect;
 
 /// A mask, or none.
 inline constexpr int32_t NO_MASK = -1;

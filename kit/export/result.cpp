@@ -2,8 +2,9 @@
 #include "kit/export/result.h"
 
 #include <filesystem>
-#include <nlohmann/json.hpp>
+#include <optional>
 
+#include "kit/base/json.h"
 #include "kit/fault.h"
 #include "kit/input/text.h"
 
@@ -12,32 +13,29 @@ namespace kit::exporter {
 namespace {
 
 namespace fs = std::filesystem;
-using Json = nlohmann::json;
 
 constexpr std::string_view ENDING = ".json";
 
 /// A result's JSON, once it is known to be one with a placement.
 Json readJson(const std::string& path)
 {
-    Json json = Json::parse(input::readText(path), nullptr, /*allow_exceptions=*/false);
-    if (!json.is_object() || json.value("schema", Json()) != "vireloce-place") {
+    const std::optional<Json> json = Json::tryParse(input::readText(path));
+    if (!json || (*json)["schema"] != "vireloce-place") {
         throw Fault(path + " is no result of vireloce-kit place");
     }
-    if (!json.contains("placement") || !json["placement"].is_object()) {
+    if (!(*json)["placement"].isObject()) {
         throw Fault(path + " is the result of a run that ended without a placement");
     }
-    return json;
+    return *json;
 }
 
 std::string cellDirOf(const Json& json, const std::string& path)
 {
-    const Json& options = json.contains("options") ? json["options"] : Json::object();
-    const bool known =
-        options.is_object() && options.contains("cell_path") && options["cell_path"].is_string();
-    if (!known) {
+    const Json& cellPath = json["options"]["cell_path"];
+    if (!cellPath.isString()) {
         throw Fault(path + " does not say where the colour files are: give --cell-path");
     }
-    return options["cell_path"].get<std::string>();
+    return cellPath.asString();
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "kit/base/shortText.h"
 #include "kit/fault.h"
 #include "kit/hash.h"
 #include "kit/input/text.h"
@@ -44,8 +45,10 @@ std::string cachedFolder(const Options& options, const std::string& site)
 {
     Hash hash;
     hash.add(VERSION);
-    for (const std::string& option : {options.layer, site, options.mindp, options.maxSolutions,
-                                      std::string(options.allowConflicts ? "conflicts" : "")}) {
+    const auto numberText = [](const auto& number) { return number ? shortText(*number) : ""; };
+    for (const std::string& option :
+         {options.layer, site, numberText(options.mindp), numberText(options.maxSolutions),
+          std::string(options.allowConflicts ? "conflicts" : "")}) {
         hash.add(option);
         hash.add(std::string_view("\0", 1)); // "a" and "bc" are not "ab" and "c"
     }

@@ -2,30 +2,32 @@
 // What the subcommand `flow` is asked to do.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace kit::flow {
 
-/// The arguments of `flow`. Empty texts were not given: the defaults of the steps hold.
+/// The arguments of `flow`. Where nothing is given, the defaults of the steps hold.
 struct Options {
-    std::vector<std::string> lefs; ///< paths of the LEF files
-    std::string def;               ///< path of the DEF file
-    std::string out;               ///< path of the result files without extension
-    std::string layer = "metal1";  ///< name of metal 1
-    std::string site;              ///< W,H in micrometres
-    std::string cellPath;          ///< folder of colour files that are there already
-    std::string cache;             ///< folder that keeps colourings from run to run
-    std::string maxSolutions;      ///< colour solutions of a cell, an integer
-    std::string jobs;              ///< threads for colouring, an integer
-    std::string mindp;             ///< colouring distance, an integer
-    std::string algo;              ///< placement method, an integer
-    std::string weight;            ///< cost of a site of wirelength against a stitch
-    std::string moveRange;         ///< of local shifts, sites, an integer
-    bool legalize = false;         ///< put cells without a legal place on free sites
-    bool allowConflicts = false;   ///< take the least bad colouring of a cell that has no good one
-    bool keep = false;             ///< keep all files in between
-    bool force = false;            ///< replace earlier results
+    std::vector<std::string> lefs;       ///< paths of the LEF files
+    std::string def;                     ///< path of the DEF file
+    std::string out;                     ///< path of the result files without extension
+    std::string layer = "metal1";        ///< name of metal 1
+    std::string site;                    ///< W,H in micrometres
+    std::string cellPath;                ///< folder of colour files that are there already
+    std::string cache;                   ///< folder that keeps colourings from run to run
+    std::optional<int32_t> maxSolutions; ///< colour solutions of a cell
+    std::optional<int32_t> jobs;         ///< threads for colouring
+    std::optional<int32_t> mindp;        ///< colouring distance, DBU of the library
+    std::optional<int32_t> algo;         ///< placement method
+    std::optional<double> weight;        ///< cost of a site of wirelength against a stitch
+    std::optional<int32_t> moveRange;    ///< of local shifts, sites
+    bool legalize = false;               ///< put cells without a legal place on free sites
+    bool allowConflicts = false;         ///< take the least bad colouring of a cell that has no good one
+    bool keep = false;                   ///< keep all files in between
+    bool force = false;                  ///< replace earlier results
 };
 
 /// The results: OUT with these extensions.

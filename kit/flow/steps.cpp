@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/flow/steps.h"
 
-#include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "kit/base/json.h"
+#include "kit/base/shortText.h"
 #include "kit/input/text.h"
 #include "kit/process/childProcess.h"
 
@@ -18,6 +19,15 @@ void addGiven(Words& words, const char* name, const std::string& value)
 {
     if (!value.empty()) {
         words.insert(words.end(), {name, value});
+    }
+}
+
+/// Adds a number if it was given, in one word with its option: it may be negative.
+template <typename Number>
+void addGiven(Words& words, const std::string& name, std::optional<Number> value)
+{
+    if (value.has_value()) {
+        words.push_back(name + "=" + shortText(*value));
     }
 }
 
@@ -61,17 +71,16 @@ std::string colourSummary(const std::string& log)
 /// The result file of a placement in a few words.
 std::string placementSummary(const std::string& path)
 {
-    const nlohmann::json result = nlohmann::json::parse(input::readText(path));
-    if (result["placement"].is_null()) {
+    const Json result = Json::parse(input::readText(path));
+    if (result["placement"].isNull()) {
         return "no placement";
     }
-    const nlohmann::json& after =
-        result["rescue"].is_null() ? result["placement"] : result["rescue"]["placement"];
+    const Json& after = result["rescue"].isNull() ? result["placement"] : result["rescue"]["placement"];
     std::ostringstream text;
     text << "HPWL " << result["report"]["init HPWL"] << " -> " << after["hpwl"] << ", " << after["stitches"]
          << " stitches, " << after["conflicts"] << " conflicts";
-    if (result["judge"].is_object() && result["judge"]["errors"] > 0) {
-        text << "; verify finds " << input::counted(result["judge"]["errors"], "error");
+    if (result["judge"].isObject() && result["judge"]["errors"].asInteger() > 0) {
+        text << "; verify finds " << input::counted(result["judge"]["errors"].asInteger(), "error");
     }
     return text.str();
 }

@@ -97,7 +97,7 @@ void requireHeight(int64_t rows, const Options& options)
     if (rows * rowHeight(options) > HIGHEST_DESIGN) {
         throw Fault(std::to_string(rows) +
                     " rows are too high for 32-bit coordinates: raise --sites-per-row or "
-                    "--utilisation, or lower --site-step");
+                    "--utilization, or lower --site-step");
     }
 }
 

@@ -7,6 +7,7 @@
 #include <numeric>
 #include <set>
 
+#include "kit/base/gdsName.h"
 #include "kit/outputFile.h"
 
 namespace kit::importing {
@@ -28,6 +29,12 @@ std::string carried(std::string_view name, const char* other)
     return isCarried(name) && name.size() <= LONGEST_IN_ROW ? std::string(name) : other;
 }
 
+/// The design's name, or else what a GDSII file makes of it, so that layouts and markers have the same.
+std::string designName(std::string_view name)
+{
+    return carried(name, name.empty() ? "design" : gdsName(name).c_str());
+}
+
 /// A property of the core box. The placer takes 2000 DBU for a micrometre there, whatever UNITS says.
 void writeEdge(OutputFile& out, const char* name, int64_t dbu)
 {
@@ -45,7 +52,7 @@ void writeHeader(OutputFile& out, const DesignFiles& files)
         left = std::min(left, row.begin());
         right = std::max(right, row.end());
     }
-    out << "VERSION 5.6 ;\nDESIGN " << carried(files.def.design, "design") << " ;\nUNITS DISTANCE MICRONS "
+    out << "VERSION 5.6 ;\nDESIGN " << designName(files.def.design) << " ;\nUNITS DISTANCE MICRONS "
         << files.def.databaseMicrons << " ;\n\nPROPERTYDEFINITIONS\n  COMPONENTPIN designRuleWidth REAL ;\n";
     writeEdge(out, "CORE_BOX_LL_X", left);
     writeEdge(out, "CORE_BOX_UR_X", right);

@@ -101,6 +101,8 @@ struct Cell {
 
 /// A design with its library.
 struct Design {
+    std::string name;         ///< of the placement's DESIGN statement, empty if it has none
+    int32_t dbuPerMicron = 0; ///< of its UNITS statement, 0 if it has none
     std::vector<Row> rows;
     std::vector<Macro> macros;
     std::vector<Component> components; ///< those that the placer places

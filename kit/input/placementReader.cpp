@@ -99,6 +99,7 @@ void PlacementReader::statement()
 {
     const std::string_view keyword = keywordOf(m_lines.firstWord());
     if (keyword.empty()) {
+        readHeader();
         return;
     }
     const bool hidden = isHidden(keyword);
@@ -124,6 +125,34 @@ void PlacementReader::readStatement(std::string_view keyword, bool hidden)
     } else if (!hidden) {
         readCoreBox();
     }
+}
+
+/// Takes what the placer has no use for: it measures nothing in micrometres but the core box.
+void PlacementReader::readHeader()
+{
+    const std::vector<Token>& tokens = m_lines.tokens();
+    const auto is = [&tokens](size_t i, std::string_view word) {
+        return tokens.size() > i && tokens[i].text == word;
+    };
+    // Other lines that begin so are properties.
+    if (is(0, "DESIGN") && is(2, ";") && m_design.name.empty()) {
+        m_design.name = tokens[1].text;
+    } else if (is(0, "UNITS") && is(1, "DISTANCE") && is(2, "MICRONS")) {
+        readUnits();
+    }
+}
+
+void PlacementReader::readUnits()
+{
+    const std::string_view word = m_lines.tokens().size() > 3 ? m_lines.tokens()[3].text : "";
+    const Integer units = parseInteger(word);
+    if (!units.sound || units.value <= 0) {
+        m_reporter.warning("units", {m_lines.number(), 0},
+                           "UNITS DISTANCE MICRONS has " + quoted(word) + " where a positive integer belongs",
+                           "write the DBU of a micrometre: markers and pictures take 2000");
+        return;
+    }
+    m_design.dbuPerMicron = units.value;
 }
 
 bool PlacementReader::isHidden(std::string_view keyword) const

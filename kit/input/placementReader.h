@@ -44,6 +44,8 @@ private:
     void statement();
     void readStatement(std::string_view keyword, bool hidden);
     bool isHidden(std::string_view keyword) const;
+    void readHeader();
+    void readUnits();
     void readRow();
     void readSection(Section section);
     void readCount(Section& section);

@@ -5,11 +5,11 @@
 #include <string>
 #include <string_view>
 
+#include "kit/geometry/polygon.h"
 #include "kit/input/text.h"
 #include "kit/lefdef/def.h"
 #include "kit/lefdef/nameTable.h"
 #include "kit/lefdef/parser.h"
-#include "kit/lefdef/polygon.h"
 #include "kit/lefdef/statements.h"
 
 namespace kit::lefdef {
@@ -26,6 +26,12 @@ constexpr size_t USUAL_MEMBER = 16; ///< bytes of a member of a net, with its sh
 
 /// A polygon with more corners is refused: cutting it takes their square.
 constexpr size_t MOST_CORNERS = 1000;
+
+/// A point, DBU.
+struct DefPoint {
+    int32_t x = 0;
+    int32_t y = 0;
+};
 
 /// Reads the text of a DEF file into a design.
 class DefReader {
@@ -454,19 +460,24 @@ void DefReader::readRect(DefBlockage& blockage)
 void DefReader::readPolygon(DefBlockage& blockage)
 {
     const size_t at = m_in.offset();
-    std::vector<DefPoint> corners{readPoint()};
+    std::vector<geometry::Point> corners;
+    DefPoint last = readPoint();
+    corners.push_back({last.x, last.y});
     while (m_in.is("(")) {
-        corners.push_back(readPoint(corners.back()));
+        last = readPoint(last);
+        corners.push_back({last.x, last.y});
     }
     if (corners.size() > MOST_CORNERS) {
         m_in.failAt(at, "polygon", "the polygon has more than " + std::to_string(MOST_CORNERS) + " corners",
                     "cut it into several");
-    } else if (corners.size() < 4 || !isRectilinear(corners)) {
+    } else if (corners.size() < 4 || !geometry::isRectilinear(corners)) {
         m_in.failAt(at, "polygon", "the polygon has fewer than four corners, or an edge that is askew",
                     "give one with horizontal and vertical edges");
     } else {
-        const std::vector<DefRect> rects = cutIntoRects(corners);
-        blockage.rects.insert(blockage.rects.end(), rects.begin(), rects.end());
+        const auto dbu = [](int64_t value) { return static_cast<int32_t>(value); };
+        for (const geometry::Rect& rect : geometry::cutIntoRects(corners)) {
+            blockage.rects.push_back({dbu(rect.xl), dbu(rect.yl), dbu(rect.xh), dbu(rect.yh)});
+        }
     }
 }
 

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "kit/geometry/polygon.h"
 #include "kit/input/finding.h"
 #include "kit/lefdef/source.h"
 
@@ -19,10 +20,7 @@ using Length = int64_t;
 /// A micrometre.
 inline constexpr Length MICRON = 1'000'000;
 
-struct LefPoint {
-    Length x = 0;
-    Length y = 0;
-};
+using LefPoint = geometry::Point; ///< picometres
 
 /// A rectangle or a polygon of metal.
 struct LefShape {

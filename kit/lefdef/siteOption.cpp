@@ -32,15 +32,13 @@ std::optional<SiteSize> parseSite(const std::string& text)
     return size.width > 0 && size.height > 0 ? std::optional(size) : std::nullopt;
 }
 
-void addSiteOption(CLI::App& command, std::optional<SiteSize>& site)
+void addSiteOption(const Command& command, std::optional<SiteSize>& site)
 {
-    command.add_option_function<std::string>(
+    command.read(
         "--site",
         [&site](const std::string& text) {
             site = parseSite(text);
-            if (!site) {
-                throw CLI::ValidationError("--site", "\"" + text + "\" is not W,H in micrometres");
-            }
+            return site ? "" : "\"" + text + "\" is not W,H in micrometres";
         },
         "size of a site, W,H in micrometres (default: the LEF's, or the rows')");
 }

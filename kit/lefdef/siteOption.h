@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include <optional>
 #include <string>
 
+#include "kit/base/commandLine.h"
 #include "kit/lefdef/lef.h"
 
 namespace kit::lefdef {
@@ -22,6 +21,6 @@ std::optional<SiteSize> parseSite(const std::string& text);
 /// Adds the option --site W,H to a subcommand.
 ///
 /// @param site  out: the size if the option is given; must live until the arguments are read
-void addSiteOption(CLI::App& command, std::optional<SiteSize>& site);
+void addSiteOption(const Command& command, std::optional<SiteSize>& site);
 
 } // namespace kit::lefdef

@@ -68,7 +68,7 @@ private:
                    used + gaps * m_spacing.largest() > stretch.numSites) { // or any spacings fit
             const int64_t coloured = used + leastSpacing(comps);
             if (coloured > stretch.numSites) {
-                report("overfull-colours", stretch, coloured,
+                report("overfull-colors", stretch, coloured,
                        "spacings included, whatever the colour solutions, in the order in which they stand",
                        "leave more room in the row, or add solutions to its cells");
             }

@@ -2,12 +2,12 @@
 #include "kit/lint/report.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
 #include <tuple>
 #include <unordered_map>
 
+#include "kit/base/json.h"
 #include "kit/input/findingText.h"
 #include "kit/input/text.h"
 
@@ -21,7 +21,7 @@ using input::Severity;
 
 constexpr int SCHEMA = 1;
 
-nlohmann::ordered_json jsonOf(const Finding& finding)
+Json jsonOf(const Finding& finding)
 {
     return {{"severity", input::wordOf(finding.severity)},
             {"code", finding.code},
@@ -30,12 +30,6 @@ nlohmann::ordered_json jsonOf(const Finding& finding)
             {"column", finding.column},
             {"what", finding.what},
             {"advice", finding.advice}};
-}
-
-std::string dump(const nlohmann::ordered_json& json)
-{
-    // What is no UTF-8 in the files must not end the report.
-    return json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
 }
 
 /// Ranks of files by their paths.
@@ -96,12 +90,12 @@ void writeJson(const Findings& findings, std::ostream& out)
 {
     const Counts counts = countsOf(findings);
     out << R"({"schema":)" << SCHEMA << R"(,"counts":)"
-        << dump({{"errors", counts.errors}, {"warnings", counts.warnings}, {"notes", counts.notes}})
+        << Json{{"errors", counts.errors}, {"warnings", counts.warnings}, {"notes", counts.notes}}
         << R"(,"findings":[)";
     // Finding by finding: a million of them need no second copy.
     const char* separator = "\n";
     for (const Finding& finding : findings) {
-        out << separator << dump(jsonOf(finding));
+        out << separator << jsonOf(finding);
         separator = ",\n";
     }
     out << "\n]}\n";

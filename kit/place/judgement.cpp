@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/place/judgement.h"
 
-#include <nlohmann/json.hpp>
-
 #include "kit/fault.h"
 #include "kit/verify/verify.h"
 
@@ -31,7 +29,7 @@ Judgement judge(const Options& options, int32_t minDist)
     return judgement;
 }
 
-nlohmann::ordered_json toJson(const Judgement& judgement)
+Json toJson(const Judgement& judgement)
 {
     if (!judgement.possible) {
         return nullptr;

@@ -2,8 +2,8 @@
 #pragma once
 
 #include <cstdint>
-#include <nlohmann/json_fwd.hpp>
 
+#include "kit/base/json.h"
 #include "kit/place/options.h"
 
 namespace kit::place {
@@ -23,6 +23,6 @@ struct Judgement {
 Judgement judge(const Options& options, int32_t minDist);
 
 /// For the result: null if there is no judgement.
-nlohmann::ordered_json toJson(const Judgement& judgement);
+Json toJson(const Judgement& judgement);
 
 } // namespace kit::place

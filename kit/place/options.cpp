@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/place/options.h"
 
-#include <utility>
-
+#include "kit/base/shortText.h"
 #include "kit/outputPaths.h"
 
 namespace kit::place {
@@ -10,16 +9,16 @@ namespace kit::place {
 std::vector<std::string> placerArguments(const Options& options)
 {
     std::vector<std::string> arguments{"vireloce", "-inlib", options.base, "-cellPath", options.cellPath};
-    const std::pair<const char*, const std::string&> given[] = {{"-algo", options.algo},
-                                                                {"-mindp", options.mindp},
-                                                                {"-siteW", options.siteWidth},
-                                                                {"-M", options.moveRange},
-                                                                {"-W", options.weight}};
-    for (const auto& [name, value] : given) {
-        if (!value.empty()) {
-            arguments.insert(arguments.end(), {name, value});
+    const auto addGiven = [&](const char* name, const auto& value) {
+        if (value.has_value()) {
+            arguments.insert(arguments.end(), {name, shortText(*value)});
         }
-    }
+    };
+    addGiven("-algo", options.algo);
+    addGiven("-mindp", options.mindp);
+    addGiven("-siteW", options.siteWidth);
+    addGiven("-M", options.moveRange);
+    addGiven("-W", options.weight);
     return arguments;
 }
 

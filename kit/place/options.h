@@ -2,24 +2,26 @@
 // What the subcommand `place` is asked to do.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace kit::place {
 
-/// The arguments of `place`. Empty texts were not given: the placer's own default holds.
+/// The arguments of `place`. Numbers that are not given are the placer's own defaults.
 struct Options {
-    std::string base;      ///< path of the design files without extension
-    std::string cellPath;  ///< folder of the colour files
-    std::string out;       ///< path of the result files without extension
-    std::string algo;      ///< placement method, an integer
-    std::string mindp;     ///< colouring distance, DBU of the library, an integer
-    std::string siteWidth; ///< site width until the rows give theirs, DBU, an integer
-    std::string moveRange; ///< move range of the local shift program, sites, an integer
-    std::string weight;    ///< cost of a site of wirelength against a stitch
-    bool rescue = false;   ///< find places for the cells that the placer left without one
-    bool force = false;    ///< replace earlier results
-    bool quiet = false;    ///< no progress line
+    std::string base;                 ///< path of the design files without extension
+    std::string cellPath;             ///< folder of the colour files
+    std::string out;                  ///< path of the result files without extension
+    std::optional<int32_t> algo;      ///< placement method
+    std::optional<int32_t> mindp;     ///< colouring distance, DBU of the library
+    std::optional<int32_t> siteWidth; ///< site width until the rows give theirs, DBU
+    std::optional<int32_t> moveRange; ///< move range of the local shift program, sites
+    std::optional<double> weight;     ///< cost of a site of wirelength against a stitch
+    bool rescue = false;              ///< find places for the cells that the placer left without one
+    bool force = false;               ///< replace earlier results
+    bool quiet = false;               ///< no progress line
 };
 
 /// The placer's own arguments for these, its name first.

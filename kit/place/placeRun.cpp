@@ -5,7 +5,6 @@
 #include <chrono>
 #include <filesystem>
 #include <iostream>
-#include <nlohmann/json.hpp>
 
 #include "app/driver.h"
 #include "db/design.h"
@@ -85,7 +84,7 @@ public:
             return UNREADABLE;
         }
         const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
-        nlohmann::ordered_json result =
+        Json result =
             resultJson(m_options, m_run, std::move(m_placement), std::move(m_rescue), seconds.count());
         if (m_run.complete) { // what this takes is not the placer's time and memory
             const Judgement judgement = judge(m_options, options.parameters.minDist);
@@ -179,8 +178,8 @@ private:
     const Options& m_options;
     ProgressLine m_line;
     std::vector<Point> m_start; ///< [component] positions before the placement
-    nlohmann::ordered_json m_placement;
-    nlohmann::ordered_json m_rescue;
+    Json m_placement;
+    Json m_rescue;
     PlacerRun m_run;
     bool m_clean = false;
 };

@@ -5,7 +5,6 @@
 
 #include <cmath>
 #include <cstdlib>
-#include <nlohmann/json.hpp>
 
 #include "db/design.h"
 
@@ -13,21 +12,7 @@ namespace kit::place {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 constexpr int SCHEMA_VERSION = 1;
-
-/// The number that a text begins with, the text itself if it is none.
-Json valueOf(const std::string& text)
-{
-    char* end = nullptr;
-    const double value = std::strtod(text.c_str(), &end);
-    if (end == text.c_str() || !std::isfinite(value)) {
-        return text;
-    }
-    const bool whole = text.find_first_of(".eE") >= static_cast<size_t>(end - text.c_str());
-    return whole ? Json(std::strtoll(text.c_str(), nullptr, 10)) : Json(value);
-}
 
 /// CPU seconds with the digits that the report has.
 double asReported(const vireloce::Times& times)
@@ -66,14 +51,14 @@ Json reportJson(const PlacerRun& run)
 Json optionsJson(const Options& options)
 {
     Json json{{"base", options.base}, {"cell_path", options.cellPath}, {"out", options.out}};
-    const std::pair<const char*, const std::string&> given[] = {{"algo", options.algo},
-                                                                {"mindp", options.mindp},
-                                                                {"site_width", options.siteWidth},
-                                                                {"move_range", options.moveRange},
-                                                                {"weight", options.weight}};
-    for (const auto& [name, value] : given) {
-        json[name] = value.empty() ? Json(nullptr) : valueOf(value);
-    }
+    const auto addGiven = [&](const char* name, const auto& value) {
+        json[name] = value.has_value() ? Json(*value) : Json(nullptr);
+    };
+    addGiven("algo", options.algo);
+    addGiven("mindp", options.mindp);
+    addGiven("site_width", options.siteWidth);
+    addGiven("move_range", options.moveRange);
+    addGiven("weight", options.weight);
     json["rescue"] = options.rescue;
     return json;
 }
@@ -153,8 +138,10 @@ Json toJson(const Design& design, const Rescue& rescue)
     Json cells = Json::array();
     for (const Rescued& rescued : rescue.cells) {
         const Component& comp = *design.components[static_cast<size_t>(rescued.component)];
-        Json cell{{"name", comp.name}, {"helped", rescued.helped}, {"from", {rescued.fromX, rescued.fromY}}};
-        cell["to"] = rescued.helped ? Json{comp.x, comp.y} : Json(nullptr);
+        Json cell{{"name", comp.name},
+                  {"helped", rescued.helped},
+                  {"from", Json::array({rescued.fromX, rescued.fromY})}};
+        cell["to"] = rescued.helped ? Json::array({comp.x, comp.y}) : Json(nullptr);
         cells.push_back(std::move(cell));
     }
     return {{"cells", cells}, {"moved_neighbours", rescue.movedNeighbours}};

@@ -2,12 +2,12 @@
 // The result of a run as JSON, described by result.schema.json.
 #pragma once
 
-#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "app/place.h"
+#include "kit/base/json.h"
 #include "kit/place/options.h"
 #include "kit/place/rescue.h"
 #include "kit/place/state.h"
@@ -26,18 +26,16 @@ struct PlacerRun {
 /// The placement part of the result: what can be said of the design.
 ///
 /// @param start  [component] positions before the placement
-nlohmann::ordered_json toJson(const Design& design, const State& state);
+Json toJson(const Design& design, const State& state);
 
 /// What a rescue did.
-nlohmann::ordered_json toJson(const Design& design, const Rescue& rescue);
+Json toJson(const Design& design, const Rescue& rescue);
 
 /// The whole result; its member "judge" is null.
 ///
 /// @param placement  of toJson(), null if the run gave none
 /// @param rescue     null if none was asked for
 /// @param seconds    wall time of the run
-nlohmann::ordered_json resultJson(const Options& options, const PlacerRun& run,
-                                  nlohmann::ordered_json placement, nlohmann::ordered_json rescue,
-                                  double seconds);
+Json resultJson(const Options& options, const PlacerRun& run, Json placement, Json rescue, double seconds);
 
 } // namespace kit::place

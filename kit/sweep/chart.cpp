@@ -7,15 +7,13 @@
 #include <cstdio>
 #include <string_view>
 
+#include "kit/base/escape.h"
 #include "kit/sweep/labels.h"
-#include "kit/view/escape.h"
 #include "kit/view/palette.h"
 
 namespace kit::sweep {
 
 namespace {
-
-using view::escapeXml;
 
 // All in pixels.
 constexpr double WIDTH = 960;

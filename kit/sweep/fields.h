@@ -4,18 +4,19 @@
 
 #include <cstdint>
 #include <initializer_list>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "kit/base/json.h"
 
 namespace kit::sweep {
 
 /// Reads a JSON file in which no object has a member twice.
 ///
 /// Errors: throws Fault with path, line and column if it cannot be read or is no JSON.
-nlohmann::json readJson(const std::string& path);
+Json readJson(const std::string& path);
 
 /// A value in a JSON file together with its place, for messages.
 class Field {
@@ -23,7 +24,7 @@ public:
     /// @param value    must outlive the field
     /// @param file     path of the file
     /// @param pointer  JSON pointer to the value, empty for the whole file
-    Field(const nlohmann::json& value, std::string file, std::string pointer)
+    Field(const Json& value, std::string file, std::string pointer)
         : m_value(value), m_file(std::move(file)), m_pointer(std::move(pointer))
     {
     }
@@ -56,9 +57,9 @@ public:
     bool boolean() const;
 
 private:
-    Field child(const nlohmann::json& value, const std::string& name) const;
+    Field child(const Json& value, const std::string& name) const;
 
-    const nlohmann::json& m_value;
+    const Json& m_value;
     std::string m_file;
     std::string m_pointer;
 };

@@ -9,9 +9,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "kit/base/json.h"
+#include "kit/fault.h"
 #include "kit/hash.h"
 
 namespace kit::sweep {
@@ -108,18 +109,16 @@ bool Owner::isGone(const std::string& name)
 
 std::string Owner::text() const
 {
-    const nlohmann::ordered_json json{
-        {"host", host}, {"place", place}, {"process", process}, {"start", start}};
-    return json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+    return Json{{"host", host}, {"place", place}, {"process", process}, {"start", start}}.dump() + "\n";
 }
 
 std::optional<Owner> Owner::parse(const std::string& text)
 {
     try {
-        const nlohmann::json json = nlohmann::json::parse(text);
-        return Owner{json.at("host").get<std::string>(), json.at("place").get<std::string>(),
-                     json.at("process").get<int64_t>(), json.at("start").get<int64_t>()};
-    } catch (const nlohmann::json::exception&) {
+        const Json json = Json::parse(text);
+        return Owner{json.at("host").asString(), json.at("place").asString(), json.at("process").asInteger(),
+                     json.at("start").asInteger()};
+    } catch (const Fault&) {
         return std::nullopt;
     }
 }

@@ -41,7 +41,7 @@ void makeFolder(const std::string& path)
 }
 
 /// Seconds to two digits, in the unit that fits.
-std::string timeText(double seconds)
+std::string roughTime(double seconds)
 {
     const double minutes = seconds / 60;
     const double hours = minutes / 60;
@@ -77,7 +77,7 @@ void tellShards(const std::vector<Task>& tasks, const PlanOptions& options, std:
     const std::vector<double> lengths = options.shardMinutes.has_value()
                                             ? std::vector<double>{*options.shardMinutes}
                                             : std::vector<double>{1, 10, 60};
-    out << "About " << timeText(secondsOf(tasks)) << " on one core.";
+    out << "About " << roughTime(secondsOf(tasks)) << " on one core.";
     for (const double minutes : lengths) {
         out << " Shards of " << numberText(minutes) << " min: " << shardsOf(tasks, minutes * 60) << ".";
     }

@@ -69,8 +69,8 @@ public:
     {
         std::map<std::string, std::set<std::string>> values;
         for (const Made& run : runs) {
-            const nlohmann::ordered_json options = toJson(run.task.options);
-            for (const auto& [name, value] : options.items()) {
+            const Json options = toJson(run.task.options);
+            for (const auto& [name, value] : options.members()) {
                 values[name].insert(value.dump());
             }
         }
@@ -88,10 +88,10 @@ public:
                                                                  {"mindp", "d "},
                                                                  {"site_width", "s "},
                                                                  {"rescue", "rescue "}};
-        const nlohmann::ordered_json options = toJson(task.options);
+        const Json options = toJson(task.options);
         std::string text;
         for (const auto& [name, prefix] : SHORT) {
-            if (m_differing.count(name) > 0 && !options[name].is_null()) {
+            if (m_differing.count(name) > 0 && !options[name].isNull()) {
                 text += (text.empty() ? "" : ", ") + (prefix + options[name].dump());
             }
         }
@@ -114,9 +114,8 @@ private:
 /// The number that a metric is, if it is one.
 std::optional<double> metric(const Made& run, const char* name)
 {
-    const nlohmann::json& metrics = run.result.metrics;
-    const bool known = metrics.is_object() && metrics.contains(name) && metrics[name].is_number();
-    return known ? std::optional(metrics[name].get<double>()) : std::nullopt;
+    const Json& value = run.result.metrics[name];
+    return value.isNumber() ? std::optional(value.asNumber()) : std::nullopt;
 }
 
 /// Joins the front of the clean runs, and labels the first mark at each of its points.

@@ -9,9 +9,6 @@
 
 namespace kit::sweep {
 
-using nlohmann::json;
-using nlohmann::ordered_json;
-
 namespace {
 
 constexpr std::pair<Status, std::string_view> NAMES[] = {
@@ -30,36 +27,29 @@ Status statusOf(const std::string& name)
 }
 
 /// The value of a metric, null if it is not there.
-json valueOf(const json& placed, std::string pointer)
+Json valueOf(const Json& placed, std::string pointer)
 {
     if (pointer[0] == '~') {
-        const bool rescued = placed.contains(json::json_pointer("/rescue/placement"));
+        const bool rescued = placed.atPointer("/rescue/placement").isObject();
         pointer = (rescued ? "/rescue/placement" : "/placement") + pointer.substr(1);
     }
-    const json::json_pointer at(pointer);
-    if (!placed.contains(at)) {
-        return nullptr;
-    }
-    const json& value = placed.at(at);
-    if (value.is_array()) {
-        return value.size();
-    }
-    return value.is_object() ? json(nullptr) : value;
+    const Json& value = placed.atPointer(pointer);
+    return value.isArray() ? Json(value.size()) : value.isObject() ? Json() : value;
 }
 
-Result resultFrom(const json& file)
+Result resultFrom(const Json& file)
 {
     Result result;
-    result.id = file.at("id").get<std::string>();
-    result.status = statusOf(file.at("status").get<std::string>());
-    result.message = file.at("message").get<std::string>();
-    result.host = file.at("host").get<std::string>();
+    result.id = file.at("id").asString();
+    result.status = statusOf(file.at("status").asString());
+    result.message = file.at("message").asString();
+    result.host = file.at("host").asString();
     result.metrics = file.at("metrics");
-    result.ending = {.status = file.at("exit_status").get<int>(),
-                     .signal = file.at("signal").get<int>(),
-                     .seconds = file.at("seconds").get<double>(),
-                     .cpuSeconds = file.at("cpu_seconds").get<double>(),
-                     .peakKib = file.at("peak_kib").get<int64_t>()};
+    result.ending = {.status = static_cast<int>(file.at("exit_status").asInteger()),
+                     .signal = static_cast<int>(file.at("signal").asInteger()),
+                     .seconds = file.at("seconds").asNumber(),
+                     .cpuSeconds = file.at("cpu_seconds").asNumber(),
+                     .peakKib = file.at("peak_kib").asInteger()};
     return result;
 }
 
@@ -86,35 +76,36 @@ bool isDone(Status status)
     return status == Status::CLEAN || status == Status::NOT_CLEAN;
 }
 
-json metricsOf(const json& placed)
+Json metricsOf(const Json& placed)
 {
-    if (!placed.is_object() || !placed.contains("placement") || !placed["placement"].is_object()) {
+    if (!placed["placement"].isObject()) {
         return nullptr;
     }
-    json metrics = json::object();
+    Json metrics;
     for (const Metric& metric : METRICS) {
         metrics[metric.name] = valueOf(placed, metric.pointer);
     }
+    metrics.sortMembers();
     return metrics;
 }
 
 std::string toText(const Task& task, const Result& result)
 {
-    const ordered_json file{{"schema", "vireloce-sweep-run"},
-                            {"version", 1},
-                            {"id", task.id},
-                            {"design", task.design},
-                            {"options", toJson(task.options)},
-                            {"status", nameOf(result.status)},
-                            {"exit_status", result.ending.status},
-                            {"signal", result.ending.signal},
-                            {"message", result.message},
-                            {"seconds", rounded(result.ending.seconds)},
-                            {"cpu_seconds", rounded(result.ending.cpuSeconds)},
-                            {"peak_kib", result.ending.peakKib},
-                            {"host", result.host},
-                            {"metrics", result.metrics}};
-    return file.dump(1, ' ', false, ordered_json::error_handler_t::replace) + "\n";
+    const Json file{{"schema", "vireloce-sweep-run"},
+                    {"version", 1},
+                    {"id", task.id},
+                    {"design", task.design},
+                    {"options", toJson(task.options)},
+                    {"status", nameOf(result.status)},
+                    {"exit_status", result.ending.status},
+                    {"signal", result.ending.signal},
+                    {"message", result.message},
+                    {"seconds", rounded(result.ending.seconds)},
+                    {"cpu_seconds", rounded(result.ending.cpuSeconds)},
+                    {"peak_kib", result.ending.peakKib},
+                    {"host", result.host},
+                    {"metrics", result.metrics}};
+    return file.dump(1) + "\n";
 }
 
 std::optional<Result> readResult(const Folder& folder, const std::string& id)
@@ -124,10 +115,8 @@ std::optional<Result> readResult(const Folder& folder, const std::string& id)
         return std::nullopt;
     }
     try {
-        Result result = resultFrom(json::parse(input::readText(path)));
+        Result result = resultFrom(Json::parse(input::readText(path)));
         return result.id == id ? std::optional(std::move(result)) : std::nullopt;
-    } catch (const json::exception&) {
-        return std::nullopt;
     } catch (const Fault&) {
         return std::nullopt;
     }

@@ -3,11 +3,11 @@
 #pragma once
 
 #include <cstdint>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "kit/base/json.h"
 #include "kit/process/childProcess.h"
 #include "kit/sweep/folder.h"
 #include "kit/sweep/task.h"
@@ -31,13 +31,13 @@ std::string_view nameOf(Status status);
 bool isDone(Status status);
 
 /// A run that was made.
-struct Result { // NOLINT(bugprone-exception-escape): the moves of nlohmann-json do not throw
+struct Result {
     std::string id;
     Status status = Status::FAILED;
     process::Ending ending;
     std::string message; ///< why there is no placement, a line
     std::string host;
-    nlohmann::json metrics; ///< of the placement, by the names of METRICS; null if there is none
+    Json metrics; ///< of the placement, by the names of METRICS; null if there is none
 };
 
 /// A metric of a placement.
@@ -64,7 +64,7 @@ inline constexpr Metric METRICS[] = {
 };
 
 /// The metrics of a result of `place`; null if it has no placement.
-nlohmann::json metricsOf(const nlohmann::json& placed);
+Json metricsOf(const Json& placed);
 
 /// The whole file.
 std::string toText(const Task& task, const Result& result);

@@ -12,8 +12,6 @@ namespace kit::sweep {
 
 namespace {
 
-using nlohmann::ordered_json;
-
 struct Close {
     void operator()(sqlite3* database) const { sqlite3_close(database); }
 };
@@ -49,16 +47,16 @@ public:
     }
 
     /// Binds a value of the prepared statement. @param index  from 1
-    void bind(int index, const ordered_json& value)
+    void bind(int index, const Json& value)
     {
-        if (value.is_string()) {
-            const auto& text = value.get_ref<const std::string&>();
+        if (value.isString()) {
+            const std::string& text = value.asString();
             check(sqlite3_bind_text(m_statement, index, text.data(), static_cast<int>(text.size()),
                                     SQLITE_TRANSIENT));
-        } else if (value.is_number_integer()) {
-            check(sqlite3_bind_int64(m_statement, index, value.get<int64_t>()));
-        } else if (value.is_number()) {
-            check(sqlite3_bind_double(m_statement, index, value.get<double>()));
+        } else if (value.isInteger()) {
+            check(sqlite3_bind_int64(m_statement, index, value.asInteger()));
+        } else if (value.isNumber()) {
+            check(sqlite3_bind_double(m_statement, index, value.asNumber()));
         } else {
             check(sqlite3_bind_null(m_statement, index));
         }

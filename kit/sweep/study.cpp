@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <nlohmann/json.hpp>
 #include <utility>
 
 #include "kit/sweep/fields.h"
@@ -263,8 +262,8 @@ private:
 
 Study readStudy(const std::string& path)
 {
-    const nlohmann::json json = readJson(path);
-    return StudyReader(Field(json, path, ""), fs::absolute(path).parent_path()).read();
+    const Json study = readJson(path);
+    return StudyReader(Field(study, path, ""), fs::absolute(path).parent_path()).read();
 }
 
 } // namespace kit::sweep

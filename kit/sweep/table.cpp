@@ -6,8 +6,6 @@
 
 namespace kit::sweep {
 
-using nlohmann::ordered_json;
-
 namespace {
 
 std::vector<Column> columnsFor(bool times)
@@ -34,9 +32,9 @@ std::vector<Column> columnsFor(bool times)
 }
 
 /// All that is known of a run by the names of the columns.
-ordered_json valuesOf(const Task& task, const std::optional<Result>& result)
+Json valuesOf(const Task& task, const std::optional<Result>& result)
 {
-    ordered_json values = toJson(task.options);
+    Json values = toJson(task.options);
     values["rescue"] = task.options.rescue ? 1 : 0;
     values["id"] = task.id;
     values["design"] = task.design;
@@ -50,8 +48,8 @@ ordered_json valuesOf(const Task& task, const std::optional<Result>& result)
         values["peak_kib"] = result->ending.peakKib;
         values["host"] = result->host;
         values["message"] = result->message;
-        if (result->metrics.is_object()) {
-            values.update(ordered_json(result->metrics));
+        if (result->metrics.isObject()) {
+            values.update(result->metrics);
         }
     }
     return values;
@@ -73,17 +71,12 @@ std::string troubleOf(const Task& task, const std::optional<Result>& result)
                               : run + " missing";
 }
 
-std::string dumped(const ordered_json& value)
+std::string csvText(const Json& value)
 {
-    return value.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
-}
-
-std::string csvText(const ordered_json& value)
-{
-    if (value.is_null()) {
+    if (value.isNull()) {
         return "";
     }
-    return escapedForCsv(value.is_string() ? value.get<std::string>() : dumped(value));
+    return escapedForCsv(value.isString() ? value.asString() : value.dump());
 }
 
 } // namespace
@@ -94,10 +87,10 @@ Table tableOf(const std::string& dir, bool times)
     Table table{columnsFor(times), {}, {}};
     for (const Task& task : readTasks(dir)) {
         const std::optional<Result> result = readResult(folder, task.id);
-        const ordered_json values = valuesOf(task, result);
-        std::vector<ordered_json>& row = table.rows.emplace_back();
+        const Json values = valuesOf(task, result);
+        std::vector<Json>& row = table.rows.emplace_back();
         for (const Column& column : table.columns) {
-            row.push_back(values.contains(column.name) ? values[column.name] : ordered_json(nullptr));
+            row.push_back(values[column.name]);
         }
         if (!result.has_value() || !isDone(result->status)) {
             table.troubles.push_back(troubleOf(task, result));
@@ -126,11 +119,11 @@ std::string toJsonLines(const Table& table)
 {
     std::string text;
     for (const auto& row : table.rows) {
-        ordered_json object = ordered_json::object();
+        Json object;
         for (size_t i = 0; i < row.size(); ++i) {
             object[table.columns[i].name] = row[i];
         }
-        text += dumped(object) + "\n";
+        text += object.dump() + "\n";
     }
     return text;
 }

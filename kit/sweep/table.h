@@ -2,10 +2,10 @@
 // All runs of a folder in one table.
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
+#include "kit/base/json.h"
 #include "kit/sweep/folder.h"
 #include "kit/sweep/task.h"
 
@@ -22,8 +22,8 @@ struct Column {
 /// A table of values, null where there is none.
 struct Table {
     std::vector<Column> columns;
-    std::vector<std::vector<nlohmann::ordered_json>> rows; ///< [row][column]
-    std::vector<std::string> troubles;                     ///< a line per run that is missing or failed
+    std::vector<std::vector<Json>> rows; ///< [row][column]
+    std::vector<std::string> troubles;   ///< a line per run that is missing or failed
 };
 
 /// The table of a folder, a row per task, in their order.

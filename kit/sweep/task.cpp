@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
-#include <nlohmann/json.hpp>
 #include <sstream>
 #include <unordered_set>
 
@@ -15,7 +14,6 @@
 namespace kit::sweep {
 
 namespace fs = std::filesystem;
-using nlohmann::ordered_json;
 
 namespace {
 
@@ -23,33 +21,38 @@ namespace {
 constexpr const char* VERSION = "1";
 
 template <typename Value>
-ordered_json jsonOf(const std::optional<Value>& value)
+Json jsonOf(const std::optional<Value>& value)
 {
-    return value.has_value() ? ordered_json(*value) : ordered_json(nullptr);
+    return value.has_value() ? Json(*value) : Json(nullptr);
 }
 
 /// Whole numbers as such, so that 2 and 2.0 are one weight.
-ordered_json jsonOfWeight(const std::optional<double>& weight)
+Json jsonOfWeight(const std::optional<double>& weight)
 {
     const bool whole = weight.has_value() && *weight == std::floor(*weight); // below 1e9
-    return whole ? ordered_json(static_cast<int64_t>(*weight)) : jsonOf(weight);
+    return whole ? Json(static_cast<int64_t>(*weight)) : jsonOf(weight);
 }
 
-template <typename Value>
-std::optional<Value> valueAt(const ordered_json& json, const char* name)
+std::optional<int32_t> integerAt(const Json& json, const char* name)
 {
-    const ordered_json& value = json.at(name);
-    return value.is_null() ? std::nullopt : std::optional(value.get<Value>());
+    const Json& value = json.at(name);
+    return value.isNull() ? std::nullopt : std::optional(static_cast<int32_t>(value.asInteger()));
 }
 
-RunOptions optionsFrom(const ordered_json& json)
+std::optional<double> numberAt(const Json& json, const char* name)
 {
-    return {.algo = valueAt<int32_t>(json, "algo"),
-            .weight = valueAt<double>(json, "weight"),
-            .moveRange = valueAt<int32_t>(json, "move_range"),
-            .mindp = valueAt<int32_t>(json, "mindp"),
-            .siteWidth = valueAt<int32_t>(json, "site_width"),
-            .rescue = json.at("rescue").get<bool>()};
+    const Json& value = json.at(name);
+    return value.isNull() ? std::nullopt : std::optional(value.asNumber());
+}
+
+RunOptions optionsFrom(const Json& json)
+{
+    return {.algo = integerAt(json, "algo"),
+            .weight = numberAt(json, "weight"),
+            .moveRange = integerAt(json, "move_range"),
+            .mindp = integerAt(json, "mindp"),
+            .siteWidth = integerAt(json, "site_width"),
+            .rescue = json.at("rescue").asBool()};
 }
 
 bool isId(const std::string& text)
@@ -57,16 +60,16 @@ bool isId(const std::string& text)
     return text.size() == 16 && text.find_first_not_of("0123456789abcdef") == std::string::npos;
 }
 
-Task taskFrom(const ordered_json& json, const fs::path& dir)
+Task taskFrom(const Json& json, const fs::path& dir)
 {
-    Task task{.id = json.at("id").get<std::string>(),
-              .design = json.at("design").get<std::string>(),
-              .base = (dir / json.at("base").get<std::string>()).lexically_normal().string(),
-              .cellPath = (dir / json.at("cell_path").get<std::string>()).lexically_normal().string(),
-              .content = json.at("content").get<std::string>(),
+    Task task{.id = json.at("id").asString(),
+              .design = json.at("design").asString(),
+              .base = (dir / json.at("base").asString()).lexically_normal().string(),
+              .cellPath = (dir / json.at("cell_path").asString()).lexically_normal().string(),
+              .content = json.at("content").asString(),
               .options = optionsFrom(json.at("options")),
-              .components = json.at("components").get<int64_t>(),
-              .seconds = json.at("seconds").get<double>()};
+              .components = json.at("components").asInteger(),
+              .seconds = json.at("seconds").asNumber()};
     if (!isId(task.id)) { // it becomes a file name
         throw Fault("the id is not 16 hexadecimal digits");
     }
@@ -95,7 +98,7 @@ double estimatedSeconds(int64_t components, const RunOptions& options)
     return START + PER_COMPONENT[algo] * static_cast<double>(components);
 }
 
-ordered_json toJson(const RunOptions& options)
+Json toJson(const RunOptions& options)
 {
     return {{"algo", jsonOf(options.algo)},
             {"weight", jsonOfWeight(options.weight)},
@@ -112,10 +115,10 @@ std::vector<std::string> argumentsOf(const RunOptions& options)
                                                              {"move_range", "--move-range"},
                                                              {"mindp", "--mindp"},
                                                              {"site_width", "--site-width"}};
-    const ordered_json json = toJson(options);
+    const Json json = toJson(options);
     std::vector<std::string> words;
     for (const auto& [member, option] : NAMES) {
-        if (!json[member].is_null()) {
+        if (!json[member].isNull()) {
             words.emplace_back(option + ("=" + json[member].dump())); // one word: a value may be negative
         }
     }
@@ -127,15 +130,15 @@ std::vector<std::string> argumentsOf(const RunOptions& options)
 
 std::string lineOf(const Task& task)
 {
-    const ordered_json json{{"id", task.id},
-                            {"design", task.design},
-                            {"base", task.base},
-                            {"cell_path", task.cellPath},
-                            {"content", task.content},
-                            {"options", toJson(task.options)},
-                            {"components", task.components},
-                            {"seconds", task.seconds}};
-    return json.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
+    const Json json{{"id", task.id},
+                    {"design", task.design},
+                    {"base", task.base},
+                    {"cell_path", task.cellPath},
+                    {"content", task.content},
+                    {"options", toJson(task.options)},
+                    {"components", task.components},
+                    {"seconds", task.seconds}};
+    return json.dump();
 }
 
 std::vector<Task> readTasks(const std::string& dir)
@@ -157,9 +160,7 @@ std::vector<Task> readTasks(const std::string& dir)
                 text.append(":").append(std::to_string(number)).append(": this is no task: ").append(why));
         };
         try {
-            tasks.push_back(taskFrom(ordered_json::parse(line), folder));
-        } catch (const nlohmann::json::exception& error) {
-            fail(error.what());
+            tasks.push_back(taskFrom(Json::parse(line), folder));
         } catch (const Fault& fault) {
             fail(fault.what());
         }

@@ -3,10 +3,10 @@
 #pragma once
 
 #include <cstdint>
-#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <vector>
 
+#include "kit/base/json.h"
 #include "kit/sweep/study.h"
 
 namespace kit::sweep {
@@ -32,7 +32,7 @@ std::string idOf(const std::string& content, const RunOptions& options);
 double estimatedSeconds(int64_t components, const RunOptions& options);
 
 /// The options as JSON, null where the placer's default holds.
-nlohmann::ordered_json toJson(const RunOptions& options);
+Json toJson(const RunOptions& options);
 
 /// The arguments of `place` for the options.
 std::vector<std::string> argumentsOf(const RunOptions& options);

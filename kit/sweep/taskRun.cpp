@@ -96,10 +96,10 @@ public:
         result.id = m_task.id;
         result.ending = ending;
         result.host = host;
-        const nlohmann::json placed = readPlaced();
-        result.status = statusOf(ending, metricsOf(placed).is_null());
+        Json metrics = metricsOf(Json::tryParse(textIn(placed() + ".json")).value_or(nullptr));
+        result.status = statusOf(ending, metrics.isNull());
         if (isDone(result.status)) {
-            result.metrics = metricsOf(placed);
+            result.metrics = std::move(metrics);
         } else {
             result.message = messageOf(result.status, ending);
         }
@@ -120,12 +120,6 @@ public:
 
 private:
     std::string placed() const { return m_work.file("placed/placed"); }
-
-    nlohmann::json readPlaced() const
-    {
-        const std::string text = textIn(placed() + ".json");
-        return nlohmann::json::parse(text, nullptr, /*allow_exceptions=*/false);
-    }
 
     static Status statusOf(const process::Ending& ending, bool noPlacement)
     {

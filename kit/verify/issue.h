@@ -10,6 +10,8 @@
 
 namespace kit::verify {
 
+inline constexpr int32_t MASKS = 3; ///< colours of metal 1
+
 /// Kinds of issues, in the order of the reports.
 enum class Kind {
     DOUBLE_COMPONENT,

@@ -1,31 +1,25 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include <nlohmann/json.hpp>
 #include <ostream>
 
+#include "kit/base/json.h"
+#include "kit/input/findingText.h"
 #include "kit/verify/report.h"
 
 namespace kit::verify {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 constexpr int SCHEMA = 1;
-
-const char* wordOf(input::Severity severity)
-{
-    return severity == input::Severity::ERROR ? "error" : "note";
-}
 
 Json jsonOf(const DbuBox& box)
 {
-    return {box.xl, box.yl, box.xh, box.yh};
+    return Json::array({box.xl, box.yl, box.xh, box.yh});
 }
 
 Json jsonOf(const input::Finding& fault)
 {
     const std::string advice = fault.advice.empty() ? "" : "; " + fault.advice;
-    return {{"severity", wordOf(fault.severity)},
+    return {{"severity", input::wordOf(fault.severity)},
             {"code", fault.code},
             {"file", fault.file},
             {"line", fault.line},
@@ -38,7 +32,7 @@ Json jsonOf(const Issue& issue, const Options& options, const input::Design& des
     const auto nameOf = [&](int32_t component) {
         return design.components[static_cast<size_t>(component)].name;
     };
-    Json json{{"severity", wordOf(info.severity)},
+    Json json{{"severity", input::wordOf(info.severity)},
               {"code", info.name},
               {"file", issue.inColors ? options.colors : options.placement},
               {"line", issue.line},
@@ -59,12 +53,6 @@ Json jsonOf(const Issue& issue, const Options& options, const input::Design& des
     return json;
 }
 
-std::string dump(const Json& json)
-{
-    // What is no UTF-8 in the files must not end the report.
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
 Json countsOf(const Input& input, const Issues& issues)
 {
     const std::vector<int64_t> counts = countKinds(issues);
@@ -79,17 +67,17 @@ Json countsOf(const Input& input, const Issues& issues)
 
 void writeJson(const Options& options, const Input& input, const Issues& issues, std::ostream& out)
 {
-    out << "{\"schema\":" << SCHEMA << ",\"placement\":" << dump(options.placement)
-        << ",\"colors\":" << dump(options.colors) << ",\"mindp\":" << options.minDist
+    out << "{\"schema\":" << SCHEMA << ",\"placement\":" << Json(options.placement)
+        << ",\"colors\":" << Json(options.colors) << ",\"mindp\":" << options.minDist
         << ",\"clean\":" << (exitStatusOf(input, issues) == 0 ? "true" : "false")
-        << ",\"counts\":" << dump(countsOf(input, issues)) << ",\"findings\":[";
+        << ",\"counts\":" << countsOf(input, issues) << ",\"findings\":[";
     const char* separator = "\n";
     for (const input::Finding& fault : input.faults) {
-        out << separator << dump(jsonOf(fault));
+        out << separator << jsonOf(fault);
         separator = ",\n";
     }
     for (const Issue& issue : issues) { // one by one: a million of them need no second copy
-        out << separator << dump(jsonOf(issue, options, input.design));
+        out << separator << jsonOf(issue, options, input.design);
         separator = ",\n";
     }
     out << "\n]}\n";

@@ -1,38 +1,15 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <array>
 #include <charconv>
-#include <filesystem>
 
+#include "kit/base/escape.h"
+#include "kit/input/frame.h"
 #include "kit/outputFile.h"
 #include "kit/verify/report.h"
 
 namespace kit::verify {
 
 namespace {
-
-constexpr double DBU_PER_MICROMETRE = 2000;
-
-/// A text in XML: bytes that a parser would refuse become question marks.
-std::string escaped(const std::string& text)
-{
-    std::string xml;
-    for (const char c : text) {
-        switch (c) {
-        case '&':
-            xml += "&amp;";
-            break;
-        case '<':
-            xml += "&lt;";
-            break;
-        case '>':
-            xml += "&gt;";
-            break;
-        default:
-            xml += c < ' ' || c > '~' ? '?' : c;
-        }
-    }
-    return xml;
-}
 
 /// A text as a quoted word of the database.
 std::string quoted(const std::string& text)
@@ -47,11 +24,11 @@ std::string quoted(const std::string& text)
     return word + "'";
 }
 
-std::string micrometres(double dbu)
+std::string micrometres(double length)
 {
     std::array<char, 64> text{};
-    const auto end = std::to_chars(text.data(), text.data() + text.size(), dbu / DBU_PER_MICROMETRE,
-                                   std::chars_format::fixed, 6);
+    const auto end =
+        std::to_chars(text.data(), text.data() + text.size(), length, std::chars_format::fixed, 6);
     return {text.data(), end.ptr};
 }
 
@@ -60,6 +37,12 @@ std::string corners(double x1, double y1, double x2, double y2)
 {
     return "(" + micrometres(x1) + "," + micrometres(y1) + ";" + micrometres(x2) + "," + micrometres(y2) +
            ")";
+}
+
+/// A box in micrometres.
+DbuBox scaled(const DbuBox& box, double dbuPerMicron)
+{
+    return {box.xl / dbuPerMicron, box.yl / dbuPerMicron, box.xh / dbuPerMicron, box.yh / dbuPerMicron};
 }
 
 /// The sides by which two rectangles face each other.
@@ -77,12 +60,13 @@ std::string facingSides(const DbuBox& a, const DbuBox& b)
            corners(upper.xl, upper.yl, upper.xh, upper.yl);
 }
 
-std::string valueOf(const Issue& issue)
+std::string valueOf(const Issue& issue, double dbuPerMicron)
 {
+    const DbuBox box = scaled(issue.box, dbuPerMicron);
     if (isConflict(issue)) {
-        return "edge-pair: " + facingSides(issue.box, issue.otherBox);
+        return "edge-pair: " + facingSides(box, scaled(issue.otherBox, dbuPerMicron));
     }
-    return "box: " + corners(issue.box.xl, issue.box.yl, issue.box.xh, issue.box.yh);
+    return "box: " + corners(box.xl, box.yl, box.xh, box.yh);
 }
 
 /// Whether the issue has a place in the layout.
@@ -96,7 +80,7 @@ class MarkerFile {
 public:
     MarkerFile(const Options& options, const Input& input)
         : m_options(options), m_input(input), m_out(options.lyrdb),
-          m_cell(escaped(std::filesystem::path(options.placement).stem().string()))
+          m_frame(input::frameOf(input.design, options.placement)), m_cell(escapeXml(m_frame.topCell))
     {
     }
 
@@ -118,8 +102,8 @@ private:
     void writeHead()
     {
         m_out << "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<report-database>\n <description>"
-              << "Judgement of " << escaped(m_options.placement) << " with " << escaped(m_options.colors)
-              << "</description>\n <original-file>" << escaped(m_options.placement)
+              << "Judgement of " << escapeXml(m_options.placement) << " with " << escapeXml(m_options.colors)
+              << "</description>\n <original-file>" << escapeXml(m_options.placement)
               << "</original-file>\n <generator>vireloce-kit verify</generator>\n <top-cell>" << m_cell
               << "</top-cell>\n";
     }
@@ -140,14 +124,15 @@ private:
     {
         const std::string text = textOf(issue, m_input.design, m_options.minDist);
         m_out << "  <item>\n   <category>" << quoted(infoOf(issue.kind).name) << "</category>\n   <cell>"
-              << m_cell << "</cell>\n   <values>\n    <value>" << valueOf(issue)
-              << "</value>\n    <value>text: " << escaped(quoted(text))
+              << m_cell << "</cell>\n   <values>\n    <value>" << valueOf(issue, m_frame.dbuPerMicron)
+              << "</value>\n    <value>text: " << escapeXml(quoted(text))
               << "</value>\n   </values>\n  </item>\n";
     }
 
     const Options& m_options;
     const Input& m_input;
     OutputFile m_out;
+    input::Frame m_frame;
     std::string m_cell; ///< name of the top cell, as XML
 };
 

@@ -10,8 +10,6 @@ namespace kit::verify {
 
 namespace {
 
-constexpr int32_t MASKS = 3;
-
 std::string nameOf(const input::Component& comp)
 {
     return comp.name + " (" + comp.cellName + ")";

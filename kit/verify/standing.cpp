@@ -8,7 +8,6 @@ namespace kit::verify {
 
 namespace {
 
-constexpr int32_t MASKS = 3;
 constexpr size_t TURNS = 4;
 
 bool reachesEdge(const input::Cell& cell, const input::Shape& shape)

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <ostream>
 
+#include "kit/input/findingText.h"
 #include "kit/verify/report.h"
 
 namespace kit::verify {
@@ -30,11 +31,6 @@ std::string describe(const input::Design& design, int32_t component)
 std::string padded(const std::string& text, size_t width)
 {
     return std::string(width - std::min(width, text.size()), ' ') + text;
-}
-
-const char* wordOf(input::Severity severity)
-{
-    return severity == input::Severity::ERROR ? "error" : "note";
 }
 
 /// Writes the text report.
@@ -68,7 +64,7 @@ private:
     void writeLine(const std::string& file, int64_t line, input::Severity severity, const std::string& what,
                    const std::string& kind)
     {
-        std::string text = file + (line > 0 ? ":" + std::to_string(line) : "") + ": " + wordOf(severity) +
+        std::string text = file + (line > 0 ? ":" + std::to_string(line) : "") + ": " + input::wordOf(severity) +
                            ": " + what + " [" + kind + "]";
         std::replace_if( // names come from files, and a report is for terminals
             text.begin(), text.end(), [](char c) { return (c >= 0 && c < ' ') || c == '\x7f'; }, '?');

@@ -68,7 +68,10 @@ Kind kindOf(const Scene& scene, const input::Cell& cell)
     kind.width = std::max(scale.x(cell.width), 0);
     for (size_t shape = 0; shape < cell.shapes.size(); ++shape) {
         for (const input::Rect& rect : cell.shapes[shape].rects) {
-            kind.metal.push_back({scale.box(rect), static_cast<int32_t>(shape)});
+            const Box box = scale.box(rect);
+            if (box.xl < box.xh && box.yl < box.yh) { // a line is no metal
+                kind.metal.push_back({box, static_cast<int32_t>(shape)});
+            }
         }
     }
     kind.joints = findJoints(kind.metal);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <map>
 #include <string_view>
 #include <unordered_map>
 
@@ -82,6 +83,32 @@ std::vector<Conflict> findConflicts(const input::Design& design,
         });
     }
     return conflicts;
+}
+
+std::vector<ConflictMark> gathered(const std::vector<Conflict>& conflicts, int32_t side)
+{
+    struct Sum {
+        int64_t x = 0;
+        int64_t y = 0;
+        int32_t count = 0;
+    };
+    const auto squareAt = [side](int64_t place) { return (place < 0 ? place - side + 1 : place) / side; };
+    std::map<std::pair<int64_t, int64_t>, Sum> squares; // line, column
+    for (const Conflict& conflict : conflicts) {
+        const int64_t x = (int64_t{conflict.box.xl} + conflict.box.xh) / 2;
+        const int64_t y = (int64_t{conflict.box.yl} + conflict.box.yh) / 2;
+        Sum& sum = squares[{squareAt(y), squareAt(x)}];
+        sum.x += x;
+        sum.y += y;
+        ++sum.count;
+    }
+    std::vector<ConflictMark> marks;
+    marks.reserve(squares.size());
+    for (const auto& [square, sum] : squares) {
+        marks.push_back(
+            {static_cast<int32_t>(sum.x / sum.count), static_cast<int32_t>(sum.y / sum.count), sum.count});
+    }
+    return marks;
 }
 
 } // namespace kit::view

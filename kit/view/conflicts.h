@@ -29,4 +29,17 @@ std::vector<Conflict> findConflicts(const input::Design& design,
                                     const std::vector<const input::ColorRecord*>& colours, int32_t step,
                                     int32_t minDist);
 
+/// Conflicts that are one mark from afar.
+struct ConflictMark {
+    int32_t x = 0; ///< mean of their middles, DBU
+    int32_t y = 0;
+    int32_t count = 0;
+};
+
+/// Gathers conflicts by squares.
+///
+/// @param side  of a square, DBU, positive
+/// @return a mark for each square with conflicts, from the bottom upwards, then from the left
+std::vector<ConflictMark> gathered(const std::vector<Conflict>& conflicts, int32_t side);
+
 } // namespace kit::view

@@ -4,8 +4,8 @@
 #include <cassert>
 #include <string_view>
 
+#include "kit/base/escape.h"
 #include "kit/view/base64.h"
-#include "kit/view/escape.h"
 #include "kit/view/pageData.h"
 #include "kit/view/viewerText.h"
 

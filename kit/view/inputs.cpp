@@ -8,6 +8,7 @@
 
 #include "kit/fault.h"
 #include "kit/input/colors.h"
+#include "kit/input/frame.h"
 #include "kit/input/reader.h"
 #include "kit/lefdef/trueOrient.h"
 #include "kit/view/build.h"
@@ -131,6 +132,7 @@ Scene readScene(const InputPaths& paths, int32_t minDist, input::Findings& findi
     }
     Scene scene = buildScene(design, extras);
     scene.title = paths.placement;
+    scene.dbuPerMicron = input::frameOf(design, paths.placement).dbuPerMicron;
     scene.minDist = minDist;
     if (scene.coloured) {
         scene.conflicts = findConflicts(design, extras.colours, scene.siteWidth, minDist);

@@ -2,16 +2,14 @@
 #include "kit/view/pageData.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 
+#include "kit/base/escape.h"
+#include "kit/base/json.h"
 #include "kit/view/base64.h"
-#include "kit/view/escape.h"
 
 namespace kit::view {
 
 namespace {
-
-using Json = nlohmann::json;
 
 uint16_t shortIndex(int32_t index)
 {
@@ -79,7 +77,7 @@ void addConflicts(PageArrays& arrays, const Scene& scene, const std::vector<int3
 
 Json corners(const Box& box)
 {
-    return {box.xl, box.yl, box.xh, box.yh};
+    return Json::array({box.xl, box.yl, box.xh, box.yh});
 }
 
 void append(Json& list, const Box& box)
@@ -182,6 +180,7 @@ std::string describe(const Scene& scene)
         kinds.push_back(describeKind(kind));
     }
     Json data{{"title", printable(scene.title)},
+              {"dbuPerMicron", scene.dbuPerMicron},
               {"siteWidth", scene.siteWidth},
               {"rowHeight", scene.rowHeight},
               {"minDist", scene.minDist},
@@ -197,6 +196,7 @@ std::string describe(const Scene& scene)
     if (scene.moved) {
         data["densityBefore"] = describeDensity(densityOf(scene, /*before=*/true));
     }
+    data.sortMembers();
     return escapeScript(data.dump());
 }
 

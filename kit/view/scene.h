@@ -91,6 +91,7 @@ struct Conflict {
 /// A placement as it is drawn.
 struct Scene {
     std::string title;             ///< the placement file
+    int32_t dbuPerMicron = 0;      ///< positive
     int32_t siteWidth = 0;         ///< DBU
     int32_t rowHeight = 0;         ///< DBU
     int32_t minDist = 0;           ///< of metal on one mask, DBU of the library

@@ -5,8 +5,9 @@
 #include <cmath>
 #include <string>
 
+#include "kit/base/escape.h"
+#include "kit/view/conflicts.h"
 #include "kit/view/density.h"
-#include "kit/view/escape.h"
 #include "kit/view/joints.h"
 #include "kit/view/palette.h"
 #include "kit/view/ramp.h"
@@ -17,12 +18,13 @@ namespace kit::view {
 namespace {
 
 constexpr size_t MOST_HINTS = 5'000; // cells that carry their name
+constexpr double MARK_SQUARE = 44;   // pixels: conflicts in a square of that side have one mark
 
 /// Draws a placement in DBU, y upwards turned to y downwards.
 class Plan {
 public:
-    Plan(OutputFile& file, const Scene& scene, Detail detail)
-        : m_file(file), m_scene(scene), m_detail(detail), m_bounds(boundsOf(scene))
+    Plan(OutputFile& file, const Scene& scene, Detail detail, const SvgFrame& frame)
+        : m_file(file), m_scene(scene), m_detail(detail), m_frame(frame), m_bounds(boundsOf(scene))
     {
     }
 
@@ -32,16 +34,18 @@ public:
         drawBlocks(m_scene.rows, "row");
         drawStretches();
         drawBlocks(m_scene.macros, "macro");
-        if (m_detail == Detail::MAP) {
-            return;
+        if (m_detail != Detail::MAP) {
+            drawCells();
+            if (m_detail == Detail::METAL) {
+                drawMetal();
+                drawStitches();
+            }
+            drawMoves();
+            drawConflicts();
         }
-        drawCells();
-        if (m_detail == Detail::METAL) {
-            drawMetal();
-            drawStitches();
+        if (m_frame.isFar()) {
+            drawMarks();
         }
-        drawMoves();
-        drawConflicts();
     }
 
 private:
@@ -243,9 +247,31 @@ private:
         m_file << "</g>\n";
     }
 
+    /// Marks of a fixed size: circles as small as the rows would not be seen.
+    void drawMarks()
+    {
+        const auto dbu = [this](double pixels) {
+            return std::max<int64_t>(std::lround(pixels / m_frame.scale()), 1);
+        };
+        m_file << "<g class=\"conflicts\">\n";
+        for (const ConflictMark& mark : gathered(m_scene.conflicts, static_cast<int32_t>(dbu(MARK_SQUARE)))) {
+            const std::string count = std::to_string(mark.count);
+            const double radius = mark.count == 1 ? 4 : 5 + 3 * static_cast<double>(count.size());
+            const int32_t x = mark.x - m_bounds.xl;
+            m_file << "<circle cx=\"" << x << "\" cy=\"" << flip(mark.y) << "\" r=\"" << dbu(radius)
+                   << "\"><title>" << count << (mark.count == 1 ? " conflict" : " conflicts")
+                   << "</title></circle>\n";
+            if (mark.count > 1) {
+                m_file << "<text x=\"" << x << "\" y=\"" << flip(mark.y) << "\">" << count << "</text>\n";
+            }
+        }
+        m_file << "</g>\n";
+    }
+
     OutputFile& m_file;
     const Scene& m_scene;
     Detail m_detail;
+    const SvgFrame& m_frame;
     Box m_bounds;
 };
 
@@ -270,7 +296,7 @@ void writeSvg(OutputFile& file, const Scene& scene)
     const Detail detail = detailOf(scene);
     SvgFrame frame(file, scene, detail);
     frame.open();
-    Plan(file, scene, detail).draw();
+    Plan(file, scene, detail, frame).draw();
     frame.close();
 }
 

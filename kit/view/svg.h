@@ -12,7 +12,7 @@ namespace kit::view {
 enum class Detail {
     METAL, ///< cells with their metal
     BOXES, ///< cells as boxes
-    MAP    ///< density alone
+    MAP    ///< density and conflicts alone
 };
 
 inline constexpr int64_t MOST_SVG_METAL = 60'000; ///< rectangles of metal that are drawn

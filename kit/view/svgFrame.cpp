@@ -2,8 +2,9 @@
 #include "kit/view/svgFrame.h"
 
 #include <algorithm>
+#include <cmath>
 
-#include "kit/view/escape.h"
+#include "kit/base/escape.h"
 #include "kit/view/palette.h"
 #include "kit/view/ramp.h"
 
@@ -21,6 +22,18 @@ constexpr int32_t LEAST_PLAN = 60;
 constexpr int32_t SYMBOL = 16;   // width of a symbol in the legend
 constexpr int32_t CHARACTER = 7; // average width of a letter in the legend
 constexpr int32_t ENTRY_GAP = 22;
+constexpr double FAR_ROW = 10;    // height of a row
+constexpr int32_t MARK_TEXT = 10; // height of the number on a mark
+
+double widthOf(const Box& box)
+{
+    return static_cast<double>(box.xh) - box.xl;
+}
+
+double heightOf(const Box& box)
+{
+    return static_cast<double>(box.yh) - box.yl;
+}
 
 std::string counted(size_t count, const std::string& what)
 {
@@ -49,21 +62,25 @@ std::string subtitleOf(const Scene& scene, Detail detail)
     case Detail::BOXES:
         return text + ". Simplified: cells are boxes, as the design has too much metal for a small file";
     case Detail::MAP:
-        return text + ". Simplified: density only, as the design has too many cells for a small file";
+        return text + ". Simplified: no cells, as the design has too many for a small file";
     }
     return text;
 }
 
 SvgFrame::SvgFrame(OutputFile& file, const Scene& scene, Detail detail)
-    : m_file(file), m_scene(scene), m_detail(detail), m_plan(planSize())
+    : m_file(file), m_scene(scene), m_detail(detail), m_bounds(boundsOf(scene)), m_plan(planSize()),
+      m_scale(std::min(m_plan.width / widthOf(m_bounds), m_plan.height / heightOf(m_bounds)))
 {
+}
+
+bool SvgFrame::isFar() const
+{
+    return m_detail == Detail::MAP || m_scene.rowHeight * m_scale < FAR_ROW;
 }
 
 SvgFrame::Size SvgFrame::planSize() const
 {
-    const Box bounds = boundsOf(m_scene);
-    const double aspect =
-        (static_cast<double>(bounds.yh) - bounds.yl) / (static_cast<double>(bounds.xh) - bounds.xl);
+    const double aspect = heightOf(m_bounds) / widthOf(m_bounds);
     const double height = std::clamp<double>((WIDTH - 2 * MARGIN) * aspect, LEAST_PLAN, TALLEST_PLAN);
     return {WIDTH - 2 * MARGIN, static_cast<int32_t>(height)};
 }
@@ -75,10 +92,9 @@ void SvgFrame::open()
            << WIDTH << "\" height=\"" << height << "\" viewBox=\"0 0 " << WIDTH << " " << height << "\">\n";
     writeTitle();
     writeStyle();
-    const Box bounds = boundsOf(m_scene);
     m_file << "<svg x=\"" << MARGIN << "\" y=\"" << HEADER << "\" width=\"" << m_plan.width << "\" height=\""
-           << m_plan.height << "\" viewBox=\"0 0 " << bounds.xh - bounds.xl << " " << bounds.yh - bounds.yl
-           << "\">\n";
+           << m_plan.height << "\" viewBox=\"0 0 " << m_bounds.xh - m_bounds.xl << " "
+           << m_bounds.yh - m_bounds.yl << "\">\n";
 }
 
 void SvgFrame::close()
@@ -121,8 +137,10 @@ void SvgFrame::writeStyle()
         << "; fill-opacity: 0.8; stroke: #555; stroke-width: 0.6; }\n"
         << ".stitch { fill: " << STITCH_COLOUR << "; stroke: #000; stroke-width: 0.6; }\n"
         << ".move { fill: none; stroke: " << MOVE_COLOUR << "; stroke-width: 1.2; }\n"
-        << ".conflict circle { fill: none; stroke: " << CONFLICT_COLOUR
-        << "; stroke-width: 2.2; }\n</style>\n";
+        << ".conflict circle { fill: none; stroke: " << CONFLICT_COLOUR << "; stroke-width: 2.2; }\n"
+        << ".conflicts circle { fill: " << CONFLICT_COLOUR << "; stroke: #fff; }\n"
+        << ".conflicts text { font-size: " << std::lround(MARK_TEXT / m_scale)
+        << "px; fill: #fff; text-anchor: middle; dominant-baseline: central; }\n</style>\n";
 }
 
 /// A symbol is what stands in an SVG 16 by 16.
@@ -176,6 +194,9 @@ void SvgFrame::writeLegend()
         if (m_scene.moved) {
             entry("<path class=\"move\" d=\"M1 8h14m-5 -4l5 4l-5 4\"/>", "displacement");
         }
+    }
+    if (m_scene.coloured && isFar()) {
+        entry("<g class=\"conflicts\"><circle cx=\"8\" cy=\"8\" r=\"8\"/></g>", "conflicts, their number");
     }
     entry("<path class=\"segment\" d=\"M0 3h16v10h-16z\"/>", "free stretch");
     entry("<rect width=\"16\" height=\"16\" fill=\"#c2c6cb\" stroke=\"#555\"/>", "macro");

@@ -15,6 +15,12 @@ class SvgFrame {
 public:
     SvgFrame(OutputFile& file, const Scene& scene, Detail detail);
 
+    /// Pixels of a DBU in the plan.
+    double scale() const { return m_scale; }
+
+    /// Whether rows are so low that conflicts are marked by squares of the picture.
+    bool isFar() const;
+
     /// Writes everything up to the plan, whose coordinates are DBU from its upper-left corner.
     void open();
 
@@ -37,7 +43,9 @@ private:
     OutputFile& m_file;
     const Scene& m_scene;
     Detail m_detail;
+    Box m_bounds;
     Size m_plan;
+    double m_scale;
     int32_t m_x = 0; ///< of the next entry of the legend
     int32_t m_y = 0; ///< of the legend's line
 };

@@ -7,8 +7,7 @@
 
 // ---- Data ----------------------------------------------------------------------------------------------
 
-const NONE = 65535;          // no kind, no colour solution
-const DBU_PER_MICRON = 2000; // as in the core box of the placement file
+const NONE = 65535; // no kind, no colour solution
 
 const byId = (id) => document.getElementById(id);
 
@@ -37,6 +36,7 @@ const integers = (id) => new Int32Array(take(id).buffer);
 const shorts = (id) => new Uint16Array(take(id).buffer);
 
 const design = JSON.parse(byId("design").textContent);
+const DBU_PER_MICRON = design.dbuPerMicron;
 const kinds = design.kinds;
 const cells = {
   x: integers("x"), y: integers("y"), kind: shorts("kind"), colouring: shorts("colouring"), turns: take("turns"),
@@ -237,7 +237,7 @@ const ARROW_ROW_PX = 14;     // from which displacements are drawn
 const NAME_ROW_PX = 56;      // from which their names are drawn
 const MOST_BOXES = 60000;    // cells drawn at a time
 const MOST_METAL = 45000;    // rectangles of metal drawn at a time
-const MOST_DOTS = 5000;      // conflicts from afar
+const SQUARE_PX = 44;        // from afar, conflicts in a square of that side have one mark
 
 const drawTimes = []; // of the last draws, milliseconds
 
@@ -316,8 +316,8 @@ function drawPart(left, top, width, height) {
   if (detailed) {
     drawCells(cellsIn(shown, part, count), rowPx);
   }
-  drawConflicts(part, rowPx);
   drawPins(part, rowPx);
+  drawConflicts(part, rowPx);
   base.restore();
   showHint(!detailed);
 }
@@ -654,34 +654,85 @@ function drawNames(visible, rowPx) {
   }
 }
 
-/** The middles of the conflicts in a window, in pixels: x and y in turn. */
-function conflictsIn(window) {
-  const points = [];
-  for (let i = 0; i < conflicts.length; i += CONFLICT_SIZE) {
-    const x = (conflicts[i + 2] + conflicts[i + 4]) / 2;
-    const y = (conflicts[i + 3] + conflicts[i + 5]) / 2;
-    if (overlaps(window, x, y, x, y)) {
-      points.push(toPxX(x), toPxY(y));
-    }
-  }
-  return points;
-}
+const conflictX = (i) => (conflicts[i + 2] + conflicts[i + 4]) / 2;
+const conflictY = (i) => (conflicts[i + 3] + conflicts[i + 5]) / 2;
 
-/** Circles; from afar dots, and more of them than can be told apart not at all. */
+/** Circles; from afar one mark for those that are close together. */
 function drawConflicts(window, rowPx) {
   if (!on.conflicts || shown !== after) {
     return;
   }
-  const points = conflictsIn(window);
   if (rowPx < OUTLINE_ROW_PX) {
-    drawDots(points, Math.max(rowPx * 0.45, 2));
+    for (const {x, y, size} of conflictMarks()) {
+      if (overlaps(window, x, y, x, y)) {
+        drawStamp(discOf(size), x, y);
+      }
+    }
     return;
   }
-  const stamp = ringOf(Math.round(Math.min(rowPx / 5, 16)), rowPx >= METAL_ROW_PX ? 2.5 : 1.5);
-  const size = stamp.width / ratio;
-  for (let i = 0; i < points.length; i += 2) {
-    base.drawImage(stamp, points[i] - size / 2, points[i + 1] - size / 2, size, size);
+  const ring = ringOf(Math.round(Math.min(rowPx / 5, 16)), rowPx >= METAL_ROW_PX ? 2.5 : 1.5);
+  for (let i = 0; i < conflicts.length; i += CONFLICT_SIZE) {
+    const x = conflictX(i);
+    const y = conflictY(i);
+    if (overlaps(window, x, y, x, y)) {
+      drawStamp(ring, x, y);
+    }
   }
+}
+
+/** Draws a picture about a point, on whole pixels of the screen, where it stays sharp and is fast to draw. */
+function drawStamp(stamp, x, y) {
+  const size = stamp.width / ratio;
+  const whole = (px) => Math.round((px - size / 2) * ratio) / ratio;
+  base.drawImage(stamp, whole(toPxX(x)), whole(toPxY(y)), size, size);
+}
+
+// Squares lie fast on the plan, so that moving it neither shifts nor splits a mark.
+let marksMade = {scale: 0, marks: []};
+
+/** The marks from afar: a mean place and the number of conflicts for each square that has some. */
+function conflictMarks() {
+  if (marksMade.scale !== view.scale) {
+    const side = SQUARE_PX / view.scale;
+    const squares = new Map();
+    for (let i = 0; i < conflicts.length; i += CONFLICT_SIZE) {
+      const key = Math.floor((conflictY(i) - boundsYl) / side) * 2 ** 26 + Math.floor((conflictX(i) - boundsXl) / side);
+      const mark = squares.get(key) ?? {x: 0, y: 0, size: 0};
+      const size = mark.size + 1;
+      squares.set(key, {x: mark.x + (conflictX(i) - mark.x) / size, y: mark.y + (conflictY(i) - mark.y) / size, size});
+    }
+    marksMade = {scale: view.scale, marks: [...squares.values()]};
+  }
+  return marksMade.marks;
+}
+
+const discs = new Map();
+
+/** The picture of a disc with a light edge, and a number on it if that is more than one. */
+function discOf(size) {
+  const text = size === 1 ? "" : size < 1000 ? String(size) : `${Math.floor(size / 1000)}k`;
+  const key = `${text} ${ratio}`;
+  if (!discs.has(key)) {
+    const radius = text === "" ? 4 : 5 + 3 * text.length;
+    const image = document.createElement("canvas");
+    image.width = image.height = Math.ceil(2 * (radius + 2) * ratio);
+    const context = image.getContext("2d");
+    const middle = image.width / ratio / 2;
+    context.scale(ratio, ratio);
+    for (const [colour, reach] of [["#fff", radius + 1.5], [COLOUR.conflict, radius]]) {
+      context.fillStyle = colour;
+      context.beginPath();
+      context.arc(middle, middle, reach, 0, 2 * Math.PI);
+      context.fill();
+    }
+    context.fillStyle = "#fff";
+    context.font = "10px system-ui, \"DejaVu Sans\", sans-serif";
+    context.textAlign = "center";
+    context.textBaseline = "middle";
+    context.fillText(text, middle, middle + 0.5);
+    discs.set(key, image);
+  }
+  return discs.get(key);
 }
 
 const rings = new Map();
@@ -703,16 +754,6 @@ function ringOf(radius, width) {
     rings.set(key, image);
   }
   return rings.get(key);
-}
-
-function drawDots(points, size) {
-  if (points.length / 2 > MOST_DOTS) {
-    return;
-  }
-  base.fillStyle = COLOUR.conflict;
-  for (let i = 0; i < points.length; i += 2) {
-    base.fillRect(points[i] - size / 2, points[i + 1] - size / 2, size, size);
-  }
 }
 
 function drawPins(window, rowPx) {
@@ -741,8 +782,7 @@ function drawPin(name, x, y, radius, rowPx) {
 
 function showHint(overview) {
   byId("hint").hidden = !(overview && on.cells && count > 0);
-  const many = on.conflicts && shown === after && conflicts.length / CONFLICT_SIZE > MOST_DOTS;
-  byId("hint").textContent = `Overview by density: zoom in for the cells${many ? " and conflicts" : ""}`;
+  byId("hint").textContent = "Overview by density: zoom in for the cells";
 }
 
 // ---- Overlay: scale bar, the cell of interest, its nets ------------------------------------------------
@@ -1304,7 +1344,9 @@ new ResizeObserver(resize).observe(byId("plan"));
 
 /** For the tests of this page. */
 window.viewer = {
-  drawTimes, view, on, pan,
+  drawTimes, view, on, pan, conflictMarks, conflictColour: COLOUR.conflict,
+  /** The middle of a conflict, DBU, by its number. */
+  conflictPlace: (i) => [conflictX(i * CONFLICT_SIZE), conflictY(i * CONFLICT_SIZE)],
   draw() { drawn = null; draw(); },
   get selected() { return selected < 0 ? "" : nameOf(selected); },
   get shown() { return shown === before ? "before" : "after"; },

@@ -155,6 +155,67 @@ test("conflicts are a layer", async () => {
   await page.close();
 });
 
+/** Pixels of the conflicts' colour in the plan, with and without their layer. */
+function conflictPixels(page) {
+  return page.evaluate(() => {
+    const canvas = document.getElementById("base");
+    const colour = parseInt(window.viewer.conflictColour.slice(1), 16);
+    return [true, false].map((shown) => {
+      const before = window.viewer.on.conflicts;
+      window.viewer.on.conflicts = shown;
+      window.viewer.draw();
+      window.viewer.on.conflicts = before;
+      const pixels = canvas.getContext("2d").getImageData(0, 0, canvas.width, canvas.height).data;
+      let size = 0;
+      for (let i = 0; i < pixels.length; i += 4) {
+        size += ((pixels[i] << 16) | (pixels[i + 1] << 8) | pixels[i + 2]) === colour ? 1 : 0;
+      }
+      return size;
+    });
+  });
+}
+
+test("conflicts are marked at every level", async (context) => {
+  const {page, seen} = await open(generatedPage(50000));
+  const size = Number((await page.locator("label:has(#layer-conflicts) .count").textContent()).replace(/\D/g, ""));
+  assert.ok(size > 5000, String(size)); // more than could be told apart as dots
+  await page.evaluate(() => window.viewer.draw());
+  await page.screenshot({path: join(shots, "50k-conflicts.png")});
+  for (let level = 0; level < 14; ++level) {
+    const rowPx = await page.evaluate(() => window.viewer.view.scale * 2800);
+    const [shown, hidden] = await conflictPixels(page);
+    assert.ok(shown > hidden + 100, `rows of ${rowPx.toFixed(1)} px: ${shown} pixels, ${hidden} without conflicts`);
+    const times = await page.evaluate(() => {
+      window.viewer.drawTimes.length = 0;
+      for (let i = 0; i < 5; ++i) {
+        window.viewer.draw();
+      }
+      return [...window.viewer.drawTimes].sort((a, b) => a - b);
+    });
+    context.diagnostic(`rows of ${rowPx.toFixed(1)} px: ${shown - hidden} pixels of conflicts, drawn in ${times[2].toFixed(1)} ms`);
+    await page.evaluate(() => {
+      const {view} = window.viewer;
+      [view.x, view.y] = window.viewer.conflictPlace(0);
+      view.scale *= 1.6;
+    });
+  }
+  assert.deepEqual(seen.errors, []);
+  await page.close();
+});
+
+test("a mark from afar tells how many conflicts it stands for, and moves with the plan", async () => {
+  const {page, seen} = await open(generatedPage(50000));
+  await page.evaluate(() => window.viewer.pan(37, 53));
+  const moved = await picture(page);
+  await page.evaluate(() => window.viewer.draw());
+  assert.equal(await picture(page), moved);
+  const sizes = await page.evaluate(() => window.viewer.conflictMarks().map((mark) => mark.size));
+  const size = Number((await page.locator("label:has(#layer-conflicts) .count").textContent()).replace(/\D/g, ""));
+  assert.equal(sizes.reduce((sum, part) => sum + part, 0), size);
+  assert.deepEqual(seen.errors, []);
+  await page.close();
+});
+
 test("before and after are two pictures", () => withGcd(async (page) => {
   const result = await picture(page);
   await page.locator("#before").check();

@@ -55,8 +55,8 @@ const BadCase BAD_CASES[] = {
     {"NoCellTypes", {"--cell-types", "0"}, "--cell-types"},
     {"NoSolutions", {"--solutions", "0"}, "--solutions"},
     {"TooManySolutions", {"--solutions", "65"}, "--solutions"},
-    {"OverfullRows", {"--utilisation", "96"}, "--utilisation"},
-    {"EmptyRows", {"--utilisation", "9"}, "--utilisation"},
+    {"OverfullRows", {"--utilization", "96"}, "--utilization"},
+    {"EmptyRows", {"--utilization", "9"}, "--utilization"},
     {"ShortRows", {"--sites-per-row", "49"}, "--sites-per-row"},
     {"NegativeMacros", {"--macros", "-1"}, "--macros"},
     {"TinyStep", {"--site-step", "9"}, "--site-step"},
@@ -77,7 +77,7 @@ const BadCase BAD_CASES[] = {
      {"--cell-types", "1000"},
      "--cell-types times one more than --solutions is over 11000"},
     {"RowsTooHigh",
-     {"--components", "1000000", "--utilisation", "10", "--sites-per-row", "50", "--site-step", "1900"},
+     {"--components", "1000000", "--utilization", "10", "--sites-per-row", "50", "--site-step", "1900"},
      " rows are too high for 32-bit coordinates"},
     {"MacrosThatDoNotFit", {"--macros", "10000", "--components", "1000"}, "--macros: 10000 do not fit"},
 };
@@ -99,7 +99,7 @@ TEST(KitCommand, HelpExplainsEveryOption)
     const KitOutcome outcome = runKit({"gen", "--help"});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.error, "");
-    for (const char* option : {"OUT", "--cell-dir", "--seed", "--force", "--components", "--utilisation",
+    for (const char* option : {"OUT", "--cell-path", "--seed", "--force", "--components", "--utilization",
                                "--sites-per-row", "--macros", "--site-step", "--mirrored", "--cell-types",
                                "--solutions", "--window-sites", "--window-rows", "--wide-nets"}) {
         EXPECT_NE(outcome.output.find(option), std::string::npos) << option;
@@ -132,7 +132,7 @@ TEST(KitCommand, LeavesTheDesignsFilesAlone)
 TEST(KitCommand, CellFilesGoWhereTheyAreTold)
 {
     const TempDir dir;
-    EXPECT_EQ(generateIn(dir, {"--cell-dir", dir.path("some/where")}).status, 0);
+    EXPECT_EQ(generateIn(dir, {"--cell-path", dir.path("some/where")}).status, 0);
     EXPECT_TRUE(std::filesystem::exists(dir.path("some/where/C2.color")));
     EXPECT_FALSE(std::filesystem::exists(dir.path("d.colors")));
 }
@@ -143,12 +143,12 @@ TEST_P(ExistingFile, IsNotReplacedUnasked)
 {
     const TempDir dir;
     const std::string old = dir.write(GetParam(), "old");
-    const KitOutcome refused = generateIn(dir, {"--cell-dir", dir.path("lib")});
+    const KitOutcome refused = generateIn(dir, {"--cell-path", dir.path("lib")});
     EXPECT_EQ(refused.status, 2);
     EXPECT_EQ(refused.error, "vireloce-kit: " + old + " exists; --force replaces it\n");
     EXPECT_EQ(contentOf(old), "old");
 
-    EXPECT_EQ(generateIn(dir, {"--cell-dir", dir.path("lib"), "--force"}).status, 0);
+    EXPECT_EQ(generateIn(dir, {"--cell-path", dir.path("lib"), "--force"}).status, 0);
     EXPECT_NE(contentOf(old), "old");
 }
 
@@ -159,7 +159,7 @@ TEST(KitCommand, AFolderThatIsNotThereGetsOneLine)
 {
     const TempDir dir;
     const KitOutcome outcome =
-        runKit({"gen", dir.path("no/d"), "--components", "1000", "--cell-dir", dir.path("lib")});
+        runKit({"gen", dir.path("no/d"), "--components", "1000", "--cell-path", dir.path("lib")});
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.error,
               "vireloce-kit: cannot write " + dir.path("no/d.cells") + ": No such file or directory\n");
@@ -168,11 +168,56 @@ TEST(KitCommand, AFolderThatIsNotThereGetsOneLine)
 TEST(KitCommand, AFileInPlaceOfTheCellFolderGetsOneLine)
 {
     const TempDir dir;
-    const KitOutcome outcome = generateIn(dir, {"--cell-dir", dir.write("lib", "a file")});
+    const KitOutcome outcome = generateIn(dir, {"--cell-path", dir.write("lib", "a file")});
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.error.rfind("vireloce-kit: cannot make the folder " + dir.path("lib"), 0), 0U)
         << outcome.error;
     EXPECT_EQ(outcome.error.find('\n'), outcome.error.size() - 1);
+}
+
+TEST(KitCommand, VersionIsPrinted)
+{
+    const KitOutcome outcome = runKit({"--version"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.output, "vireloce-kit " VIRELOCE_VERSION "\n");
+}
+
+struct Misspelling {
+    const char* name;
+    Words words;
+    std::string message;
+};
+
+class MisspeltName : public testing::TestWithParam<Misspelling> {};
+
+TEST_P(MisspeltName, GetsTheOneThatIsMostAlike)
+{
+    const KitOutcome outcome = runKit(GetParam().words);
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.error, "vireloce-kit: " + GetParam().message + "\n");
+}
+
+const Misspelling MISSPELLINGS[] = {
+    {"Subcommand", {"plase", "b"}, "there is no subcommand plase; did you mean place?"},
+    {"SubcommandOfSweep", {"sweep", "rum", "d"}, "there is no subcommand rum; did you mean run?"},
+    {"Option", {"verify", "p", "--colours", "c"}, "there is no option --colours; did you mean --colors?"},
+    {"OptionWithItsValue", {"gen", "x", "--sed=1"}, "there is no option --sed; did you mean --seed?"},
+    {"NothingAlike", {"gen", "x", "--zzzzzzzz"}, "there is no option --zzzzzzzz"},
+    {"NoSubcommandAlike", {"print"}, "there is no subcommand print"},
+};
+
+INSTANTIATE_TEST_SUITE_P(KitCommand, MisspeltName, testing::ValuesIn(MISSPELLINGS),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST(KitCommand, EarlierSpellingsOfOptionsAreAccepted)
+{
+    const TempDir dir;
+    EXPECT_EQ(generateIn(dir, {"--cell-dir", dir.path("lib"), "--utilisation=70"}).status, 0);
+    EXPECT_TRUE(std::filesystem::exists(dir.path("lib/C2.color")));
+    EXPECT_EQ(runKit({"view", dir.path("d.place"), "--out", dir.path("d.svg")}).status, 0);
+    EXPECT_TRUE(std::filesystem::exists(dir.path("d.svg")));
+    const KitOutcome help = runKit({"gen", "--help"});
+    EXPECT_EQ(help.output.find("--cell-dir"), std::string::npos);
 }
 
 TEST(KitCommand, TheProgramItselfGivesTheStatus)

@@ -1,26 +1,26 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Results side by side.
+#include "kit/base/json.h"
 #include "kit/compare/table.h"
 
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "kit/kitRun.h"
 
 namespace {
 
-using nlohmann::json;
+using kit::Json;
 
-const json FAST =
-    json::parse(R"({"schema": "vireloce-place", "version": 1, "passes": [{}, {}], "seconds": 0.25,
+const Json FAST =
+    Json::parse(R"({"schema": "vireloce-place", "version": 1, "passes": [{}, {}], "seconds": 0.25,
     "placement": {"hpwl": 120, "stitches": 4, "dropped_cells": [], "conflicts": 0}, "rescue": null})");
-const json GOOD = json::parse(R"({"schema": "vireloce-place", "version": 1, "passes": [{}], "seconds": 2,
+const Json GOOD = Json::parse(R"({"schema": "vireloce-place", "version": 1, "passes": [{}], "seconds": 2,
     "placement": {"hpwl": 100, "stitches": 4, "dropped_cells": ["u1"], "conflicts": 0},
     "rescue": {"placement": {"hpwl": 105, "dropped_cells": []}}})");
-const json ENDED =
-    json::parse(R"({"schema": "vireloce-place", "version": 1, "passes": [{}, {}, {}], "seconds": 1,
+const Json ENDED =
+    Json::parse(R"({"schema": "vireloce-place", "version": 1, "passes": [{}, {}, {}], "seconds": 1,
     "placement": null, "rescue": null})");
 
 TEST(KitCompare, MarksTheBestOfEachLineInMarkdown)
@@ -60,7 +60,7 @@ TEST(KitCompare, RefusesWhatIsNoResult)
                   "vireloce-kit: " + dir.path(name) + " is no result of vireloce-kit place, version 1\n");
     }
     EXPECT_EQ(test::runKit({"compare", dir.path("none.json")}).error,
-              "vireloce-kit: cannot open " + dir.path("none.json") + "\n");
+              "vireloce-kit: cannot open file " + dir.path("none.json") + "\n");
 }
 
 TEST(KitCompare, ReadsWhatPlaceWrites)

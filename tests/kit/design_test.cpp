@@ -103,11 +103,11 @@ TEST_P(Legal, NoRecordOrLineIsDamaged)
 
 const LegalCase LEGAL_CASES[] = {
     {"Defaults", {}, 80, 0},
-    {"Sparse", {"--utilisation", "10"}, 10, 0},
-    {"Dense", {"--utilisation", "95"}, 95, 0},
-    {"DenseShortRows", {"--utilisation", "95", "--sites-per-row", "50"}, 95, 0},
+    {"Sparse", {"--utilization", "10"}, 10, 0},
+    {"Dense", {"--utilization", "95"}, 95, 0},
+    {"DenseShortRows", {"--utilization", "95", "--sites-per-row", "50"}, 95, 0},
     {"OneMacro", {"--macros", "1"}, 80, 1},
-    {"ManyMacros", {"--macros", "23", "--utilisation", "90", "--components", "3000"}, 90, 23},
+    {"ManyMacros", {"--macros", "23", "--utilization", "90", "--components", "3000"}, 90, 23},
     {"RowsTooLongForTheCells", {"--sites-per-row", "8000"}, 80, 0},
     {"FineStep", {"--site-step", "190", "--macros", "3"}, 80, 3},
     {"OddStep", {"--site-step", "123", "--macros", "3"}, 80, 3},

@@ -12,7 +12,7 @@
 
 #include "db/design.h"
 #include "db/orientMapGuard.h"
-#include "kit/commands.h"
+#include "kit/tools/commands.h"
 #include "support/guards.h"
 
 namespace test {

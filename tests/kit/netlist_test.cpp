@@ -57,7 +57,7 @@ TEST(KitNetlist, LocalNetsStayInTheirWindow)
 {
     // Dense rows without macros: a cell is found within its own width of every site.
     const GeneratedDesign files(
-        {"--wide-nets", "0", "--window-sites", "40", "--window-rows", "3", "--utilisation", "95"});
+        {"--wide-nets", "0", "--window-sites", "40", "--window-rows", "3", "--utilization", "95"});
     const ReadDesign read(files);
     int widest = 0;
     int highest = 0;

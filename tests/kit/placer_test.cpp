@@ -46,10 +46,10 @@ TEST_P(PlacerRun, EndsWithTheFinalReport)
 
 const PlacerCase PLACER_CASES[] = {
     {"Defaults", {}},
-    {"Dense", {"--utilisation", "95", "--sites-per-row", "100", "--solutions", "6"}},
-    {"DensePieces", {"--utilisation", "95", "--macros", "9", "--sites-per-row", "150", "--seed", "3"}},
-    {"OneSolution", {"--solutions", "1", "--utilisation", "95", "--cell-types", "30"}},
-    {"Sparse", {"--utilisation", "10", "--sites-per-row", "100", "--solutions", "4"}},
+    {"Dense", {"--utilization", "95", "--sites-per-row", "100", "--solutions", "6"}},
+    {"DensePieces", {"--utilization", "95", "--macros", "9", "--sites-per-row", "150", "--seed", "3"}},
+    {"OneSolution", {"--solutions", "1", "--utilization", "95", "--cell-types", "30"}},
+    {"Sparse", {"--utilization", "10", "--sites-per-row", "100", "--solutions", "4"}},
     {"WideNets", {"--wide-nets", "50", "--window-rows", "10", "--sites-per-row", "100", "--solutions", "4"}},
     {"FineStep", {"--site-step", "190", "--mirrored", "100", "--sites-per-row", "100", "--solutions", "4"}},
 };

@@ -1,5 +1,7 @@
 find_package(SQLite3 REQUIRED)
 vireloce_test(kit SHARDS 4
+    kit/base/escape_test.cpp
+    kit/base/json_test.cpp
     kit/cellLibrary_test.cpp
     kit/color/cell_test.cpp
     kit/color/command_test.cpp
@@ -17,13 +19,16 @@ vireloce_test(kit SHARDS 4
     kit/export/gds_test.cpp
     kit/export/layout_test.cpp
     kit/export/lefMasks_test.cpp
+    kit/export/markers_test.cpp
     kit/export/pieces_test.cpp
     kit/flow/flow_test.cpp
+    kit/geometry/polygon_test.cpp
     kit/import/cells_test.cpp
     kit/import/damage_test.cpp
     kit/import/gcd_test.cpp
     kit/import/generated_test.cpp
     kit/import/rows_test.cpp
+    kit/input/frame_test.cpp
     kit/input/reader_test.cpp
     kit/lefdef/def_test.cpp
     kit/lefdef/example_test.cpp
@@ -62,3 +67,5 @@ target_compile_definitions(test_kit PRIVATE
     VIRELOCE_STUDY_SCHEMA="${PROJECT_SOURCE_DIR}/kit/sweep/study.schema.json")
 target_link_libraries(test_kit PRIVATE vireloce_kit SQLite::SQLite3)
 add_dependencies(test_kit vireloce-kit)
+set_source_files_properties(${CMAKE_CURRENT_LIST_DIR}/command_test.cpp PROPERTIES
+    COMPILE_DEFINITIONS VIRELOCE_VERSION="${PROJECT_VERSION}")

@@ -105,6 +105,13 @@ class Case:
             if finding["code"] in ("conflict", "row-conflict")
         }
 
+    def markers(self):
+        """The report database that verify makes of the result. Returns its path."""
+        path = self.path("out.lyrdb")
+        run("verify", self.path("out.place"), "--colors", self.path("out.colors"), "--cell-path", self.cells,
+            "--mindp", str(MINDP), "--lyrdb", path, statuses=(0, 1))
+        return path
+
     def recolor(self, every):
         """Gives some components the next solution of their cells. Returns how many."""
         lines = text_of(self.path("out.colors")).split("\n")

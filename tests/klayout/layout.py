@@ -37,6 +37,15 @@ class Layout:
             found[name] = (inst.cell, inst.trans.disp.x, inst.trans.disp.y)
         return found
 
+    def polygons_without_area(self):
+        """Shapes of any layer and cell: (cell, layer, shape)."""
+        return [
+            (cell.name, index, str(shape))
+            for cell in self.layout.each_cell()
+            for index in self.layout.layer_indexes()
+            for shape in cell.shapes(index).each()
+            if shape.area() == 0
+        ]
 
     def metal(self):
         """Metal of all instances: (name, mask, box)."""

@@ -13,7 +13,7 @@ import pya
 
 import kitfiles
 from case import DEF, LEF, LIBRARY, MINDP, Case, imported, run, text_of, write
-from layout import MASKS, METAL, NAME, OUTLINE, Layout, close_pairs, def_instances, def_metal, read_def
+from layout import MASKS, METAL, NAME, OUTLINE, Layout, close_pairs, def_instances, def_metal, edges_of, read_def
 
 WORK = os.environ["VIRELOCE_WORK"]
 METAL_NAME = "metal1"
@@ -63,6 +63,25 @@ class Checks:
             )
             self.assertEqual(self.case.layout.region(layer).area(), area)
             self.assertGreater(area, 0)
+
+    def test_no_polygon_is_without_area(self):
+        self.assertEqual(self.case.layout.polygons_without_area(), [])
+
+    def test_markers_lie_on_the_metal_of_the_layout_under_its_name(self):
+        database = pya.ReportDatabase("markers")
+        database.load(self.case.markers())
+        layout = self.case.layout
+        self.assertEqual(database.top_cell_name, layout.top.name)
+        sides = {str(edge) for _, _, box in layout.metal() for edge in edges_of(box)}
+        pairs = 0
+        for item in database.each_item():
+            for value in item.each_value():
+                if value.is_edge_pair():
+                    pairs += 1
+                    for edge in (value.edge_pair().first, value.edge_pair().second):
+                        whole = edge.to_itype(layout.layout.dbu)
+                        self.assertTrue({str(whole), str(whole.swapped_points())} & sides, str(edge))
+        self.assertEqual(pairs > 0, self.planted)
 
     def test_spacing_errors_are_those_that_verify_lists(self):
         distance = MINDP * self.case.per_library
@@ -163,6 +182,59 @@ class GcdWithPlantedConflicts(PlacedGcd):
         assert cls.case.shift(every=9, sites=1) > 20
 
 
+def scaled_def(text, units, site, height):
+    """Rows, components and the members of nets of gcd, with other units of length and sizes of a site in DBU."""
+    place = lambda x, y: f"{int(x) // 380 * site} {int(y) // 2800 * height}"
+    rows = re.findall(r"^ROW .*$", text, re.MULTILINE)
+    components = text[text.index("\nCOMPONENTS") + 1 : text.index("END COMPONENTS")]
+    nets = re.findall(r"^    - \S+(?: \( \S+ \S+ \))+", text[text.index("\nNETS") :], re.MULTILINE)
+    nets = [net for net in nets if "( PIN " not in net]
+    lines = ["VERSION 5.8 ;", "DESIGN gcd ;", f"UNITS DISTANCE MICRONS {units} ;", "DIEAREA ( 0 0 ) ( 90000 90000 ) ;"]
+    for row in rows:
+        words = row.split()
+        words[3:5] = place(*words[3:5]).split()
+        words[-3] = str(site)
+        lines.append(" ".join(words))
+    lines.append(re.sub(r"\( (\d+) (\d+) \)", lambda m: f"( {place(m[1], m[2])} )", components) + "END COMPONENTS")
+    lines += [f"NETS {len(nets)} ;", *(net + " ;" for net in nets), "END NETS", "END DESIGN", ""]
+    return "\n".join(lines)
+
+
+class UnitsOf100(Checks, unittest.TestCase):
+    """gcd with other DBU."""
+
+    planted = True
+    UNITS = 100
+
+    @classmethod
+    def setUpClass(cls):
+        folder = os.path.join(WORK, cls.__name__)
+        os.makedirs(folder, exist_ok=True)
+        text = scaled_def(text_of(DEF), cls.UNITS, 19 * cls.UNITS // 100, 14 * cls.UNITS // 10)
+        original = write(os.path.join(folder, "units.def"), text)
+        cls.case = Case(folder, imported(folder, original, LEF), LIBRARY, original)
+        assert cls.case.recolor(every=4) > 50
+        cls.case.export()
+
+    def test_library_is_as_large_as_ever(self):
+        box = self.case.layout.instances()["_345_"][0].dbbox(self.case.layout.layout.find_layer(*OUTLINE))
+        cell = self.case.cell(self.case.colors["_345_"][0])
+        self.assertAlmostEqual(box.width(), cell[0] / 1000)
+        self.assertAlmostEqual(box.height(), cell[1] / 1000)
+
+
+class UnitsOf1000(UnitsOf100):
+    UNITS = 1000
+
+
+class UnitsOf2000(UnitsOf100):
+    UNITS = 2000
+
+
+class UnitsOf4000(UnitsOf100):
+    UNITS = 4000
+
+
 class ScaledGcd(Checks, unittest.TestCase):
     """gcd at a site of 0.46 micrometres: no corner of the library is whole in the colour files' units."""
 
@@ -174,7 +246,7 @@ class ScaledGcd(Checks, unittest.TestCase):
         folder = os.path.join(WORK, cls.__name__)
         os.makedirs(folder, exist_ok=True)
         cls.lef = write(os.path.join(folder, "scaled.lef"), cls.scaled_lef(text_of(LEF)))
-        original = write(os.path.join(folder, "scaled.def"), cls.scaled_def(text_of(DEF)))
+        original = write(os.path.join(folder, "scaled.def"), scaled_def(text_of(DEF), 1000, cls.SITE, cls.nanometres(1.4)))
         colors = os.path.join(folder, "colors")
         run("color", "--lef", cls.lef, "--layer", METAL_NAME, "-o", colors, "--allow-conflicts",
             "--stitch-overlap", "20", "--force", statuses=(0, 1))
@@ -196,25 +268,6 @@ class ScaledGcd(Checks, unittest.TestCase):
         return "\n".join(
             scale(line) if line.split()[:1] in (["RECT"], ["SIZE"]) else line for line in text.split("\n")
         )
-
-    @classmethod
-    def scaled_def(cls, text):
-        """Rows, components and the members of nets, at 1000 DBU to the micrometre."""
-        height = cls.nanometres(1.4)
-        place = lambda x, y: f"{int(x) // 380 * cls.SITE} {int(y) // 2800 * height}"
-        rows = re.findall(r"^ROW .*$", text, re.MULTILINE)
-        components = text[text.index("\nCOMPONENTS") + 1 : text.index("END COMPONENTS")]
-        nets = re.findall(r"^    - \S+(?: \( \S+ \S+ \))+", text[text.index("\nNETS") :], re.MULTILINE)
-        nets = [net for net in nets if "( PIN " not in net]
-        lines = ["VERSION 5.8 ;", "DESIGN gcd ;", "UNITS DISTANCE MICRONS 1000 ;", "DIEAREA ( 0 0 ) ( 90000 90000 ) ;"]
-        for row in rows:
-            words = row.split()
-            words[3:5] = place(*words[3:5]).split()
-            words[-3] = str(cls.SITE)
-            lines.append(" ".join(words))
-        lines.append(re.sub(r"\( (\d+) (\d+) \)", lambda m: f"( {place(m[1], m[2])} )", components) + "END COMPONENTS")
-        lines += [f"NETS {len(nets)} ;", *(net + " ;" for net in nets), "END NETS", "END DESIGN", ""]
-        return "\n".join(lines)
 
     def test_masters_keep_the_exact_metal_of_the_library(self):
         dbu = 0.001

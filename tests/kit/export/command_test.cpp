@@ -316,7 +316,7 @@ INSTANTIATE_TEST_SUITE_P(
         Coloured{"None", "", 2,
                  "out.place:4: error: u (INV) has no colours; export a placement with the colours and colour "
                  "files that "
-                 "it was made with [no-colours]"},
+                 "it was made with [no-colors]"},
         Coloured{"OtherMasks", "u INV 1 0 0 0 1 1\n", 2, "[masks-differ]"},
         Coloured{"NoSuchSolution", "u INV 3 0 0 0 1 1\n", 2, "[bad-solution]"},
         Coloured{"OtherCell", "u BUF 1 0 0 0 1 2\n", 2, "[cell-differs]"},

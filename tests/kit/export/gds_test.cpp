@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The GDSII writer, its numbers and its names.
+#include "kit/base/gdsName.h"
 #include "kit/export/gdsReader.h"
 
 #include <gtest/gtest.h>
@@ -97,7 +98,7 @@ TEST(KitGdsNames, AreNeverTheSame)
     std::set<std::string> taken;
     for (int i = 0; i < 2000; ++i) {
         const std::string name = names.take("abcdefghijklmnopqrstuvwxyz0123456789", "_S1_FS");
-        EXPECT_LE(name.size(), GdsNames::LONGEST);
+        EXPECT_LE(name.size(), kit::LONGEST_GDS_NAME);
         EXPECT_TRUE(taken.insert(name).second);
     }
 }

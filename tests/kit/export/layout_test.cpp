@@ -133,6 +133,53 @@ TEST(KitLayout, RoundingIsSaid)
     EXPECT_EQ(readGds(files.output("new.gds")).metreUnit, 1e-9);
 }
 
+/// Twice the area of a closed polygon.
+int64_t doubledAreaOf(const GdsPoints& points)
+{
+    int64_t area = 0;
+    for (size_t i = 0; i + 1 < points.size(); ++i) {
+        area += points[i].first * points[i + 1].second - points[i + 1].first * points[i].second;
+    }
+    return std::abs(area);
+}
+
+TEST(KitLayout, NoPolygonIsWithoutArea)
+{
+    for (const int64_t units : {100, 1000, 2000, 4000}) {
+        for (const int64_t far : {1000, 1'000'000'000}) { // so far that metal is rounded to DBU
+            const std::string step = std::to_string(units * 19 / 100);
+            SmallExport files("- a INV + PLACED ( 0 0 ) FN\n ;\n",
+                              "- a INV ;\n- b BLOCK + FIXED ( " + std::to_string(far) + " 0 ) E ;\n");
+            files.colors = "a INV 0 0 0 1 2 0\n";
+            for (std::string* const text : {&files.place, &files.def}) {
+                for (size_t at = 0; (at = text->find("STEP 190", at)) != std::string::npos; ++at) {
+                    text->replace(at, 8, "STEP " + step);
+                }
+            }
+            files.def.replace(files.def.find("MICRONS 1000"), 12, "MICRONS " + std::to_string(units));
+            files.write("lib/INV.color", "380 1400\n0\n4\n2 0 0 0 1400 0 0 380 85\n1 20 300 90 300\n"
+                                         "2 200 300 201 900 300 300 304 900\n1 40 40 40 40\n1\n0 0 1 2 0\n");
+            files.write("block.lef", "MACRO BLOCK\n  CLASS BLOCK ;\n  SIZE 1 BY 1 ;\n  OBS\n    LAYER M1 ;\n"
+                                     "      RECT 0.1 0.1 0.1 0.9 ;\n      RECT 0.2 0.1 0.3 0.9 ;\n"
+                                     "      RECT 0.4 0.1 0.4001 0.9 ;\n"
+                                     "      POLYGON 0.5 0.5 0.9 0.5 0.9 0.5001 0.5 0.5001 ;\n"
+                                     "      POLYGON 0.5 0.6 0.9 0.6 0.9 0.9 0.5 0.7 ;\n  END\nEND BLOCK\n");
+            const KitOutcome outcome = files.run(
+                {"--gds", files.path("new.gds"), "--lef", files.path("block.lef"), "--layer", "M1"});
+            EXPECT_LE(outcome.status, 1) << outcome.error;
+            const GdsLibrary library = readGds(files.output("new.gds"));
+            EXPECT_EQ(library.order, (Words{"INV_S0_FN", "BLOCK_E", "small"}));
+            for (const char* const name : {"INV_S0_FN", "BLOCK_E"}) {
+                for (const GdsShape& shape : library.structures.at(name).shapes) {
+                    EXPECT_GT(doubledAreaOf(shape.points), 0) << units << " " << name << " " << shape.layer;
+                }
+            }
+            EXPECT_EQ(library.structures.at("BLOCK_E").shapes.size(), 3U); // outline, rectangle, polygon
+            EXPECT_GE(boxesOn(library.structures.at("INV_S0_FN"), 102).size(), far > 1000 ? 0U : 2U);
+        }
+    }
+}
+
 struct Units {
     const char* name;
     int64_t step;

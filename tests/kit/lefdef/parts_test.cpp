@@ -7,7 +7,6 @@
 #include "kit/lefdef/described.h"
 #include "kit/lefdef/nameTable.h"
 #include "kit/lefdef/orient.h"
-#include "kit/lefdef/polygon.h"
 #include "kit/lefdef/scanner.h"
 #include "kit/lefdef/source.h"
 #include "support/guards.h"
@@ -281,63 +280,6 @@ TEST(NameTable, FindsTheFirstOfEachName)
         }));
     });
     EXPECT_TRUE(passed);
-}
-
-/// Whether a point is inside by the edges to its right; it is on none.
-bool isInside(const std::vector<DefPoint>& corners, double x, double y)
-{
-    bool inside = false;
-    for (size_t i = 0; i < corners.size(); ++i) {
-        const DefPoint& a = corners[i];
-        const DefPoint& b = corners[(i + 1) % corners.size()];
-        inside ^= (a.y > y) != (b.y > y) && a.x > x;
-    }
-    return inside;
-}
-
-TEST(Polygon, IsCutWithoutGapsAndOverlaps)
-{
-    const bool passed = rc::check("each unit square is covered once if it is inside", [] {
-        // Any walk with turns at right angles, on a small grid so that edges meet and cross.
-        std::vector<DefPoint> corners;
-        DefPoint at{*rc::gen::inRange(0, 8), *rc::gen::inRange(0, 8)};
-        for (int32_t i = *rc::gen::inRange(1, 9); i > 0; --i) {
-            at.x = *rc::gen::inRange(0, 8);
-            corners.push_back(at);
-            at.y = *rc::gen::inRange(0, 8);
-            corners.push_back(at);
-        }
-        corners.push_back({corners[0].x, at.y}); // closes it
-        RC_ASSERT(isRectilinear(corners));
-        const std::vector<DefRect> rects = cutIntoRects(corners);
-        for (int32_t x = 0; x < 8; ++x) {
-            for (int32_t y = 0; y < 8; ++y) {
-                const auto covers = [&](const DefRect& rect) {
-                    return rect.xl <= x && x < rect.xh && rect.yl <= y && y < rect.yh;
-                };
-                RC_ASSERT(std::count_if(rects.begin(), rects.end(), covers) ==
-                          (isInside(corners, x + 0.5, y + 0.5) ? 1 : 0));
-            }
-        }
-    });
-    EXPECT_TRUE(passed);
-}
-
-TEST(Polygon, BandsOfOneWidthAreOneRectangle)
-{
-    // A comb: the teeth are one rectangle each, although the right one has more corners.
-    const std::vector<DefPoint> comb{{0, 0},   {0, 10},  {10, 10}, {10, 30}, {20, 30},
-                                     {20, 10}, {30, 10}, {30, 20}, {40, 20}, {40, 0}};
-    const std::vector<DefRect> rects = cutIntoRects(comb);
-    ASSERT_EQ(rects.size(), 3U);
-    EXPECT_EQ(rects[1].yh, 30);
-}
-
-TEST(Polygon, IsRectilinearWithItsClosingEdge)
-{
-    EXPECT_TRUE(isRectilinear({{0, 0}, {0, 1}, {1, 1}, {1, 0}}));
-    EXPECT_FALSE(isRectilinear({{0, 0}, {0, 1}, {1, 1}}));
-    EXPECT_FALSE(isRectilinear({{0, 0}, {1, 1}, {1, 0}, {0, 0}}));
 }
 
 } // namespace

@@ -100,6 +100,12 @@ const DamageCase DAMAGES[] = {
      2,
      {"d.place:10: error: the placer ignores this ROW line; let the keyword start the line, in capitals, "
       "with a space behind it [hidden-keyword]"}},
+    {"UnitsOfNothing",
+     {{"d.place", "VERSION 5.6 ;\n", "VERSION 5.6 ;\nUNITS DISTANCE MICRONS 0 ;\n"}},
+     1,
+     {"d.place:2: warning: UNITS DISTANCE MICRONS has \"0\" where a positive integer belongs; write the DBU "
+      "of a "
+      "micrometre: markers and pictures take 2000 [units]"}},
     {"TabBehindKeyword",
      {{"d.place", "COMPONENTS 4 ;", "COMPONENTS\t4 ;"}},
      2,
@@ -660,7 +666,7 @@ const DamageCase DAMAGES[] = {
      1,
      {"d.place:10: warning: the components in row row_0 from x 0 on take 8 sites of 7 (115 %), spacings "
       "included, whatever the colour solutions, in the order in which they stand; leave more room in the "
-      "row, or add solutions to its cells [overfull-colours]"}},
+      "row, or add solutions to its cells [overfull-colors]"}},
     {"PinCountTooSmall",
      {{"d.pins", "2\n", "1\n"}},
      2,

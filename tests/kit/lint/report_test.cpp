@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The forms of the report, the options and the exit status.
-#include <nlohmann/json.hpp>
 
+#include "kit/base/json.h"
 #include "kit/lint/smallDesign.h"
 
 namespace {
 
-using nlohmann::json;
+using kit::Json;
 using test::Damage;
 using test::GeneratedDesign;
 using test::KitOutcome;
@@ -51,12 +51,12 @@ TEST(LintReport, JsonHasSchemaCountsAndFindings)
 {
     const KitOutcome outcome = SmallDesign({OFF_SITE, UNKNOWN_CELL}).lint({"--json"});
     EXPECT_EQ(outcome.status, 2);
-    const json report = json::parse(outcome.output);
+    const Json report = Json::parse(outcome.output);
     EXPECT_EQ(report.at("schema"), 1);
-    EXPECT_EQ(report.at("counts"), json({{"errors", 1}, {"warnings", 1}, {"notes", 0}}));
+    EXPECT_EQ(report.at("counts"), Json({{"errors", 1}, {"warnings", 1}, {"notes", 0}}));
     ASSERT_EQ(report.at("findings").size(), 2U);
     EXPECT_EQ(report.at("findings")[0],
-              json({{"severity", "error"},
+              Json({{"severity", "error"},
                     {"code", "unknown-cell"},
                     {"file", "d.place"},
                     {"line", 14},
@@ -69,14 +69,14 @@ TEST(LintReport, JsonHasSchemaCountsAndFindings)
 
 TEST(LintReport, JsonOfASoundDesignHasNoFindings)
 {
-    const json report = json::parse(SmallDesign().lint({"--json"}).output);
-    EXPECT_EQ(report.at("findings"), json::array());
+    const Json report = Json::parse(SmallDesign().lint({"--json"}).output);
+    EXPECT_EQ(report.at("findings"), Json::array());
 }
 
 TEST(LintReport, JsonStandsBytesThatAreNoText)
 {
-    const json report =
-        json::parse(SmallDesign({{"d.place", "- u1 INV", "- u1 \"\xff\x01"}}).lint({"--json"}).output);
+    const Json report =
+        Json::parse(SmallDesign({{"d.place", "- u1 INV", "- u1 \"\xff\x01"}}).lint({"--json"}).output);
     EXPECT_EQ(report.at("findings")[0].at("what"),
               "the cell \"\xef\xbf\xbd\x01 of u1 is not in the cell list");
 }
@@ -127,7 +127,7 @@ TEST(LintDesigns, GeneratedDesignsAreSound)
 
 TEST(LintDesigns, DenseGeneratedDesignsHaveRoomForTheirSpacings)
 {
-    const GeneratedDesign design({"--utilisation", "95", "--mirrored", "50"});
+    const GeneratedDesign design({"--utilization", "95", "--mirrored", "50"});
     const KitOutcome outcome = runKit({"lint", design.base(), "--cell-path", design.lib()});
     EXPECT_EQ(outcome.output, "0 errors, 0 warnings, 0 notes\n");
 }
@@ -157,10 +157,10 @@ TEST(LintDesigns, ExampleHasTheKnownConflictsOfItsLibrary)
     const KitOutcome outcome =
         runKit({"lint", examples + "/gcd/gcd", "--cell-path", examples + "/nangate45_color", "--json"});
     EXPECT_EQ(outcome.status, 1);
-    const json report = json::parse(outcome.output);
-    EXPECT_EQ(report.at("counts"), json({{"errors", 0}, {"warnings", 24}, {"notes", 35}}));
-    for (const json& finding : report.at("findings")) {
-        const std::string file = finding.at("file");
+    const Json report = Json::parse(outcome.output);
+    EXPECT_EQ(report.at("counts"), Json({{"errors", 0}, {"warnings", 24}, {"notes", 35}}));
+    for (const Json& finding : report.at("findings").items()) {
+        const std::string& file = finding.at("file").asString();
         const bool known = file.ends_with("/OAI22_X1.color") || file.ends_with("/XNOR2_X2.color");
         EXPECT_EQ(known, finding.at("code") == "same-mask") << finding;
     }

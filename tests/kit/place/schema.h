@@ -3,33 +3,35 @@
 #pragma once
 
 #include <algorithm>
-#include <fstream>
-#include <nlohmann/json.hpp>
 #include <regex>
 #include <string>
 #include <vector>
 
+#include "kit/base/json.h"
+#include "kit/kitRun.h"
+
 namespace test {
 
+using kit::Json;
+
 /// The schema of OUT.json.
-inline nlohmann::json placeSchema()
+inline Json placeSchema()
 {
-    return nlohmann::json::parse(std::ifstream(VIRELOCE_PLACE_SCHEMA));
+    return Json::parse(contentOf(VIRELOCE_PLACE_SCHEMA));
 }
 
 /// Checks a value against a schema.
 class SchemaCheck {
 public:
-    explicit SchemaCheck(const nlohmann::json& root) : m_root(root) {}
+    explicit SchemaCheck(const Json& root) : m_root(root) {}
 
     /// What is wrong, a line each.
     std::vector<std::string> faults;
 
-    void check(const nlohmann::json& value, const nlohmann::json& schema, const std::string& where)
+    void check(const Json& value, const Json& schema, const std::string& where)
     {
         if (schema.contains("$ref")) {
-            const std::string path = schema["$ref"].get<std::string>().substr(1);
-            return check(value, m_root.at(nlohmann::json::json_pointer(path)), where);
+            return check(value, m_root.atPointer(schema["$ref"].asString().substr(1)), where);
         }
         if (schema.contains("anyOf")) {
             return checkAny(value, schema["anyOf"], where);
@@ -42,37 +44,37 @@ public:
             return;
         }
         if (schema.contains("pattern") &&
-            !std::regex_search(value.get<std::string>(), std::regex(schema["pattern"].get<std::string>()))) {
+            !std::regex_search(value.asString(), std::regex(schema["pattern"].asString()))) {
             faults.push_back(where + " does not match");
         }
-        if (value.is_array() && schema.contains("items")) {
+        if (value.isArray() && schema.contains("items")) {
             for (size_t i = 0; i < value.size(); ++i) {
                 check(value[i], schema["items"], where + "/" + std::to_string(i));
             }
         }
-        if (value.is_object()) {
+        if (value.isObject()) {
             checkMembers(value, schema, where);
         }
     }
 
 private:
-    static bool hasType(const nlohmann::json& value, const nlohmann::json& type)
+    static bool hasType(const Json& value, const Json& type)
     {
-        if (type.is_array()) {
-            return std::any_of(type.begin(), type.end(),
+        if (type.isArray()) {
+            return std::any_of(type.items().begin(), type.items().end(),
                                [&](const auto& one) { return hasType(value, one); });
         }
-        const std::string name = type.get<std::string>();
-        return (name == "object" && value.is_object()) || (name == "array" && value.is_array()) ||
-               (name == "string" && value.is_string()) || (name == "boolean" && value.is_boolean()) ||
-               (name == "null" && value.is_null()) || (name == "integer" && value.is_number_integer()) ||
-               (name == "number" && value.is_number());
+        const std::string name = type.asString();
+        return (name == "object" && value.isObject()) || (name == "array" && value.isArray()) ||
+               (name == "string" && value.isString()) || (name == "boolean" && value.isBool()) ||
+               (name == "null" && value.isNull()) || (name == "integer" && value.isInteger()) ||
+               (name == "number" && value.isNumber());
     }
 
-    void checkAny(const nlohmann::json& value, const nlohmann::json& schemas, const std::string& where)
+    void checkAny(const Json& value, const Json& schemas, const std::string& where)
     {
         std::vector<std::string> last;
-        for (const nlohmann::json& schema : schemas) {
+        for (const Json& schema : schemas.items()) {
             SchemaCheck one(m_root);
             one.check(value, schema, where);
             if (one.faults.empty()) {
@@ -83,28 +85,30 @@ private:
         faults.insert(faults.end(), last.begin(), last.end());
     }
 
-    void checkMembers(const nlohmann::json& value, const nlohmann::json& schema, const std::string& where)
+    void checkMembers(const Json& value, const Json& schema, const std::string& where)
     {
-        for (const nlohmann::json& name : schema.value("required", nlohmann::json::array())) {
-            if (!value.contains(name.get<std::string>())) {
-                faults.push_back(where + " lacks " + name.dump());
+        if (schema.contains("required")) {
+            for (const Json& name : schema["required"].items()) {
+                if (!value.contains(name.asString())) {
+                    faults.push_back(where + " lacks " + name.dump());
+                }
             }
         }
-        const nlohmann::json properties = schema.value("properties", nlohmann::json::object());
-        for (const auto& [name, member] : value.items()) {
+        const Json& properties = schema["properties"];
+        for (const auto& [name, member] : value.members()) {
             if (properties.contains(name)) {
                 check(member, properties[name], where + "/" + name);
-            } else if (!schema.value("additionalProperties", true)) {
+            } else if (schema["additionalProperties"] == false) {
                 faults.push_back(where + " has " + name);
             }
         }
     }
 
-    const nlohmann::json& m_root;
+    const Json& m_root;
 };
 
 /// What is wrong with a value by a schema, a line each.
-inline std::vector<std::string> faultsOf(const nlohmann::json& value, const nlohmann::json& schema)
+inline std::vector<std::string> faultsOf(const Json& value, const Json& schema)
 {
     SchemaCheck check(schema);
     check.check(value, schema, "");

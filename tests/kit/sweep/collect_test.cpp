@@ -16,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using nlohmann::json;
+using kit::Json;
 using test::contentOf;
 using test::KitOutcome;
 using test::runKit;
@@ -111,13 +111,13 @@ TEST_F(KitSweepCollect, JsonLinesHaveTheSame)
     std::istringstream lines(contentOf(m_dir.path("t.jsonl")));
     std::string line;
     std::getline(lines, line);
-    const json first = json::parse(line);
+    const Json first = Json::parse(line);
     EXPECT_EQ(first["hpwl"], 999);
     EXPECT_EQ(first["weight"], 1);
-    EXPECT_TRUE(first["algo"].is_null());
+    EXPECT_TRUE(first["algo"].isNull());
     std::getline(lines, line);
-    EXPECT_TRUE(json::parse(line)["hpwl"].is_null());
-    EXPECT_EQ(json::parse(line)["status"], "failed");
+    EXPECT_TRUE(Json::parse(line)["hpwl"].isNull());
+    EXPECT_EQ(Json::parse(line)["status"], "failed");
 }
 
 /// The rows of a query, values by commas.
@@ -203,7 +203,7 @@ TEST(KitSweep, GoesFromAStudyToTablesAndPictures)
         for (const auto& row : table.rows) {
             const std::string& name = table.columns[i].name;
             const bool given = name != "move_range" && name != "mindp" && name != "site_width";
-            EXPECT_EQ(row[i].is_null(), !given) << name;
+            EXPECT_EQ(row[i].isNull(), !given) << name;
         }
     }
     for (const char* name : {"tradeoff-gcd.svg", "time.svg"}) {

@@ -4,7 +4,6 @@
 #include <rapidcheck/gtest.h>
 
 #include <filesystem>
-#include <nlohmann/json.hpp>
 #include <set>
 #include <string>
 #include <vector>

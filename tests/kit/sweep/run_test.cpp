@@ -21,7 +21,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using nlohmann::json;
+using kit::Json;
 using test::contentOf;
 using test::KitOutcome;
 
@@ -60,14 +60,14 @@ TEST_F(KitSweepRun, EveryTaskGetsItsResult)
     EXPECT_EQ(run("placed"), 0);
     EXPECT_EQ(results().size(), 5U);
     for (int weight = 1; weight <= 5; ++weight) {
-        const json result = resultOf(weight);
+        const Json result = resultOf(weight);
         EXPECT_EQ(result["status"], "clean");
         EXPECT_EQ(result["exit_status"], 0);
         EXPECT_EQ(result["metrics"]["hpwl"], 1000 - weight);
         EXPECT_EQ(result["metrics"]["hpwl_before"], 7);
         EXPECT_EQ(result["metrics"]["dropped_cells"], 2) << "a list counts by its length";
-        EXPECT_GT(result["peak_kib"], 0);
-        EXPECT_GT(result["seconds"], 0);
+        EXPECT_GT(result["peak_kib"].asInteger(), 0);
+        EXPECT_GT(result["seconds"].asNumber(), 0);
     }
     expectClean();
 }
@@ -102,13 +102,13 @@ TEST_F(KitSweepRun, EndingsAreRecorded)
     for (const EndingCase& ending : ENDINGS) {
         fs::remove_all(dir() + "/results");
         EXPECT_EQ(run(ending.commands), ending.sweepStatus) << ending.name;
-        const json result = resultOf(1);
+        const Json result = resultOf(1);
         EXPECT_EQ(result["status"], ending.status) << ending.name;
         EXPECT_EQ(result["exit_status"], ending.exitStatus) << ending.name;
         EXPECT_EQ(result["signal"], ending.signal) << ending.name;
-        EXPECT_NE(result["message"].get<std::string>().find(ending.message), std::string::npos)
+        EXPECT_NE(result["message"].asString().find(ending.message), std::string::npos)
             << ending.name << ": " << result["message"];
-        EXPECT_EQ(result["metrics"].is_null(), ending.sweepStatus == 1) << ending.name;
+        EXPECT_EQ(result["metrics"].isNull(), ending.sweepStatus == 1) << ending.name;
         expectClean();
     }
 }
@@ -206,7 +206,7 @@ TEST_F(KitSweepRun, DamagedResultIsMadeAgain)
     for (const char* text : {"", "{", "{}", "[]"}) {
         test::writeFile(dir() + "/results/" + damaged, text);
         EXPECT_EQ(resume("placed"), 0);
-        EXPECT_EQ(json::parse(results().at(damaged))["status"], "clean");
+        EXPECT_EQ(Json::parse(results().at(damaged))["status"], "clean");
     }
 }
 
@@ -216,9 +216,8 @@ TEST_F(KitSweepRun, PlacementsAreKeptOnDemand)
     auto keep = options(program("if [ $weight = 2 ]; then exit 2; fi; placed; echo kept >$out.place"));
     keep.setting.keepPlacements = true;
     EXPECT_EQ(kit::sweep::run(keep), 1);
-    EXPECT_EQ(contentOf(dir() + "/placements/" + resultOf(1)["id"].get<std::string>() + "/placed.place"),
-              "kept\n");
-    EXPECT_FALSE(fs::exists(dir() + "/placements/" + resultOf(2)["id"].get<std::string>()));
+    EXPECT_EQ(contentOf(dir() + "/placements/" + resultOf(1)["id"].asString() + "/placed.place"), "kept\n");
+    EXPECT_FALSE(fs::exists(dir() + "/placements/" + resultOf(2)["id"].asString()));
     fs::remove_all(dir() + "/results");
     EXPECT_EQ(kit::sweep::run(keep), 1) << "they are replaced";
 }
@@ -257,7 +256,7 @@ TEST_F(KitSweepRun, RunThatALivingProcessHasIsLeftToIt)
     test::writeFile(dir() + "/claims/" + id + ".0", claimText(other));
     EXPECT_EQ(run("placed"), 1);
     EXPECT_EQ(results().size(), 1U);
-    EXPECT_TRUE(resultOf(1).is_null());
+    EXPECT_TRUE(resultOf(1).isNull());
 }
 
 TEST_F(KitSweepRun, RunOfADeadProcessNeedsResumeAndIsTakenOver)
@@ -481,7 +480,7 @@ TEST_F(KitSweepRun, NothingIsLostOrMadeTwiceWhenItIsKilled)
             EXPECT_EQ(now[name], text) << "a result has changed";
         }
         for (const auto& [name, text] : now) {
-            EXPECT_EQ(json::parse(text)["status"], "clean");
+            EXPECT_EQ(Json::parse(text)["status"], "clean");
         }
         known = std::move(now);
     }

@@ -2,9 +2,9 @@
 // Studies as users write them.
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
 #include <string>
 
+#include "kit/base/json.h"
 #include "kit/fault.h"
 #include "kit/place/schema.h"
 #include "kit/sweep/study.h"
@@ -13,9 +13,11 @@
 
 namespace {
 
+using kit::Json;
 using kit::sweep::readStudy;
 using kit::sweep::RunOptions;
 using kit::sweep::Study;
+using test::contentOf;
 
 constexpr const char* DESIGN = R"({"name": "d", "base": "designs/d", "cell_path": "designs/lib"})";
 
@@ -203,14 +205,13 @@ TEST_F(KitSweepStudy, ListedRunsComeBehindTheGridOfTheirDesign)
 
 TEST_F(KitSweepStudy, SchemaHasTheSameMembers)
 {
-    const nlohmann::json schema = nlohmann::json::parse(std::ifstream(VIRELOCE_STUDY_SCHEMA));
-    const nlohmann::json example =
-        nlohmann::json::parse(std::ifstream(VIRELOCE_KIT_EXAMPLES "/sweep/study.json"));
+    const Json schema = Json::parse(contentOf(VIRELOCE_STUDY_SCHEMA));
+    const Json example = Json::parse(contentOf(VIRELOCE_KIT_EXAMPLES "/sweep/study.json"));
     test::SchemaCheck check(schema);
     check.check(example, schema, "");
     EXPECT_TRUE(check.faults.empty()) << check.faults.front();
     for (const char* list : {"/properties/grid/properties", "/properties/runs/items/properties"}) {
-        const nlohmann::json& members = schema.at(nlohmann::json::json_pointer(list));
+        const Json& members = schema.atPointer(list);
         for (const char* name : {"algo", "weight", "move_range", "mindp", "site_width", "rescue"}) {
             EXPECT_TRUE(members.contains(name)) << list << " " << name;
         }

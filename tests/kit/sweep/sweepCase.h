@@ -7,15 +7,17 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <string>
 
+#include "kit/base/json.h"
 #include "kit/kitRun.h"
 #include "kit/sweep/plan.h"
 #include "kit/sweep/run.h"
 #include "support/guards.h"
 
 namespace test {
+
+using kit::Json;
 
 inline void writeFile(const std::string& path, const std::string& text)
 {
@@ -40,8 +42,8 @@ protected:
     void plan(int weights)
     {
         writeDesign(m_dir.path("designs"), "d");
-        nlohmann::json study{
-            {"designs", {{{"name", "d"}, {"base", "designs/d"}, {"cell_path", "designs/lib"}}}}};
+        Json study{
+            {"designs", Json::array({{{"name", "d"}, {"base", "designs/d"}, {"cell_path", "designs/lib"}}})}};
         for (int i = 1; i <= weights; ++i) {
             study["grid"]["weight"].push_back(i);
         }
@@ -98,10 +100,10 @@ protected:
     }
 
     /// The result of the run with a weight.
-    nlohmann::json resultOf(int weight) const
+    Json resultOf(int weight) const
     {
         for (const auto& [name, text] : results()) {
-            nlohmann::json result = nlohmann::json::parse(text);
+            Json result = Json::parse(text);
             if (result["options"]["weight"] == weight) {
                 return result;
             }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The subcommand verify from files to exit status.
-#include <nlohmann/json.hpp>
 
+#include "kit/base/json.h"
 #include "kit/input/colors.h"
 #include "kit/input/reader.h"
 #include "kit/kitRun.h"
@@ -9,6 +9,7 @@
 namespace {
 
 using namespace test;
+using kit::Json;
 using kit::input::ColorRecord;
 
 /// A generated design and its initial placement with the first solution of each cell.
@@ -46,9 +47,9 @@ private:
     TempDir m_dir;
 };
 
-nlohmann::json countsOf(const KitOutcome& outcome)
+Json countsOf(const KitOutcome& outcome)
 {
-    return nlohmann::json::parse(outcome.output).at("counts");
+    return Json::parse(outcome.output).at("counts");
 }
 
 TEST(KitVerifyCommand, LegalPlacementWithConflictsAloneHasStatusOne)
@@ -57,9 +58,9 @@ TEST(KitVerifyCommand, LegalPlacementWithConflictsAloneHasStatusOne)
     const KitOutcome outcome = files.verify({"--json"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.error, "");
-    const nlohmann::json counts = countsOf(outcome);
-    for (const auto& [kind, count] : counts.items()) {
-        EXPECT_EQ(count.get<int>() > 0, kind == "conflict") << kind;
+    const Json counts = countsOf(outcome);
+    for (const auto& [kind, count] : counts.members()) {
+        EXPECT_EQ(count.asInteger() > 0, kind == "conflict") << kind;
     }
 }
 
@@ -159,9 +160,9 @@ TEST(KitVerifyCommand, MirroredCellsAreTooCloseWhereThePlacerReportsNone)
 {
     const KitOutcome outcome = verifyPlaced("30");
     EXPECT_EQ(outcome.status, 1);
-    const nlohmann::json counts = countsOf(outcome);
-    for (const auto& [kind, count] : counts.items()) {
-        EXPECT_EQ(count.get<int>() > 0, kind == "conflict") << kind;
+    const Json counts = countsOf(outcome);
+    for (const auto& [kind, count] : counts.members()) {
+        EXPECT_EQ(count.asInteger() > 0, kind == "conflict") << kind;
     }
 }
 

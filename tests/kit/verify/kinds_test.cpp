@@ -79,17 +79,17 @@ const KindCase KIND_CASES[] = {
          j.component(1).cellName = j.colors(1).cell = "NONE";
      },
      "unknown-cell", 20, "u1 (NONE) at (1520, 0): its cell is not in the library"},
-    {"NoColours", [](Judged& j) { j.input.colors.pop_back(); }, "no-colours", 30, "u2 (BARS) has no colours"},
+    {"NoColours", [](Judged& j) { j.input.colors.pop_back(); }, "no-colors", 30, "u2 (BARS) has no colours"},
     {"StrayColours",
      [](Judged& j) {
          j.input.colors.push_back({"u9", "BARS", 0, 0, {0, 0, 1, 2}, 6});
      },
-     "stray-colours", 6, "there is no component u9"},
+     "stray-colors", 6, "there is no component u9"},
     {"ColoursTwice",
      [](Judged& j) {
          j.input.colors.push_back({"u1", "BARS", 0, 0, {0, 0, 1, 2}, 6});
      },
-     "stray-colours", 6, "the component u1 has colours already"},
+     "stray-colors", 6, "the component u1 has colours already"},
     {"CellDiffers", [](Judged& j) { j.colors(1).cell = "INV"; }, "cell-differs", 4,
      "u1 (BARS) has colours of the cell INV"},
     {"NoSolution", [](Judged& j) { j.colors(1).solution = -1; }, "bad-solution", 4,

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // What verify writes: text, JSON, and the report database.
+#include "kit/base/json.h"
 #include "kit/verify/report.h"
 
-#include <nlohmann/json.hpp>
 #include <regex>
 #include <sstream>
 
@@ -13,6 +13,7 @@
 namespace {
 
 using namespace test;
+using kit::Json;
 using kit::verify::Options;
 
 /// Two conflicts in the lower row, a close pair of the two rows, a cell off the grid, fillers.
@@ -153,16 +154,16 @@ TEST(KitVerifyReport, ControlCharactersDoNotReachTheTerminal)
     EXPECT_NE(textOf(judged, optionsOf()).find("u?[0 (BARS) has no colours"), std::string::npos);
 }
 
-nlohmann::json jsonOf(const Judged& judged)
+Json jsonOf(const Judged& judged)
 {
     std::ostringstream out;
     kit::verify::writeJson(optionsOf(), judged.input, judged.judge(), out);
-    return nlohmann::json::parse(out.str());
+    return Json::parse(out.str());
 }
 
 TEST(KitVerifyReport, JsonHasCountsAndFindings)
 {
-    const nlohmann::json json = jsonOf(mixedInput());
+    const Json json = jsonOf(mixedInput());
     EXPECT_EQ(json.at("schema"), 1);
     EXPECT_EQ(json.at("placement"), "out.place");
     EXPECT_EQ(json.at("mindp"), 185);
@@ -171,7 +172,7 @@ TEST(KitVerifyReport, JsonHasCountsAndFindings)
     EXPECT_EQ(json.at("counts").at("off-row"), 0);
     EXPECT_EQ(json.at("counts").size(), kit::verify::kinds().size() + 1);
     ASSERT_EQ(json.at("findings").size(), 4U);
-    const nlohmann::json& conflict = json.at("findings")[2];
+    const Json& conflict = json.at("findings")[2];
     EXPECT_EQ(conflict.at("severity"), "error");
     EXPECT_EQ(conflict.at("code"), "conflict");
     EXPECT_EQ(conflict.at("file"), "out.place");
@@ -181,8 +182,8 @@ TEST(KitVerifyReport, JsonHasCountsAndFindings)
     EXPECT_EQ(conflict.at("distance"), 20.0);
     EXPECT_EQ(conflict.at("shape_pairs"), 1);
     EXPECT_EQ(conflict.at("mask"), 1);
-    EXPECT_EQ(conflict.at("box"), nlohmann::json({10.0, 700.0, 180.0, 1350.0}));
-    EXPECT_EQ(conflict.at("other_box"), nlohmann::json({200.0, 700.0, 370.0, 1350.0}));
+    EXPECT_EQ(conflict.at("box"), Json::array({10.0, 700.0, 180.0, 1350.0}));
+    EXPECT_EQ(conflict.at("other_box"), Json::array({200.0, 700.0, 370.0, 1350.0}));
 }
 
 TEST(KitVerifyReport, JsonHasFaultsOfTheInputsAndBrokenText)
@@ -192,7 +193,7 @@ TEST(KitVerifyReport, JsonHasFaultsOfTheInputsAndBrokenText)
     judged.component(0).name = "u\xff"; // no UTF-8
     judged.input.faults.push_back(
         {.code = "colors-end", .file = "out.colors", .line = 7, .what = "a", .advice = "b"});
-    const nlohmann::json json = jsonOf(judged);
+    const Json json = jsonOf(judged);
     EXPECT_EQ(json.at("counts").at("input-fault"), 1);
     EXPECT_EQ(json.at("findings")[0].at("what"), "a; b");
     EXPECT_EQ(json.at("findings")[0].at("line"), 7);
@@ -224,7 +225,7 @@ std::map<std::string, int> elementsOf(const std::string& xml)
         }
     }
     EXPECT_TRUE(open.empty());
-    EXPECT_FALSE(std::regex_search(xml, std::regex("&(?!(amp|lt|gt);)")));
+    EXPECT_FALSE(std::regex_search(xml, std::regex("&(?!(amp|lt|gt|quot|#39);)")));
     return counts;
 }
 
@@ -248,16 +249,40 @@ TEST(KitVerifyReport, MarkersAreWellFormedXml)
 
 TEST(KitVerifyReport, MarkersAreInMicrometres)
 {
-    const std::string xml = markersOf(mixedInput());
-    EXPECT_NE(xml.find("<value>box: (0.858500,0.000000;0.953500,0.700000)</value>"), std::string::npos)
-        << xml;
-    EXPECT_NE(xml.find("<value>edge-pair: (0.090000,0.350000;0.090000,0.675000)/"
-                       "(0.100000,0.675000;0.100000,0.350000)</value>"),
-              std::string::npos)
-        << xml;
-    EXPECT_NE(xml.find("<value>text: 'u0 (A&lt;&amp;&gt;) at (0, 0) and "), std::string::npos) << xml;
-    EXPECT_NE(xml.find("<top-cell>out</top-cell>"), std::string::npos) << xml;
+    Judged judged = mixedInput(); // one site is 190 DBU, whatever a micrometre is
+    struct Row {
+        int32_t units; ///< 0: the placement does not say
+        const char* box;
+        const char* pair;
+    };
+    for (const Row& row :
+         {Row{100, "(17.170000,0.000000;19.070000,14.000000)",
+              "(1.800000,7.000000;1.800000,13.500000)/(2.000000,13.500000;2.000000,7.000000)"},
+          Row{1000, "(1.717000,0.000000;1.907000,1.400000)",
+              "(0.180000,0.700000;0.180000,1.350000)/(0.200000,1.350000;0.200000,0.700000)"},
+          Row{2000, "(0.858500,0.000000;0.953500,0.700000)",
+              "(0.090000,0.350000;0.090000,0.675000)/(0.100000,0.675000;0.100000,0.350000)"},
+          Row{0, "(0.858500,0.000000;0.953500,0.700000)",
+              "(0.090000,0.350000;0.090000,0.675000)/(0.100000,0.675000;0.100000,0.350000)"},
+          Row{4000, "(0.429250,0.000000;0.476750,0.350000)",
+              "(0.045000,0.175000;0.045000,0.337500)/(0.050000,0.337500;0.050000,0.175000)"}}) {
+        judged.input.design.dbuPerMicron = row.units;
+        const std::string xml = markersOf(judged);
+        EXPECT_NE(xml.find(std::string("<value>box: ") + row.box + "</value>"), std::string::npos) << xml;
+        EXPECT_NE(xml.find(std::string("<value>edge-pair: ") + row.pair + "</value>"), std::string::npos)
+            << xml;
+    }
+}
+
+TEST(KitVerifyReport, MarkersNameWhatTheyAreAbout)
+{
+    Judged judged = mixedInput();
+    const std::string xml = markersOf(judged);
+    EXPECT_NE(xml.find("<value>text: &#39;u0 (A&lt;&amp;&gt;) at (0, 0) and "), std::string::npos) << xml;
     EXPECT_NE(xml.find("<category>'conflict'</category>"), std::string::npos) << xml;
+    EXPECT_NE(xml.find("<top-cell>out</top-cell>"), std::string::npos) << xml;
+    judged.input.design.name = "top/gcd";
+    EXPECT_NE(markersOf(judged).find("<top-cell>top_gcd</top-cell>"), std::string::npos);
 }
 
 TEST(KitVerifyReport, MarkersOfShapesAboveEachOtherFaceUpAndDown)

@@ -86,6 +86,19 @@ TEST_F(ViewFiles, LibraryLengthsBecomeThoseOfTheDesign)
     EXPECT_EQ(scene.kinds[0].metal[1].box, (Box{60, 1000, 120, 1800}));
 }
 
+TEST_F(ViewFiles, UnitsAreThoseOfThePlacement)
+{
+    EXPECT_EQ(read(base()).dbuPerMicron, 2000); // it does not say
+    m_dir.write("d.place", "UNITS DISTANCE MICRONS 1000 ;\n" + contentOf(m_dir.path("d.place")));
+    EXPECT_EQ(read(base()).dbuPerMicron, 1000);
+}
+
+TEST_F(ViewFiles, MetalWithoutAreaIsNotDrawn)
+{
+    m_dir.write("lib/INV.color", "190 1400 0 1 4 30 500 60 900 30 500 30 900 30 500 60 500 9 9 9 9 1 0 1");
+    EXPECT_EQ(read(base()).kinds[0].metal.size(), 1U);
+}
+
 TEST_F(ViewFiles, WhatAResultLacksIsFoundBesideItsInput)
 {
     Options options = base();

@@ -2,6 +2,7 @@
 // The two kinds of pictures.
 #include <regex>
 
+#include "kit/view/conflicts.h"
 #include "kit/view/html.h"
 #include "kit/view/pageData.h"
 #include "kit/view/scenes.h"
@@ -11,8 +12,8 @@
 namespace {
 
 using namespace kit::view;
+using kit::Json;
 using kit::view::Cell; // and not the placer's
-using nlohmann::json;
 using test::arrayOf;
 using test::jsonOf;
 using test::occurrences;
@@ -135,9 +136,61 @@ TEST(ViewSvg, TooManyCellsAreLeftOutAndTheTitleSaysSo)
     const Scene scene = sceneOfCells(MOST_SVG_CELLS + 1, false);
     EXPECT_EQ(detailOf(scene), Detail::MAP);
     const std::string svg = pictureOf(scene, writeSvg);
-    EXPECT_NE(svg.find("Simplified: density only"), std::string::npos);
+    EXPECT_NE(svg.find("Simplified: no cells"), std::string::npos);
     EXPECT_EQ(svg.find("<g class=\"cell\""), std::string::npos);
     EXPECT_LT(svg.size(), 3'000'000U);
+}
+
+/// Conflicts at some places.
+std::vector<Conflict> conflictsAt(const std::vector<std::pair<int32_t, int32_t>>& places)
+{
+    std::vector<Conflict> conflicts;
+    for (const auto& [x, y] : places) {
+        conflicts.push_back({0, 1, {x - 10, y - 10, x + 10, y + 10}});
+    }
+    return conflicts;
+}
+
+TEST(ViewConflicts, AreGatheredBySquares)
+{
+    const std::vector<ConflictMark> marks =
+        gathered(conflictsAt({{150, 10}, {10, 10}, {30, 90}, {50, 50}, {-1, 10}, {10, 100}}), 100);
+    ASSERT_EQ(marks.size(), 4U);
+    EXPECT_EQ(marks[0].x, -1);
+    EXPECT_EQ(marks[1].x, 30);
+    EXPECT_EQ(marks[1].y, 50);
+    EXPECT_EQ(marks[1].count, 3);
+    EXPECT_EQ(marks[2].x, 150);
+    EXPECT_EQ(marks[3].y, 100);
+}
+
+TEST(ViewSvg, ConflictsAreMarkedFromAfarInEveryDetail)
+{
+    struct Row {
+        int64_t cells;
+        bool metal;
+        Detail detail;
+    };
+    for (const Row& row : {Row{60'000, true, Detail::METAL}, Row{MOST_SVG_CELLS + 1, false, Detail::MAP}}) {
+        Scene scene = sceneOfCells(row.cells, row.metal);
+        scene.coloured = true;
+        ASSERT_EQ(detailOf(scene), row.detail);
+        const Box bounds = boundsOf(scene);
+        scene.conflicts = conflictsAt({{bounds.xl + 500, bounds.yl + 500},
+                                       {bounds.xl + 700, bounds.yl + 500},
+                                       {bounds.xh - 500, bounds.yh - 500}});
+        const std::string svg = pictureOf(scene, writeSvg);
+        const std::string marks = svg.substr(svg.find("<g class=\"conflicts\">"));
+        EXPECT_NE(marks.find("<title>2 conflicts</title>"), std::string::npos);
+        EXPECT_NE(marks.find(">2</text>"), std::string::npos);
+        EXPECT_NE(marks.find("<title>1 conflict</title>"), std::string::npos);
+        EXPECT_EQ(faultOfXml(marks.substr(0, marks.find("</g>") + 4)), "");
+    }
+}
+
+TEST(ViewSvg, ConflictsNearbyAreTheirOwnMarks)
+{
+    EXPECT_EQ(pictureOf(smallScene(), writeSvg).find("class=\"conflicts\""), std::string::npos);
 }
 
 TEST(ViewSvg, TheLargestMetalStaysBelowAFewMb)
@@ -147,26 +200,27 @@ TEST(ViewSvg, TheLargestMetalStaysBelowAFewMb)
 
 TEST(ViewPage, HoldsTheDesign)
 {
-    const json data = jsonOf(pictureOf(smallScene(), writeHtml));
+    const Json data = jsonOf(pictureOf(smallScene(), writeHtml));
     EXPECT_EQ(data["title"], "small.place");
+    EXPECT_EQ(data["dbuPerMicron"], 1000);
     EXPECT_EQ(data["rows"].size(), 2U);
     EXPECT_EQ(data["macros"][0]["name"], "ram");
-    EXPECT_EQ(data["stretches"], (json{0, 0, 1000, 400, 0, 400, 800, 800}));
-    EXPECT_EQ(data["bounds"], (json{0, 0, 1000, 800}));
-    EXPECT_EQ(data["pins"][0], (json{{"name", "in"}, {"x", -50}, {"y", 200}}));
+    EXPECT_EQ(data["stretches"], Json::array({0, 0, 1000, 400, 0, 400, 800, 800}));
+    EXPECT_EQ(data["bounds"], Json::array({0, 0, 1000, 800}));
+    EXPECT_EQ(data["pins"][0], (Json{{"name", "in"}, {"x", -50}, {"y", 200}}));
     EXPECT_EQ(data["coloured"], true);
     EXPECT_EQ(data["moved"], false);
 }
 
 TEST(ViewPage, HoldsTheLibrary)
 {
-    const json inv = jsonOf(pictureOf(smallScene(), writeHtml))["kinds"][0];
+    const Json inv = jsonOf(pictureOf(smallScene(), writeHtml))["kinds"][0];
     EXPECT_EQ(inv["name"], "INV");
     EXPECT_EQ(inv["width"], 200);
-    EXPECT_EQ(inv["metal"], (json{10, 50, 30, 200, 0, 10, 200, 30, 350, 1}));
-    EXPECT_EQ(inv["joints"], (json{0, 1, 10, 200, 30, 200}));
-    EXPECT_EQ(inv["stitches"], (json{0, 1}));
-    EXPECT_EQ(inv["masks"], (json{"00", "12"}));
+    EXPECT_EQ(inv["metal"], Json::array({10, 50, 30, 200, 0, 10, 200, 30, 350, 1}));
+    EXPECT_EQ(inv["joints"], Json::array({0, 1, 10, 200, 30, 200}));
+    EXPECT_EQ(inv["stitches"], Json::array({0, 1}));
+    EXPECT_EQ(inv["masks"], Json::array({"00", "12"}));
 }
 
 TEST(ViewPage, CellsAreInTheOrderOfTheirRowsAndNetsFollow)
@@ -212,7 +266,7 @@ TEST(ViewPage, TheInputPlacementIsThereIfItIsKnown)
 TEST(ViewPage, OddNamesAreKeptAndBreakNothing)
 {
     const std::string page = pictureOf(oddScene(), writeHtml);
-    const json data = jsonOf(page);
+    const Json data = jsonOf(page);
     EXPECT_EQ(data["title"], ODD);
     EXPECT_EQ(data["kinds"][0]["name"], ODD);
     EXPECT_EQ(data["pins"][0]["name"], ODD);

@@ -4,13 +4,12 @@
 
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
 #include <functional>
 #include <string>
 #include <vector>
 
+#include "kit/base/json.h"
 #include "kit/kitRun.h"
 #include "kit/outputFile.h"
 #include "kit/view/scene.h"
@@ -27,6 +26,7 @@ inline Scene smallScene()
 {
     Scene scene;
     scene.title = "small.place";
+    scene.dbuPerMicron = 1000;
     scene.siteWidth = 100;
     scene.rowHeight = 400;
     scene.coloured = true;
@@ -84,9 +84,9 @@ inline std::string scriptOf(const std::string& page, const std::string& start)
 }
 
 /// The JSON of a page.
-inline nlohmann::json jsonOf(const std::string& page)
+inline kit::Json jsonOf(const std::string& page)
 {
-    return nlohmann::json::parse(scriptOf(page, "<script type=\"application/json\" id=\"design\">"));
+    return kit::Json::parse(scriptOf(page, "<script type=\"application/json\" id=\"design\">"));
 }
 
 /// The bytes of base64 text.

@@ -1,47 +1,14 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Texts in pictures: escaping, base64, colours.
+// Texts in pictures: base64, colours.
 #include <rapidcheck/gtest.h>
 
 #include "kit/view/base64.h"
-#include "kit/view/escape.h"
 #include "kit/view/ramp.h"
 #include "kit/view/scenes.h"
 
 namespace {
 
 using namespace kit::view;
-
-TEST(ViewEscape, WhatMeansSomethingInXmlBecomesAnEntity)
-{
-    EXPECT_EQ(escapeXml("a<b>&\"c\"'"), "a&lt;b&gt;&amp;&quot;c&quot;&#39;");
-}
-
-TEST(ViewEscape, CharactersBeyondAsciiStay)
-{
-    EXPECT_EQ(escapeXml("\xC3\xA9 \xE2\x82\xAC \xF0\x9D\x84\x9E"), "\xC3\xA9 \xE2\x82\xAC \xF0\x9D\x84\x9E");
-}
-
-TEST(ViewEscape, ControlCharactersBecomeQuestionMarks)
-{
-    EXPECT_EQ(printable("a\rb\x7F\x01\n"), "a?b???");
-}
-
-TEST(ViewEscape, BytesThatAreNoUtf8BecomeQuestionMarks)
-{
-    EXPECT_EQ(printable("\x80"), "?");
-    EXPECT_EQ(printable("\xC3"), "?");
-    EXPECT_EQ(printable("\xC3z"), "?z");
-    EXPECT_EQ(printable("\xC0\xAF"), "??");           // over-long
-    EXPECT_EQ(printable("\xE0\x80\x80"), "???");      // over-long
-    EXPECT_EQ(printable("\xED\xA0\x80"), "???");      // a surrogate
-    EXPECT_EQ(printable("\xF4\x90\x80\x80"), "????"); // beyond Unicode
-    EXPECT_EQ(printable("\xEF\xBF\xBF"), "?");        // no character
-}
-
-TEST(ViewEscape, NoTagIsLeftInAScript)
-{
-    EXPECT_EQ(escapeScript("{\"a\":\"</script><!--\"}"), "{\"a\":\"\\u003c/script>\\u003c!--\"}");
-}
 
 TEST(ViewBase64, PadsToGroupsOfFour)
 {

@@ -1,7 +1,0 @@
-// SPDX-License-Identifier: BSD-3-Clause
-#include "kit/commands.h"
-
-int main(int argc, char** argv)
-{
-    return kit::runProgram(argc, argv, kit::allCommands());
-}

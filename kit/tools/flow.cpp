@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/tools/commands.h"
+
+#include <iostream>
+#include <memory>
+
+#include "kit/flow/flow.h"
+#include "kit/lefdef/siteOption.h"
+
+namespace kit::flow {
+
+namespace {
+
+constexpr int64_t MOST_JOBS = 256;
+
+constexpr const char* FOOTER =
+    R"(Writes OUT.def, OUT.gds with OUT.lyp, OUT.html and OUT.json. It stops at the first step that fails.
+
+Exit status: 0 done; 1 the placement is not clean; 2 a step could not do its work.
+
+Example:
+  vireloce-kit flow --lef examples/raw/Nangate45_stdcell.lef --def examples/raw/gcd_nangate45.def \
+    --allow-conflicts -o out/gcd)";
+
+void addFiles(const Command& command, Options& options)
+{
+    command.add("--lef", options.lefs, "LEF file; may be given again").required();
+    command.add("--def", options.def, "DEF file").required();
+    command.add("-o,--output", options.out, "path of the result files without extension").required();
+    command.add("--layer", options.layer, "name of metal 1").withDefault();
+    command
+        .add("--site", options.site, "size of a site, W,H in micrometres (default: the LEF's, or the rows')")
+        .check([](const std::string& text) {
+            return lefdef::parseSite(text) ? "" : "\"" + text + "\" is not W,H in micrometres";
+        });
+    command.add("--cell-path", options.cellPath, "folder of colour files: the library is not coloured");
+    command.add("--cache", options.cache,
+                "folder that keeps colourings from run to run (default: the user's cache)");
+    command.flag("--legalize", options.legalize,
+                 "put cells that are unplaced, off their row or over one another on free sites");
+    command.flag("--allow-conflicts", options.allowConflicts,
+                 "take the least bad colouring of a cell that has no good one");
+    command.flag("--keep", options.keep, "keep all files in between, in OUT.flow");
+    command.flag("--force", options.force, "replace earlier results");
+}
+
+void addNumbers(const Command& command, Options& options)
+{
+    command.add("--max-solutions", options.maxSolutions, "most colour solutions of a cell");
+    command.add("--jobs", options.jobs, "threads for colouring").between(1, MOST_JOBS);
+    command.add("--mindp", options.mindp, "colouring distance, DBU of the library").between(1, 10'000);
+    command.add("--algo", options.algo, "placement method, as of `place`");
+    command.add("--weight", options.weight, "cost of a site of wirelength against a stitch");
+    command.add("--move-range", options.moveRange, "farthest local shift, sites");
+}
+
+} // namespace
+
+void addCommand(const Command& program)
+{
+    const Command command = program.subcommand("flow", "From LEF and DEF to a coloured DEF and its masks");
+    const auto options = std::make_shared<Options>();
+    addFiles(command, *options);
+    addNumbers(command, *options);
+    command.footer(FOOTER);
+    command.does([options] { return flow(*options, std::cout); });
+}
+
+} // namespace kit::flow

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/tools/commands.h"
+
+#include <iostream>
+#include <memory>
+
+#include "kit/import/importRun.h"
+#include "kit/input/text.h"
+
+namespace kit::importing {
+
+namespace {
+
+constexpr const char* FOOTER =
+    R"(Writes OUT.place, OUT.pins, OUT.netlist, OUT.cells and OUT.map, which knows the way back.
+
+Exit status: 0 if the design is written, 2 with errors; then nothing is.
+
+Example:
+  vireloce-kit import --lef examples/raw/Nangate45_stdcell.lef --def examples/raw/gcd_nangate45.def -o out/gcd)";
+
+void writeSummary(const Options& options, const Summary& summary)
+{
+    using input::counted;
+    std::cout << options.out << ".place: " << counted(summary.components, "component") << " of "
+              << counted(summary.masters, "cell") << " in " << counted(summary.rows, "row") << " of sites of "
+              << summary.siteWidth << " by " << summary.siteHeight << " um, " << counted(summary.nets, "net")
+              << ", " << counted(summary.pins, "pin") << "; " << summary.kept << " fixed, "
+              << counted(summary.fillers, "filler") << " left out, " << summary.moved
+              << " put on free sites, " << summary.renamed << " renamed\n";
+}
+
+} // namespace
+
+void addCommand(const Command& program)
+{
+    const Command command = program.subcommand("import", "Take a placed design from LEF and DEF files");
+    const auto options = std::make_shared<Options>();
+    command.add("--lef", options->lefs, "LEF file; may be given again").required();
+    command.add("--def", options->def, "DEF file").required();
+    command.add("-o,--output", options->out, "path of the design files without extension").required();
+    command.add("--layer", options->layer, "name of metal 1").withDefault();
+    lefdef::addSiteOption(command, options->site);
+    command.flag("--legalize", options->legalize,
+                 "put cells that are unplaced, off their row or over one another on free sites");
+    command.flag("--force", options->force, "replace earlier files");
+    command.footer(FOOTER);
+    command.does([options] {
+        Summary summary;
+        const int exitStatus = importDesign(*options, std::cerr, summary);
+        if (exitStatus == 0) {
+            writeSummary(*options, summary);
+        }
+        return exitStatus;
+    });
+}
+
+} // namespace kit::importing

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/tools/commands.h"
+
+#include <iostream>
+#include <memory>
+
+#include "kit/verify/report.h"
+#include "kit/verify/verify.h"
+
+namespace kit::verify {
+
+namespace {
+
+constexpr int32_t LONGEST_DISTANCE = 10'000;
+constexpr int32_t MOST_ROWS = 1'000'000;
+
+constexpr const char* FOOTER =
+    R"(Exit status: 0 if the placement is clean, 1 if it is not, 2 if an input cannot be read as a whole.
+
+Example:
+  vireloce-kit verify out.place --colors out.colors --cell-path examples/nangate45_color)";
+
+int run(const Options& options)
+{
+    const Input input = readInput(options);
+    const Issues issues = judge(input, options.minDist);
+    if (!options.lyrdb.empty()) {
+        writeMarkers(options, input, issues);
+    }
+    (options.json ? writeJson : writeText)(options, input, issues, std::cout);
+    return exitStatusOf(input, issues);
+}
+
+} // namespace
+
+void addCommand(const Command& program)
+{
+    const Command command = program.subcommand("verify", "Judge a placement and its colours by geometry");
+    const auto options = std::make_shared<Options>();
+    command.add("PLACE", options->placement, "placement file").required();
+    command.add("--colors", options->colors, "chosen colours of its components").required();
+    command.add("--cell-path", options->cellDir, "folder of the colour files of the cells").required();
+    command.add("--cells", options->cells, "cell list (default: the cells that the placement names)");
+    command.add("--mindp", options->minDist, "colouring distance, DBU of the library")
+        .between(0, LONGEST_DISTANCE)
+        .withDefault();
+    command.flag("--json", options->json, "write JSON");
+    command.add("--lyrdb", options->lyrdb, "write markers for a layout viewer to this file");
+    command.add("--worst", options->worst, "most rows of the tables").between(0, MOST_ROWS).withDefault();
+    command.footer(FOOTER);
+    command.does([options] { return run(*options); });
+}
+
+} // namespace kit::verify

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/tools/commands.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+
+#include "kit/fault.h"
+#include "kit/outputFile.h"
+#include "kit/view/html.h"
+#include "kit/view/inputs.h"
+#include "kit/view/options.h"
+#include "kit/view/svg.h"
+
+namespace kit::view {
+
+namespace {
+
+constexpr int32_t GREATEST_MIN_DIST = 100'000;
+
+void addOptions(const Command& command, Options& options)
+{
+    command.add("PLACEMENT", options.placement, "placement file, or path and base name of a design")
+        .required();
+    command.add("-o,--output", options.out, "the picture: FILE.svg or FILE.html")
+        .required()
+        .formerly("--out");
+    command.add("--colors", options.colors, "colour solutions that the placer chose");
+    command.add("--cell-path", options.cellDir, "folder of the colour files");
+    command.add("--cells", options.cells, "cell list (default: beside the placement, then beside BASE)");
+    command.add("--before", options.before, "input placement BASE.place, for displacements");
+    command.add("--netlist", options.netlist, "netlist (default: as --cells)");
+    command.add("--pins", options.pins, "pins (default: as --cells)");
+    command.add("--mindp", options.minDist, "distance of metal on one mask, DBU of the library")
+        .between(0, GREATEST_MIN_DIST)
+        .withDefault();
+    command.flag("--force", options.force, "replace a picture that exists");
+}
+
+/// Says on standard error what the picture misses because of its input.
+void reportInputs(const InputPaths& paths, const input::Findings& findings)
+{
+    if (paths.cellDir.empty()) {
+        std::cerr << "vireloce-kit: without --cell-path, each cell is drawn one site wide\n";
+    }
+    const auto errors = std::count_if(findings.begin(), findings.end(), [](const input::Finding& finding) {
+        return finding.severity == input::Severity::ERROR;
+    });
+    if (errors > 0) {
+        const auto first = std::find_if(findings.begin(), findings.end(), [](const input::Finding& finding) {
+            return finding.severity == input::Severity::ERROR;
+        });
+        std::cerr << "vireloce-kit: the picture may miss something, as the files have errors (" << errors
+                  << "), the first: " << first->file << ':' << first->line << ": " << first->what << '\n';
+    }
+}
+
+void view(const Options& options)
+{
+    const bool html = options.out.ends_with(".html");
+    if (!html && !options.out.ends_with(".svg")) {
+        throw Fault("the picture's name must end in .svg or .html: " + options.out);
+    }
+    if (!options.force && std::filesystem::exists(options.out)) {
+        throw Fault(options.out + " exists; --force replaces it");
+    }
+    const InputPaths paths = findInputs(options);
+    input::Findings findings;
+    const Scene scene = readScene(paths, options.minDist, findings);
+    OutputFile file(options.out);
+    html ? writeHtml(file, scene) : writeSvg(file, scene);
+    file.commit();
+    reportInputs(paths, findings);
+}
+
+} // namespace
+
+void addCommand(const Command& program)
+{
+    const Command command = program.subcommand("view", "Draw a placement, as a picture or a page to explore");
+    const auto options = std::make_shared<Options>();
+    addOptions(command, *options);
+    command.does([options] {
+        view(*options);
+        return 0;
+    });
+}
+
+} // namespace kit::view
