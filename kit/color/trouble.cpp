@@ -13,7 +13,7 @@ namespace kit::color {
 
 namespace {
 
-std::string textOf(const Rect& rect)
+std::string cornersOf(const Rect& rect)
 {
     return "(" + std::to_string(rect.xl) + " " + std::to_string(rect.yl) + " " + std::to_string(rect.xh) +
            " " + std::to_string(rect.yh) + ")";
@@ -60,7 +60,7 @@ std::string shapesText(const Trouble& trouble, const CellMetal& metal)
         const Polygon& polygon = metal.polygons[i];
         text += (text.empty() ? "" : ", ") + metal.nets[polygon.net] + " ";
         for (const Rect& rect : polygon.rects) {
-            text += textOf(rect);
+            text += cornersOf(rect);
         }
     }
     return text;

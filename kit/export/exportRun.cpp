@@ -50,9 +50,11 @@ private:
     std::string m_lines; ///< for the user
 };
 
-class Run {
+class ExportRun {
 public:
-    explicit Run(const Options& options) : m_options(options), m_inputs(readInputs(options, m_findings)) {}
+    explicit ExportRun(const Options& options) : m_options(options), m_inputs(readInputs(options, m_findings))
+    {
+    }
 
     int run()
     {
@@ -247,7 +249,7 @@ private:
 
 int exportResult(const Options& options)
 {
-    return Run(options).run();
+    return ExportRun(options).run();
 }
 
 } // namespace kit::exporter

@@ -376,7 +376,8 @@ bool PlacementReader::readBoxEdge()
     Fields fields(m_lines, m_reporter, "core box property");
     if (fields.require(4) && !isReal(fields.text(4))) {
         m_reporter.warning("not-a-number", fields.at(4),
-                           "token 4 of the core box property, " + quoted(fields.text(4)) + ", is no number",
+                           "token 4 of the core box property, " + input::quoted(fields.text(4)) +
+                               ", is no number",
                            "write the edge in micrometres");
     }
     return true;

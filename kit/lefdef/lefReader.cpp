@@ -275,7 +275,7 @@ void LefReader::keepIfNew(Record record, std::vector<Record>& records, Index& in
     }
     const Record& first = records[at->second];
     m_in.reporter().error("name-twice", record.offset,
-                          std::string(kind) + " " + quoted(record.name) + " stands in " +
+                          std::string(kind) + " " + input::quoted(record.name) + " stands in " +
                               (first.source == m_number ? "line " + m_in.lineOf(first.offset)
                                                         : std::string("an earlier file")) +
                               " already, and that one stays",

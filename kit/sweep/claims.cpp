@@ -45,7 +45,7 @@ std::vector<std::string> namesIn(const std::string& path)
     return names;
 }
 
-std::string contentOf(const std::string& path)
+std::string claimTextAt(const std::string& path)
 {
     std::ostringstream text;
     text << std::ifstream(path).rdbuf();
@@ -160,7 +160,7 @@ std::optional<Claim> Claims::take(const std::string& id)
 
 bool Claims::holds(const Claim& claim)
 {
-    return Owner::parse(contentOf(pathOf(claim))) == m_self && !othersHave(claim);
+    return Owner::parse(claimTextAt(pathOf(claim))) == m_self && !othersHave(claim);
 }
 
 void Claims::release(const Claim& claim) noexcept
@@ -183,7 +183,7 @@ bool Claims::isOld(const std::string& path)
 
 Claims::State Claims::stateOf(const std::string& path)
 {
-    const std::string text = contentOf(path);
+    const std::string text = claimTextAt(path);
     const std::optional<Owner> owner = Owner::parse(text);
     if (!owner.has_value()) {
         return !fs::exists(path) ? State::GONE : isOld(path) ? State::STALE : State::ALIVE;
