@@ -54,7 +54,7 @@ const std::string SET_UP = "STAT | cell type #              = 2\n"
                            "STAT | stitch # lowerB          = 2\n";
 
 /// The options of a run on some files, with more behind them.
-Words optionsOf(const DesignFiles& files, const Words& more = {})
+Words wordsFor(const DesignFiles& files, const Words& more = {})
 {
     Words words{"-inlib", files.base(), "-cellPath", files.lib()};
     words.insert(words.end(), more.begin(), more.end());
@@ -84,7 +84,7 @@ std::string run(const Words& words)
 /// The report of a run on some files, from the line behind the echo on.
 std::string faultOf(const DesignFiles& files, const Words& more = {})
 {
-    const Words words = optionsOf(files, more);
+    const Words words = wordsFor(files, more);
     const std::string report = run(words);
     const std::string start = BANNER + echoOf(words);
     EXPECT_EQ(report.substr(0, start.size()), start);
@@ -121,7 +121,7 @@ TEST(PrintUsage, FramesAndTitlesHaveTheirWidth)
 TEST(RunPlacer, ReportsTheWholeRunInOrder)
 {
     const DesignFiles files;
-    const Words words = optionsOf(files, {"-algo", "-1"});
+    const Words words = wordsFor(files, {"-algo", "-1"});
     EXPECT_EQ(run(words), BANNER + echoOf(words) + SET_UP + SET_UP_TIME +
                               "STAT | final HPWL               = 5130\n"
                               "STAT | HPWL increases           = 0(0.000%)\n"
@@ -135,7 +135,7 @@ class Method : public testing::TestWithParam<std::string> {};
 TEST_P(Method, ReachesTheEndOfTheReport)
 {
     const DesignFiles files;
-    const Words words = optionsOf(files, {"-algo", GetParam()});
+    const Words words = wordsFor(files, {"-algo", GetParam()});
     const std::string report = run(words);
     const std::string start =
         BANNER + echoOf(words) + SET_UP + SET_UP_TIME + "STAT | final HPWL               = ";
@@ -148,7 +148,7 @@ INSTANTIATE_TEST_SUITE_P(RunPlacer, Method, testing::Values("0", "1", "2", "3", 
 TEST(RunPlacer, TimesHaveThreeDigitsBetweenAnEmptyLineAndAnother)
 {
     const DesignFiles files;
-    test::CommandLine line(optionsOf(files));
+    test::CommandLine line(wordsFor(files));
     const std::string report = test::reportOf([&] { vireloce::runPlacer(line.argc(), line.argv()); });
     const std::regex form(
         "[^]*\n\nSTAT \\| LUT CPU time             = [0-9]+\\.[0-9]{3} s\n\nSTAT \\| final HPWL[^]*"
@@ -163,7 +163,7 @@ TEST(RunPlacer, DesignWithoutAnythingRunsToTheEnd)
     files.write("d.place", "");
     files.write("d.pins", "");
     files.write("d.netlist", "");
-    const std::string report = run(optionsOf(files));
+    const std::string report = run(wordsFor(files));
     EXPECT_NE(report.find("STAT | max site # on rows       = -2147483648\n"
                           "STAT | max componnet # on rows  = -2147483648\n"
                           "STAT | init HPWL                = 0\n"
@@ -180,8 +180,8 @@ TEST(RunPlacer, DesignWithoutAnythingRunsToTheEnd)
 TEST(RunPlacer, TwoRunsInOneProcessGiveOneReport)
 {
     const DesignFiles files;
-    const std::string first = run(optionsOf(files, {"-algo", "0"}));
-    EXPECT_EQ(run(optionsOf(files, {"-algo", "0"})), first);
+    const std::string first = run(wordsFor(files, {"-algo", "0"}));
+    EXPECT_EQ(run(wordsFor(files, {"-algo", "0"})), first);
 }
 
 // Options
@@ -234,8 +234,8 @@ TEST(RunPlacer, SiteWidthOptionCountsForTheLibraryAndTheRowStepForTheRest)
 {
     const DesignFiles files;
     // Cells of 2 and 3 sites of 190 have 4 and 6 sites of 95, which do not fit side by side any more.
-    const std::string wide = run(optionsOf(files, {"-algo", "0"}));
-    const std::string narrow = run(optionsOf(files, {"-algo", "0", "-siteW", "95"}));
+    const std::string wide = run(wordsFor(files, {"-algo", "0"}));
+    const std::string narrow = run(wordsFor(files, {"-algo", "0", "-siteW", "95"}));
     EXPECT_NE(narrow.find("STAT | max site # on rows       = 10\n"), std::string::npos) << narrow;
     EXPECT_NE(wide.substr(wide.find("STAT | final")), narrow.substr(narrow.find("STAT | final")));
 }
@@ -248,7 +248,7 @@ TEST(RunPlacer, MissingCellListIsReportedAndTheRunGoesOn)
     files.remove("d.cells");
     files.write("d.place", DesignFiles::rows());
     files.write("d.netlist", "0");
-    const Words words = optionsOf(files);
+    const Words words = wordsFor(files);
     const std::string start = BANNER + echoOf(words) + "ERROR| cannot open file " + files.base() +
                               ".cells\nSTAT | cell type #              = 0\n";
     const std::string report = run(words);
@@ -330,7 +330,7 @@ TEST(RunPlacer, UnusedCellWithoutSolutionsDoesNotMatter)
     files.write("d.cells", "3\nA\nB\nC\n");
     files.write("lib/C.color", "190 1900\n0\n0\n0\n");
     for (const char* algo : {"0", "1", "2", "3", "4", "-1"}) {
-        const std::string report = run(optionsOf(files, {"-algo", algo}));
+        const std::string report = run(wordsFor(files, {"-algo", algo}));
         EXPECT_NE(report.find("STAT | cell type #              = 3\n"), std::string::npos) << report;
         EXPECT_NE(report.find(PLACE_TIME), std::string::npos) << report;
     }
@@ -341,7 +341,7 @@ TEST(RunPlacer, ComponentsInNoSegmentAreLeftOutOfTheRun)
     const DesignFiles files;
     files.write("d.place", DesignFiles::components() + "ROW r core 0 9500 N DO 10 BY 1 STEP 190 0 ;\n");
     for (const char* algo : {"0", "1", "2", "3", "4", "-1"}) {
-        const std::string report = run(optionsOf(files, {"-algo", algo}));
+        const std::string report = run(wordsFor(files, {"-algo", algo}));
         EXPECT_NE(report.find("WARNING| cannot assign component: u2(A)| (380, 1900) \n"), std::string::npos);
         EXPECT_NE(report.find("STAT | final stitch   #         = 0\n"), std::string::npos) << report;
         EXPECT_NE(report.find(PLACE_TIME), std::string::npos) << report;

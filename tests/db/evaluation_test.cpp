@@ -6,20 +6,19 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
-#include <limits>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "app/parameters.h"
+#include "support/extremes.h"
 #include "support/tinyDesign.h"
 
 namespace {
 
+using test::LARGEST;
+using test::SMALLEST;
 using test::TinyDesign;
-
-constexpr int32_t SMALLEST = std::numeric_limits<int32_t>::min();
-constexpr int32_t LARGEST = std::numeric_limits<int32_t>::max();
 
 /// Adds a cell of some width, with one solution of no stitches.
 int addCellOfWidth(TinyDesign& t, int width)

@@ -118,19 +118,19 @@ INSTANTIATE_TEST_SUITE_P(InitSegments, RowCut, testing::ValuesIn(CUT_CASES),
                          [](const auto& row) { return std::string(row.param.name); });
 
 /// A macro from x 570 to 950 at some height, on a row from y 1900 to 3800.
-struct HeightCase {
+struct MacroCase {
     const char* name;
     int y;
     int height;
     bool cuts;
 };
 
-void PrintTo(const HeightCase& row, std::ostream* out)
+void PrintTo(const MacroCase& row, std::ostream* out)
 {
     *out << "y " << row.y << " to " << row.y + row.height;
 }
 
-class MacroHeight : public testing::TestWithParam<HeightCase> {};
+class MacroHeight : public testing::TestWithParam<MacroCase> {};
 
 TEST_P(MacroHeight, CutsTheRowOnlyIfItReachesInside)
 {
@@ -141,7 +141,7 @@ TEST_P(MacroHeight, CutsTheRowOnlyIfItReachesInside)
     EXPECT_EQ(row->segments.size(), GetParam().cuts ? 2U : 1U);
 }
 
-const HeightCase HEIGHT_CASES[] = {
+const MacroCase MACRO_CASES[] = {
     {"TouchesTheTopEdge", 3800, 1900, false},
     {"TouchesTheBottomEdge", 0, 1900, false},
     {"OneUnitInsideTheTop", 3799, 1900, true},
@@ -152,7 +152,7 @@ const HeightCase HEIGHT_CASES[] = {
     {"Below", -100, 100, false},
 };
 
-INSTANTIATE_TEST_SUITE_P(InitSegments, MacroHeight, testing::ValuesIn(HEIGHT_CASES),
+INSTANTIATE_TEST_SUITE_P(InitSegments, MacroHeight, testing::ValuesIn(MACRO_CASES),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST(InitSegments, RowOfNoSitesHasNoSegment)

@@ -2,20 +2,19 @@
 // The set-up as a whole, and its smaller steps.
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <string>
 
 #include "app/parameters.h"
 #include "db/designFiles.h"
+#include "support/extremes.h"
 #include "support/tinyDesign.h"
 
 namespace {
 
 using test::DesignFiles;
+using test::LARGEST;
+using test::SMALLEST;
 using test::TinyDesign;
-
-constexpr int32_t SMALLEST = std::numeric_limits<int32_t>::min();
-constexpr int32_t LARGEST = std::numeric_limits<int32_t>::max();
 
 /// Gives a design rows at some heights, each with its own site step.
 void addRows(Design& design, const std::vector<std::pair<int, int>>& yAndStep)

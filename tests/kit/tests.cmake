@@ -1,5 +1,5 @@
 find_package(SQLite3 REQUIRED)
-vireloce_test(kit
+vireloce_test(kit SHARDS 4
     kit/base/escape_test.cpp
     kit/base/json_test.cpp
     kit/cellLibrary_test.cpp

@@ -3,22 +3,23 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
-#include <limits>
 #include <vector>
 
 #include "legalizer/colourKernel.h"
 #include "legalizer/randomDesign.h"
+#include "support/extremes.h"
 
 namespace {
 
+using test::LARGEST;
 using test::Random;
+using test::SMALLEST;
 using vireloce::ColourKernel;
 using vireloce::PairCosts;
 
 using Ints = std::vector<int32_t>;
 
 constexpr int32_t START = 1073741823;
-constexpr int32_t MOST = std::numeric_limits<int32_t>::max();
 
 /// Layers of solutions with costs between them.
 struct Layers {
@@ -117,7 +118,7 @@ INSTANTIATE_TEST_SUITE_P(
         ColourCase{"CostsOfTheStartValueAreTaken", {{1, 1}, {{START}}}, {0, 0}},
         ColourCase{"CostsAboveTheStartValueAreNot", {{1, 2}, {{START + 1, START + 1}}}, {-1, 1}},
         ColourCase{"NegativeCosts", {{2, 2}, {{-4, -3, -2, -5}}}, {1, 1}},
-        ColourCase{"SumsThatWrapAround", {{1, 1, 2}, {{START}, {MOST, START}}}, {0, 0, 0}}),
+        ColourCase{"SumsThatWrapAround", {{1, 1, 2}, {{START}, {LARGEST, START}}}, {0, 0, 0}}),
     [](const auto& row) { return row.param.name; });
 
 TEST(ColourKernel, GivesTheSolutionsOfTheGraphForAnyCosts)
@@ -129,7 +130,7 @@ TEST(ColourKernel, GivesTheSolutionsOfTheGraphForAnyCosts)
                                                 {0, 1, 2, 3, 40},
                                                 {-1, 0, 1},
                                                 {START - 1, START, START + 1, 0, 1, -1},
-                                                {MOST, -MOST - 1, START, 1 << 30, 0, -START}});
+                                                {LARGEST, SMALLEST, START, 1 << 30, 0, -START}});
         Layers layers;
         for (int i = random.pick(1, 6); i > 0; --i) {
             layers.sizes.push_back(random.oneOf<int>({0, 1, 2, 2, 3, 3, 7}));

@@ -3,22 +3,24 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
-#include <limits>
 #include <optional>
-#include <string>
 
+#include "legalizer/everyProfileOps.h"
 #include "legalizer/fullGridKernel.h"
 #include "legalizer/literalKernels.h"
+#include "support/extremes.h"
 
 namespace {
 
 using test::GridPlaces;
 using test::HandMade;
 using test::HandMadeArrays;
+using test::INF;
 using test::Ints;
 using test::largeHandMade;
+using test::LARGEST;
+using test::LEFT_OUT;
 using test::LiteralGrid;
 using test::Random;
 using test::randomHandMade;
@@ -28,12 +30,6 @@ using vireloce::FullGridKernel;
 using vireloce::GridPlace;
 using vireloce::INFINITE_COST;
 using vireloce::ORDERED_UNREACHED;
-using vireloce::ProfileOps;
-using vireloce::profileOpsHere;
-
-constexpr float INF = std::numeric_limits<float>::infinity();
-constexpr int32_t MOST = std::numeric_limits<int32_t>::max();
-constexpr GridPlace LEFT_OUT{};
 
 std::optional<GridPlaces> solved(FullGridKernel& kernel, const HandMade& made,
                                  int32_t unreached = INFINITE_COST, bool shareClasses = true)
@@ -45,14 +41,7 @@ std::optional<GridPlaces> solved(FullGridKernel& kernel, const HandMade& made,
     return GridPlaces(kernel.places().begin(), kernel.places().end());
 }
 
-std::string nameOf(const testing::TestParamInfo<const ProfileOps*>& row)
-{
-    std::string name(row.param->name);
-    std::erase_if(name, [](unsigned char c) { return std::isalnum(c) == 0; });
-    return name;
-}
-
-class EveryFullGridKernel : public testing::TestWithParam<const ProfileOps*> {};
+class EveryFullGridKernel : public test::OpsTest {};
 
 TEST_P(EveryFullGridKernel, FindsTheGridsPathForAnyNumbers)
 {
@@ -69,8 +58,7 @@ TEST_P(EveryFullGridKernel, FindsTheGridsPathForAnyNumbers)
     EXPECT_GT(placed, 600);
 }
 
-INSTANTIATE_TEST_SUITE_P(FullGridKernel, EveryFullGridKernel,
-                         testing::ValuesIn(profileOpsHere().begin(), profileOpsHere().end()), nameOf);
+INSTANTIATE_TEST_SUITE_P(FullGridKernel, EveryFullGridKernel, test::everyOps(), test::nameOfOps);
 
 TEST(FullGridKernel, FollowsPathsThatBeginAtANodeThatHasNotBeenReached)
 {
@@ -171,7 +159,9 @@ INSTANTIATE_TEST_SUITE_P(
         AnyCase{"NoSolutionAtAll", {.comps = {{.stitches = {}}, {.stitches = {}}}}},
         AnyCase{"NegativeStitches", {.comps = {{.stitches = {0, -1}}, {.stitches = {-50, -50}}}}},
         AnyCase{"StitchesThatWrapAround",
-                {.comps = {{.stitches = {MOST, 1}}, {.stitches = {MOST, -5}}, {.stitches = {MOST, -MOST}}}}},
+                {.comps = {{.stitches = {LARGEST, 1}},
+                           {.stitches = {LARGEST, -5}},
+                           {.stitches = {LARGEST, -LARGEST}}}}},
         AnyCase{"NegativeWeight",
                 {.weight = -1.4F, .comps = {{.lefts = {9}, .rights = {2}}, {.lefts = {9, 9}}}}},
         AnyCase{"WeightThatIsNoNumber", {.weight = std::nanf(""), .comps = {{.lefts = {9}}, {}}}},
@@ -183,9 +173,9 @@ INSTANTIATE_TEST_SUITE_P(
                  .comps = {{.stitches = {0, 3}},
                            {.stitches = {0, 0}, .gaps = {{1, 40}, {30, 0}}},
                            {.gaps = {{50}, {2}}}}}},
-        AnyCase{"AGapOfMoreThanTheSegment", {.comps = {{}, {.stitches = {0, 0}, .gaps = {{MOST, 11}}}}}},
+        AnyCase{"AGapOfMoreThanTheSegment", {.comps = {{}, {.stitches = {0, 0}, .gaps = {{LARGEST, 11}}}}}},
         AnyCase{"AComponentThatIsTooWide", {.comps = {{}, {.width = 11}, {.stitches = {-400}}}}},
-        AnyCase{"AWidthOfMoreThan32BitsTogether", {.comps = {{}, {.width = MOST}, {.width = MOST}}}},
+        AnyCase{"AWidthOfMoreThan32BitsTogether", {.comps = {{}, {.width = LARGEST}, {.width = LARGEST}}}},
         AnyCase{
             "NothingThatIsReachedBehindALongGap",
             {.numSites = 5, .weight = -3.0F, .comps = {{}, {.gaps = {{9}}, .lefts = {5}}, {.lefts = {5}}}}}),

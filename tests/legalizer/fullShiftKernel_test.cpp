@@ -3,47 +3,32 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 #include <optional>
 
 #include "legalizer/fullShiftKernel.h"
 #include "legalizer/literalKernels.h"
+#include "support/extremes.h"
 
 namespace {
 
 using test::HandMade;
 using test::HandMadeArrays;
 using test::HandMadeComp;
+using test::INF;
 using test::Ints;
 using test::largeHandMade;
+using test::LARGEST;
 using test::literalShifts;
 using test::Random;
 using test::randomHandMade;
 using test::ShiftPlaces;
 using test::ShiftRange;
+using test::solved;
+using test::solvedBy;
 using test::strangeHandMade;
 using vireloce::bestProfileOps;
 using vireloce::FullShiftKernel;
 using vireloce::ShiftPlace;
-
-constexpr float INF = std::numeric_limits<float>::infinity();
-constexpr int32_t MOST = std::numeric_limits<int32_t>::max();
-
-std::optional<ShiftPlaces> solved(FullShiftKernel& kernel, const HandMade& made, const ShiftRange& range,
-                                  bool shareClasses = true)
-{
-    const HandMadeArrays arrays(made, shareClasses);
-    if (!kernel.solve(arrays.shifts(range))) {
-        return std::nullopt;
-    }
-    return ShiftPlaces(kernel.places().begin(), kernel.places().end());
-}
-
-std::optional<ShiftPlaces> solved(const HandMade& made, const ShiftRange& range)
-{
-    FullShiftKernel kernel;
-    return solved(kernel, made, range);
-}
 
 HandMade anyHandMade(uint32_t seed)
 {
@@ -96,67 +81,69 @@ TEST(FullShiftKernel, FindsTheSameWhereStatesAreMadeAgain)
     EXPECT_GT(refused, 50);
 }
 
-struct AnyCase {
+struct AnyShifts {
     const char* name;
     HandMade made;
     ShiftRange range = {};
 };
 
-void PrintTo(const AnyCase& row, std::ostream* out)
+void PrintTo(const AnyShifts& row, std::ostream* out)
 {
     *out << row.name;
 }
 
-class FullShiftKernelTakes : public testing::TestWithParam<AnyCase> {};
+class FullShiftKernelTakes : public testing::TestWithParam<AnyShifts> {};
 
 TEST_P(FullShiftKernelTakes, AndFindsTheTablesChoice)
 {
     for (const bool prune : {false, true}) {
         ShiftRange range = GetParam().range;
         range.prune = prune;
-        EXPECT_EQ(solved(GetParam().made, range), literalShifts(GetParam().made, range)) << "prune " << prune;
+        EXPECT_EQ(solvedBy<FullShiftKernel>(GetParam().made, range), literalShifts(GetParam().made, range))
+            << "prune " << prune;
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Cases, FullShiftKernelTakes,
     testing::Values(
-        AnyCase{"NoShifts", {.comps = {{}}}, {.count = 0}},
-        AnyCase{"NoShiftsOfTwo", {.comps = {{}, {.site = 3}}}, {.count = 0}},
-        AnyCase{"NoSolutionsInTheTable", {.comps = {{}}}, {.solutions = 0}},
-        AnyCase{"OneComponentWithoutSolutions", {.comps = {{.stitches = {}}}}},
-        AnyCase{"AComponentWithoutSolutions", {.comps = {{}, {.stitches = {}, .site = 3}, {.site = 6}}}},
-        AnyCase{"NoSites", {.numSites = 0, .comps = {{.width = 0}, {.width = 0}}}},
-        AnyCase{"NegativeSites", {.numSites = -5, .comps = {{.site = 3}, {.site = 5}}}},
-        AnyCase{"NegativeStitches",
-                {.comps = {{.stitches = {0, -9}, .site = 3}, {.stitches = {-9}, .site = 5}}}},
-        AnyCase{"AStepThatDoesNotFitBehindANegativeCost",
-                {.comps = {{.site = 3}, {.stitches = {-2}, .site = 5}, {.site = 5}}}},
-        AnyCase{"AStateAtTheLimitBeforeANegativeStep",
-                {.comps = {{.stitches = {1073741817}, .site = 2},
-                           {.stitches = {5}, .site = 5},
-                           {.stitches = {-10}, .site = 8}}}},
-        AnyCase{"SumsThatWrapAround",
-                {.comps = {{.stitches = {1000000000}, .site = 2},
-                           {.site = 5},
-                           {.stitches = {1200000000}, .site = 8}}}},
-        AnyCase{"PositionsThatWrapAround", {.comps = {{.site = -MOST}, {.site = MOST}}}},
-        AnyCase{"AWidthThatWrapsAround", {.comps = {{.site = 3}, {.width = MOST, .site = 5}}}},
-        AnyCase{"AGapThatWrapsAround", {.comps = {{.site = 3}, {.gaps = {{MOST}}, .site = 6}}}},
-        AnyCase{"ANegativeGap",
-                {.comps = {{.width = 3, .site = 3}, {.gaps = {{-2}}, .lefts = {2}, .site = 5}}}},
-        AnyCase{"NegativeWeight",
-                {.weight = -1.4F, .comps = {{.lefts = {9}, .site = 3}, {.rights = {1}, .site = 6}}}},
-        AnyCase{"WeightThatIsNoNumber",
-                {.weight = std::nanf(""), .comps = {{.lefts = {9}, .site = 3}, {.site = 6}}}},
-        AnyCase{"InfiniteWeight",
-                {.weight = INF, .comps = {{.lefts = {9}, .site = 3}, {.rights = {1}, .site = 6}}}}),
+        AnyShifts{"NoShifts", {.comps = {{}}}, {.count = 0}},
+        AnyShifts{"NoShiftsOfTwo", {.comps = {{}, {.site = 3}}}, {.count = 0}},
+        AnyShifts{"NoSolutionsInTheTable", {.comps = {{}}}, {.solutions = 0}},
+        AnyShifts{"OneComponentWithoutSolutions", {.comps = {{.stitches = {}}}}},
+        AnyShifts{"AComponentWithoutSolutions", {.comps = {{}, {.stitches = {}, .site = 3}, {.site = 6}}}},
+        AnyShifts{"NoSites", {.numSites = 0, .comps = {{.width = 0}, {.width = 0}}}},
+        AnyShifts{"NegativeSites", {.numSites = -5, .comps = {{.site = 3}, {.site = 5}}}},
+        AnyShifts{"NegativeStitches",
+                  {.comps = {{.stitches = {0, -9}, .site = 3}, {.stitches = {-9}, .site = 5}}}},
+        AnyShifts{"AStepThatDoesNotFitBehindANegativeCost",
+                  {.comps = {{.site = 3}, {.stitches = {-2}, .site = 5}, {.site = 5}}}},
+        AnyShifts{"AStateAtTheLimitBeforeANegativeStep",
+                  {.comps = {{.stitches = {1073741817}, .site = 2},
+                             {.stitches = {5}, .site = 5},
+                             {.stitches = {-10}, .site = 8}}}},
+        AnyShifts{"SumsThatWrapAround",
+                  {.comps = {{.stitches = {1000000000}, .site = 2},
+                             {.site = 5},
+                             {.stitches = {1200000000}, .site = 8}}}},
+        AnyShifts{"PositionsThatWrapAround", {.comps = {{.site = -LARGEST}, {.site = LARGEST}}}},
+        AnyShifts{"AWidthThatWrapsAround", {.comps = {{.site = 3}, {.width = LARGEST, .site = 5}}}},
+        AnyShifts{"AGapThatWrapsAround", {.comps = {{.site = 3}, {.gaps = {{LARGEST}}, .site = 6}}}},
+        AnyShifts{"ANegativeGap",
+                  {.comps = {{.width = 3, .site = 3}, {.gaps = {{-2}}, .lefts = {2}, .site = 5}}}},
+        AnyShifts{"NegativeWeight",
+                  {.weight = -1.4F, .comps = {{.lefts = {9}, .site = 3}, {.rights = {1}, .site = 6}}}},
+        AnyShifts{"WeightThatIsNoNumber",
+                  {.weight = std::nanf(""), .comps = {{.lefts = {9}, .site = 3}, {.site = 6}}}},
+        AnyShifts{"InfiniteWeight",
+                  {.weight = INF, .comps = {{.lefts = {9}, .site = 3}, {.rights = {1}, .site = 6}}}}),
     [](const auto& row) { return row.param.name; });
 
 TEST(FullShiftKernel, HasNoMemoryForMoreShiftsThanCanBeCounted)
 {
-    EXPECT_EQ(solved({.comps = {{}, {}}}, {.count = int64_t{MOST} + 1}), std::nullopt);
-    EXPECT_EQ(solved({.comps = {{}}}, {.count = int64_t{MOST} + 1}), (ShiftPlaces{{-2, 0}}));
+    EXPECT_EQ(solvedBy<FullShiftKernel>({.comps = {{}, {}}}, {.count = int64_t{LARGEST} + 1}), std::nullopt);
+    EXPECT_EQ(solvedBy<FullShiftKernel>({.comps = {{}}}, {.count = int64_t{LARGEST} + 1}),
+              (ShiftPlaces{{-2, 0}}));
 }
 
 TEST(FullShiftKernel, GoesOnFromTheCheaperStateFurtherLeftOnlyWhereItPrunes)
@@ -167,8 +154,8 @@ TEST(FullShiftKernel, GoesOnFromTheCheaperStateFurtherLeftOnlyWhereItPrunes)
                         .comps = {{.site = 3},
                                   {.stitches = {-2000000000}, .lefts = {4}, .rights = {4}, .site = 6},
                                   {.site = 9}}};
-    EXPECT_EQ(solved(made, {}), (ShiftPlaces{{-2, 0}, {-1, 0}, {-2, 0}}));
-    EXPECT_EQ(solved(made, {.prune = true}), (ShiftPlaces{{-2, 0}, {-2, 0}, {-2, 0}}));
+    EXPECT_EQ(solvedBy<FullShiftKernel>(made, {}), (ShiftPlaces{{-2, 0}, {-1, 0}, {-2, 0}}));
+    EXPECT_EQ(solvedBy<FullShiftKernel>(made, {.prune = true}), (ShiftPlaces{{-2, 0}, {-2, 0}, {-2, 0}}));
 }
 
 } // namespace

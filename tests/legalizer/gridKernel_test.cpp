@@ -3,15 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
-#include <limits>
 #include <optional>
-#include <string>
 #include <vector>
 
+#include "legalizer/everyProfileOps.h"
 #include "legalizer/gridKernel.h"
 #include "legalizer/literalKernels.h"
+#include "support/extremes.h"
 
 namespace {
 
@@ -19,22 +18,18 @@ using test::GridPlaces;
 using test::HandMade;
 using test::HandMadeArrays;
 using test::HandMadeComp;
+using test::INF;
 using test::Ints;
 using test::largeHandMade;
+using test::LEFT_OUT;
 using test::LiteralGrid;
 using test::Random;
 using test::randomHandMade;
 using test::roomyHandMade;
 using vireloce::bestProfileOps;
 using vireloce::GridKernel;
-using vireloce::GridPlace;
 using vireloce::INFINITE_COST;
 using vireloce::ORDERED_UNREACHED;
-using vireloce::ProfileOps;
-using vireloce::profileOpsHere;
-
-constexpr float INF = std::numeric_limits<float>::infinity();
-constexpr GridPlace LEFT_OUT{};
 
 /// The kernel's places, nothing if it does not take the segment.
 std::optional<GridPlaces> solved(GridKernel& kernel, const HandMade& made, int32_t unreached = INFINITE_COST,
@@ -53,15 +48,7 @@ std::optional<GridPlaces> solved(const HandMade& made, int32_t unreached = INFIN
     return solved(kernel, made, unreached);
 }
 
-/// Name of an instruction set as a test may be called.
-std::string nameOf(const testing::TestParamInfo<const ProfileOps*>& row)
-{
-    std::string name(row.param->name);
-    std::erase_if(name, [](unsigned char c) { return std::isalnum(c) == 0; });
-    return name;
-}
-
-class EveryGridKernel : public testing::TestWithParam<const ProfileOps*> {};
+class EveryGridKernel : public test::OpsTest {};
 
 TEST_P(EveryGridKernel, FindsTheGridsPathOnRandomSegments)
 {
@@ -84,8 +71,7 @@ TEST_P(EveryGridKernel, FindsTheGridsPathOnRandomSegments)
     EXPECT_LT(refused, static_cast<int>(COUNT / 100)) << "ordinary segments";
 }
 
-INSTANTIATE_TEST_SUITE_P(GridKernel, EveryGridKernel,
-                         testing::ValuesIn(profileOpsHere().begin(), profileOpsHere().end()), nameOf);
+INSTANTIATE_TEST_SUITE_P(GridKernel, EveryGridKernel, test::everyOps(), test::nameOfOps);
 
 // --- limits of its work
 

@@ -13,13 +13,11 @@ namespace {
 using test::GridPlaces;
 using test::HandMade;
 using test::HandMadeArrays;
+using test::LEFT_OUT;
 using test::LiteralGrid;
 using vireloce::FullGridKernel;
 using vireloce::GridKernel;
-using vireloce::GridPlace;
 using vireloce::INFINITE_COST;
-
-constexpr GridPlace LEFT_OUT{};
 
 struct PathCase {
     const char* name;

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <memory>
 #include <optional>
 #include <ostream>
@@ -18,6 +17,7 @@
 #include "legalizer/shiftProblem.h"
 #include "legalizer/termTable.h"
 #include "qlib/exact.h"
+#include "support/extremes.h"
 
 namespace vireloce {
 
@@ -47,6 +47,8 @@ namespace test {
 
 using Ints = std::vector<int32_t>;
 using GridPlaces = std::vector<vireloce::GridPlace>;
+
+constexpr vireloce::GridPlace LEFT_OUT{};
 using ShiftPlaces = std::vector<vireloce::ShiftPlace>;
 
 /// A component of a hand-made segment.
@@ -293,16 +295,13 @@ inline HandMade largeHandMade(uint32_t seed)
 /// A random hand-made segment of numbers that occur in no library.
 inline HandMade strangeHandMade(uint32_t seed)
 {
-    constexpr int32_t MOST = std::numeric_limits<int32_t>::max();
     HandMade made = randomHandMade(seed);
     Random random(seed + 2000000);
-    made.weight = random.oneOf<float>({1.4F, -1.4F, -0.05F, -1000.5F, 1e9F, -1e9F, std::nanf(""),
-                                       std::numeric_limits<float>::infinity(),
-                                       -std::numeric_limits<float>::infinity()});
+    made.weight = random.oneOf<float>({1.4F, -1.4F, -0.05F, -1000.5F, 1e9F, -1e9F, std::nanf(""), INF, -INF});
     const Ints stitchNums = random.oneOf<Ints>({{0, 1},
                                                 {-1, 0, 1},
                                                 {-40, -7, 300},
-                                                {MOST, -MOST - 1, 0},
+                                                {LARGEST, SMALLEST, 0},
                                                 {(1 << 30) - 1, 1 << 30, -(1 << 30)},
                                                 {12345677, 12345678, 0}});
     const bool wideGaps = random.pick(0, 1) == 0;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -197,6 +198,26 @@ inline ShiftPlaces literalShifts(const HandMade& made, const ShiftRange& range)
         solution = state.solution;
     }
     return all;
+}
+
+/// Places of a local shift kernel, nothing if it does not take the segment.
+template <class Kernel>
+std::optional<ShiftPlaces> solved(Kernel& kernel, const HandMade& made, const ShiftRange& range,
+                                  bool shareClasses = true)
+{
+    const HandMadeArrays arrays(made, shareClasses);
+    if (!kernel.solve(arrays.shifts(range))) {
+        return std::nullopt;
+    }
+    return ShiftPlaces(kernel.places().begin(), kernel.places().end());
+}
+
+/// The same of a new kernel.
+template <class Kernel>
+std::optional<ShiftPlaces> solvedBy(const HandMade& made, const ShiftRange& range)
+{
+    Kernel kernel;
+    return solved(kernel, made, range);
 }
 
 } // namespace test

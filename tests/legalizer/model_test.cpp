@@ -8,20 +8,21 @@
 #include "legalizer/legalizer.h"
 #include "legalizer/randomDesign.h"
 #include "legalizer/segLegalizer.h"
+#include "support/extremes.h"
 #include "support/tinyDesign.h"
 
 namespace {
 
+using test::LARGEST;
 using test::Random;
 using test::RandomDesign;
 using test::reportOf;
+using test::SMALLEST;
 using test::TinyDesign;
 using Ids = std::vector<int32_t>;
 using Range = std::pair<int32_t, int32_t>;
 
 constexpr int INFEASIBLE = 0x3fffffff;
-constexpr int SMALLEST = std::numeric_limits<int32_t>::min();
-constexpr int LARGEST = std::numeric_limits<int32_t>::max();
 
 /// A segment of 10 sites of 190 from 1000 to 2900 in the row at 1900, with its solver.
 class ModelTest : public testing::Test {

@@ -2,25 +2,26 @@
 // The kept colouring costs of pairs of cells against SegLegalizer::getEdgeCost_TPL().
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <vector>
 
 #include "app/parameters.h"
 #include "legalizer/pairCosts.h"
 #include "legalizer/randomDesign.h"
 #include "legalizer/segLegalizer.h"
+#include "support/extremes.h"
 
 namespace {
 
+using test::INF;
+using test::LARGEST;
 using test::Random;
+using test::SMALLEST;
 using vireloce::GapCache;
 using vireloce::PairCostCache;
 using vireloce::PairCosts;
 
 TEST(PairCostCache, SaysWhatTheGraphsEdgesCost)
 {
-    constexpr float INF = std::numeric_limits<float>::infinity();
-    constexpr int MOST = std::numeric_limits<int>::max();
     for (uint32_t seed = 1; seed <= 400 && !HasFailure(); ++seed) {
         Random random(seed);
         test::TinyDesign tiny;
@@ -30,7 +31,7 @@ TEST(PairCostCache, SaysWhatTheGraphsEdgesCost)
         for (int i = random.pick(1, 3); i > 0; --i) {
             std::vector<int> stitches(static_cast<size_t>(random.pick(0, 4)));
             for (int& stitch : stitches) {
-                stitch = random.oneOf<int>({0, 1, 2, 16777217, MOST, -MOST - 1, -5, 1 << 30});
+                stitch = random.oneOf<int>({0, 1, 2, 16777217, LARGEST, SMALLEST, -5, 1 << 30});
             }
             comps.push_back(tiny.addComponent(nullptr, tiny.addCell(1, stitches), 0));
         }

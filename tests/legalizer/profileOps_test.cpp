@@ -4,19 +4,21 @@
 #include <rapidcheck/gtest.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
-#include <limits>
-#include <string>
 #include <vector>
 
+#include "legalizer/everyProfileOps.h"
 #include "legalizer/profileOps.h"
 #include "legalizer/randomDesign.h"
 #include "qlib/exact.h"
+#include "support/extremes.h"
 
 namespace {
 
+using test::INF;
+using test::LARGEST;
 using test::Random;
+using test::SMALLEST;
 using vireloce::ProfileOps;
 using vireloce::profileOpsHere;
 using vireloce::profileSpace;
@@ -68,15 +70,7 @@ Profile anyProfile(Random& random, int32_t size)
     return profile;
 }
 
-/// Name of an instruction set as a test may be called.
-std::string nameOf(const testing::TestParamInfo<const ProfileOps*>& row)
-{
-    std::string name(row.param->name);
-    std::erase_if(name, [](unsigned char c) { return std::isalnum(c) == 0; });
-    return name;
-}
-
-class EveryProfileOps : public testing::TestWithParam<const ProfileOps*> {};
+class EveryProfileOps : public test::OpsTest {};
 
 TEST_P(EveryProfileOps, AddsAProfileAndWritesExactlyItsEntries)
 {
@@ -152,16 +146,14 @@ TEST_P(EveryProfileOps, CarryTheLeastOfAnEntryToAllBehindItAndToNoneBefore)
 
 TEST_P(EveryProfileOps, AddsDistancesAsSumsThatAreTruncatedOneByOne)
 {
-    constexpr float INF = std::numeric_limits<float>::infinity();
-    constexpr int32_t MOST = std::numeric_limits<int32_t>::max();
     Random random(3);
     for (const float weight :
          {0.0F, 0.65F, 0.999999F, 1.05F, 1.3F, 2.1F, 12345.67F, -1.4F, 3e38F, INF, -INF, std::nanf("")}) {
         for (const int32_t step : {1, -1}) {
-            for (const int32_t distance : {-100, -20, -1, 0, 1, 5, 64, 1 << 24, MOST - 30, -MOST - 1}) {
+            for (const int32_t distance : {-100, -20, -1, 0, 1, 5, 64, 1 << 24, LARGEST - 30, SMALLEST}) {
                 const int32_t count = random.pick(1, MOST_ENTRIES);
                 Profile profile = anyProfile(random, profileSpace(count) + 2);
-                profile[1] = random.oneOf<int>({MOST, -MOST - 1, 0});
+                profile[1] = random.oneOf<int>({LARGEST, SMALLEST, 0});
                 profile.front() = profile.back() = MARK;
                 Profile want = profile;
                 for (int32_t k = 0; k < count; ++k) {
@@ -208,9 +200,8 @@ TEST_P(EveryProfileOps, TakesTheLeastOfSomeProfilesAndWhatEachPays)
 
 TEST_P(EveryProfileOps, TakesSumsModulo32BitsWhereTheyAreLessAndWritesExactlyItsEntries)
 {
-    constexpr int32_t MOST = std::numeric_limits<int32_t>::max();
     Random random(5);
-    const auto anyNumber = [&random] { return random.oneOf<int>({MOST, -MOST - 1, 0, -5, 7, 1 << 30, 9}); };
+    const auto anyNumber = [&random] { return random.oneOf<int>({LARGEST, SMALLEST, 0, -5, 7, 1 << 30, 9}); };
     for (int32_t count = 0; count <= MOST_ENTRIES; ++count) {
         for (int32_t start = 0; start < 4; ++start) { // not aligned
             Profile out(static_cast<size_t>(MOST_ENTRIES) + 40);
@@ -267,8 +258,7 @@ RC_GTEST_PROP(ProfileOps, AllSetsGiveTheSameToTheBit, ())
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(ProfileOps, EveryProfileOps,
-                         testing::ValuesIn(profileOpsHere().begin(), profileOpsHere().end()), nameOf);
+INSTANTIATE_TEST_SUITE_P(ProfileOps, EveryProfileOps, test::everyOps(), test::nameOfOps);
 
 TEST(ProfileOpsHere, BeginsWithASetThatRunsEverywhereAndNamesEachOnce)
 {

@@ -3,18 +3,19 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 #include <optional>
 #include <vector>
 
 #include "legalizer/literalKernels.h"
 #include "legalizer/shiftKernel.h"
+#include "support/extremes.h"
 
 namespace {
 
 using test::HandMade;
 using test::HandMadeArrays;
 using test::HandMadeComp;
+using test::INF;
 using test::Ints;
 using test::largeHandMade;
 using test::literalShifts;
@@ -22,27 +23,10 @@ using test::Random;
 using test::randomHandMade;
 using test::ShiftPlaces;
 using test::ShiftRange;
+using test::solved;
+using test::solvedBy;
 using vireloce::ShiftKernel;
 using vireloce::ShiftPlace;
-
-constexpr float INF = std::numeric_limits<float>::infinity();
-
-/// The kernel's places, nothing if it does not take the segment.
-std::optional<ShiftPlaces> solved(ShiftKernel& kernel, const HandMade& made, const ShiftRange& range,
-                                  bool shareClasses = true)
-{
-    const HandMadeArrays arrays(made, shareClasses);
-    if (!kernel.solve(arrays.shifts(range))) {
-        return std::nullopt;
-    }
-    return ShiftPlaces(kernel.places().begin(), kernel.places().end());
-}
-
-std::optional<ShiftPlaces> solved(const HandMade& made, const ShiftRange& range)
-{
-    ShiftKernel kernel;
-    return solved(kernel, made, range);
-}
 
 /// As the local shift program has it: from -sites - 1 to sites - 1.
 ShiftRange within(int32_t sites, bool prune = false)
@@ -94,7 +78,7 @@ TEST_P(ShiftKernelChoice, IsThatOfTheTable)
             place.shift += range.first;
         }
         EXPECT_EQ(literalShifts(GetParam().made, range), want);
-        EXPECT_EQ(solved(GetParam().made, range), want) << "prune " << prune;
+        EXPECT_EQ(solvedBy<ShiftKernel>(GetParam().made, range), want) << "prune " << prune;
     }
 }
 
@@ -162,7 +146,7 @@ TEST(ShiftKernel, SaturatesSumsThatGrowBeyondTheStartValue)
         }
         const ShiftPlaces want = literalShifts(made, within(1));
         ASSERT_EQ(want.empty(), n > 65);
-        EXPECT_EQ(solved(made, within(1)), want) << n << " components";
+        EXPECT_EQ(solvedBy<ShiftKernel>(made, within(1)), want) << n << " components";
     }
 }
 
@@ -171,7 +155,9 @@ TEST(ShiftKernel, ChoosesTheSameWithPruning)
     // A state that is dearer than one further left has dearer own costs too, as room to the left only helps.
     for (uint32_t seed = 1; seed <= 1500; ++seed) {
         const HandMade made = randomHandMade(seed);
-        ASSERT_EQ(solved(made, within(3)), solved(made, within(3, /*prune=*/true))) << "seed " << seed;
+        ASSERT_EQ(solvedBy<ShiftKernel>(made, within(3)),
+                  solvedBy<ShiftKernel>(made, within(3, /*prune=*/true)))
+            << "seed " << seed;
     }
 }
 
@@ -208,43 +194,44 @@ TEST(ShiftKernel, LooksAtSitesOfTheSegmentOnly)
     EXPECT_EQ(solved(kernel, made, all), literalShifts(made, {.first = -20, .count = 40}));
 }
 
-struct RefusedCase {
+struct RefusedShifts {
     const char* name;
     HandMade made;
     int32_t range = 2;
 };
 
-void PrintTo(const RefusedCase& row, std::ostream* out)
+void PrintTo(const RefusedShifts& row, std::ostream* out)
 {
     *out << row.name;
 }
 
-class ShiftKernelRefuses : public testing::TestWithParam<RefusedCase> {};
+class ShiftKernelRefuses : public testing::TestWithParam<RefusedShifts> {};
 
 TEST_P(ShiftKernelRefuses, LeavesIt)
 {
-    EXPECT_EQ(solved(GetParam().made, within(GetParam().range)), std::nullopt);
+    EXPECT_EQ(solvedBy<ShiftKernel>(GetParam().made, within(GetParam().range)), std::nullopt);
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Cases, ShiftKernelRefuses,
-    testing::Values(RefusedCase{"NoComponents", {}}, RefusedCase{"NoSolution", {.comps = {{.stitches = {}}}}},
-                    RefusedCase{"NoShifts", {.comps = {{}}}, -1},
-                    RefusedCase{"NegativeSites", {.numSites = -1, .comps = {{}}}},
-                    RefusedCase{"FarNegativeSites", {.numSites = -1000, .comps = {{}}}},
-                    RefusedCase{"NegativeStitches", {.comps = {{.stitches = {0, -1}}}}},
-                    RefusedCase{"StitchesOfMoreThanASiteMayCost", {.comps = {{.stitches = {1 << 28}}}}},
-                    RefusedCase{"NegativeWeight", {.weight = -1.4F, .comps = {{}}}},
-                    RefusedCase{"WeightThatIsNoNumber", {.weight = std::nanf(""), .comps = {{}}}},
-                    RefusedCase{"InfiniteWeight", {.weight = INF, .comps = {{}}}},
-                    RefusedCase{"TermsOfMoreThanASiteMayCost",
-                                {.weight = 1e5F, .comps = {{.lefts = Ints(2000, 9)}}}},
-                    RefusedCase{"NegativeWidth", {.comps = {{.width = -1}}}},
-                    RefusedCase{"NegativeGap", {.comps = {{}, {.gaps = {{-1}}}}}},
-                    RefusedCase{"GapsThatMightWrap", {.comps = {{}, {.gaps = {{1 << 28}}}}}},
-                    RefusedCase{"PlacesThatMightWrap", {.comps = {{.site = 1 << 28}}}},
-                    RefusedCase{"NegativePlacesThatMightWrap", {.comps = {{.site = -2147483647 - 1}}}},
-                    RefusedCase{"WidthsThatMightWrap", {.comps = {{.width = 1 << 28}}}}),
+    testing::Values(RefusedShifts{"NoComponents", {}},
+                    RefusedShifts{"NoSolution", {.comps = {{.stitches = {}}}}},
+                    RefusedShifts{"NoShifts", {.comps = {{}}}, -1},
+                    RefusedShifts{"NegativeSites", {.numSites = -1, .comps = {{}}}},
+                    RefusedShifts{"FarNegativeSites", {.numSites = -1000, .comps = {{}}}},
+                    RefusedShifts{"NegativeStitches", {.comps = {{.stitches = {0, -1}}}}},
+                    RefusedShifts{"StitchesOfMoreThanASiteMayCost", {.comps = {{.stitches = {1 << 28}}}}},
+                    RefusedShifts{"NegativeWeight", {.weight = -1.4F, .comps = {{}}}},
+                    RefusedShifts{"WeightThatIsNoNumber", {.weight = std::nanf(""), .comps = {{}}}},
+                    RefusedShifts{"InfiniteWeight", {.weight = INF, .comps = {{}}}},
+                    RefusedShifts{"TermsOfMoreThanASiteMayCost",
+                                  {.weight = 1e5F, .comps = {{.lefts = Ints(2000, 9)}}}},
+                    RefusedShifts{"NegativeWidth", {.comps = {{.width = -1}}}},
+                    RefusedShifts{"NegativeGap", {.comps = {{}, {.gaps = {{-1}}}}}},
+                    RefusedShifts{"GapsThatMightWrap", {.comps = {{}, {.gaps = {{1 << 28}}}}}},
+                    RefusedShifts{"PlacesThatMightWrap", {.comps = {{.site = 1 << 28}}}},
+                    RefusedShifts{"NegativePlacesThatMightWrap", {.comps = {{.site = -2147483647 - 1}}}},
+                    RefusedShifts{"WidthsThatMightWrap", {.comps = {{.width = 1 << 28}}}}),
     [](const auto& row) { return row.param.name; });
 
 } // namespace

@@ -3,15 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
-#include <limits>
 #include <set>
-#include <string>
 #include <vector>
 
+#include "legalizer/everyProfileOps.h"
 #include "legalizer/handMade.h"
 #include "legalizer/siteCosts.h"
+#include "support/extremes.h"
 
 namespace {
 
@@ -19,11 +18,11 @@ using test::HandMade;
 using test::HandMadeArrays;
 using test::HandMadeComp;
 using test::Ints;
+using test::LARGEST;
 using test::Random;
+using test::SMALLEST;
 using vireloce::FAR_AWAY;
 using vireloce::hasSmallCosts;
-using vireloce::ProfileOps;
-using vireloce::profileOpsHere;
 using vireloce::siteCost;
 using vireloce::SiteCosts;
 
@@ -48,14 +47,7 @@ HandMade anyComponent(uint32_t seed, float weight)
     return made;
 }
 
-std::string nameOf(const testing::TestParamInfo<const ProfileOps*>& row)
-{
-    std::string name(row.param->name);
-    std::erase_if(name, [](unsigned char c) { return std::isalnum(c) == 0; });
-    return name;
-}
-
-class EverySiteCosts : public testing::TestWithParam<const ProfileOps*> {};
+class EverySiteCosts : public test::OpsTest {};
 
 TEST_P(EverySiteCosts, OfSharedProfilesAndStitchesAreTheSumsOfSingleTerms)
 {
@@ -95,15 +87,13 @@ TEST_P(EverySiteCosts, OfSharedProfilesAndStitchesAreTheSumsOfSingleTerms)
 
 TEST_P(EverySiteCosts, OfWholeProfilesAreThoseOfTheSitesForAnyNumbers)
 {
-    constexpr int32_t MOST = std::numeric_limits<int32_t>::max();
     SiteCosts costs(*GetParam());
-    for (const float weight :
-         {1.05F, -2.1F, 1e9F, -3e38F, std::nanf(""), std::numeric_limits<float>::infinity()}) {
+    for (const float weight : {1.05F, -2.1F, 1e9F, -3e38F, std::nanf(""), test::INF}) {
         for (uint32_t seed = 1; seed <= 60; ++seed) {
             HandMade made = anyComponent(seed, weight);
             Random random(seed);
             for (int32_t& stitch : made.comps[0].stitches) {
-                stitch = random.oneOf<int>({0, 1, -1, MOST, -MOST - 1, 1 << 24});
+                stitch = random.oneOf<int>({0, 1, -1, LARGEST, SMALLEST, 1 << 24});
             }
             const HandMadeArrays arrays(made);
             const Ints& stitches = made.comps[0].stitches;
@@ -123,8 +113,7 @@ TEST_P(EverySiteCosts, OfWholeProfilesAreThoseOfTheSitesForAnyNumbers)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(SiteCosts, EverySiteCosts,
-                         testing::ValuesIn(profileOpsHere().begin(), profileOpsHere().end()), nameOf);
+INSTANTIATE_TEST_SUITE_P(SiteCosts, EverySiteCosts, test::everyOps(), test::nameOfOps);
 
 TEST(SiteCost, AddsTheRightEndsBeforeTheLeftEnds)
 {

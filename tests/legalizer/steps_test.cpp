@@ -4,24 +4,24 @@
 
 #include <cstdlib>
 #include <functional>
-#include <limits>
 #include <map>
 
 #include "legalizer/legalizer.h"
 #include "legalizer/randomDesign.h"
 #include "legalizer/segLegalizer.h"
+#include "support/extremes.h"
 #include "support/tinyDesign.h"
 
 namespace {
 
+using test::LARGEST;
 using test::RandomDesign;
 using test::reportOf;
+using test::SMALLEST;
 using test::TinyDesign;
 using Places = std::vector<std::array<int32_t, 4>>;
 using Solve = std::function<void(SegLegalizer&)>;
 
-constexpr int SMALLEST = std::numeric_limits<int32_t>::min();
-constexpr int LARGEST = std::numeric_limits<int32_t>::max();
 constexpr uint32_t TRIALS = 200;
 
 // --- which program a step runs

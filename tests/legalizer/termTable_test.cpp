@@ -5,18 +5,17 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <vector>
 
 #include "legalizer/termTable.h"
 #include "qlib/exact.h"
+#include "support/extremes.h"
 
 namespace {
 
+using test::INF;
 using vireloce::addTruncated;
 using vireloce::TermTable;
-
-constexpr float INF = std::numeric_limits<float>::infinity();
 
 /// Whether a term adds what the table says to a cost.
 bool adds(const TermTable& table, float weight, int32_t cost, int32_t d)
@@ -130,18 +129,18 @@ TEST(TermTable, IsNeededBecauseTermsAddDifferentlyAboveSomeLimit)
     EXPECT_TRUE(differs);
 }
 
-struct RefusedCase {
+struct RefusedTerms {
     const char* name;
     float weight;
     int32_t most;
 };
 
-void PrintTo(const RefusedCase& row, std::ostream* out)
+void PrintTo(const RefusedTerms& row, std::ostream* out)
 {
     *out << row.name;
 }
 
-class TermTableRefuses : public testing::TestWithParam<RefusedCase> {};
+class TermTableRefuses : public testing::TestWithParam<RefusedTerms> {};
 
 TEST_P(TermTableRefuses, WithALimitOfNone)
 {
@@ -157,14 +156,14 @@ TEST_P(TermTableRefuses, WithALimitOfNone)
 
 INSTANTIATE_TEST_SUITE_P(
     Cases, TermTableRefuses,
-    testing::Values(RefusedCase{"Negative", -1.4F, 10}, RefusedCase{"SmallestNegative", -1e-40F, 10},
-                    RefusedCase{"Infinite", INF, 10}, RefusedCase{"InfiniteWithoutSites", INF, 0},
-                    RefusedCase{"MinusInfinite", -INF, 10}, RefusedCase{"NotANumber", std::nanf(""), 10},
-                    RefusedCase{"TermBeyondTheLimit", 1e7F, 2},
-                    RefusedCase{"TermEqualToTheLimit", 8388608.0F, 2},
-                    RefusedCase{"TermBeyond32Bits", 1e9F, 3}, RefusedCase{"TermBeyondFloats", 3e38F, 2},
-                    RefusedCase{"NegativeRange", 1.4F, -1}, RefusedCase{"FarNegativeRange", 1.4F, -1000},
-                    RefusedCase{"MoreSitesThanATableIsWorth", 1e-3F, 2147483647}),
+    testing::Values(RefusedTerms{"Negative", -1.4F, 10}, RefusedTerms{"SmallestNegative", -1e-40F, 10},
+                    RefusedTerms{"Infinite", INF, 10}, RefusedTerms{"InfiniteWithoutSites", INF, 0},
+                    RefusedTerms{"MinusInfinite", -INF, 10}, RefusedTerms{"NotANumber", std::nanf(""), 10},
+                    RefusedTerms{"TermBeyondTheLimit", 1e7F, 2},
+                    RefusedTerms{"TermEqualToTheLimit", 8388608.0F, 2},
+                    RefusedTerms{"TermBeyond32Bits", 1e9F, 3}, RefusedTerms{"TermBeyondFloats", 3e38F, 2},
+                    RefusedTerms{"NegativeRange", 1.4F, -1}, RefusedTerms{"FarNegativeRange", 1.4F, -1000},
+                    RefusedTerms{"MoreSitesThanATableIsWorth", 1e-3F, 2147483647}),
     [](const auto& row) { return row.param.name; });
 
 TEST(TermTable, TakesTheLargestTermsBelowTheLimit)

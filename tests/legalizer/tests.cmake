@@ -2,8 +2,9 @@ vireloce_test(legalizer legalizer/globalMove_test.cpp legalizer/graph_test.cpp l
     legalizer/model_test.cpp legalizer/steps_test.cpp)
 vireloce_test(programs legalizer/ldp_test.cpp legalizer/osr_test.cpp legalizer/tpl_test.cpp
     legalizer/tplosr_test.cpp)
-vireloce_test(roads legalizer/roads_test.cpp legalizer/literalRows_test.cpp)
-vireloce_test(kernels legalizer/colourKernel_test.cpp legalizer/contracts_test.cpp legalizer/fastRoad_test.cpp
+vireloce_test(roads SHARDS 2 legalizer/roads_test.cpp legalizer/literalRows_test.cpp)
+vireloce_test(kernels SHARDS 2
+    legalizer/colourKernel_test.cpp legalizer/contracts_test.cpp legalizer/fastRoad_test.cpp
     legalizer/fullGridKernel_test.cpp legalizer/fullShiftKernel_test.cpp legalizer/gridKernel_test.cpp
     legalizer/gridPath_test.cpp legalizer/layerStore_test.cpp legalizer/longRow_test.cpp
     legalizer/pairCosts_test.cpp legalizer/pairGaps_test.cpp legalizer/placementMirror_test.cpp

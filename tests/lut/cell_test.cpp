@@ -3,9 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
 #include "lut/cells.h"
+#include "support/extremes.h"
 #include "support/guards.h"
 
 namespace {
@@ -13,11 +12,10 @@ namespace {
 using test::boxesOf;
 using test::Corners;
 using test::cornersOf;
+using test::LARGEST;
 using test::makeCell;
 using test::ShapeList;
-
-constexpr int32_t LARGEST = std::numeric_limits<int32_t>::max();
-constexpr int32_t SMALLEST = std::numeric_limits<int32_t>::min();
+using test::SMALLEST;
 
 class CellTest : public testing::Test {
     test::ParameterGuard m_parameters;

@@ -486,7 +486,7 @@ std::string describe(const Side& side)
 }
 
 /// Compares every pair of solutions of two random cells, the ones just out of range included.
-void compareWithLiteral(int32_t minDist, int32_t scale)
+void comparePairs(int32_t minDist, int32_t scale)
 {
     const test::ParameterGuard parameters;
     MINDPLDIST = minDist;
@@ -509,7 +509,7 @@ void compareWithLiteral(int32_t minDist, int32_t scale)
 
 RC_GTEST_PROP(GetSafeDistOfAnyCells, IsWhatTheRulesGive, ())
 {
-    compareWithLiteral(*rc::gen::oneOf(rc::gen::just(185), rc::gen::inRange(1, 400)), 1);
+    comparePairs(*rc::gen::oneOf(rc::gen::just(185), rc::gen::inRange(1, 400)), 1);
 }
 
 RC_GTEST_PROP(GetSafeDistOfAnyCells, IsWhatTheRulesGiveAtAnyMinimumDistance, ())
@@ -518,7 +518,7 @@ RC_GTEST_PROP(GetSafeDistOfAnyCells, IsWhatTheRulesGiveAtAnyMinimumDistance, ())
                                                           92682, 92683, std::numeric_limits<int32_t>::max(),
                                                           std::numeric_limits<int32_t>::min()),
                                          rc::gen::inRange(-200, 200000), rc::gen::arbitrary<int32_t>());
-    compareWithLiteral(minDist, *rc::gen::element(1, 100, 300, 1000000));
+    comparePairs(minDist, *rc::gen::element(1, 100, 300, 1000000));
 }
 
 } // namespace

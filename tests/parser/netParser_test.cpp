@@ -9,6 +9,7 @@
 
 namespace {
 
+using test::nameOfRow;
 using test::Reading;
 
 /// A design with the components u, v, w and the pins a, b, and v again as a pin.
@@ -219,8 +220,6 @@ void PrintTo(const NetsCase& row, std::ostream* out)
     *out << row.name;
 }
 
-const auto nameOf = [](const auto& row) { return std::string(row.param.name); };
-
 class Layout : public testing::TestWithParam<NetsCase> {};
 
 TEST_P(Layout, DoesNotMatter)
@@ -236,7 +235,7 @@ const NetsCase LAYOUT_CASES[] = {
     {"EmptyLines", "\n\n2\n\n\n2 u\n\nv\n3 w a b", "u v; w a b"},
 };
 
-INSTANTIATE_TEST_SUITE_P(NetParser, Layout, testing::ValuesIn(LAYOUT_CASES), nameOf);
+INSTANTIATE_TEST_SUITE_P(NetParser, Layout, testing::ValuesIn(LAYOUT_CASES), nameOfRow);
 
 class OddNetlist : public testing::TestWithParam<NetsCase> {};
 
@@ -261,6 +260,6 @@ const NetsCase ODD_CASES[] = {
     {"NullCharacterForTheCount", std::string(1, '\0'), ""},
 };
 
-INSTANTIATE_TEST_SUITE_P(NetParser, OddNetlist, testing::ValuesIn(ODD_CASES), nameOf);
+INSTANTIATE_TEST_SUITE_P(NetParser, OddNetlist, testing::ValuesIn(ODD_CASES), nameOfRow);
 
 } // namespace

@@ -10,6 +10,7 @@
 
 namespace {
 
+using test::nameOfRow;
 using test::Reading;
 
 /// The pins of a design as "name x y, name x y".
@@ -81,8 +82,6 @@ void PrintTo(const TextCase& row, std::ostream* out)
     *out << row.name;
 }
 
-const auto nameOf = [](const auto& row) { return std::string(row.param.name); };
-
 class PinLayout : public testing::TestWithParam<TextCase> {};
 
 TEST_P(PinLayout, DoesNotMatter)
@@ -92,7 +91,7 @@ TEST_P(PinLayout, DoesNotMatter)
     EXPECT_EQ(pinsOf(r.design), "a 1 2, b 3 4");
 }
 
-const TextCase LAYOUT_CASES[] = {
+const TextCase PIN_LAYOUTS[] = {
     {"OneLine", "2 a 1 2 b 3 4"},
     {"OneWordALine", "2\na\n1\n2\nb\n3\n4\n"},
     {"Tabs", "2\ta\t1\t2\tb\t3\t4\t"},
@@ -101,7 +100,7 @@ const TextCase LAYOUT_CASES[] = {
     {"SplitInTheMiddle", "2 a\n1 2 b 3\n4"},
 };
 
-INSTANTIATE_TEST_SUITE_P(PinParser, PinLayout, testing::ValuesIn(LAYOUT_CASES), nameOf);
+INSTANTIATE_TEST_SUITE_P(PinParser, PinLayout, testing::ValuesIn(PIN_LAYOUTS), nameOfRow);
 
 class PinCount : public testing::TestWithParam<TextCase> {};
 
@@ -120,7 +119,7 @@ const TextCase COUNT_CASES[] = {
     {"Point", ".5 a 1 2"},    {"NullCharacter", std::string(1, '\0') + "1 a 1 2"},
 };
 
-INSTANTIATE_TEST_SUITE_P(PinParser, PinCount, testing::ValuesIn(COUNT_CASES), nameOf);
+INSTANTIATE_TEST_SUITE_P(PinParser, PinCount, testing::ValuesIn(COUNT_CASES), nameOfRow);
 
 /// A pin file that is not complete.
 struct ShortCase {
@@ -157,7 +156,7 @@ const ShortCase SHORT_CASES[] = {
     {"CountOutOfRange", "99999999999\na 1 2", "1: pin 1 of 2147483647"},
 };
 
-INSTANTIATE_TEST_SUITE_P(PinParser, ShortPins, testing::ValuesIn(SHORT_CASES), nameOf);
+INSTANTIATE_TEST_SUITE_P(PinParser, ShortPins, testing::ValuesIn(SHORT_CASES), nameOfRow);
 
 TEST(PinParser, CoordinatesMayBeTheLimitsOf32Bits)
 {

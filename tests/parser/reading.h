@@ -10,6 +10,9 @@
 
 namespace test {
 
+/// Name of a row of a table of cases, for its test.
+constexpr auto nameOfRow = [](const auto& row) { return std::string(row.param.name); };
+
 /// A design with its files; every read() adds to the design.
 class Reading {
 public:

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "qlib/exact.h"
+#include "support/extremes.h"
 
 #include <gtest/gtest.h>
 
@@ -12,12 +13,11 @@
 
 namespace {
 
+using test::LARGEST;
+using test::SMALLEST;
 using vireloce::addTruncated;
 using vireloce::ceilSites;
 using vireloce::toInt;
-
-constexpr int32_t LARGEST = std::numeric_limits<int32_t>::max();
-constexpr int32_t SMALLEST = std::numeric_limits<int32_t>::min();
 
 struct DoubleCase {
     const char* name;

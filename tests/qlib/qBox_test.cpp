@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "qlib/qBox.h"
+#include "support/extremes.h"
 
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
 #include <array>
-#include <limits>
 
 namespace {
 
-constexpr int32_t LARGEST = std::numeric_limits<int32_t>::max();
-constexpr int32_t SMALLEST = std::numeric_limits<int32_t>::min();
+using test::LARGEST;
+using test::SMALLEST;
 
 /// Left, right, bottom, top.
 std::array<int32_t, 4> sides(const qBox& box)

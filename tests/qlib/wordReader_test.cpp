@@ -6,14 +6,14 @@
 
 #include <sstream>
 
+#include "support/extremes.h"
 #include "support/guards.h"
 
 namespace {
 
+using test::LARGEST;
+using test::SMALLEST;
 using vireloce::WordReader;
-
-constexpr int32_t LARGEST = std::numeric_limits<int32_t>::max();
-constexpr int32_t SMALLEST = std::numeric_limits<int32_t>::min();
 
 /// A reader of a text, through a file.
 class TextReader : public WordReader {

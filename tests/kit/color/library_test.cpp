@@ -248,11 +248,11 @@ TEST(KitColorLibraryFiles, PassLint)
 
 TEST(KitColorLibraryFiles, AreFreeOfConflictsWithOverlapAndOtherDistances)
 {
-    struct Rules {
+    struct Spacing {
         int32_t distance;
         int32_t overlap;
     };
-    for (const Rules& rules : {Rules{185, 20}, Rules{150, 0}, Rules{100, 5}, Rules{220, 0}}) {
+    for (const Spacing& rules : {Spacing{185, 20}, Spacing{150, 0}, Spacing{100, 5}, Spacing{220, 0}}) {
         const TempDir dir;
         color(dir.path("lib"),
               {"--mindp", std::to_string(rules.distance), "--stitch-overlap", std::to_string(rules.overlap)});

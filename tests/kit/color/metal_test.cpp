@@ -84,7 +84,7 @@ TEST_P(KitColorNets, AreFoundByTouch)
 INSTANTIATE_TEST_SUITE_P(All, KitColorNets, testing::ValuesIn(NETS),
                          [](const auto& row) { return std::string(row.param.name); });
 
-const NetCase RAILS[] = {
+const NetCase SUPPLY_METAL[] = {
     {"FingersBelongToTheirRail",
      {pin("VSS", {rectShape(0, -85, 190, 85), rectShape(20, -85, 50, 300)}, PinUse::GROUND)},
      {rectShape(50, 250, 90, 300)},
@@ -121,7 +121,7 @@ TEST_P(KitColorRails, AreSupplyMetalAtTheEdge)
     EXPECT_TRUE(found.polygons.empty());
 }
 
-INSTANTIATE_TEST_SUITE_P(All, KitColorRails, testing::ValuesIn(RAILS),
+INSTANTIATE_TEST_SUITE_P(All, KitColorRails, testing::ValuesIn(SUPPLY_METAL),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST(KitColorMetal, PinsThatTouchAreRemarkedOnce)
@@ -134,13 +134,13 @@ TEST(KitColorMetal, PinsThatTouchAreRemarkedOnce)
     EXPECT_EQ(found.polygons.size(), 1U);
 }
 
-struct FaultCase {
+struct MetalFault {
     const char* name;
     LefMacro master;
     const char* want;
 };
 
-const FaultCase FAULTS[] = {
+const MetalFault METAL_FAULTS[] = {
     {"SlantingPolygon", macro(190, {pin("A", {polygonShape({{0, 0}, {50, 50}, {50, 0}})})}),
      "a polygon of A has edges that are not along an axis, or no area"},
     {"SlantingObstruction", macro(190, {}, {polygonShape({{0, 0}, {50, 50}, {50, 0}})}),
@@ -156,7 +156,7 @@ const FaultCase FAULTS[] = {
      "the cell has more than 1000 rectangles of metal"},
 };
 
-class KitColorMetalFaults : public testing::TestWithParam<FaultCase> {};
+class KitColorMetalFaults : public testing::TestWithParam<MetalFault> {};
 
 TEST_P(KitColorMetalFaults, IsTold)
 {
@@ -168,7 +168,7 @@ TEST_P(KitColorMetalFaults, IsTold)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, KitColorMetalFaults, testing::ValuesIn(FAULTS),
+INSTANTIATE_TEST_SUITE_P(All, KitColorMetalFaults, testing::ValuesIn(METAL_FAULTS),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST(KitColorScale, ASiteIs190Wide)

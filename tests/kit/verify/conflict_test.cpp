@@ -16,6 +16,8 @@ namespace {
 
 using namespace test;
 using kit::verify::Span;
+using test::Cell; // not the placer's, which other tests of the folder include
+using test::Component;
 
 /// A cell of one site with one bar on mask 1, from 400 to 1000.
 Cell oneBar(const std::string& name, int32_t xl, int32_t xh)
