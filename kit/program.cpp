@@ -4,6 +4,8 @@
 #include <iostream>
 #include <new>
 
+#include "kit/base/printable.h"
+
 namespace kit {
 
 namespace {
@@ -12,7 +14,7 @@ constexpr int BAD_USAGE = 2;
 
 int fail(const std::string& why)
 {
-    std::cerr << "vireloce-kit: " << why << '\n';
+    std::cerr << "vireloce-kit: " << printable(why) << '\n';
     return BAD_USAGE;
 }
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/compare/command.h"
 
-#include <fstream>
 #include <iostream>
 #include <list>
 #include <memory>
@@ -9,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "kit/base/readFile.h"
 #include "kit/compare/table.h"
 #include "kit/fault.h"
 
@@ -23,11 +23,7 @@ struct Options {
 
 nlohmann::json read(const std::string& path)
 {
-    std::ifstream in(path);
-    if (!in.is_open()) {
-        throw Fault("cannot open " + path);
-    }
-    nlohmann::json result = nlohmann::json::parse(in, nullptr, /*allow_exceptions=*/false);
+    nlohmann::json result = nlohmann::json::parse(readFile(path), nullptr, /*allow_exceptions=*/false);
     if (!result.is_object() || result.value("schema", nlohmann::json()) != "vireloce-place" ||
         result.value("version", nlohmann::json()) != 1) {
         throw Fault(path + " is no result of vireloce-kit place, version 1");

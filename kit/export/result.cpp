@@ -4,8 +4,8 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
+#include "kit/base/readFile.h"
 #include "kit/fault.h"
-#include "kit/input/text.h"
 
 namespace kit::exporter {
 
@@ -19,7 +19,7 @@ constexpr std::string_view ENDING = ".json";
 /// A result's JSON, once it is known to be one with a placement.
 Json readJson(const std::string& path)
 {
-    Json json = Json::parse(input::readText(path), nullptr, /*allow_exceptions=*/false);
+    Json json = Json::parse(readFile(path), nullptr, /*allow_exceptions=*/false);
     if (!json.is_object() || json.value("schema", Json()) != "vireloce-place") {
         throw Fault(path + " is no result of vireloce-kit place");
     }

@@ -7,7 +7,7 @@
 #include <numeric>
 #include <set>
 
-#include "kit/outputFile.h"
+#include "kit/base/outputFile.h"
 
 namespace kit::importing {
 

@@ -3,7 +3,8 @@
 
 #include <utility>
 
-#include "kit/outputPaths.h"
+#include "kit/base/folder.h"
+#include "kit/base/outputPaths.h"
 
 namespace kit::place {
 
@@ -25,7 +26,7 @@ std::vector<std::string> placerArguments(const Options& options)
 
 void checkOutputs(const Options& options)
 {
-    std::vector<std::string> inputs;
+    std::vector<std::string> inputs = filesIn(options.cellPath);
     for (const char* extension : {".place", ".pins", ".netlist", ".cells", MAP}) {
         inputs.push_back(options.base + extension);
     }

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <set>
 
+#include "kit/base/readFile.h"
 #include "kit/fault.h"
 #include "kit/input/text.h"
 
@@ -65,7 +66,7 @@ std::string escaped(const std::string& name)
 
 json readJson(const std::string& path)
 {
-    const std::string text = input::readText(path);
+    const std::string text = readFile(path);
     try {
         Onlooker onlooker(path);
         return json::parse(text, [&](int depth, json::parse_event_t event, const json& value) {

@@ -3,7 +3,7 @@
 #include <charconv>
 #include <filesystem>
 
-#include "kit/outputFile.h"
+#include "kit/base/outputFile.h"
 #include "kit/verify/report.h"
 
 namespace kit::verify {

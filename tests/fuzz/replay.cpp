@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "check.h"
-#include "kit/input/text.h"
+#include "kit/base/readFile.h"
 
 namespace {
 
@@ -21,7 +21,7 @@ size_t replay(const std::string& folder)
     std::sort(paths.begin(), paths.end());
     for (const std::string& path : paths) {
         std::cout << path << std::endl; // before the run, which may end the program
-        const std::string text = kit::input::readText(path);
+        const std::string text = kit::readFile(path);
         const std::vector<uint8_t> bytes(text.begin(), text.end());
         LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
     }

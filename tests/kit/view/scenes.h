@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "kit/base/outputFile.h"
 #include "kit/kitRun.h"
-#include "kit/outputFile.h"
 #include "kit/view/scene.h"
 
 namespace test {
