@@ -27,7 +27,7 @@ mode_t modeOf(const std::string& path)
     return info.st_mode & 07777U;
 }
 
-std::string faultOf(const std::string& path, const std::string& text)
+std::string writingFault(const std::string& path, const std::string& text)
 {
     try {
         writeFile(path, text);
@@ -128,15 +128,15 @@ TEST(KitOutputFile, TwoWritersOfOneFileDoNotMeet)
 TEST(KitOutputFile, SaysWhyItCannotBeWritten)
 {
     const TempDir dir;
-    EXPECT_EQ(faultOf(dir.path("no/f"), ""),
+    EXPECT_EQ(writingFault(dir.path("no/f"), ""),
               "cannot write " + dir.path("no/f") + ": No such file or directory");
     dir.write("d/inside", "");
-    EXPECT_EQ(faultOf(dir.path("d"), ""), "cannot write " + dir.path("d") + ": Is a directory");
+    EXPECT_EQ(writingFault(dir.path("d"), ""), "cannot write " + dir.path("d") + ": Is a directory");
 }
 
 TEST(KitOutputFile, AFullDeviceIsAFault)
 {
-    EXPECT_EQ(faultOf("/dev/full", "text"), "cannot write /dev/full: No space left on device");
+    EXPECT_EQ(writingFault("/dev/full", "text"), "cannot write /dev/full: No space left on device");
 }
 
 TEST(KitOutputFile, AFileThatMayNotGetSoLongLeavesTheOldOne)
@@ -144,7 +144,7 @@ TEST(KitOutputFile, AFileThatMayNotGetSoLongLeavesTheOldOne)
     const TempDir dir;
     dir.write("f", "old");
     const test::FileSizeLimit limit(100'000);
-    EXPECT_EQ(faultOf(dir.path("f"), std::string(200'000, 'x')),
+    EXPECT_EQ(writingFault(dir.path("f"), std::string(200'000, 'x')),
               "cannot write " + dir.path("f") + ": File too large");
     EXPECT_EQ(contentOf(dir.path("f")), "old");
     EXPECT_EQ(numFilesIn(dir), 1U);

@@ -15,7 +15,7 @@ using kit::printable;
 using kit::readFile;
 using test::TempDir;
 
-std::string faultOf(const std::string& path)
+std::string readingFault(const std::string& path)
 {
     try {
         readFile(path);
@@ -52,16 +52,16 @@ TEST(KitReadFile, ReadsWhatDoesNotTellItsLength)
 TEST(KitReadFile, SaysWhyAFileCannotBeRead)
 {
     const TempDir dir;
-    EXPECT_EQ(faultOf(dir.path("none")),
+    EXPECT_EQ(readingFault(dir.path("none")),
               "cannot open file " + dir.path("none") + ": No such file or directory");
-    EXPECT_EQ(faultOf("/dev/null/f"), "cannot open file /dev/null/f: Not a directory");
-    EXPECT_EQ(faultOf(dir.path("")), "cannot read file " + dir.path("") + ": Is a directory");
+    EXPECT_EQ(readingFault("/dev/null/f"), "cannot open file /dev/null/f: Not a directory");
+    EXPECT_EQ(readingFault(dir.path("")), "cannot read file " + dir.path("") + ": Is a directory");
 }
 
 TEST(KitReadFile, ACompressedFileIsCalledThat)
 {
     const TempDir dir;
-    EXPECT_EQ(faultOf(dir.write("d.def.gz", "\x1f\x8b\x08 whatever")),
+    EXPECT_EQ(readingFault(dir.write("d.def.gz", "\x1f\x8b\x08 whatever")),
               dir.path("d.def.gz") + " is gzip-compressed: unpack it first");
 }
 
