@@ -11,6 +11,7 @@
 #include <numeric>
 #include <string_view>
 
+#include "kit/base/printable.h"
 #include "kit/base/version.h"
 
 namespace kit {
@@ -29,7 +30,7 @@ using Words = std::vector<std::string>;
 
 int fail(const std::string& why)
 {
-    std::cerr << "vireloce-kit: " << why << '\n';
+    std::cerr << "vireloce-kit: " << printable(why) << '\n';
     return BAD_USAGE;
 }
 

@@ -85,7 +85,7 @@ std::string_view entityOf(char character)
 
 } // namespace
 
-std::string printable(std::string_view text)
+std::string withoutControls(std::string_view text)
 {
     std::string result;
     while (!text.empty()) {
@@ -100,7 +100,7 @@ std::string printable(std::string_view text)
 std::string escapeXml(std::string_view text)
 {
     std::string result;
-    for (const char character : printable(text)) {
+    for (const char character : withoutControls(text)) {
         const std::string_view entity = entityOf(character);
         if (entity.empty()) {
             result += character;

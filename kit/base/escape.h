@@ -15,6 +15,6 @@ std::string escapeXml(std::string_view text);
 std::string escapeScript(std::string_view json);
 
 /// The text with every byte that is no UTF-8, and every control character, replaced by a question mark.
-std::string printable(std::string_view text);
+std::string withoutControls(std::string_view text);
 
 } // namespace kit

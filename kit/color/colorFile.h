@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include "kit/base/outputFile.h"
 #include "kit/input/design.h"
-#include "kit/outputFile.h"
 
 namespace kit::color {
 

@@ -7,6 +7,7 @@
 #include <ostream>
 #include <sstream>
 
+#include "kit/base/printable.h"
 #include "kit/color/micron.h"
 #include "kit/input/findingText.h"
 #include "kit/input/text.h"
@@ -45,9 +46,9 @@ void writeTroubles(const Result& result, std::ostream& out)
     for (size_t i = 0; i < result.colours.size(); ++i) {
         const ColouredCell& cell = result.colours[i];
         if (cell.tooLarge) {
-            out << "  " << result.metal[i].name << ": the search was given up\n";
+            out << "  " << printable(result.metal[i].name) << ": the search was given up\n";
         } else if (cell.trouble) {
-            out << "  " << result.metal[i].name << ": "
+            out << "  " << printable(result.metal[i].name) << ": "
                 << counted(static_cast<int64_t>(cell.trouble->polygons.size()), "shape")
                 << " too close together; --mindp " << cell.trouble->goodDistance << " would do"
                 << (cell.file ? "; " + conflictText(cell) : "") << '\n';
@@ -69,9 +70,7 @@ void writeMessages(const input::Findings& findings, std::ostream& out)
         }
         line += std::string(": ") + input::wordOf(finding.severity) + ": " + finding.what;
         line += finding.advice.empty() ? "" : "; " + finding.advice;
-        std::replace_if(
-            line.begin(), line.end(), [](char c) { return (c >= 0 && c < ' ') || c == '\x7f'; }, '?');
-        out << line << '\n';
+        out << printable(line) << '\n';
     }
 }
 

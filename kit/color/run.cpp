@@ -9,6 +9,9 @@
 #include <mutex>
 #include <thread>
 
+#include "kit/base/folder.h"
+#include "kit/base/outputPaths.h"
+#include "kit/base/outputSet.h"
 #include "kit/color/colorFile.h"
 #include "kit/color/micron.h"
 #include "kit/color/picture.h"
@@ -116,47 +119,34 @@ private:
     bool m_masksTold = false;
 };
 
-/// Nothing that exists is replaced without --force.
-void checkOutputs(const Options& options, const std::vector<CellMetal>& cells)
+void checkOutputsOf(const Options& options, const std::vector<CellMetal>& cells)
 {
-    if (options.force) {
-        return;
-    }
+    std::vector<std::string> outputs;
     for (const CellMetal& cell : cells) {
-        for (const char* extension : {".color", ".svg"}) {
-            const std::string path = pathOf(options, cell.name, extension);
-            std::error_code error;
-            if ((extension[1] == 'c' || options.svg) && std::filesystem::exists(path, error)) {
-                throw Fault(path + " exists: give --force to replace it");
-            }
+        outputs.push_back(pathOf(options, cell.name, ".color"));
+        if (options.svg) {
+            outputs.push_back(pathOf(options, cell.name, ".svg"));
         }
     }
-}
-
-void makeFolder(const std::string& path)
-{
-    std::error_code error;
-    std::filesystem::create_directories(path, error);
-    if (error) {
-        throw Fault("cannot make the folder " + path + ": " + error.message());
-    }
+    checkOutputs(outputs, options.lefs, options.force);
 }
 
 void writeFiles(const Options& options, const Result& result)
 {
+    OutputSet set;
     for (size_t i = 0; i < result.colours.size(); ++i) {
         const std::string& name = result.metal[i].name;
         if (result.colours[i].file) {
-            OutputFile file(pathOf(options, name, ".color"));
-            writeColorFile(file, *result.colours[i].file);
-            file.commit();
+            set.add(pathOf(options, name, ".color"),
+                    [&](OutputFile& file) { writeColorFile(file, *result.colours[i].file); });
         }
         if (options.svg) {
-            OutputFile file(pathOf(options, name, ".svg"));
-            writePicture(file, result.metal[i], result.colours[i], options.settings.rules);
-            file.commit();
+            set.add(pathOf(options, name, ".svg"), [&](OutputFile& file) {
+                writePicture(file, result.metal[i], result.colours[i], options.settings.rules);
+            });
         }
     }
+    set.commit();
 }
 
 /// Tells of the cells that have no colouring.
@@ -229,7 +219,7 @@ int run(const Options& options)
     }
     result.selection = selectCells(library, options.site, options.layer, result.findings);
     MetalReader(library, result).run();
-    checkOutputs(options, result.metal);
+    checkOutputsOf(options, result.metal);
     makeFolder(options.outDir);
     const bool errors = hasErrors(result.findings);
     result.colours = colourAll(result.metal, options.settings, bottomOf(result.metal), options.jobs);

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cassert>
 
-#include "kit/outputFile.h"
+#include "kit/base/outputFile.h"
 
 namespace kit::exporter {
 

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 
+#include "kit/base/outputSet.h"
 #include "kit/export/defPatch.h"
 #include "kit/export/layerProperties.h"
 #include "kit/export/layout.h"
@@ -15,7 +16,6 @@
 #include "kit/input/reader.h"
 #include "kit/input/text.h"
 #include "kit/lint/report.h"
-#include "kit/outputFile.h"
 
 namespace kit::exporter {
 
@@ -28,26 +28,25 @@ constexpr size_t MOST_OF_A_KIND = 20;
 using input::counted;
 using lefdef::Length;
 
-/// Files that come into being together.
+/// The files, with a line for the user about each.
 class Outputs {
 public:
-    OutputFile& add(const std::string& path, std::string line)
+    template <typename Write>
+    void add(const std::string& path, const std::string& line, const Write& write)
     {
-        m_lines += path + ": " + std::move(line) + "\n";
-        return *m_files.emplace_back(std::make_unique<OutputFile>(path));
+        m_set.add(path, write);
+        m_lines += path + ": " + line + "\n";
     }
 
     void commit()
     {
-        for (const std::unique_ptr<OutputFile>& file : m_files) {
-            file->commit();
-        }
+        m_set.commit();
         std::cout << m_lines << std::flush; // before the findings
     }
 
 private:
-    std::vector<std::unique_ptr<OutputFile>> m_files;
-    std::string m_lines; ///< for the user
+    OutputSet m_set;
+    std::string m_lines;
 };
 
 class ExportRun {
@@ -116,10 +115,11 @@ private:
         } else {
             tellFillers();
         }
-        edits.write(m_inputs.defSource->text(), m_outputs.add(m_options.out, line));
+        const auto write = [&](OutputFile& file) { edits.write(m_inputs.defSource->text(), file); };
+        m_outputs.add(m_options.out, line, write);
         if (!m_options.defMasks.empty()) {
             renameMacros(edits);
-            edits.write(m_inputs.defSource->text(), m_outputs.add(m_options.defMasks, line));
+            m_outputs.add(m_options.defMasks, line, write);
         }
     }
 
@@ -155,8 +155,10 @@ private:
             return;
         }
         const Length siteWidth = step() * lefdef::MICRON / micron();
-        m_outputs.add(m_options.lefMasks, counted(static_cast<int64_t>(m_masters.size()), "master"))
-            << masterText(m_inputs, m_masters, m_macros, siteWidth, m_findings);
+        m_outputs.add(m_options.lefMasks, counted(static_cast<int64_t>(m_masters.size()), "master"),
+                      [&](OutputFile& file) {
+                          file << masterText(m_inputs, m_masters, m_macros, siteWidth, m_findings);
+                      });
     }
 
     void writeGds()
@@ -171,18 +173,21 @@ private:
                  "the units of the DEF file",
                  "");
         }
-        OutputFile& file = m_outputs.add(m_options.gds, std::to_string(grid.unitsPerMicron()) +
-                                                            " database units per micrometre");
-        const int64_t leftOut =
-            writeLayout({m_inputs.frame.topCell, m_inputs.design, m_inputs.def, m_matching.placed,
-                         m_inputs.colours, m_matching.untouched, m_macros, grid},
-                        file);
+        int64_t leftOut = 0;
+        const auto write = [&](OutputFile& file) {
+            leftOut = writeLayout({m_inputs.frame.topCell, m_inputs.design, m_inputs.def, m_matching.placed,
+                                   m_inputs.colours, m_matching.untouched, m_macros, grid},
+                                  file);
+        };
+        m_outputs.add(m_options.gds, std::to_string(grid.unitsPerMicron()) + " database units per micrometre",
+                      write);
         if (leftOut > 0) {
             note("no-outline",
                  "the layout lacks " + counted(leftOut, "component") + ", as no outline is known",
                  "give their macros with --lef");
         }
-        m_outputs.add(layerPropertiesOf(m_options.gds), "layer properties") << layerPropertiesText();
+        m_outputs.add(layerPropertiesOf(m_options.gds), "layer properties",
+                      [](OutputFile& file) { file << layerPropertiesText(); });
     }
 
     /// DBU per micrometre.

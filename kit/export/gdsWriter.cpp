@@ -4,9 +4,9 @@
 #include <array>
 #include <limits>
 
+#include "kit/base/outputFile.h"
 #include "kit/export/real8.h"
 #include "kit/fault.h"
-#include "kit/outputFile.h"
 
 namespace kit::exporter {
 

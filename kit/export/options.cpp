@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "kit/outputPaths.h"
+#include "kit/base/outputPaths.h"
 
 namespace kit::exporter {
 

@@ -5,8 +5,8 @@
 #include <optional>
 
 #include "kit/base/json.h"
+#include "kit/base/readFile.h"
 #include "kit/fault.h"
-#include "kit/input/text.h"
 
 namespace kit::exporter {
 
@@ -19,7 +19,7 @@ constexpr std::string_view ENDING = ".json";
 /// A result's JSON, once it is known to be one with a placement.
 Json readJson(const std::string& path)
 {
-    const std::optional<Json> json = Json::tryParse(input::readText(path));
+    const std::optional<Json> json = Json::tryParse(readFile(path));
     if (!json || (*json)["schema"] != "vireloce-place") {
         throw Fault(path + " is no result of vireloce-kit place");
     }

@@ -7,10 +7,10 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "kit/base/readFile.h"
 #include "kit/base/shortText.h"
 #include "kit/fault.h"
 #include "kit/hash.h"
-#include "kit/input/text.h"
 
 namespace kit::flow {
 
@@ -53,7 +53,7 @@ std::string cachedFolder(const Options& options, const std::string& site)
         hash.add(std::string_view("\0", 1)); // "a" and "bc" are not "ab" and "c"
     }
     for (const std::string& path : options.lefs) {
-        hash.add(input::readText(path));
+        hash.add(readFile(path));
         hash.add(std::string_view("\0", 1));
     }
     return (fs::path(cacheRoot(options)) / hash.text()).string();

@@ -5,17 +5,20 @@
 #include <array>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <ostream>
 #include <sstream>
 
+#include "kit/base/folder.h"
+#include "kit/base/memoryFile.h"
+#include "kit/base/outputPaths.h"
+#include "kit/base/outputSet.h"
+#include "kit/base/printable.h"
+#include "kit/base/readFile.h"
 #include "kit/fault.h"
 #include "kit/flow/cache.h"
 #include "kit/flow/steps.h"
-#include "kit/input/text.h"
 #include "kit/lefdef/nameMap.h"
 #include "kit/lefdef/units.h"
-#include "kit/outputPaths.h"
 #include "kit/process/childProcess.h"
 
 namespace kit::flow {
@@ -27,15 +30,6 @@ namespace {
 constexpr int NOT_CLEAN = 1;
 constexpr int FAILED = 2;
 constexpr const char* MARK = "made-by-flow";
-
-void makeFolder(const std::string& path)
-{
-    std::error_code error;
-    fs::create_directories(path, error);
-    if (error) {
-        throw Fault("cannot make the folder " + path + ": " + error.message());
-    }
-}
 
 class Flow {
 public:
@@ -51,7 +45,7 @@ public:
         try {
             status = runSteps();
         } catch (const std::exception& error) {
-            m_out << "\n" << error.what() << "\n";
+            m_out << "\n" << printable(error.what()) << "\n";
         }
         m_out << (status == 0 ? "Done: " : "Stopped; the files so far are in ")
               << (status == 0 ? results() : m_places.folder) << "\n";
@@ -71,6 +65,8 @@ private:
         for (const char* extension : RESULTS) {
             outputs.push_back(m_options.out + extension);
         }
+        const std::vector<std::string> cells = filesIn(m_options.cellPath);
+        inputs.insert(inputs.end(), cells.begin(), cells.end());
         checkOutputs(outputs, inputs, m_options.force);
         inputs.insert(inputs.end(), {m_options.cellPath, m_options.cache});
         for (const std::string& input : inputs) {
@@ -104,7 +100,7 @@ private:
             fs::remove_all(m_places.folder);
         }
         makeFolder(m_places.folder);
-        std::ofstream(mark).flush();
+        writeFile(mark, "");
     }
 
     int runSteps()
@@ -119,30 +115,48 @@ private:
         if (!runStep(exportStep(m_options, m_places)) || !runStep(viewStep(m_options, m_places))) {
             return FAILED;
         }
-        fs::copy_file(m_places.placed + ".json", m_options.out + ".json",
-                      fs::copy_options::overwrite_existing);
+        writeResults();
         return 0;
+    }
+
+    void writeResults() const
+    {
+        OutputSet set;
+        for (const std::string extension : RESULTS) {
+            set.addCopy(m_options.out + extension,
+                        (extension == ".json" ? m_places.placed : m_places.result) + extension);
+        }
+        set.commit();
+        for (const char* extension : RESULTS) {
+            fs::remove(m_places.result + extension); // once is enough
+        }
     }
 
     /// Runs a step and writes its line. @return whether to go on
     bool runStep(const Step& step)
     {
         const std::string log = logOf(step.name);
-        const std::string errors = m_places.folder + "/" + step.name + ".messages";
+        const MemoryFile errors; // says that the disk is full even then
         std::vector<std::string> words{process::ownPath()};
         words.insert(words.end(), step.words.begin(), step.words.end());
-        m_ending = process::run(words, log, errors);
+        m_ending = process::run(words, log, errors.path());
+        const std::string messages = readFile(errors.path());
         const bool good = m_ending.signal == 0 && m_ending.status <= step.goodStatus;
         const bool finished = m_ending.signal == 0 && m_ending.status <= NOT_CLEAN;
-        const std::string summary = finished ? step.summary(input::readText(log)) : "";
+        const std::string summary = finished ? step.summary(readFile(log)) : "";
         writeLine(step.name, (good ? "" : finished ? "FAILED: " : "FAILED") + summary);
         if (good && step.tellsMessages) {
-            m_out << input::readText(errors);
+            m_out << messages;
         } else if (!good) {
-            tellFailure(step, words,
-                        input::readText(errors) + (step.name == "place" ? "" : input::readText(log)));
+            tellFailure(step, words, messages, readFile(log));
         }
+        writeFile(messagesOf(step.name), messages);
         return good;
+    }
+
+    std::string messagesOf(const std::string& step) const
+    {
+        return m_places.folder + "/" + step + ".messages";
     }
 
     std::string logOf(const std::string& step) const { return m_places.folder + "/" + step + ".log"; }
@@ -155,12 +169,19 @@ private:
         m_out << numbers.data() << result << std::endl;
     }
 
-    void tellFailure(const Step& step, const std::vector<std::string>& words, const std::string& messages)
+    void tellFailure(const Step& step, const std::vector<std::string>& words, const std::string& messages,
+                     const std::string& log)
     {
-        m_out << "\n" << messages << (messages.empty() || messages.back() == '\n' ? "" : "\n");
+        m_out << "\n" << messages << (step.name == "place" ? "" : log);
+        m_out << "\nWhat went wrong: ";
         if (m_ending.signal != 0) {
-            m_out << "the step was ended by signal " << m_ending.signal << "\n";
+            m_out << "the step was ended by signal " << m_ending.signal;
+        } else {
+            const std::string last = lastLine(messages.empty() ? log : messages);
+            m_out << (last.empty() ? "exit status " + std::to_string(m_ending.status) + ", and no message"
+                                   : last);
         }
+        m_out << "\n";
         m_out << "What was run: " << process::shellText(words) << "\nWhat to do: " << step.advice << "\n";
     }
 
@@ -187,26 +208,23 @@ private:
         }
         // A folder of the cache is whole: it is made beside and then given its name.
         const std::string part = partOf(m_places.cellDir);
+        const FolderRemoval removal(part); // unless it was given its name
         makeFolder(fs::path(m_places.cellDir).parent_path().string());
         removeOldParts(m_places.cellDir);
         if (!runStep(colorStep(m_options, site, part))) {
-            fs::remove_all(part);
             return false;
         }
-        fs::copy_file(logOf("color"), part + "/log", fs::copy_options::overwrite_existing);
-        std::ofstream(part + "/messages") << input::readText(m_places.folder + "/color.messages");
-        std::error_code error;
+        writeFile(part + "/log", readFile(logOf("color")));
+        writeFile(part + "/messages", readFile(messagesOf("color")));
+        std::error_code error; // if another run was faster
         fs::rename(part, m_places.cellDir, error);
-        if (error) { // another run was faster
-            fs::remove_all(part);
-        }
         return requireCells();
     }
 
     /// Whether every cell in use has a colour file.
     bool requireCells()
     {
-        std::istringstream list(input::readText(m_places.base + ".cells"));
+        std::istringstream list(readFile(m_places.base + ".cells"));
         std::string name;
         std::string missing;
         for (list >> name; list >> name;) {

@@ -30,7 +30,7 @@ struct Options {
     bool force = false;                  ///< replace earlier results
 };
 
-/// The results: OUT with these extensions.
+/// The results: OUT with these extensions, in the order in which they get their names.
 inline constexpr const char* RESULTS[] = {".def", ".gds", ".lyp", ".html", ".json"};
 
 } // namespace kit::flow

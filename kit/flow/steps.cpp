@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "kit/base/json.h"
+#include "kit/base/readFile.h"
 #include "kit/base/shortText.h"
 #include "kit/input/text.h"
 #include "kit/process/childProcess.h"
@@ -49,14 +50,6 @@ std::string firstLine(const std::string& log)
     return log.substr(0, log.find('\n'));
 }
 
-/// The last line that is not blank.
-std::string lastLine(const std::string& log)
-{
-    const size_t last = log.find_last_not_of(" \n");
-    const size_t before = log.rfind('\n', last);
-    return log.substr(before == std::string::npos ? 0 : before + 1, last - before);
-}
-
 /// The cells of a colouring's log, and those that have no good one.
 std::string colourSummary(const std::string& log)
 {
@@ -71,7 +64,7 @@ std::string colourSummary(const std::string& log)
 /// The result file of a placement in a few words.
 std::string placementSummary(const std::string& path)
 {
-    const Json result = Json::parse(input::readText(path));
+    const Json result = Json::parse(readFile(path));
     if (result["placement"].isNull()) {
         return "no placement";
     }
@@ -87,12 +80,20 @@ std::string placementSummary(const std::string& path)
 
 } // namespace
 
+std::string lastLine(const std::string& log)
+{
+    const size_t last = log.find_last_not_of(" \n");
+    const size_t before = last == std::string::npos ? last : log.rfind('\n', last);
+    return last == std::string::npos ? "" : log.substr(before + 1, last - before);
+}
+
 Places placesOf(const Options& options)
 {
     const std::string folder = options.out + ".flow";
     return {.folder = folder,
             .base = folder + "/design",
             .placed = folder + "/placed",
+            .result = folder + "/result",
             .cellDir = options.cellPath};
 }
 
@@ -106,7 +107,7 @@ Step importStep(const Options& options, const Places& places)
     }
     return {.name = "import",
             .words = words,
-            .advice = "correct the files as the messages say",
+            .advice = "see to what the messages say",
             .summary = [path = places.base + ".place"](const std::string& log) {
                 return withoutPath(lastLine(log), path);
             }};
@@ -127,7 +128,7 @@ Step colorStep(const Options& options, const std::string& site, const std::strin
     return {.name = "color",
             .words = words,
             .goodStatus = 1,
-            .advice = "correct the LEF files as the messages say",
+            .advice = "see to what the messages say",
             .tellsMessages = false, // one for each cell without a good colouring; the summary counts them
             .summary = colourSummary};
 }
@@ -139,7 +140,7 @@ Step lintStep(const Options& options, const Places& places)
     return {.name = "lint",
             .words = words,
             .goodStatus = 1,
-            .advice = "correct the DEF as the messages say",
+            .advice = "see to what the messages say",
             .summary = lastLine};
 }
 
@@ -176,27 +177,29 @@ Step verifyStep(const Options& options, const Places& places)
 
 Step exportStep(const Options& options, const Places& places)
 {
-    Words words{"export", places.placed + ".json", "--def",   options.def,  "-o", options.out + ".def",
-                "--gds",  options.out + ".gds",    "--layer", options.layer};
+    Words words{"export", places.placed + ".json", "--def",   options.def,  "-o", places.result + ".def",
+                "--gds",  places.result + ".gds",  "--layer", options.layer};
     addLefs(words, options);
     // Fillers fill the gaps of the old placement; in the new one they would overlap cells.
     words.insert(words.end(), {"--cell-path", places.cellDir, "--drop-fillers", "--force"});
     return {.name = "export",
             .words = words,
             .goodStatus = 1,
-            .advice = "see the messages",
-            .summary = firstLine};
+            .advice = "see to what the messages say",
+            .summary = [path = places.result + ".def", out = options.out + ".def"](const std::string& log) {
+                return out + ": " + withoutPath(firstLine(log), path);
+            }};
 }
 
 Step viewStep(const Options& options, const Places& places)
 {
-    Words words{"view",     places.placed + ".place",  "-o",          options.out + ".html",
+    Words words{"view",     places.placed + ".place",  "-o",          places.result + ".html",
                 "--colors", places.placed + ".colors", "--cell-path", places.cellDir,
                 "--before", places.base + ".place",    "--force"};
     addGiven(words, "--mindp", options.mindp);
     return {.name = "view",
             .words = words,
-            .advice = "see the messages",
+            .advice = "see to what the messages say",
             .summary = [path = options.out + ".html"](const std::string& /*log*/) { return path; }};
 }
 

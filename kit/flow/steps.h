@@ -25,8 +25,12 @@ struct Places {
     std::string folder;  ///< of all of them
     std::string base;    ///< of the imported design, without extension
     std::string placed;  ///< of the placed design, without extension
+    std::string result;  ///< of the results until they are complete, without extension
     std::string cellDir; ///< of the colour files
 };
+
+/// The last line of a text that is not blank, empty if there is none.
+std::string lastLine(const std::string& log);
 
 /// The places of a run; that of the colour files is empty if it was not given.
 Places placesOf(const Options& options);

@@ -2,11 +2,10 @@
 #include "kit/gen/designWriter.h"
 
 #include <filesystem>
-#include <system_error>
 
-#include "kit/fault.h"
+#include "kit/base/folder.h"
+#include "kit/base/outputPaths.h"
 #include "kit/gen/scale.h"
-#include "kit/outputFile.h"
 
 namespace kit::gen {
 
@@ -22,9 +21,8 @@ void writeBox(OutputFile& out, const Box& box)
     out << box.xl << " " << box.yl << " " << box.xh << " " << box.yh << "\n";
 }
 
-void writeCell(const LibraryCell& cell, const std::string& path)
+void writeCell(const LibraryCell& cell, OutputFile& out)
 {
-    OutputFile out(path);
     out << cell.sites * LIBRARY_SITE << " " << LIBRARY_HEIGHT << "\n1\n";
     writeBox(out, {0, 0, cell.sites * LIBRARY_SITE, LIBRARY_HEIGHT});
     out << cell.shapes.size() << "\n";
@@ -40,7 +38,6 @@ void writeCell(const LibraryCell& cell, const std::string& path)
         }
         out << "\n";
     }
-    out.commit();
 }
 
 /// Micrometres with four decimals, which is exact.
@@ -101,11 +98,8 @@ void writeMacros(OutputFile& out, const Floorplan& plan, const Scale& scale)
 
 } // namespace
 
-void requireNoFiles(const Options& options)
+void checkOutputsOf(const Options& options)
 {
-    if (options.force) {
-        return;
-    }
     std::vector<std::string> paths;
     for (const char* extension : {".place", ".pins", ".netlist", ".cells"}) {
         paths.push_back(options.out + extension);
@@ -117,58 +111,46 @@ void requireNoFiles(const Options& options)
         paths.push_back(options.out + ".lef");
         paths.push_back(options.out + ".def");
     }
-    for (const std::string& path : paths) {
-        std::error_code unknown; // then writing will tell
-        if (std::filesystem::exists(path, unknown)) {
-            throw Fault(path + " exists; --force replaces it");
-        }
-    }
+    checkOutputs(paths, {}, options.force);
 }
 
-void writeLibrary(const std::vector<LibraryCell>& library, const Options& options)
+void writeLibrary(const std::vector<LibraryCell>& library, const Options& options, OutputSet& set)
 {
-    std::error_code error;
-    std::filesystem::create_directories(cellFolder(options), error);
-    if (error) {
-        throw Fault("cannot make the folder " + cellFolder(options) + ": " + error.message());
-    }
-    OutputFile list(options.out + ".cells");
-    list << library.size() << "\n";
+    makeFolder(cellFolder(options));
     for (const LibraryCell& cell : library) {
-        writeCell(cell, colorPath(options, cell.name));
-        list << cell.name << "\n";
+        set.add(colorPath(options, cell.name), [&cell](OutputFile& out) { writeCell(cell, out); });
     }
-    list.commit();
+    set.add(options.out + ".cells", [&library](OutputFile& list) {
+        list << library.size() << "\n";
+        for (const LibraryCell& cell : library) {
+            list << cell.name << "\n";
+        }
+    });
 }
 
 void writePlacement(const Placement& placement, const std::vector<LibraryCell>& library,
-                    const Options& options)
+                    const Options& options, OutputFile& out)
 {
     const Scale scale(options);
-    OutputFile out(options.out + ".place");
     writeHeader(out, placement.plan, scale, options);
     writeRows(out, placement.plan, scale);
     writeComponents(out, placement, library, scale);
     writeMacros(out, placement.plan, scale);
     out << "\nEND DESIGN\n";
-    out.commit();
 }
 
-void writePins(const Netlist& netlist, const Options& options)
+void writePins(const Netlist& netlist, const Options& options, OutputFile& out)
 {
     const Scale scale(options);
-    OutputFile out(options.out + ".pins");
     out << netlist.pins.size() << "\n";
     for (size_t i = 0; i < netlist.pins.size(); ++i) {
         out << "p" << i << " " << scale.x(netlist.pins[i].site) << " " << scale.y(netlist.pins[i].row)
             << "\n";
     }
-    out.commit();
 }
 
-void writeNets(const Netlist& netlist, const Options& options)
+void writeNets(const Netlist& netlist, OutputFile& out)
 {
-    OutputFile out(options.out + ".netlist");
     out << netlist.netBegin.size() - 1 << "\n";
     for (size_t net = 0; net + 1 < netlist.netBegin.size(); ++net) {
         out << netlist.netBegin[net + 1] - netlist.netBegin[net];
@@ -178,7 +160,6 @@ void writeNets(const Netlist& netlist, const Options& options)
         }
         out << "\n";
     }
-    out.commit();
 }
 
 } // namespace kit::gen

@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "kit/base/outputSet.h"
 #include "kit/gen/cellLibrary.h"
 #include "kit/gen/netlist.h"
 #include "kit/gen/options.h"
@@ -10,22 +11,22 @@
 
 namespace kit::gen {
 
-/// Ends with a Fault if a file of the design exists and must not be replaced.
-void requireNoFiles(const Options& options);
+/// Checks that the files of the design may be written. Errors: as of checkOutputs().
+void checkOutputsOf(const Options& options);
 
 /// Writes the cell list and the colour files, their folder as well.
 ///
 /// Errors: throws Fault if something cannot be written; so do the others.
-void writeLibrary(const std::vector<LibraryCell>& library, const Options& options);
+void writeLibrary(const std::vector<LibraryCell>& library, const Options& options, OutputSet& set);
 
 /// Writes rows, components and macros.
 void writePlacement(const Placement& placement, const std::vector<LibraryCell>& library,
-                    const Options& options);
+                    const Options& options, OutputFile& out);
 
 /// Writes the pins.
-void writePins(const Netlist& netlist, const Options& options);
+void writePins(const Netlist& netlist, const Options& options, OutputFile& out);
 
 /// Writes the nets.
-void writeNets(const Netlist& netlist, const Options& options);
+void writeNets(const Netlist& netlist, OutputFile& out);
 
 } // namespace kit::gen

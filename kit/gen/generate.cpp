@@ -25,19 +25,24 @@ void describe(const Options& options, const Placement& placement, const Netlist&
 void generate(const Options& options)
 {
     checkTogether(options);
-    requireNoFiles(options);
+    checkOutputsOf(options);
     const std::vector<LibraryCell> library = makeLibrary(options);
     const Placement placement = placeAll(chooseTypes(options), library, options);
     const Netlist netlist = connect(placement, options);
 
-    writeLibrary(library, options);
-    writePlacement(placement, library, options);
-    writePins(netlist, options);
-    writeNets(netlist, options);
+    OutputSet set;
+    writeLibrary(library, options, set);
+    set.add(options.out + ".place",
+            [&](OutputFile& out) { writePlacement(placement, library, options, out); });
+    set.add(options.out + ".pins", [&](OutputFile& out) { writePins(netlist, options, out); });
+    set.add(options.out + ".netlist", [&](OutputFile& out) { writeNets(netlist, out); });
     if (options.lefDef) {
-        writeLef(library, placement.plan, options);
-        writeDef(placement, library, netlist, options);
+        set.add(options.out + ".lef",
+                [&](OutputFile& out) { writeLef(library, placement.plan, options, out); });
+        set.add(options.out + ".def",
+                [&](OutputFile& out) { writeDef(placement, library, netlist, options, out); });
     }
+    set.commit();
     describe(options, placement, netlist);
 }
 

@@ -7,8 +7,8 @@
 #include <filesystem>
 #include <string>
 
+#include "kit/base/outputFile.h"
 #include "kit/gen/scale.h"
-#include "kit/outputFile.h"
 
 namespace kit::gen {
 
@@ -101,9 +101,9 @@ const char* orientOf(const Placed& cell)
 class DefWriter {
 public:
     DefWriter(const Placement& placement, const std::vector<LibraryCell>& library, const Netlist& netlist,
-              const Options& options)
+              const Options& options, OutputFile& out)
         : m_placement(placement), m_library(library), m_netlist(netlist), m_options(options),
-          m_scale(options), m_out(options.out + ".def"), m_used(placement.cells.size())
+          m_scale(options), m_out(out), m_used(placement.cells.size())
     {
     }
 
@@ -114,7 +114,6 @@ public:
         writeTerminals();
         writeNets();
         m_out << "\nEND DESIGN\n";
-        m_out.commit();
     }
 
 private:
@@ -206,17 +205,17 @@ private:
     const Netlist& m_netlist;
     const Options& m_options;
     Scale m_scale;
-    OutputFile m_out;
+    OutputFile& m_out;
     std::vector<int32_t> m_used; ///< [component] pins that have a net
 };
 
 } // namespace
 
-void writeLef(const std::vector<LibraryCell>& library, const Floorplan& plan, const Options& options)
+void writeLef(const std::vector<LibraryCell>& library, const Floorplan& plan, const Options& options,
+              OutputFile& out)
 {
     const LefScale scale(options);
     const Scale dbu(options);
-    OutputFile out(options.out + ".lef");
     out << "VERSION 5.8 ;\nBUSBITCHARS \"[]\" ;\nDIVIDERCHAR \"/\" ;\n\nSITE core\n  CLASS CORE ;\n  SIZE "
         << micrometres(dbu.step) << " BY " << micrometres(dbu.height) << " ;\nEND core\n";
     for (const LibraryCell& cell : library) {
@@ -232,13 +231,12 @@ void writeLef(const std::vector<LibraryCell>& library, const Floorplan& plan, co
         out << "END " << nameOfMacro(i) << "\n";
     }
     out << "\nEND LIBRARY\n";
-    out.commit();
 }
 
 void writeDef(const Placement& placement, const std::vector<LibraryCell>& library, const Netlist& netlist,
-              const Options& options)
+              const Options& options, OutputFile& out)
 {
-    DefWriter(placement, library, netlist, options).write();
+    DefWriter(placement, library, netlist, options, out).write();
 }
 
 } // namespace kit::gen

@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "kit/base/outputFile.h"
 #include "kit/gen/cellLibrary.h"
 #include "kit/gen/netlist.h"
 #include "kit/gen/options.h"
@@ -15,13 +16,14 @@ namespace kit::gen {
 /// block for every macro.
 ///
 /// Errors: as of OutputFile.
-void writeLef(const std::vector<LibraryCell>& library, const Floorplan& plan, const Options& options);
+void writeLef(const std::vector<LibraryCell>& library, const Floorplan& plan, const Options& options,
+              OutputFile& out);
 
 /// Writes OUT.def, with the names and places of the placement file. Cells lie as their rows do, mirrored or
 /// not.
 ///
 /// Errors: as of OutputFile.
 void writeDef(const Placement& placement, const std::vector<LibraryCell>& library, const Netlist& netlist,
-              const Options& options);
+              const Options& options, OutputFile& out);
 
 } // namespace kit::gen

@@ -8,7 +8,7 @@
 #include <set>
 
 #include "kit/base/gdsName.h"
-#include "kit/outputFile.h"
+#include "kit/base/outputFile.h"
 
 namespace kit::importing {
 

@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
+#include "kit/base/outputFile.h"
 #include "kit/import/cells.h"
 #include "kit/import/core.h"
 #include "kit/import/nets.h"
 #include "kit/import/safeNames.h"
-#include "kit/outputFile.h"
 
 namespace kit::importing {
 
@@ -51,7 +51,7 @@ std::vector<size_t> rowOrder(const Core& core);
 /// Names of the masters of the movable cells, sorted.
 std::vector<std::string> usedMasters(const DesignFiles& files);
 
-/// Write BASE.place, BASE.pins, BASE.netlist and BASE.cells, which the caller commits. Errors: throw Fault if
+/// Write BASE.place, BASE.pins, BASE.netlist and BASE.cells. Errors: throw Fault if
 /// one cannot be written.
 void writePlace(const DesignFiles& files, OutputFile& out);
 void writePins(const DesignFiles& files, OutputFile& out);

@@ -6,12 +6,13 @@
 #include <ostream>
 #include <set>
 
+#include "kit/base/outputPaths.h"
+#include "kit/base/outputSet.h"
 #include "kit/import/designFiles.h"
 #include "kit/import/legalize.h"
 #include "kit/import/terminals.h"
 #include "kit/input/findingText.h"
 #include "kit/lefdef/nameMap.h"
-#include "kit/outputPaths.h"
 
 namespace kit::importing {
 
@@ -172,14 +173,14 @@ private:
 
     void write(const DesignFiles& files, const Renamed& renamed) const
     {
-        OutputFile place(m_options.out + ".place");
-        OutputFile pins(m_options.out + ".pins");
-        OutputFile netlist(m_options.out + ".netlist");
-        OutputFile cells(m_options.out + ".cells");
-        writePlace(files, place);
-        writePins(files, pins);
-        writeNetlist(files, netlist);
-        writeCells(files, cells);
+        OutputSet set;
+        const auto add = [&](const char* extension, void (*writeOne)(const DesignFiles&, OutputFile&)) {
+            set.add(m_options.out + extension, [&](OutputFile& out) { writeOne(files, out); });
+        };
+        add(".place", writePlace);
+        add(".pins", writePins);
+        add(".netlist", writeNetlist);
+        add(".cells", writeCells);
         lefdef::NameMap map{.def = m_options.def,
                             .hash = lefdef::hashOf(m_source.text()),
                             .siteWidth = inPicometres(m_core.siteWidth),
@@ -192,10 +193,8 @@ private:
                 map.flipped.push_back(files.cellNames[i]);
             }
         }
-        writeNameMap(m_options.out + ".map", map);
-        for (OutputFile* const file : {&place, &pins, &netlist, &cells}) {
-            file->commit();
-        }
+        set.add(m_options.out + ".map", [&map](OutputFile& out) { writeNameMap(map, out); });
+        set.commit();
     }
 
     lefdef::Length inPicometres(int64_t dbu) const { return dbu * lefdef::MICRON / m_def.databaseMicrons; }

@@ -5,8 +5,8 @@
 #include <optional>
 #include <string_view>
 
-#include "kit/input/text.h"
-#include "kit/outputFile.h"
+#include "kit/base/outputFile.h"
+#include "kit/base/readFile.h"
 
 namespace kit::input {
 
@@ -163,13 +163,12 @@ private:
 
 std::vector<ColorRecord> readColors(const std::string& path, Findings& findings)
 {
-    const std::string text = readText(path);
+    const std::string text = readFile(path);
     return ColorReader(path, text, findings).read();
 }
 
-void writeColors(const std::string& path, const std::vector<ColorRecord>& records)
+void writeColors(const std::vector<ColorRecord>& records, OutputFile& out)
 {
-    OutputFile out(path);
     out << HEADER << "\n" << COUNT << records.size() << "\n";
     for (const ColorRecord& record : records) {
         out << record.name << " " << record.cell << " " << record.solution << " " << record.stitches;
@@ -179,7 +178,6 @@ void writeColors(const std::string& path, const std::vector<ColorRecord>& record
         out << "\n";
     }
     out << END << "\n";
-    out.commit();
 }
 
 } // namespace kit::input

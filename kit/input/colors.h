@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "kit/base/outputFile.h"
 #include "kit/input/finding.h"
 
 namespace kit::input {
@@ -35,6 +36,6 @@ std::vector<ColorRecord> readColors(const std::string& path, Findings& findings)
 /// Writes a colours file.
 ///
 /// Errors: throws Fault if the file cannot be written.
-void writeColors(const std::string& path, const std::vector<ColorRecord>& records);
+void writeColors(const std::vector<ColorRecord>& records, OutputFile& out);
 
 } // namespace kit::input

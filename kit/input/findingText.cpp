@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/input/findingText.h"
 
-#include <algorithm>
+#include "kit/base/printable.h"
 
 namespace kit::input {
 
@@ -37,8 +37,7 @@ std::string lineOf(const Finding& finding, PlaceText place)
         line += "; ";
         line += finding.advice;
     }
-    std::replace_if(
-        line.begin(), line.end(), [](char c) { return (c >= 0 && c < ' ') || c == '\x7f'; }, '?');
+    line = printable(line);
     line += " [";
     line += finding.code;
     line += "]\n";

@@ -13,8 +13,8 @@ const char* wordOf(Severity severity);
 /// How a finding tells its place.
 enum class PlaceText { LINE, LINE_AND_COLUMN };
 
-/// A finding as a line: "FILE:LINE: error|warning|note: what; advice [code]" with its line end. Characters of
-/// the files that would not show are written as "?".
+/// A finding as a line: "FILE:LINE: error|warning|note: what; advice [code]" with its line end. What
+/// would not show is written as printable() does.
 std::string lineOf(const Finding& finding, PlaceText place = PlaceText::LINE);
 
 } // namespace kit::input

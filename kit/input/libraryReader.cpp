@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "kit/base/readFile.h"
 #include "kit/fault.h"
 #include "kit/input/reader.h"
 #include "kit/input/reporter.h"
@@ -138,7 +139,7 @@ private:
 std::string readCell(Cell& cell, Findings& findings)
 {
     try {
-        const std::string text = readText(cell.path);
+        const std::string text = readFile(cell.path);
         ColourReader(text, cell, Reporter(findings, cell.path)).run();
     } catch (const Fault& fault) {
         return fault.what();
@@ -215,7 +216,7 @@ void readLibrary(const Paths& paths, Design& design, Findings& findings)
 void readLibrary(const std::string& list, const std::string& cellDir, Design& design, Findings& findings)
 {
     Reporter reporter(findings, list);
-    design.cells = readList(readText(list), reporter);
+    design.cells = readList(readFile(list), reporter);
     readColourFiles(design.cells, cellDir, reporter, findings);
 }
 

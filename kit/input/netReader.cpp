@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <utility>
 
+#include "kit/base/readFile.h"
 #include "kit/input/names.h"
 #include "kit/input/reader.h"
 #include "kit/input/reporter.h"
@@ -146,7 +147,7 @@ private:
 
 void readNets(const std::string& path, Design& design, Findings& findings)
 {
-    const std::string text = readText(path);
+    const std::string text = readFile(path);
     NetReader(text, design, Reporter(findings, path)).run();
 }
 

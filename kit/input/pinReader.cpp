@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "kit/base/readFile.h"
 #include "kit/input/reader.h"
 #include "kit/input/reporter.h"
 #include "kit/input/text.h"
@@ -36,7 +37,7 @@ bool readPin(Words& words, Reporter& reporter, Pin& pin)
 void readPins(const std::string& path, Design& design, Findings& findings)
 {
     Reporter reporter(findings, path);
-    const std::string text = readText(path);
+    const std::string text = readFile(path);
     Words words(text);
     const Word first = words.next();
     const Integer count = parseInteger(first.text);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/input/reader.h"
 
+#include "kit/base/readFile.h"
 #include "kit/input/placementReader.h"
-#include "kit/input/text.h"
 
 namespace kit::input {
 
@@ -38,7 +38,7 @@ std::string Paths::cells() const
 
 void readPlacement(const std::string& path, Design& design, Findings& findings)
 {
-    const std::string text = readText(path);
+    const std::string text = readFile(path);
     PlacementReader(text, design, Reporter(findings, path)).run();
 }
 

@@ -2,22 +2,13 @@
 #include "kit/input/text.h"
 
 #include <charconv>
-#include <cstdio>
 #include <limits>
-#include <memory>
-
-#include "kit/fault.h"
 
 namespace kit::input {
 
 namespace {
 
-constexpr size_t CHUNK = size_t{1} << 16;
 constexpr size_t LONGEST_QUOTE = 60;
-
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
 
 std::string_view withoutPlus(std::string_view token)
 {
@@ -26,25 +17,6 @@ std::string_view withoutPlus(std::string_view token)
 }
 
 } // namespace
-
-std::string readText(const std::string& path)
-{
-    const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path.c_str(), "rb"));
-    if (!file) {
-        throw Fault("cannot open file " + path);
-    }
-    std::string text;
-    size_t got = CHUNK;
-    for (size_t used = 0; got == CHUNK; used += got) {
-        text.resize(used + CHUNK);
-        got = std::fread(text.data() + used, 1, CHUNK, file.get());
-        text.resize(used + got);
-    }
-    if (std::ferror(file.get()) != 0) {
-        throw Fault("cannot read file " + path);
-    }
-    return text;
-}
 
 Integer parseInteger(std::string_view token)
 {

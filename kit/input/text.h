@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Files as text, and the numbers in them.
+// Texts, and the numbers in them.
 #pragma once
 
 #include <cstdint>
@@ -7,9 +7,6 @@
 #include <string_view>
 
 namespace kit::input {
-
-/// Reads a whole file. Errors: throws Fault if it cannot be opened or read, a folder for one.
-std::string readText(const std::string& path);
 
 /// A token as an integer.
 struct Integer {

@@ -6,10 +6,10 @@
 #include <optional>
 #include <unordered_set>
 
+#include "kit/base/outputFile.h"
+#include "kit/base/readFile.h"
 #include "kit/hash.h"
 #include "kit/input/reporter.h"
-#include "kit/input/text.h"
-#include "kit/outputFile.h"
 
 namespace kit::lefdef {
 
@@ -189,15 +189,14 @@ std::string hashOf(std::string_view bytes)
 
 NameMap readNameMap(const std::string& path, input::Findings& findings)
 {
-    const std::string text = input::readText(path);
+    const std::string text = readFile(path);
     return MapReader(text, input::Reporter(findings, path)).read();
 }
 
-void writeNameMap(const std::string& path, const NameMap& map)
+void writeNameMap(const NameMap& map, OutputFile& out)
 {
     std::string def = map.def;
     std::replace(def.begin(), def.end(), '\n', '?');
-    OutputFile out(path);
     out << HEADER << "\nDEF " << def << "\nHASH " << map.hash << "\n";
     out << "SITE " << map.siteWidth << " " << map.siteHeight << "\n";
     out << "NAMES " << map.names.size() << "\n";
@@ -209,7 +208,6 @@ void writeNameMap(const std::string& path, const NameMap& map)
         out << name << "\n";
     }
     out << END << "\n";
-    out.commit();
 }
 
 } // namespace kit::lefdef

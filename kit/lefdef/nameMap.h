@@ -19,6 +19,7 @@
 #include <string_view>
 #include <vector>
 
+#include "kit/base/outputFile.h"
 #include "kit/input/finding.h"
 
 namespace kit::lefdef {
@@ -53,6 +54,6 @@ NameMap readNameMap(const std::string& path, input::Findings& findings);
 /// Writes a map. A line end in the DEF file's path becomes "?".
 ///
 /// Errors: throws Fault if the file cannot be written.
-void writeNameMap(const std::string& path, const NameMap& map);
+void writeNameMap(const NameMap& map, OutputFile& out);
 
 } // namespace kit::lefdef

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "kit/base/readFile.h"
 #include "kit/input/findingText.h"
-#include "kit/input/text.h"
 
 namespace kit::lefdef {
 
@@ -17,7 +17,7 @@ constexpr size_t BLOCK = 4096;
 
 } // namespace
 
-Source::Source(std::string path) : m_path(std::move(path)), m_text(input::readText(m_path)) {}
+Source::Source(std::string path) : m_path(std::move(path)), m_text(readFile(m_path)) {}
 
 Source::Source(std::string path, std::string text) : m_path(std::move(path)), m_text(std::move(text)) {}
 

@@ -45,9 +45,14 @@ bool isMirrored(const input::Component& comp)
     return isMirrored(orientNamed(comp.orient));
 }
 
+std::string mapOf(const std::string& placement)
+{
+    return placement.empty() ? "" : std::filesystem::path(placement).replace_extension(".map").string();
+}
+
 void restoreOrientations(const std::string& placement, input::Design& design, input::Findings& findings)
 {
-    const std::string path = std::filesystem::path(placement).replace_extension(".map").string();
+    const std::string path = mapOf(placement);
     if (!std::filesystem::exists(path)) {
         return;
     }

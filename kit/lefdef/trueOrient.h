@@ -34,6 +34,9 @@ private:
 /// Whether a component is mirrored by what its placement says. The placer takes another word as N.
 bool isMirrored(const input::Component& comp);
 
+/// Path of the map that a placement file has if it was imported; empty for no path.
+std::string mapOf(const std::string& placement);
+
 /// Gives the components of an imported design their true orientations. One that is on no row, and a placement
 /// without a map, stay as they are.
 ///

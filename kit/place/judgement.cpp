@@ -6,14 +6,15 @@
 
 namespace kit::place {
 
-Judgement judge(const Options& options, int32_t minDist)
+Judgement judge(const Options& options, int32_t minDist, const OutputSet& files)
 {
     Judgement judgement;
     try {
-        const verify::Input input = verify::readInput({.placement = options.out + ".place",
-                                                       .colors = options.out + ".colors",
+        const verify::Input input = verify::readInput({.placement = files.partPath(options.out + ".place"),
+                                                       .colors = files.partPath(options.out + ".colors"),
+                                                       .mapOf = options.base + ".place",
                                                        .cellDir = options.cellPath,
-                                                       .cells = options.out + ".cells",
+                                                       .cells = options.base + ".cells",
                                                        .minDist = minDist,
                                                        .lyrdb = {}});
         for (const verify::Issue& issue : verify::judge(input, minDist)) {

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "kit/base/json.h"
+#include "kit/base/outputSet.h"
 #include "kit/place/options.h"
 
 namespace kit::place {
@@ -16,11 +17,12 @@ struct Judgement {
     int64_t notes = 0;
 };
 
-/// Judges OUT.place with OUT.colors. The placer's own count of conflicts follows its spacing rules, which
-/// take mirrored cells as unmirrored; this one is of the shapes as they lie.
+/// Judges OUT.place with OUT.colors, which need not have their names yet. The placer's own count of conflicts
+/// follows its spacing rules, which take mirrored cells as unmirrored; this one is of the shapes as they lie.
 ///
 /// @param minDist  distance that shapes of one mask need, library coordinates
-Judgement judge(const Options& options, int32_t minDist);
+/// @param files    has both
+Judgement judge(const Options& options, int32_t minDist, const OutputSet& files);
 
 /// For the result: null if there is no judgement.
 Json toJson(const Judgement& judgement);

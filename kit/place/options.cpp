@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/place/options.h"
 
+#include "kit/base/folder.h"
+#include "kit/base/outputPaths.h"
 #include "kit/base/shortText.h"
-#include "kit/outputPaths.h"
 
 namespace kit::place {
 
@@ -24,7 +25,7 @@ std::vector<std::string> placerArguments(const Options& options)
 
 void checkOutputs(const Options& options)
 {
-    std::vector<std::string> inputs;
+    std::vector<std::string> inputs = filesIn(options.cellPath);
     for (const char* extension : {".place", ".pins", ".netlist", ".cells", MAP}) {
         inputs.push_back(options.base + extension);
     }

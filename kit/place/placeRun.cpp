@@ -8,9 +8,9 @@
 
 #include "app/driver.h"
 #include "db/design.h"
-#include "kit/fault.h"
+#include "kit/base/outputSet.h"
+#include "kit/base/printable.h"
 #include "kit/input/colors.h"
-#include "kit/outputFile.h"
 #include "kit/place/judgement.h"
 #include "kit/place/placementText.h"
 #include "kit/place/progressLine.h"
@@ -40,19 +40,6 @@ std::vector<input::ColorRecord> colorsOf(const Design& design)
         }
     }
     return records;
-}
-
-void copyInput(const std::string& from, const std::string& to)
-{
-    std::error_code error;
-    const std::string part = to + ".part";
-    std::filesystem::copy_file(from, part, std::filesystem::copy_options::overwrite_existing, error);
-    if (!error) {
-        std::filesystem::rename(part, to, error);
-    }
-    if (error) {
-        throw Fault("cannot copy " + from + " to " + to + ": " + error.message());
-    }
 }
 
 /// Prints what the report begins with; gives the options of the placer.
@@ -87,13 +74,12 @@ public:
         Json result =
             resultJson(m_options, m_run, std::move(m_placement), std::move(m_rescue), seconds.count());
         if (m_run.complete) { // what this takes is not the placer's time and memory
-            const Judgement judgement = judge(m_options, options.parameters.minDist);
+            const Judgement judgement = judge(m_options, options.parameters.minDist, m_files);
             m_clean = m_clean && judgement.errors == 0;
             result["judge"] = toJson(judgement);
         }
-        OutputFile json(m_options.out + ".json");
-        json << result.dump(1) << "\n";
-        json.commit();
+        m_files.add(m_options.out + ".json", [&result](OutputFile& json) { json << result.dump(1) << "\n"; });
+        m_files.commit();
         return m_run.complete && m_clean ? CLEAN : NOT_CLEAN;
     }
 
@@ -130,7 +116,7 @@ private:
             nameHelpless(design, done);
         }
         m_clean = state.conflicts == 0 && withoutPlace(state).empty();
-        writeFiles(design);
+        addFiles(design);
     }
 
     /// Components that nobody could build where they are, by index.
@@ -148,30 +134,25 @@ private:
         for (const Rescued& cell : done.cells) {
             if (!cell.helped) {
                 std::cerr << "vireloce-kit: no legal place for component "
-                          << design.components[static_cast<size_t>(cell.component)]->name << '\n';
+                          << printable(design.components[static_cast<size_t>(cell.component)]->name) << '\n';
             }
         }
     }
 
-    void writeFiles(const Design& design) const
+    void addFiles(const Design& design)
     {
-        OutputFile placement(m_options.out + ".place");
-        rewritePlacement(m_options.base + ".place", design, placement);
-        input::writeColors(m_options.out + ".colors", colorsOf(design));
-        placement.commit();
+        m_files.add(m_options.out + ".place",
+                    [&](OutputFile& out) { rewritePlacement(m_options.base + ".place", design, out); });
+        m_files.add(m_options.out + ".colors",
+                    [&](OutputFile& out) { input::writeColors(colorsOf(design), out); });
         for (const char* extension : COPIED) {
-            copyInput(m_options.base + extension, m_options.out + extension);
+            m_files.addCopy(m_options.out + extension, m_options.base + extension);
         }
-        copyMap();
-    }
-
-    /// An imported design has a map back to its DEF file; one of an earlier result would be the wrong one.
-    void copyMap() const
-    {
+        // An imported design has a map back to its DEF file; one of an earlier result would be the wrong one.
         if (std::filesystem::exists(m_options.base + MAP)) {
-            copyInput(m_options.base + MAP, m_options.out + MAP);
+            m_files.addCopy(m_options.out + MAP, m_options.base + MAP);
         } else {
-            std::filesystem::remove(m_options.out + MAP);
+            m_files.remove(m_options.out + MAP);
         }
     }
 
@@ -181,6 +162,7 @@ private:
     Json m_placement;
     Json m_rescue;
     PlacerRun m_run;
+    OutputSet m_files;
     bool m_clean = false;
 };
 

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/place/placementText.h"
 
+#include <cerrno>
 #include <cstdlib>
 #include <fstream>
 #include <string_view>
 #include <vector>
 
 #include "db/design.h"
-#include "kit/fault.h"
-#include "kit/outputFile.h"
+#include "kit/base/outputFile.h"
+#include "kit/base/systemFault.h"
 
 namespace kit::place {
 
@@ -39,7 +40,7 @@ public:
         : m_path(path), m_in(path, std::ios::binary), m_design(design), m_out(out)
     {
         if (!m_in.is_open()) {
-            throw Fault("cannot open " + path);
+            throw systemFault("cannot open file " + path, errno);
         }
     }
 

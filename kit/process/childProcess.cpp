@@ -13,6 +13,7 @@
 #include <cstring>
 #include <filesystem>
 
+#include "kit/base/systemFault.h"
 #include "kit/process/start.h"
 #include "kit/process/watch.h"
 
@@ -35,7 +36,10 @@ Ending reap(pid_t child)
 {
     int status = 0;
     rusage usage{};
-    while (wait4(child, &status, 0, &usage) < 0 && errno == EINTR) {
+    while (wait4(child, &status, 0, &usage) < 0) {
+        if (errno != EINTR) {
+            throw systemFault("cannot tell how process " + std::to_string(child) + " ended", errno);
+        }
     }
     return {.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1,
             .signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0,

@@ -45,6 +45,8 @@ private:
     bool prepare() const
     {
         prctl(PR_SET_PDEATHSIG, SIGKILL);
+        std::signal(SIGXFSZ, SIG_DFL); // as another program expects them
+        std::signal(SIGPIPE, SIG_DFL);
         if (getppid() != m_parent) { // it ended before that call
             _exit(127);
         }
@@ -87,10 +89,22 @@ int errorFrom(int pipe)
     return size == sizeof error ? error : 0;
 }
 
+/// Where the program's own parent had it ignore the ends of its children, the system would throw away how
+/// they ended.
+void keepEndings()
+{
+    struct sigaction action {};
+    sigaction(SIGCHLD, nullptr, &action);
+    if (action.sa_handler == SIG_IGN || (action.sa_flags & SA_NOCLDWAIT) != 0) {
+        std::signal(SIGCHLD, SIG_DFL);
+    }
+}
+
 } // namespace
 
 pid_t start(const Start& program)
 {
+    keepEndings();
     std::vector<std::string> words = program.words;
     std::vector<char*> argv(words.size() + 1); // the last is null
     std::transform(words.begin(), words.end(), argv.begin(), [](std::string& word) { return word.data(); });

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "kit/outputFile.h"
+#include "kit/base/outputFile.h"
 #include "kit/sweep/axis.h"
 #include "kit/sweep/pareto.h"
 

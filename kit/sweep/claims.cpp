@@ -13,25 +13,15 @@
 #include <sstream>
 #include <vector>
 
+#include "kit/base/folder.h"
+#include "kit/base/outputFile.h"
 #include "kit/fault.h"
-#include "kit/outputFile.h"
 
 namespace kit::sweep {
 
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr std::string_view PART = ".part"; // ending of an OutputFile that is not whole
-
-void makeFolder(const std::string& path)
-{
-    std::error_code error;
-    fs::create_directories(path, error);
-    if (error) {
-        throw Fault("cannot make the folder " + path + ": " + error.message());
-    }
-}
 
 /// The names in a folder, by name.
 std::vector<std::string> namesIn(const std::string& path)
@@ -79,9 +69,7 @@ Claims::Claims(const Folder& folder) : m_folder(folder), m_self(Owner::self())
     for (const std::string& path : {folder.results(), folder.claims(), folder.work()}) {
         makeFolder(path);
     }
-    OutputFile file(ownerPath());
-    file << m_self.text();
-    file.commit();
+    writeFile(ownerPath(), m_self.text());
 }
 
 Claims::~Claims()
@@ -219,8 +207,8 @@ void Claims::cleanUp()
         const std::string path = m_folder.claims() + "/" + name;
         const std::optional<Claim> claim = claimOf(name);
         const bool done = claim.has_value() && fs::exists(m_folder.result(claim->id));
-        const bool half = name[0] == '.' && name.ends_with(PART) &&
-                          Owner::isGone(name.substr(1, name.size() - 1 - PART.size()));
+        const std::string whole = nameOfPart(name); // the file of an owner who could not finish it
+        const bool half = whole.starts_with('.') && Owner::isGone(whole.substr(1));
         if (half || ((done || name[0] == '.') && stateOf(path) == State::STALE)) {
             unlink(path.c_str());
         }

@@ -1,50 +1,40 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/sweep/collect.h"
 
-#include <filesystem>
 #include <iostream>
 
-#include "kit/fault.h"
-#include "kit/outputFile.h"
+#include "kit/base/outputPaths.h"
+#include "kit/base/outputSet.h"
+#include "kit/base/printable.h"
+#include "kit/sweep/result.h"
 #include "kit/sweep/sqlite.h"
 #include "kit/sweep/table.h"
 
 namespace kit::sweep {
 
-namespace {
-
-void write(const std::string& path, const std::string& text)
-{
-    OutputFile file(path);
-    file << text;
-    file.commit();
-}
-
-} // namespace
-
 int collect(const CollectOptions& options, std::ostream& out)
 {
-    for (const std::string& path : {options.csv, options.jsonl, options.sqlite}) {
-        if (!options.force && !path.empty() && std::filesystem::exists(path)) {
-            throw Fault(path + " exists: choose another name, or --force to replace it");
-        }
-    }
+    std::vector<std::string> paths{options.csv, options.jsonl, options.sqlite};
+    std::erase(paths, "");
+    checkOutputs(paths, filesOf(options.dir), options.force);
     const Table table = tableOf(options.dir, !options.noTimes);
+    OutputSet set;
     if (!options.csv.empty()) {
-        write(options.csv, toCsv(table));
+        set.add(options.csv, [&table](OutputFile& file) { file << toCsv(table); });
     }
     if (!options.jsonl.empty()) {
-        write(options.jsonl, toJsonLines(table));
+        set.add(options.jsonl, [&table](OutputFile& file) { file << toJsonLines(table); });
     }
     if (!options.sqlite.empty()) {
-        writeSqlite(table, options.sqlite);
+        set.add(options.sqlite, [&table](OutputFile& file) { writeSqlite(table, file); });
     }
-    if (options.csv.empty() && options.jsonl.empty() && options.sqlite.empty()) {
+    set.commit();
+    if (paths.empty()) {
         out << toCsv(table);
         out.flush();
     }
     for (const std::string& trouble : table.troubles) {
-        std::cerr << trouble << '\n';
+        std::cerr << printable(trouble) << '\n';
     }
     return table.troubles.empty() ? 0 : 1;
 }

@@ -4,9 +4,9 @@
 #include <set>
 #include <sstream>
 
+#include "kit/base/readFile.h"
 #include "kit/hash.h"
 #include "kit/input/reader.h"
-#include "kit/input/text.h"
 
 namespace kit::sweep {
 
@@ -37,16 +37,16 @@ std::set<std::string> cellsIn(const std::string& list)
 Content contentOf(const std::string& base, const std::string& cellPath)
 {
     Hash hash;
-    const std::string cells = input::readText(base + ".cells");
+    const std::string cells = readFile(base + ".cells");
     addPart(hash, cells);
     for (const char* extension : {".place", ".pins", ".netlist"}) {
-        addPart(hash, input::readText(base + extension));
+        addPart(hash, readFile(base + extension));
     }
     for (const std::string& name : cellsIn(cells)) {
         addPart(hash, name);
         std::string path = cellPath;
         path.append("/").append(name).append(".color");
-        addPart(hash, input::readText(path));
+        addPart(hash, readFile(path));
     }
     input::Design design;
     input::Findings findings; // of form; the run will tell them

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "kit/base/readFile.h"
 #include "kit/fault.h"
 #include "kit/input/text.h"
 
@@ -25,7 +26,7 @@ std::string escaped(const std::string& name)
 
 Json readJson(const std::string& path)
 {
-    const std::string text = input::readText(path);
+    const std::string text = readFile(path);
     try {
         return Json::parse(text);
     } catch (const Fault& fault) {

@@ -9,9 +9,11 @@
 #include <ostream>
 #include <unordered_set>
 
+#include "kit/base/folder.h"
+#include "kit/base/outputFile.h"
+#include "kit/base/outputPaths.h"
 #include "kit/fault.h"
 #include "kit/input/text.h"
-#include "kit/outputFile.h"
 #include "kit/sweep/content.h"
 #include "kit/sweep/shard.h"
 
@@ -29,15 +31,6 @@ std::string pathFrom(const fs::path& dir, const std::string& path)
     const bool related = std::next(dir.begin()) != dir.end() && std::next(target.begin()) != target.end() &&
                          *std::next(dir.begin()) == *std::next(target.begin());
     return (related ? target.lexically_relative(dir) : target).string();
-}
-
-void makeFolder(const std::string& path)
-{
-    std::error_code error;
-    fs::create_directories(path, error);
-    if (error) {
-        throw Fault("cannot make the folder " + path + ": " + error.message());
-    }
 }
 
 /// Seconds to two digits, in the unit that fits.
@@ -120,10 +113,7 @@ std::vector<Task> tasksOf(const Study& study, const std::string& dir)
 void plan(const PlanOptions& options, std::ostream& out)
 {
     const std::string path = tasksPath(options.dir);
-    if (!options.force && fs::exists(path)) {
-        throw Fault(path +
-                    " exists: choose another -o, or --force to replace it; results that are there stay");
-    }
+    checkOutputs({path}, {options.study}, options.force);
     const Study study = readStudy(options.study);
     makeFolder(options.dir);
     const std::vector<Task> tasks = tasksOf(study, options.dir);

@@ -7,9 +7,11 @@
 #include <map>
 #include <set>
 
+#include "kit/base/folder.h"
+#include "kit/base/outputPaths.h"
+#include "kit/base/outputSet.h"
 #include "kit/fault.h"
 #include "kit/input/text.h"
-#include "kit/outputFile.h"
 
 namespace kit::sweep {
 
@@ -251,24 +253,18 @@ int plot(const PlotOptions& options)
         std::cerr << "vireloce-kit: no run has a placement: there is nothing to draw\n";
         return 1;
     }
-    std::error_code error;
-    fs::create_directories(options.out, error);
-    if (error) {
-        throw Fault("cannot make the folder " + options.out + ": " + error.message());
-    }
+    std::erase_if(charts, [](const auto& chart) { return !chart.second.has_value(); });
+    std::vector<std::string> paths;
     for (const auto& [name, chart] : charts) {
-        const std::string path = options.out + "/" + name;
-        if (chart.has_value() && !options.force && fs::exists(path)) {
-            throw Fault(path + " exists: choose another -o, or --force to replace it");
-        }
+        paths.push_back(options.out + "/" + name);
     }
+    checkOutputs(paths, filesOf(options.dir), options.force);
+    makeFolder(options.out);
+    OutputSet set;
     for (const auto& [name, chart] : charts) {
-        if (chart.has_value()) {
-            OutputFile file(options.out + "/" + name);
-            writeChart(file, *chart);
-            file.commit();
-        }
+        set.add(options.out + "/" + name, [&drawn = *chart](OutputFile& file) { writeChart(file, drawn); });
     }
+    set.commit();
     return 0;
 }
 

@@ -4,8 +4,9 @@
 #include <cmath>
 #include <filesystem>
 
+#include "kit/base/folder.h"
+#include "kit/base/readFile.h"
 #include "kit/fault.h"
-#include "kit/input/text.h"
 
 namespace kit::sweep {
 
@@ -89,6 +90,13 @@ Json metricsOf(const Json& placed)
     return metrics;
 }
 
+std::vector<std::string> filesOf(const std::string& dir)
+{
+    std::vector<std::string> paths = filesIn(Folder(dir).results());
+    paths.push_back(tasksPath(dir));
+    return paths;
+}
+
 std::string toText(const Task& task, const Result& result)
 {
     const Json file{{"schema", "vireloce-sweep-run"},
@@ -115,7 +123,7 @@ std::optional<Result> readResult(const Folder& folder, const std::string& id)
         return std::nullopt;
     }
     try {
-        Result result = resultFrom(Json::parse(input::readText(path)));
+        Result result = resultFrom(Json::parse(readFile(path)));
         return result.id == id ? std::optional(std::move(result)) : std::nullopt;
     } catch (const Fault&) {
         return std::nullopt;

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "kit/base/json.h"
 #include "kit/process/childProcess.h"
@@ -65,6 +66,9 @@ inline constexpr Metric METRICS[] = {
 
 /// The metrics of a result of `place`; null if it has no placement.
 Json metricsOf(const Json& placed);
+
+/// Paths of the files that tables and pictures of a study are made from.
+std::vector<std::string> filesOf(const std::string& dir);
 
 /// The whole file.
 std::string toText(const Task& task, const Result& result);

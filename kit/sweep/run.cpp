@@ -12,6 +12,7 @@
 #include <stop_token>
 #include <thread>
 
+#include "kit/base/readFile.h"
 #include "kit/fault.h"
 #include "kit/input/text.h"
 #include "kit/sweep/content.h"
@@ -108,7 +109,7 @@ private:
     std::string textOfResult(const Task& task) const
     {
         const std::string path = m_folder.result(task.id);
-        return fs::exists(path) ? input::readText(path) : "";
+        return fs::exists(path) ? readFile(path) : "";
     }
 
     /// Results must be those of the designs that were planned with.

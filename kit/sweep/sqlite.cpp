@@ -3,10 +3,9 @@
 
 #include <sqlite3.h>
 
-#include <cstdio>
 #include <memory>
 
-#include "kit/fault.h"
+#include "kit/base/systemFault.h"
 
 namespace kit::sweep {
 
@@ -16,23 +15,17 @@ struct Close {
     void operator()(sqlite3* database) const { sqlite3_close(database); }
 };
 
-/// A database that is being made; it is gone if it is not renamed.
+/// A database that is being made.
 class Database {
 public:
-    explicit Database(std::string path) : m_path(std::move(path)), m_partPath(m_path + ".part")
+    explicit Database(const OutputFile& file) : m_path(file.path())
     {
-        std::remove(m_partPath.c_str());
         sqlite3* database = nullptr;
-        const int status = sqlite3_open(m_partPath.c_str(), &database);
+        const int status = sqlite3_open(file.partPath().c_str(), &database);
         m_database.reset(database); // it must be closed even if it could not be opened
         check(status);
     }
-    ~Database()
-    {
-        sqlite3_finalize(m_statement);
-        m_database.reset();
-        std::remove(m_partPath.c_str()); // if it still has this name
-    }
+    ~Database() { sqlite3_finalize(m_statement); }
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
 
@@ -71,17 +64,6 @@ public:
         check(sqlite3_reset(m_statement));
     }
 
-    /// Gives the file its name.
-    void commit()
-    {
-        sqlite3_finalize(m_statement);
-        m_statement = nullptr;
-        m_database.reset(); // nothing is left to be written
-        if (std::rename(m_partPath.c_str(), m_path.c_str()) != 0) {
-            fail("it cannot be renamed");
-        }
-    }
-
 private:
     void check(int status) const
     {
@@ -92,11 +74,12 @@ private:
 
     [[noreturn]] void fail(const std::string& why) const
     {
-        throw Fault("cannot write " + m_path + ": " + why);
+        const int error = m_database != nullptr ? sqlite3_system_errno(m_database.get()) : 0;
+        const std::string what = "cannot write " + m_path + ": " + why;
+        throw error != 0 ? systemFault(what, error) : Fault(what);
     }
 
-    std::string m_path;
-    std::string m_partPath;
+    const std::string& m_path; ///< for messages
     std::unique_ptr<sqlite3, Close> m_database;
     sqlite3_stmt* m_statement = nullptr;
 };
@@ -116,7 +99,7 @@ const char* typeOf(const Column& column)
 
 } // namespace
 
-void writeSqlite(const Table& table, const std::string& path)
+void writeSqlite(const Table& table, const OutputFile& file)
 {
     std::string columns;
     std::string marks;
@@ -125,7 +108,7 @@ void writeSqlite(const Table& table, const std::string& path)
                    (column.name == "id" ? " PRIMARY KEY" : "");
         marks += marks.empty() ? "?" : ", ?";
     }
-    Database database(path);
+    Database database(file);
     database.execute("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF"); // it is renamed when it is whole
     database.execute("CREATE TABLE runs (" + columns + ")");
     database.execute("BEGIN");
@@ -137,7 +120,6 @@ void writeSqlite(const Table& table, const std::string& path)
         database.step();
     }
     database.execute("COMMIT");
-    database.commit();
 }
 
 } // namespace kit::sweep

@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include <string>
-
+#include "kit/base/outputFile.h"
 #include "kit/sweep/table.h"
 
 namespace kit::sweep {
 
-/// Writes a table as the table `runs` of an SQLite database, in place of a file of that name.
+/// Writes a table as the table `runs` of an SQLite database, and nothing else, into a file.
 ///
 /// Errors: throws Fault if it cannot be written.
-void writeSqlite(const Table& table, const std::string& path);
+void writeSqlite(const Table& table, const OutputFile& file);
 
 } // namespace kit::sweep

@@ -7,9 +7,9 @@
 #include <sstream>
 #include <unordered_set>
 
+#include "kit/base/readFile.h"
 #include "kit/fault.h"
 #include "kit/hash.h"
-#include "kit/input/text.h"
 
 namespace kit::sweep {
 
@@ -148,7 +148,7 @@ std::vector<Task> readTasks(const std::string& dir)
         throw Fault(path + " is not there: make it with vireloce-kit sweep plan");
     }
     const fs::path folder = fs::canonical(dir);
-    std::istringstream lines(input::readText(path));
+    std::istringstream lines(readFile(path));
     std::vector<Task> tasks;
     std::unordered_set<std::string> ids;
     int64_t number = 0;

@@ -6,9 +6,10 @@
 #include <filesystem>
 #include <sstream>
 
+#include "kit/base/folder.h"
+#include "kit/base/outputFile.h"
+#include "kit/base/readFile.h"
 #include "kit/fault.h"
-#include "kit/input/text.h"
-#include "kit/outputFile.h"
 #include "kit/process/childProcess.h"
 
 namespace kit::sweep {
@@ -22,32 +23,23 @@ constexpr size_t LONGEST_MESSAGE = 500; // bytes
 /// A folder that goes with its object.
 class WorkFolder {
 public:
-    explicit WorkFolder(std::string path) : m_path(std::move(path))
+    explicit WorkFolder(std::string path) : m_path(std::move(path)), m_removal(m_path)
     {
-        std::error_code error;
+        std::error_code error; // of what is not there
         fs::remove_all(m_path, error);
-        fs::create_directory(m_path, error);
-        if (error) {
-            throw Fault("cannot make the folder " + m_path + ": " + error.message());
-        }
+        makeFolder(m_path);
     }
-    ~WorkFolder()
-    {
-        std::error_code error;
-        fs::remove_all(m_path, error);
-    }
-    WorkFolder(const WorkFolder&) = delete;
-    WorkFolder& operator=(const WorkFolder&) = delete;
 
     std::string file(const char* name) const { return m_path + "/" + name; }
 
 private:
     std::string m_path;
+    FolderRemoval m_removal;
 };
 
 std::string textIn(const std::string& path)
 {
-    return fs::exists(path) ? input::readText(path) : "";
+    return fs::exists(path) ? readFile(path) : "";
 }
 
 /// The last line of a text that has something on it, or of those with a word, if one is asked for.
@@ -112,9 +104,7 @@ public:
         if (m_setting.keepPlacements && isDone(result.status)) {
             keepPlacement();
         }
-        OutputFile file(m_work.file("result"));
-        file << toText(m_task, result);
-        file.commit();
+        writeFile(m_work.file("result"), toText(m_task, result));
         move(m_work.file("result"), m_folder.result(m_task.id));
     }
 

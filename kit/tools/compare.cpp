@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "kit/base/readFile.h"
 #include "kit/compare/table.h"
 #include "kit/fault.h"
 #include "kit/input/text.h"
@@ -23,7 +24,7 @@ struct Options {
 
 Json read(const std::string& path)
 {
-    const std::optional<Json> result = Json::tryParse(input::readText(path));
+    const std::optional<Json> result = Json::tryParse(readFile(path));
     if (!result || (*result)["schema"] != "vireloce-place" || (*result)["version"] != 1) {
         throw Fault(path + " is no result of vireloce-kit place, version 1");
     }

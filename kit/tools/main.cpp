@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "kit/base/standardStreams.h"
 #include "kit/tools/commands.h"
 
 int main(int argc, char** argv)
 {
-    return kit::runProgram(argc, argv, kit::allCommands());
+    kit::prepareStreams();
+    return kit::finishStreams(kit::runProgram(argc, argv, kit::allCommands()));
 }

@@ -4,6 +4,9 @@
 #include <iostream>
 #include <memory>
 
+#include "kit/base/folder.h"
+#include "kit/base/outputPaths.h"
+#include "kit/lefdef/trueOrient.h"
 #include "kit/verify/report.h"
 #include "kit/verify/verify.h"
 
@@ -25,6 +28,10 @@ int run(const Options& options)
     const Input input = readInput(options);
     const Issues issues = judge(input, options.minDist);
     if (!options.lyrdb.empty()) {
+        std::vector<std::string> inputs = filesIn(options.cellDir);
+        inputs.insert(inputs.end(),
+                      {options.placement, lefdef::mapOf(options.placement), options.colors, options.cells});
+        checkOutputs({options.lyrdb}, inputs, /*force=*/true);
         writeMarkers(options, input, issues);
     }
     (options.json ? writeJson : writeText)(options, input, issues, std::cout);

@@ -2,12 +2,13 @@
 #include "kit/tools/commands.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <iostream>
 #include <memory>
 
+#include "kit/base/outputFile.h"
+#include "kit/base/outputPaths.h"
+#include "kit/base/printable.h"
 #include "kit/fault.h"
-#include "kit/outputFile.h"
 #include "kit/view/html.h"
 #include "kit/view/inputs.h"
 #include "kit/view/options.h"
@@ -52,7 +53,8 @@ void reportInputs(const InputPaths& paths, const input::Findings& findings)
             return finding.severity == input::Severity::ERROR;
         });
         std::cerr << "vireloce-kit: the picture may miss something, as the files have errors (" << errors
-                  << "), the first: " << first->file << ':' << first->line << ": " << first->what << '\n';
+                  << "), the first: " << printable(first->file) << ':' << first->line << ": "
+                  << printable(first->what) << '\n';
     }
 }
 
@@ -62,10 +64,8 @@ void view(const Options& options)
     if (!html && !options.out.ends_with(".svg")) {
         throw Fault("the picture's name must end in .svg or .html: " + options.out);
     }
-    if (!options.force && std::filesystem::exists(options.out)) {
-        throw Fault(options.out + " exists; --force replaces it");
-    }
     const InputPaths paths = findInputs(options);
+    checkOutputs({options.out}, allOf(paths), options.force);
     input::Findings findings;
     const Scene scene = readScene(paths, options.minDist, findings);
     OutputFile file(options.out);

@@ -3,8 +3,8 @@
 #include <charconv>
 
 #include "kit/base/escape.h"
+#include "kit/base/outputFile.h"
 #include "kit/input/frame.h"
-#include "kit/outputFile.h"
 #include "kit/verify/report.h"
 
 namespace kit::verify {

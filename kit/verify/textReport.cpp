@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <ostream>
 
+#include "kit/base/printable.h"
 #include "kit/input/findingText.h"
 #include "kit/verify/report.h"
 
@@ -64,11 +65,9 @@ private:
     void writeLine(const std::string& file, int64_t line, input::Severity severity, const std::string& what,
                    const std::string& kind)
     {
-        std::string text = file + (line > 0 ? ":" + std::to_string(line) : "") + ": " + input::wordOf(severity) +
-                           ": " + what + " [" + kind + "]";
-        std::replace_if( // names come from files, and a report is for terminals
-            text.begin(), text.end(), [](char c) { return (c >= 0 && c < ' ') || c == '\x7f'; }, '?');
-        m_out << text << '\n';
+        const std::string text = file + (line > 0 ? ":" + std::to_string(line) : "") + ": " +
+                                 input::wordOf(severity) + ": " + what + " [" + kind + "]";
+        m_out << printable(text) << '\n';
     }
 
     void writeIssue(const Issue& issue)
@@ -106,8 +105,8 @@ private:
         for (const Issue* pair : pairs) {
             m_out << padded(rounded(pair->distance), 8) << padded(std::to_string(pair->shapePairs), 13)
                   << padded(std::to_string(pair->mask), 6) << "  "
-                  << describe(m_input.design, pair->component) << ", "
-                  << describe(m_input.design, pair->other) << '\n';
+                  << printable(describe(m_input.design, pair->component)) << ", "
+                  << printable(describe(m_input.design, pair->other)) << '\n';
         }
     }
 
@@ -125,7 +124,7 @@ private:
                       << '\n';
             }
         }
-        m_out << m_options.placement << ": " << (errors == 0 ? "clean" : "not clean") << ", "
+        m_out << printable(m_options.placement) << ": " << (errors == 0 ? "clean" : "not clean") << ", "
               << counted(errors, "error") << ", " << counted(notes, "note") << '\n';
     }
 

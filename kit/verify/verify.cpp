@@ -63,7 +63,8 @@ Input readInput(const Options& options)
     Input input;
     input::Findings findings;
     input::readPlacement(options.placement, input.design, findings);
-    lefdef::restoreOrientations(options.placement, input.design, findings);
+    lefdef::restoreOrientations(options.mapOf.empty() ? options.placement : options.mapOf, input.design,
+                                findings);
     if (options.cells.empty()) {
         input::readCells(usedCells(input.design), options.cellDir, input.design, findings);
     } else {

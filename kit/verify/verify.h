@@ -17,6 +17,7 @@ namespace kit::verify {
 struct Options {
     std::string placement; ///< path of the placement file
     std::string colors;    ///< path of the colours file
+    std::string mapOf{};   ///< path of the placement file beside which the map lies; empty for this one
     std::string cellDir;   ///< folder of the colour files of the cells
     std::string cells;     ///< path of the cell list; empty for the cells that the placement names
     int32_t minDist = 185; ///< distance that shapes of one mask need, library coordinates

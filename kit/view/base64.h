@@ -8,7 +8,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "kit/outputFile.h"
+#include "kit/base/outputFile.h"
 
 namespace kit::view {
 

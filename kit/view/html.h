@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include "kit/outputFile.h"
+#include "kit/base/outputFile.h"
 #include "kit/view/scene.h"
 
 namespace kit::view {

@@ -6,6 +6,7 @@
 #include <set>
 #include <vector>
 
+#include "kit/base/folder.h"
 #include "kit/fault.h"
 #include "kit/input/colors.h"
 #include "kit/input/frame.h"
@@ -103,6 +104,14 @@ InputPaths findInputs(const Options& options)
     paths.colors = mustExist(options.colors);
     paths.cellDir = mustExist(options.cellDir);
     return paths;
+}
+
+std::vector<std::string> allOf(const InputPaths& paths)
+{
+    std::vector<std::string> all = filesIn(paths.cellDir);
+    all.insert(all.end(), {paths.placement, paths.before, paths.cells, paths.pins, paths.netlist,
+                           paths.colors, lefdef::mapOf(paths.placement), lefdef::mapOf(paths.before)});
+    return all;
 }
 
 Scene readScene(const InputPaths& paths, int32_t minDist, input::Findings& findings)

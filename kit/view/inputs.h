@@ -7,6 +7,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "kit/input/finding.h"
 #include "kit/view/options.h"
@@ -29,6 +30,9 @@ struct InputPaths {
 ///
 /// Errors: throws Fault if a named file or folder does not exist.
 InputPaths findInputs(const Options& options);
+
+/// The paths of all that is read.
+std::vector<std::string> allOf(const InputPaths& paths);
 
 /// Reads the files and builds what is drawn. Problems of the files are appended to `findings`.
 ///

@@ -38,7 +38,7 @@ void addCell(PageArrays& arrays, const Cell& cell)
     arrays.kind.push_back(shortIndex(cell.kind));
     arrays.colouring.push_back(shortIndex(cell.colouring));
     arrays.turns.push_back(static_cast<uint8_t>(bitsOf(cell.place) | bitsOf(cell.before) << 2U));
-    arrays.names += printable(cell.name);
+    arrays.names += withoutControls(cell.name);
     arrays.names += '\n';
 }
 
@@ -116,7 +116,7 @@ Json describeKind(const Kind& kind)
         stitches.push_back(colouring.stitches);
         masks.push_back(digitsOf(colouring.masks));
     }
-    return {{"name", printable(kind.name)}, {"width", kind.width}, {"metal", metal}, {"joints", joints},
+    return {{"name", withoutControls(kind.name)}, {"width", kind.width}, {"metal", metal}, {"joints", joints},
             {"stitches", stitches},         {"masks", masks}};
 }
 
@@ -124,7 +124,7 @@ Json describeBlocks(const std::vector<Block>& blocks)
 {
     Json list = Json::array();
     for (const Block& block : blocks) {
-        list.push_back({{"name", printable(block.name)}, {"box", corners(block.box)}});
+        list.push_back({{"name", withoutControls(block.name)}, {"box", corners(block.box)}});
     }
     return list;
 }
@@ -142,7 +142,7 @@ Json describePins(const Scene& scene)
 {
     Json list = Json::array();
     for (const Terminal& pin : scene.pins) {
-        list.push_back({{"name", printable(pin.name)}, {"x", pin.x}, {"y", pin.y}});
+        list.push_back({{"name", withoutControls(pin.name)}, {"x", pin.x}, {"y", pin.y}});
     }
     return list;
 }
@@ -179,7 +179,7 @@ std::string describe(const Scene& scene)
     for (const Kind& kind : scene.kinds) {
         kinds.push_back(describeKind(kind));
     }
-    Json data{{"title", printable(scene.title)},
+    Json data{{"title", withoutControls(scene.title)},
               {"dbuPerMicron", scene.dbuPerMicron},
               {"siteWidth", scene.siteWidth},
               {"rowHeight", scene.rowHeight},

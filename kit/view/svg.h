@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "kit/outputFile.h"
+#include "kit/base/outputFile.h"
 #include "kit/view/scene.h"
 
 namespace kit::view {

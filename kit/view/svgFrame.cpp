@@ -44,7 +44,7 @@ std::string counted(size_t count, const std::string& what)
 
 std::string titleOf(const Scene& scene)
 {
-    return "Placement " + printable(scene.title);
+    return "Placement " + withoutControls(scene.title);
 }
 
 std::string subtitleOf(const Scene& scene, Detail detail)

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "kit/outputFile.h"
+#include "kit/base/outputFile.h"
 #include "kit/view/scene.h"
 #include "kit/view/svg.h"
 

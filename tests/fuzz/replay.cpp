@@ -3,12 +3,13 @@
 #include <algorithm>
 #include <exception>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
+#include <iterator>
 #include <string>
 #include <vector>
 
 #include "check.h"
-#include "kit/input/text.h"
 
 namespace {
 
@@ -21,8 +22,8 @@ size_t replay(const std::string& folder)
     std::sort(paths.begin(), paths.end());
     for (const std::string& path : paths) {
         std::cout << path << std::endl; // before the run, which may end the program
-        const std::string text = kit::input::readText(path);
-        const std::vector<uint8_t> bytes(text.begin(), text.end());
+        std::ifstream file(path, std::ios::binary);
+        const std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(file), {}};
         LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
     }
     return paths.size();

@@ -145,7 +145,8 @@ TEST_P(ExistingFile, IsNotReplacedUnasked)
     const std::string old = dir.write(GetParam(), "old");
     const KitOutcome refused = generateIn(dir, {"--cell-path", dir.path("lib")});
     EXPECT_EQ(refused.status, 2);
-    EXPECT_EQ(refused.error, "vireloce-kit: " + old + " exists; --force replaces it\n");
+    EXPECT_EQ(refused.error,
+              "vireloce-kit: " + old + " exists: choose another name, or --force to replace it\n");
     EXPECT_EQ(contentOf(old), "old");
 
     EXPECT_EQ(generateIn(dir, {"--cell-path", dir.path("lib"), "--force"}).status, 0);

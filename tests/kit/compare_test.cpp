@@ -60,7 +60,7 @@ TEST(KitCompare, RefusesWhatIsNoResult)
                   "vireloce-kit: " + dir.path(name) + " is no result of vireloce-kit place, version 1\n");
     }
     EXPECT_EQ(test::runKit({"compare", dir.path("none.json")}).error,
-              "vireloce-kit: cannot open file " + dir.path("none.json") + "\n");
+              "vireloce-kit: cannot open file " + dir.path("none.json") + ": No such file or directory\n");
 }
 
 TEST(KitCompare, ReadsWhatPlaceWrites)

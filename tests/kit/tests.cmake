@@ -2,6 +2,11 @@ find_package(SQLite3 REQUIRED)
 vireloce_test(kit SHARDS 4
     kit/base/escape_test.cpp
     kit/base/json_test.cpp
+    kit/base/outputFile_test.cpp
+    kit/base/outputPaths_test.cpp
+    kit/base/outputSet_test.cpp
+    kit/base/program_test.cpp
+    kit/base/text_test.cpp
     kit/cellLibrary_test.cpp
     kit/color/cell_test.cpp
     kit/color/command_test.cpp
@@ -39,7 +44,6 @@ vireloce_test(kit SHARDS 4
     kit/lint/damage_test.cpp
     kit/lint/report_test.cpp
     kit/netlist_test.cpp
-    kit/outputFile_test.cpp
     kit/place/place_test.cpp
     kit/place/progressLine_test.cpp
     kit/placer_test.cpp

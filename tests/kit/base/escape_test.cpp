@@ -19,19 +19,19 @@ TEST(Escape, CharactersBeyondAsciiStay)
 
 TEST(Escape, ControlCharactersBecomeQuestionMarks)
 {
-    EXPECT_EQ(printable("a\rb\x7F\x01\n"), "a?b???");
+    EXPECT_EQ(withoutControls("a\rb\x7F\x01\n"), "a?b???");
 }
 
 TEST(Escape, BytesThatAreNoUtf8BecomeQuestionMarks)
 {
-    EXPECT_EQ(printable("\x80"), "?");
-    EXPECT_EQ(printable("\xC3"), "?");
-    EXPECT_EQ(printable("\xC3z"), "?z");
-    EXPECT_EQ(printable("\xC0\xAF"), "??");           // over-long
-    EXPECT_EQ(printable("\xE0\x80\x80"), "???");      // over-long
-    EXPECT_EQ(printable("\xED\xA0\x80"), "???");      // a surrogate
-    EXPECT_EQ(printable("\xF4\x90\x80\x80"), "????"); // beyond Unicode
-    EXPECT_EQ(printable("\xEF\xBF\xBF"), "?");        // no character
+    EXPECT_EQ(withoutControls("\x80"), "?");
+    EXPECT_EQ(withoutControls("\xC3"), "?");
+    EXPECT_EQ(withoutControls("\xC3z"), "?z");
+    EXPECT_EQ(withoutControls("\xC0\xAF"), "??");           // over-long
+    EXPECT_EQ(withoutControls("\xE0\x80\x80"), "???");      // over-long
+    EXPECT_EQ(withoutControls("\xED\xA0\x80"), "???");      // a surrogate
+    EXPECT_EQ(withoutControls("\xF4\x90\x80\x80"), "????"); // beyond Unicode
+    EXPECT_EQ(withoutControls("\xEF\xBF\xBF"), "?");        // no character
 }
 
 TEST(Escape, NoTagIsLeftInAScript)

@@ -297,7 +297,8 @@ TEST_F(KitColorCommand, ReplacesNothingWithoutForce)
     std::ofstream(out() + "/BUF.color") << "mine";
     const KitOutcome outcome = color();
     EXPECT_EQ(outcome.status, 2);
-    EXPECT_NE(outcome.error.find("BUF.color exists: give --force to replace it"), std::string::npos);
+    EXPECT_NE(outcome.error.find("BUF.color exists: choose another name, or --force to replace it"),
+              std::string::npos);
     EXPECT_EQ(file("BUF.color"), "mine");
     EXPECT_FALSE(exists("INV.color"));
     EXPECT_EQ(color({"--force"}).status, 0);

@@ -2,6 +2,7 @@
 // The subcommand export: its messages, its statuses, and what it does not touch.
 #include <filesystem>
 
+#include "kit/base/writeOutput.h"
 #include "kit/export/limit.h"
 #include "kit/export/smallExport.h"
 #include "kit/lefdef/nameMap.h"
@@ -109,7 +110,8 @@ TEST(KitExportCommand, OtherDefFileIsAWarning)
     const SmallExport files(U, U_IN_DEF);
     kit::lefdef::NameMap map{.def = "before.def", .hash = kit::lefdef::hashOf("")};
     map.siteWidth = map.siteHeight = 1;
-    kit::lefdef::writeNameMap(files.path("out.map"), map);
+    test::writeOutput(files.path("out.map"),
+                      [&map](kit::OutputFile& out) { kit::lefdef::writeNameMap(map, out); });
     const KitOutcome outcome = files.run();
     EXPECT_EQ(outcome.error,
               "in.def: warning: the file is not the one that was imported, before.def; export into that one, "
@@ -124,7 +126,8 @@ TEST(KitExportCommand, FlippedComponentThatIsNotThereIsAWarning)
     kit::lefdef::NameMap map{.def = "in.def", .hash = kit::lefdef::hashOf(files.def)};
     map.siteWidth = map.siteHeight = 1;
     map.flipped = {"v"};
-    kit::lefdef::writeNameMap(files.path("out.map"), map);
+    test::writeOutput(files.path("out.map"),
+                      [&map](kit::OutputFile& out) { kit::lefdef::writeNameMap(map, out); });
     EXPECT_EQ(files.run().error,
               "out.place: warning: the map names the flipped component v, which is not here; export with the "
               "map that the import made [unknown-name]\n0 errors, 1 warning, 0 notes\n");
@@ -418,7 +421,8 @@ TEST(KitExportImported, WhatTheImportLeftOutIsNotTold)
     SmallExport files(U, U_IN_DEF + "- v INV + PLACED ( 0 0 ) N ;\n");
     kit::lefdef::NameMap map{.def = "in.def", .hash = kit::lefdef::hashOf(files.def)};
     map.siteWidth = map.siteHeight = 1;
-    kit::lefdef::writeNameMap(files.path("out.map"), map);
+    test::writeOutput(files.path("out.map"),
+                      [&map](kit::OutputFile& out) { kit::lefdef::writeNameMap(map, out); });
     EXPECT_EQ(files.run().error, "");
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
+#include "kit/base/writeOutput.h"
 #include "kit/export/edits.h"
 #include "kit/export/smallExport.h"
 #include "kit/export/statement.h"
@@ -73,7 +74,8 @@ TEST_P(KitExportOrient, IsMirroredAsPlacedAndUpsideDownAsTheRow)
     if (GetParam().flipped) {
         map.flipped = {"u"};
     }
-    kit::lefdef::writeNameMap(files.path("out.map"), map);
+    test::writeOutput(files.path("out.map"),
+                      [&map](kit::OutputFile& out) { kit::lefdef::writeNameMap(map, out); });
     const KitOutcome outcome = files.run();
     EXPECT_EQ(outcome.error, "");
     EXPECT_EQ(files.output("new.def"),
@@ -96,7 +98,8 @@ TEST(KitExportNames, AreThoseOfTheDefFile)
     kit::lefdef::NameMap map{.def = "in.def", .hash = kit::lefdef::hashOf(files.def)};
     map.siteWidth = map.siteHeight = 1;
     map.names = {{"FILLER_1_", "FILLER_1"}};
-    kit::lefdef::writeNameMap(files.path("out.map"), map);
+    test::writeOutput(files.path("out.map"),
+                      [&map](kit::OutputFile& out) { kit::lefdef::writeNameMap(map, out); });
     const KitOutcome outcome = files.run();
     EXPECT_EQ(outcome.error, "");
     EXPECT_EQ(outcome.output, "new.def: 1 component, 1 in a new place\n");

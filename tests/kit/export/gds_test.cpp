@@ -9,12 +9,12 @@
 #include <algorithm>
 #include <set>
 
+#include "kit/base/outputFile.h"
 #include "kit/export/gdsNames.h"
 #include "kit/export/gdsWriter.h"
 #include "kit/export/real8.h"
 #include "kit/fault.h"
 #include "kit/kitRun.h"
-#include "kit/outputFile.h"
 
 namespace {
 

@@ -2,7 +2,12 @@
 // All the way from LEF and DEF, by the program itself.
 #include <gtest/gtest.h>
 
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <chrono>
+#include <csignal>
+#include <cstdio>
 #include <filesystem>
 #include <string>
 
@@ -220,6 +225,78 @@ TEST_F(SmallFlow, LegalizesIfWished)
     EXPECT_EQ(small("- u C ;\n- v C + PLACED ( 1400 0 ) N ;\n", {"--legalize"}), 0) << m_output;
     EXPECT_NE(contentOf(out() + ".def").find("- u C + PLACED ( "), std::string::npos)
         << contentOf(out() + ".def");
+}
+
+TEST_F(SmallFlow, FailedStepsCountWhereTheParentIgnoredTheEndsOfChildren)
+{
+    std::signal(SIGCHLD, SIG_IGN); // what a program is started with stays so
+    const std::string command = "exec '" VIRELOCE_KIT_PROGRAM "' flow --lef " + m_dir.path("l.lef") +
+                                " --def " + m_dir.path("d.def") + " -o " + out() + " --cache " +
+                                m_dir.path("cache") + " >/dev/null 2>&1";
+    m_dir.write("l.lef", LEF);
+    m_dir.write("d.def", "UNITS DISTANCE MICRONS 1000 ;\nEND DESIGN\n");
+    const pid_t child = fork();
+    if (child == 0) {
+        execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
+        _exit(127);
+    }
+    std::signal(SIGCHLD, SIG_DFL);
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(WEXITSTATUS(status), 2);
+    EXPECT_FALSE(exists(".def"));
+}
+
+/// Two cells side by side.
+constexpr const char* GOOD = "- u C + PLACED ( 1000 0 ) N ;\n- v C + PLACED ( 1400 0 ) N ;\n";
+
+/// A flow that has been run well, to be run again with less room.
+class FullDiskFlow : public SmallFlow {
+protected:
+    FullDiskFlow()
+    {
+        EXPECT_EQ(small(GOOD), 0) << m_output;
+        m_page = std::filesystem::file_size(out() + ".html");
+        for (const char* extension : EXTENSIONS) {
+            EXPECT_LE(std::filesystem::file_size(out() + extension), m_page) << extension;
+            std::filesystem::remove(out() + extension);
+        }
+    }
+
+    /// Runs it where no file may have more than some blocks of 512 bytes. What it prints is in m_output.
+    int again(uintmax_t blocks)
+    {
+        const std::string command = "ulimit -f " + std::to_string(blocks) +
+                                    "; exec '" VIRELOCE_KIT_PROGRAM "' flow --lef " + m_dir.path("l.lef") +
+                                    " --def " + m_dir.path("d.def") + " -o " + out() + " --cache " +
+                                    m_dir.path("cache") + " 2>&1";
+        FILE* const pipe = popen(command.c_str(), "r"); // of which there may be any amount
+        m_output.clear();
+        for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) {
+            m_output += static_cast<char>(c);
+        }
+        return WEXITSTATUS(pclose(pipe));
+    }
+
+    uintmax_t m_page = 0; ///< bytes
+};
+
+TEST_F(FullDiskFlow, SaysWhatWentWrong)
+{
+    EXPECT_EQ(again(1), 2);
+    EXPECT_TRUE(says("import", "FAILED")) << m_output;
+    EXPECT_NE(m_output.find("What went wrong: vireloce-kit: cannot write "), std::string::npos) << m_output;
+    EXPECT_NE(m_output.find(": File too large\n"), std::string::npos) << m_output;
+}
+
+TEST_F(FullDiskFlow, ResultsAppearTogetherOrNotAtAll)
+{
+    EXPECT_EQ(again((m_page - 1) / 512), 2);
+    EXPECT_TRUE(says("export", "2 components")) << m_output;
+    EXPECT_TRUE(says("view", "FAILED")) << "there is no room for the page, which comes after the masks";
+    for (const char* extension : EXTENSIONS) {
+        EXPECT_FALSE(exists(extension)) << extension;
+    }
 }
 
 TEST_F(SmallFlow, StopsAtAPlacementThatIsNotClean)

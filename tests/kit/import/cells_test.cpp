@@ -147,7 +147,7 @@ TEST_F(KitImportCells, UnitsAreRequired)
 TEST_F(KitImportCells, AnInputIsNeverReplaced)
 {
     importWell("");
-    for (const char* name : {"q.place", "q.map.part"}) {
+    for (const char* name : {"q.place", "q.map"}) {
         const std::string def = test::contentOf(m_dir.path("d.def"));
         m_dir.write(name, def);
         const auto outcome = test::runKit({"import", "--lef", m_dir.path("l.lef"), "--def", m_dir.path(name),

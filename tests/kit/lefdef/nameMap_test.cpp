@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
+#include "kit/base/writeOutput.h"
 #include "kit/fault.h"
 #include "kit/kitRun.h"
 
@@ -119,7 +120,8 @@ TEST(KitNameMap, LineEndInThePathDoesNotBreakTheFile)
 {
     const TempDir dir;
     NameMap map{.def = "a\nb", .hash = kit::lefdef::hashOf("x"), .siteWidth = 1, .siteHeight = 2};
-    kit::lefdef::writeNameMap(dir.path("d.map"), map);
+    test::writeOutput(dir.path("d.map"),
+                      [&map](kit::OutputFile& out) { kit::lefdef::writeNameMap(map, out); });
     Findings findings;
     EXPECT_EQ(kit::lefdef::readNameMap(dir.path("d.map"), findings).def, "a?b");
     EXPECT_TRUE(findings.empty());
@@ -146,7 +148,8 @@ RC_GTEST_PROP(KitNameMap, ComesBackAsItWasWritten, ())
         map.flipped.push_back("n" + std::to_string(i));
     }
     const TempDir dir;
-    kit::lefdef::writeNameMap(dir.path("d.map"), map);
+    test::writeOutput(dir.path("d.map"),
+                      [&map](kit::OutputFile& out) { kit::lefdef::writeNameMap(map, out); });
     Findings findings;
     const NameMap back = kit::lefdef::readNameMap(dir.path("d.map"), findings);
     RC_ASSERT(findings.empty());

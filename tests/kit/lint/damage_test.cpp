@@ -125,7 +125,8 @@ const DamageCase DAMAGES[] = {
     {"TabInRecord",
      {{"d.place", "( 0 0 ) N", "( 0 0 )\tN N"}},
      1,
-     {"d.place:14: warning: token 9 of the component is \")?N\" where \")\" belongs; check that no token is "
+     {"d.place:14: warning: token 9 of the component is \")\\x09N\" where \")\" belongs; check that no token "
+      "is "
       "missing before it: the placer counts them [punctuation]",
       "d.place:14: warning: the placer takes a tab for part of a token; write spaces [tab]"}},
     {"TabInName",
@@ -328,24 +329,29 @@ const DamageCase DAMAGES[] = {
     {"NoColourFile",
      {{"lib/INV.color", "", ""}},
      2,
-     {"d.cells:2: error: cannot open file lib/INV.color; write the colour file, or correct the cell's name "
+     {"d.cells:2: error: cannot open file lib/INV.color: No such file or directory; write the colour file, "
+      "or correct the cell's name "
       "[no-file]"}},
     {"NoCellList",
      {{"d.cells", "", ""}},
      2,
-     {"d.cells: error: cannot open file d.cells; write it, or correct BASE [no-file]"}},
+     {"d.cells: error: cannot open file d.cells: No such file or directory; write it, or correct BASE "
+      "[no-file]"}},
     {"NoPlacement",
      {{"d.place", "", ""}},
      2,
-     {"d.place: error: cannot open file d.place; write it, or correct BASE [no-file]"}},
+     {"d.place: error: cannot open file d.place: No such file or directory; write it, or correct BASE "
+      "[no-file]"}},
     {"NoPins",
      {{"d.pins", "", ""}},
      2,
-     {"d.pins: error: cannot open file d.pins; write it, or correct BASE [no-file]"}},
+     {"d.pins: error: cannot open file d.pins: No such file or directory; write it, or correct BASE "
+      "[no-file]"}},
     {"NoNetlist",
      {{"d.netlist", "", ""}},
      2,
-     {"d.netlist: error: cannot open file d.netlist; write it, or correct BASE [no-file]"}},
+     {"d.netlist: error: cannot open file d.netlist: No such file or directory; write it, or correct BASE "
+      "[no-file]"}},
     {"ColourFileIsText",
      {{"lib/INV.color", "380 1900\n", "380 high\n"}},
      2,

@@ -84,7 +84,7 @@ TEST(LintReport, JsonStandsBytesThatAreNoText)
 TEST(LintReport, LinesShowNoControlCharacters)
 {
     const std::string output = SmallDesign({{"d.place", "- u1 INV", "- u1 A\x1b[31mB"}}).lint().output;
-    EXPECT_NE(output.find("the cell A?[31mB of u1"), std::string::npos) << output;
+    EXPECT_NE(output.find("the cell A\\x1b[31mB of u1"), std::string::npos) << output;
 }
 
 TEST(LintOptions, MindpIsTheColouringDistance)

@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <string>
+#include <thread>
 
 #include "kit/fault.h"
 #include "kit/kitRun.h"
@@ -65,6 +66,32 @@ TEST_F(KitProcess, TellsTimeAndMemory)
 TEST_F(KitProcess, ProgramThatIsNotThereIsAFault)
 {
     EXPECT_THROW(kit::process::run({m_dir.path("none")}, m_dir.path("out"), m_dir.path("err")), kit::Fault);
+}
+
+TEST_F(KitProcess, EndingsAreKnownWhereTheParentIgnoredThem)
+{
+    std::signal(SIGCHLD, SIG_IGN);
+    EXPECT_EQ(shell("exit 7").status, 7);
+    std::signal(SIGCHLD, SIG_IGN);
+    const Ending limited = kit::process::run({"/bin/sh", "-c", "exit 7"}, m_dir.path("out"),
+                                             m_dir.path("err"), {.seconds = 60, .stop = {}});
+    EXPECT_EQ(limited.status, 7);
+}
+
+TEST_F(KitProcess, EndingThatCannotBeKnownIsAFault)
+{
+    std::jthread thief([this] {
+        while (!std::filesystem::exists(m_dir.path("begun"))) {
+            std::this_thread::yield();
+        }
+        std::signal(SIGCHLD, SIG_IGN); // the system throws the ending away
+        m_dir.write("go", "");
+    });
+    const std::string begun = m_dir.path("begun");
+    EXPECT_THROW(
+        shell("touch '" + begun + "'; while [ ! -e '" + m_dir.path("go") + "' ]; do sleep 0.01; done"),
+        kit::Fault);
+    std::signal(SIGCHLD, SIG_DFL);
 }
 
 TEST_F(KitProcess, OwnPathIsThisProgram)

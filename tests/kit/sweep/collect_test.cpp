@@ -152,7 +152,6 @@ TEST_F(KitSweepCollect, DatabaseHasTheSame)
         "1.0,clean,999,integer,real,NULL\n2.0,failed,NULL,null,real,NULL\n3.0,clean,997,integer,real,NULL\n");
     EXPECT_EQ(queried(path, "SELECT count(*) FROM runs WHERE seconds > 0 AND peak_kib > 0 AND host <> ''"),
               "3\n");
-    EXPECT_FALSE(fs::exists(path + ".part"));
 }
 
 TEST_F(KitSweepCollect, FilesThatAreThereStayUnlessForced)
@@ -169,6 +168,32 @@ TEST_F(KitSweepCollect, FilesThatAreThereStayUnlessForced)
         EXPECT_EQ(collect({option, path, "--force"}).status, 0);
         EXPECT_NE(contentOf(path), "old");
     }
+}
+
+TEST_F(KitSweepCollect, WhatATableIsMadeFromIsNeverReplaced)
+{
+    plan(1);
+    ASSERT_EQ(run("placed"), 0);
+    const std::string result = fs::directory_iterator(dir() + "/results")->path().string();
+    for (const std::string& input : {dir() + "/tasks.jsonl", result}) {
+        const std::string before = contentOf(input);
+        for (const char* option : {"-o", "--jsonl", "--sqlite"}) {
+            const KitOutcome outcome = collect({option, input, "--force"});
+            EXPECT_EQ(outcome.status, 2);
+            EXPECT_NE(outcome.error.find("is an input"), std::string::npos) << outcome.error;
+            EXPECT_EQ(contentOf(input), before);
+        }
+    }
+}
+
+TEST_F(KitSweepCollect, TablesHaveDifferentNamesAndAppearTogether)
+{
+    plan(1);
+    ASSERT_EQ(run("placed"), 0);
+    EXPECT_NE(collect({"-o", m_dir.path("t"), "--sqlite", m_dir.path("t")}).error.find("name of two results"),
+              std::string::npos);
+    EXPECT_EQ(collect({"-o", m_dir.path("t"), "--sqlite", m_dir.path("none/t")}).status, 2);
+    EXPECT_FALSE(fs::exists(m_dir.path("t")));
 }
 
 TEST_F(KitSweepCollect, FileThatCannotBeWrittenIsAFault)

@@ -297,14 +297,14 @@ TEST_F(KitSweepRun, OwnerThatWasKilledWhileItMadeItselfKnownIsCleanedAway)
     ++dead.start;
     kit::sweep::Owner far = dead;
     far.place = "far away";
-    test::writeFile(dir() + "/claims/." + dead.name() + ".part", "");
-    test::writeFile(dir() + "/claims/." + far.name() + ".part", "");
-    test::writeFile(dir() + "/claims/.odd.part", "");
+    test::writeFile(dir() + "/claims/." + dead.name() + ".part-abcdef", "");
+    test::writeFile(dir() + "/claims/." + far.name() + ".part-abcdef", "");
+    test::writeFile(dir() + "/claims/.odd.part-abcdef", "");
     EXPECT_EQ(run("placed"), 0);
     const auto left = filesIn(dir() + "/claims");
-    EXPECT_EQ(left.count("." + dead.name() + ".part"), 0U);
-    EXPECT_EQ(left.count("." + far.name() + ".part"), 1U) << "that cannot be known from here";
-    EXPECT_EQ(left.count(".odd.part"), 1U);
+    EXPECT_EQ(left.count("." + dead.name() + ".part-abcdef"), 0U);
+    EXPECT_EQ(left.count("." + far.name() + ".part-abcdef"), 1U) << "that cannot be known from here";
+    EXPECT_EQ(left.count(".odd.part-abcdef"), 1U);
 }
 
 TEST_F(KitSweepRun, OfSeveralTakersOneGetsAStaleClaim)

@@ -2,6 +2,7 @@
 // The subcommand verify from files to exit status.
 
 #include "kit/base/json.h"
+#include "kit/base/writeOutput.h"
 #include "kit/input/colors.h"
 #include "kit/input/reader.h"
 #include "kit/kitRun.h"
@@ -28,7 +29,7 @@ public:
 
     KitOutcome verify(const Words& more = {}) const
     {
-        kit::input::writeColors(colors(), records);
+        test::writeOutput(colors(), [this](kit::OutputFile& out) { kit::input::writeColors(records, out); });
         Words words{"verify", place(), "--colors", colors(), "--cell-path", m_files.lib()};
         words.insert(words.end(), more.begin(), more.end());
         return runKit(words);
@@ -37,6 +38,7 @@ public:
     std::string place() const { return m_files.base() + ".place"; }
     std::string cells() const { return m_files.base() + ".cells"; }
     std::string colors() const { return m_dir.path("first.colors"); }
+    std::string library() const { return m_files.lib(); }
     std::string path(const std::string& name) const { return m_dir.path(name); }
 
     kit::input::Design design;
@@ -100,6 +102,21 @@ TEST(KitVerifyCommand, MarkersAreWrittenWhereAsked)
         ++items;
     }
     EXPECT_EQ(countsOf(outcome).at("conflict"), items);
+}
+
+TEST(KitVerifyCommand, MarkersNeverReplaceAnInput)
+{
+    const FirstSolutions files;
+    files.verify();
+    std::filesystem::create_symlink(files.place(), files.path("link"));
+    const std::string cell = files.library() + "/" + files.design.cells.front().name + ".color";
+    for (const std::string& input : {files.place(), files.colors(), files.path("link"), cell}) {
+        const std::string before = contentOf(input);
+        const KitOutcome outcome = files.verify({"--lyrdb", input});
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_NE(outcome.error.find(input + " is an input"), std::string::npos) << outcome.error;
+        EXPECT_EQ(contentOf(input), before);
+    }
 }
 
 TEST(KitVerifyCommand, WorstLimitsTheTable)

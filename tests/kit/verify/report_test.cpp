@@ -151,7 +151,7 @@ TEST(KitVerifyReport, ControlCharactersDoNotReachTheTerminal)
     Judged judged;
     judged.add(0, 0, 0);
     judged.component(0).name = "u\x1b[0";
-    EXPECT_NE(textOf(judged, optionsOf()).find("u?[0 (BARS) has no colours"), std::string::npos);
+    EXPECT_NE(textOf(judged, optionsOf()).find("u\\x1b[0 (BARS) has no colours"), std::string::npos);
 }
 
 Json jsonOf(const Judged& judged)

@@ -208,6 +208,17 @@ TEST_F(ViewFiles, APictureIsReplacedByForceOnly)
     EXPECT_NE(contentOf(out), "mine");
 }
 
+TEST_F(ViewFiles, AnInputIsNeverReplaced)
+{
+    std::filesystem::create_symlink(m_dir.path("d.place"), m_dir.path("v.svg"));
+    const std::string before = test::contentOf(m_dir.path("d.place"));
+    const KitOutcome outcome =
+        runView({m_dir.path("d"), "-o", m_dir.path("v.svg"), "--cell-path", m_dir.path("lib"), "--force"});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_NE(outcome.error.find("v.svg is an input"), std::string::npos) << outcome.error;
+    EXPECT_EQ(test::contentOf(m_dir.path("d.place")), before);
+}
+
 TEST_F(ViewFiles, WithoutColourFilesTheUserIsTold)
 {
     const KitOutcome outcome = runView({m_dir.path("d"), "-o", m_dir.path("v.svg")});

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "kit/base/json.h"
+#include "kit/base/outputFile.h"
 #include "kit/kitRun.h"
-#include "kit/outputFile.h"
 #include "kit/view/scene.h"
 
 namespace test {
