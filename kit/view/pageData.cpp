@@ -116,8 +116,12 @@ Json describeKind(const Kind& kind)
         stitches.push_back(colouring.stitches);
         masks.push_back(digitsOf(colouring.masks));
     }
-    return {{"name", withoutControls(kind.name)}, {"width", kind.width}, {"metal", metal}, {"joints", joints},
-            {"stitches", stitches},         {"masks", masks}};
+    return {{"name", withoutControls(kind.name)},
+            {"width", kind.width},
+            {"metal", metal},
+            {"joints", joints},
+            {"stitches", stitches},
+            {"masks", masks}};
 }
 
 Json describeBlocks(const std::vector<Block>& blocks)
