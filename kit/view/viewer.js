@@ -267,7 +267,7 @@ function draw() {
     drawPart(0, 0, widthPx, heightPx);
   } else {
     clearTimeout(restTimer);
-    restTimer = setTimeout(redraw, REST_MS);
+    restTimer = setTimeout(() => { restTimer = 0; redraw(); }, REST_MS);
   }
   drawn = {...view};
   drawMarks();
@@ -1348,6 +1348,8 @@ window.viewer = {
   /** The middle of a conflict, DBU, by its number. */
   conflictPlace: (i) => [conflictX(i * CONFLICT_SIZE), conflictY(i * CONFLICT_SIZE)],
   draw() { drawn = null; draw(); },
+  /** Whether all is drawn. */
+  get rests() { return !pending && restTimer === 0; },
   get selected() { return selected < 0 ? "" : nameOf(selected); },
   get shown() { return shown === before ? "before" : "after"; },
   /** Pixels of the window of the middle of the cell of that name. */

@@ -85,7 +85,8 @@ export async function finish() {
 
 /** Waits until everything is drawn, also what is drawn when the plan rests. */
 export async function settle(page) {
-  await page.waitForTimeout(250);
+  await page.evaluate(() => new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(done))));
+  await page.waitForFunction(() => window.viewer.rests);
 }
 
 /** What the plan shows, as a text that differs for different pictures. */

@@ -14,11 +14,13 @@
 #include "kit/kitRun.h"
 #include "kit/process/childProcess.h"
 #include "support/guards.h"
+#include "support/waiting.h"
 
 namespace {
 
 using kit::process::Ending;
 using kit::process::Limits;
+using test::comes;
 
 /// Whether a process is there and has not ended.
 bool isRunning(int process)
@@ -29,16 +31,6 @@ bool isRunning(int process)
     std::string state;
     file >> id >> name >> state;
     return file && state != "Z" && state != "X";
-}
-
-/// Waits some seconds for a condition. @return whether it came
-template <typename Condition>
-bool comes(const Condition& condition)
-{
-    for (int i = 0; i < 500 && !condition(); ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    return condition();
 }
 
 class KitProcessLimits : public testing::Test {

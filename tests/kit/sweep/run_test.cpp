@@ -16,12 +16,14 @@
 #include "kit/process/childProcess.h"
 #include "kit/sweep/folder.h"
 #include "kit/sweep/sweepCase.h"
+#include "support/waiting.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
 using kit::Json;
+using test::comes;
 using test::contentOf;
 using test::KitOutcome;
 
@@ -381,9 +383,7 @@ TEST_F(KitSweepRun, WaitOutlastsAnotherProcess)
     waiting.resume = true;
     waiting.wait = true;
     Child child(waiting);
-    while (linesOf("made") < 1) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
+    ASSERT_TRUE(comes([&] { return linesOf("made") >= 1; }));
     // More than the pause between two looks, so that it has found the claim alive more than once.
     std::this_thread::sleep_for(std::chrono::milliseconds(1500));
     EXPECT_EQ(linesOf("made"), 1);
@@ -399,9 +399,7 @@ TEST_F(KitSweepRun, WaitTakesTheResultOfAnotherProcess)
     auto waiting = options(program(tell("made") + "[ $weight = 2 ] || sleep 1.5; placed"));
     waiting.resume = true;
     Child first(waiting);
-    while (linesOf("made") < 1) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
+    ASSERT_TRUE(comes([&] { return linesOf("made") >= 1; }));
     waiting.wait = true;
     EXPECT_EQ(kit::sweep::run(waiting), 0);
     EXPECT_EQ(first.wait(), 0);
@@ -417,9 +415,7 @@ TEST_F(KitSweepRun, SignalStopsTheWait)
     waiting.resume = true;
     waiting.wait = true;
     Child child(waiting);
-    while (linesOf("made") < 1) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
+    ASSERT_TRUE(comes([&] { return linesOf("made") >= 1; }));
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
     EXPECT_EQ(child.end(SIGTERM), 128 + SIGTERM);
 }
@@ -431,9 +427,7 @@ TEST_F(KitSweepRun, SignalStopsItWithoutResults)
     for (const int signal : {SIGTERM, SIGINT}) {
         fs::remove(m_dir.path("begun"));
         Child child(slow);
-        while (linesOf("begun") == 0) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
+        ASSERT_TRUE(comes([&] { return linesOf("begun") > 0; }));
         EXPECT_EQ(child.end(signal), 128 + signal);
         EXPECT_TRUE(results().empty());
         expectClean();
