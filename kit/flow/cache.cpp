@@ -7,8 +7,11 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "kit/base/folder.h"
+#include "kit/base/outputFile.h"
 #include "kit/base/readFile.h"
 #include "kit/base/shortText.h"
+#include "kit/base/version.h"
 #include "kit/fault.h"
 #include "kit/hash.h"
 
@@ -17,9 +20,6 @@ namespace kit::flow {
 namespace fs = std::filesystem;
 
 namespace {
-
-/// Goes up when the same input may be coloured otherwise than before.
-constexpr const char* VERSION = "1";
 
 constexpr const char* PART = ".part";
 
@@ -44,7 +44,7 @@ std::string cacheRoot(const Options& options)
 std::string cachedFolder(const Options& options, const std::string& site)
 {
     Hash hash;
-    hash.add(VERSION);
+    hash.add(programVersion()); // another version may colour the same input otherwise
     const auto numberText = [](const auto& number) { return number ? shortText(*number) : ""; };
     for (const std::string& option :
          {options.layer, site, numberText(options.mindp), numberText(options.maxSolutions),
@@ -59,9 +59,12 @@ std::string cachedFolder(const Options& options, const std::string& site)
     return (fs::path(cacheRoot(options)) / hash.text()).string();
 }
 
-std::string partOf(const std::string& folder)
+std::string makePart(const std::string& folder)
 {
-    return folder + PART + std::to_string(getpid());
+    const std::string part = folder + PART + std::to_string(getpid());
+    makeFolder(part);
+    writeFile(part + "/" + MARK, "");
+    return part;
 }
 
 void removeOldParts(const std::string& folder)
@@ -71,8 +74,7 @@ void removeOldParts(const std::string& folder)
     std::error_code error; // another run may remove the same
     for (const fs::directory_entry& entry : fs::directory_iterator(path.parent_path(), error)) {
         const fs::path& name = entry.path();
-        const bool isPart = name.stem().string().size() == path.filename().string().size() &&
-                            name.extension().string().starts_with(PART);
+        const bool isPart = name.extension().string().starts_with(PART) && fs::exists(name / MARK, error);
         if (isPart && entry.last_write_time(error) < old && !error) {
             fs::remove_all(name, error);
         }

@@ -29,12 +29,11 @@ namespace {
 
 constexpr int NOT_CLEAN = 1;
 constexpr int FAILED = 2;
-constexpr const char* MARK = "made-by-flow";
 
 class Flow {
 public:
-    Flow(const Options& options, std::ostream& out)
-        : m_options(options), m_out(out), m_places(placesOf(options))
+    Flow(const Options& options, std::ostream& out, std::ostream& errors)
+        : m_options(options), m_out(out), m_errors(errors), m_places(placesOf(options))
     {
     }
 
@@ -45,10 +44,13 @@ public:
         try {
             status = runSteps();
         } catch (const std::exception& error) {
-            m_out << "\n" << printable(error.what()) << "\n";
+            m_errors << "vireloce-kit: " << printable(error.what()) << "\n";
         }
-        m_out << (status == 0 ? "Done: " : "Stopped; the files so far are in ")
-              << (status == 0 ? results() : m_places.folder) << "\n";
+        if (status == 0) {
+            m_out << "Done: " << results() << "\n";
+        } else {
+            m_errors << "Stopped; the files so far are in " << m_places.folder << "\n";
+        }
         if (status == 0 && !m_options.keep) {
             fs::remove_all(m_places.folder);
         }
@@ -146,7 +148,7 @@ private:
         const std::string summary = finished ? step.summary(readFile(log)) : "";
         writeLine(step.name, (good ? "" : finished ? "FAILED: " : "FAILED") + summary);
         if (good && step.tellsMessages) {
-            m_out << messages;
+            m_errors << messages;
         } else if (!good) {
             tellFailure(step, words, messages, readFile(log));
         }
@@ -172,17 +174,17 @@ private:
     void tellFailure(const Step& step, const std::vector<std::string>& words, const std::string& messages,
                      const std::string& log)
     {
-        m_out << "\n" << messages << (step.name == "place" ? "" : log);
-        m_out << "\nWhat went wrong: ";
+        m_errors << "\n" << messages << (step.name == "place" ? "" : log);
+        m_errors << "\nWhat went wrong: ";
         if (m_ending.signal != 0) {
-            m_out << "the step was ended by signal " << m_ending.signal;
+            m_errors << "the step was ended by signal " << m_ending.signal;
         } else {
             const std::string last = lastLine(messages.empty() ? log : messages);
-            m_out << (last.empty() ? "exit status " + std::to_string(m_ending.status) + ", and no message"
-                                   : last);
+            m_errors << (last.empty() ? "exit status " + std::to_string(m_ending.status) + ", and no message"
+                                      : last);
         }
-        m_out << "\n";
-        m_out << "What was run: " << process::shellText(words) << "\nWhat to do: " << step.advice << "\n";
+        m_errors << "\n";
+        m_errors << "What was run: " << process::shellText(words) << "\nWhat to do: " << step.advice << "\n";
     }
 
     /// The size of a site that import found, W,H in micrometres.
@@ -207,10 +209,9 @@ private:
             return requireCells();
         }
         // A folder of the cache is whole: it is made beside and then given its name.
-        const std::string part = partOf(m_places.cellDir);
-        const FolderRemoval removal(part); // unless it was given its name
-        makeFolder(fs::path(m_places.cellDir).parent_path().string());
         removeOldParts(m_places.cellDir);
+        const std::string part = makePart(m_places.cellDir);
+        const FolderRemoval removal(part); // unless it was given its name
         if (!runStep(colorStep(m_options, site, part))) {
             return false;
         }
@@ -233,15 +234,16 @@ private:
         if (missing.empty()) {
             return true;
         }
-        m_out << "\nCells in use without a colouring:" << missing << "\n";
+        m_errors << "\nCells in use without a colouring:" << missing << "\n";
         const std::string messages = m_places.cellDir + "/messages";
         if (fs::exists(messages)) {
-            m_out << "Why is in " << messages << "\n";
+            m_errors << "Why is in " << messages << "\n";
         }
-        m_out << "What to do: give "
-              << (m_options.cellPath.empty()
-                      ? "--allow-conflicts to take their least bad colouring, or a smaller --mindp\n"
-                      : "the folder that has them with --cell-path, or leave it out to colour the library\n");
+        m_errors
+            << "What to do: give "
+            << (m_options.cellPath.empty()
+                    ? "--allow-conflicts to take their least bad colouring, or a smaller --mindp\n"
+                    : "the folder that has them with --cell-path, or leave it out to colour the library\n");
         return false;
     }
 
@@ -255,16 +257,17 @@ private:
     }
 
     const Options& m_options;
-    std::ostream& m_out;
+    std::ostream& m_out;    ///< the table
+    std::ostream& m_errors; ///< messages and failures
     Places m_places;
     process::Ending m_ending; ///< of the last step
 };
 
 } // namespace
 
-int flow(const Options& options, std::ostream& out)
+int flow(const Options& options, std::ostream& out, std::ostream& errors)
 {
-    return Flow(options, out).run();
+    return Flow(options, out, errors).run();
 }
 
 } // namespace kit::flow

@@ -13,9 +13,11 @@ namespace kit::flow {
 ///
 /// It stops at the first step that fails, with what to do, and leaves the files in between then.
 ///
-/// @return exit status: 0 done; 1 the placement is not clean; 2 a step could not do its work
-///
 /// Errors: throws Fault if a result exists and `force` is not given, or a step cannot be run.
-int flow(const Options& options, std::ostream& out);
+///
+/// @param out     takes the table
+/// @param errors  takes messages of the steps, and what to do where one fails
+/// @return exit status: 0 done; 1 the placement is not clean; 2 a step could not do its work
+int flow(const Options& options, std::ostream& out, std::ostream& errors);
 
 } // namespace kit::flow

@@ -63,7 +63,7 @@ void addCommand(const Command& program)
     addFiles(command, *options);
     addNumbers(command, *options);
     command.footer(FOOTER);
-    command.does([options] { return flow(*options, std::cout); });
+    command.does([options] { return flow(*options, std::cout, std::cerr); });
 }
 
 } // namespace kit::flow

@@ -99,16 +99,19 @@ TEST_F(KitFlow, ColoursALibraryOnce)
     EXPECT_FALSE(says("color", "known from before")) << m_output;
 }
 
-TEST_F(KitFlow, RemovesWhatKilledRunsLeftInTheCache)
+TEST_F(KitFlow, RemovesFromTheCacheWhatKilledRunsLeftAndNothingElse)
 {
     namespace fs = std::filesystem;
     ASSERT_EQ(gcd({"--allow-conflicts"}), 0) << m_output;
     const fs::path coloured = fs::directory_iterator(m_dir.path("cache"))->path();
     const fs::path old = coloured.string() + ".part1";
     const fs::path young = coloured.string() + ".part2";
-    const fs::path strange = m_dir.path("cache/my.part1");
+    const fs::path strange = coloured.string() + ".part3"; // without what flow puts into each
     for (const fs::path& path : {old, young, strange}) {
         fs::create_directory(path);
+        if (path != strange) {
+            std::ofstream(path / "made-by-flow");
+        }
         if (path != young) {
             fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::hours(25));
         }
@@ -130,9 +133,10 @@ TEST_F(KitFlow, TakesColourFilesThatAreThere)
 TEST_F(KitFlow, StopsAtCellsInUseWithoutAColouring)
 {
     EXPECT_EQ(gcd(), 2);
-    EXPECT_NE(m_output.find("Cells in use without a colouring: OAI22_X1 XNOR2_X2\n"), std::string::npos)
-        << m_output;
-    EXPECT_NE(m_output.find("What to do: give --allow-conflicts"), std::string::npos) << m_output;
+    EXPECT_EQ(m_output.find("without a colouring:"), std::string::npos) << "failures go to standard error";
+    EXPECT_NE(m_error.find("Cells in use without a colouring: OAI22_X1 XNOR2_X2\n"), std::string::npos)
+        << m_error;
+    EXPECT_NE(m_error.find("What to do: give --allow-conflicts"), std::string::npos) << m_error;
     EXPECT_FALSE(says("lint", "")) << m_output;
     EXPECT_TRUE(exists(".flow/design.place"));
     EXPECT_FALSE(exists(".def"));
@@ -171,8 +175,8 @@ TEST_F(KitFlow, NeverReplacesAnInput)
 TEST_F(KitFlow, FolderWithoutTheCellsIsTold)
 {
     EXPECT_EQ(gcd({"--cell-path", m_dir.path("none")}), 2);
-    EXPECT_NE(m_output.find("What to do: give the folder that has them with --cell-path"), std::string::npos)
-        << m_output;
+    EXPECT_NE(m_error.find("What to do: give the folder that has them with --cell-path"), std::string::npos)
+        << m_error;
 }
 
 TEST_F(KitFlow, OptionsAreCheckedBeforeTheFirstStep)
@@ -208,16 +212,15 @@ TEST_F(SmallFlow, StopsAtImportWithItsMessages)
 {
     EXPECT_EQ(small("- u C ;\n- v C + PLACED ( 1400 0 ) N ;\n"), 2);
     EXPECT_TRUE(says("import", "FAILED")) << m_output;
-    EXPECT_NE(m_output.find("component u is not placed"), std::string::npos) << m_output;
-    EXPECT_NE(m_output.find("What was run: "), std::string::npos) << m_output;
+    EXPECT_NE(m_error.find("component u is not placed"), std::string::npos) << m_error;
+    EXPECT_NE(m_error.find("What was run: "), std::string::npos) << m_error;
     EXPECT_FALSE(says("color", "")) << m_output;
 }
 
 TEST_F(SmallFlow, TellsWarningsOfStepsThatGoWell)
 {
     EXPECT_EQ(small("- u C + PLACED ( 1000 2000 ) N ;\n- v C + PLACED ( 1400 0 ) N ;\n"), 0) << m_output;
-    EXPECT_NE(m_output.find("warning: component u lies upside down in its row"), std::string::npos)
-        << m_output;
+    EXPECT_NE(m_error.find("warning: component u lies upside down in its row"), std::string::npos) << m_error;
 }
 
 TEST_F(SmallFlow, LegalizesIfWished)
@@ -306,7 +309,7 @@ TEST_F(SmallFlow, StopsAtAPlacementThatIsNotClean)
     EXPECT_EQ(small(pair, {"--max-solutions", "1"}), 1) << m_output;
     EXPECT_TRUE(says("place", "FAILED: HPWL ")) << m_output;
     EXPECT_TRUE(says("place", " 0 conflicts; verify finds 1 error")) << m_output;
-    EXPECT_NE(m_output.find("What to do: "), std::string::npos) << m_output;
+    EXPECT_NE(m_error.find("What to do: "), std::string::npos) << m_error;
     EXPECT_FALSE(exists(".def"));
 }
 
