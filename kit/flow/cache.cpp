@@ -61,7 +61,7 @@ std::string cachedFolder(const Options& options, const std::string& site)
 
 std::string makePart(const std::string& folder)
 {
-    const std::string part = folder + PART + std::to_string(getpid());
+    std::string part = folder + PART + std::to_string(getpid());
     makeFolder(part);
     writeFile(part + "/" + MARK, "");
     return part;
