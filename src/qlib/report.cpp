@@ -14,9 +14,10 @@ namespace {
 
 std::ostream* s_report = nullptr; ///< of the ReportScope, not owned; nullptr: there is none
 
-[[noreturn]] void end(const RunError& error)
+/// Prints the line, which may hold NUL bytes of an input's name where what() would stop, and ends the run.
+[[noreturn]] void end(const std::string& line, const RunError& error)
 {
-    report() << error.what() << '\n';
+    report() << line << '\n';
     report().flush();
     if (s_report != nullptr) {
         throw error;
@@ -59,16 +60,17 @@ void endRun(const std::string& line)
 {
     RunError error(line);
     error.text = line.substr(line.find("| ") + 2);
-    end(error);
+    end(line, error);
 }
 
 void endRunAt(const std::string& path, int64_t line, const std::string& what)
 {
-    RunError error("ERROR| " + path + ":" + std::to_string(line) + ": " + what);
+    const std::string whole = "ERROR| " + path + ":" + std::to_string(line) + ": " + what;
+    RunError error(whole);
     error.file = path;
     error.line = line;
     error.text = what;
-    end(error);
+    end(whole, error);
 }
 
 } // namespace vireloce

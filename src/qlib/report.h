@@ -15,7 +15,8 @@ std::ostream& report();
 /// Writes to the report as printf does to standard output, in order with what is streamed to report().
 [[gnu::format(printf, 1, 2)]] void reportf(const char* format, ...);
 
-/// Why a run ended early. what() is the last line of its report, without the line end.
+/// Why a run ended early. what() is the last line of its report, without the line end, up to its first NUL
+/// byte.
 struct RunError : std::runtime_error {
     using std::runtime_error::runtime_error;
 

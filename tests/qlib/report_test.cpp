@@ -215,6 +215,14 @@ TEST(EndRunAt, NamesTheFileTheLineAndTheFault)
               "ERROR| some/a.place:12: no x\n");
 }
 
+TEST(EndRun, NulBytesOfANameArePrinted)
+{
+    const std::string name("a\0b", 3);
+    EXPECT_EQ(test::reportOfEndedRun([&] { vireloce::endRun("ERROR| " + name); }), "ERROR| " + name + "\n");
+    EXPECT_EQ(test::reportOfEndedRun([&] { vireloce::endRunAt(name, 1, name); }),
+              "ERROR| " + name + ":1: " + name + "\n");
+}
+
 TEST(EndRunAt, LineNumberMayNeedMoreThan32Bits)
 {
     EXPECT_EQ(test::reportOfEndedRun([] { vireloce::endRunAt("f", 5000000000, "x"); }),
