@@ -5,12 +5,11 @@
 
 #include <iostream>
 
-#include "kit/lefdef/def.h"
-#include "kit/lefdef/lef.h"
+#include "kit/formats/lefdef/def.h"
+#include "kit/formats/lefdef/lef.h"
 
 namespace {
-
-using kit::input::Findings;
+using kit::Findings;
 using kit::lefdef::Source;
 
 void readLefFile(benchmark::State& state, const Source& source)

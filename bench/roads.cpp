@@ -14,7 +14,7 @@
 #include <string>
 
 #include "app/place.h"
-#include "kit/hash.h"
+#include "kit/base/hash.h"
 #include "legalizer/segLegalizer.h"
 
 namespace {

@@ -11,7 +11,7 @@
 #include <numeric>
 #include <string_view>
 
-#include "kit/base/printable.h"
+#include "kit/base/text/printable.h"
 #include "kit/base/version.h"
 
 namespace kit {

@@ -4,7 +4,7 @@
 #include <string>
 #include <system_error>
 
-#include "kit/fault.h"
+#include "kit/base/fault.h"
 
 namespace kit {
 

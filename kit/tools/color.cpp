@@ -3,8 +3,8 @@
 
 #include <memory>
 
-#include "kit/color/run.h"
-#include "kit/lefdef/siteOption.h"
+#include "kit/engines/color/run.h"
+#include "kit/tools/siteOption.h"
 
 namespace kit::color {
 
@@ -49,7 +49,7 @@ void addCommand(const Command& program)
         .required()
         .formerly("--out");
     addRules(command, options->settings);
-    lefdef::addSiteOption(command, options->site);
+    addSiteOption(command, options->site);
     command.add("--jobs", options->jobs, "threads; the files are the same with any number")
         .between(1, MOST_JOBS)
         .withDefault();

@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "kit/base/readFile.h"
-#include "kit/compare/table.h"
-#include "kit/fault.h"
-#include "kit/input/text.h"
+#include "kit/base/fault.h"
+#include "kit/base/files/readFile.h"
+#include "kit/base/text/text.h"
+#include "kit/tools/compare/table.h"
 
 namespace kit::compare {
 

@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "kit/export/exportRun.h"
+#include "kit/engines/export/exportRun.h"
 
 namespace kit::exporter {
 

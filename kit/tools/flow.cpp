@@ -4,8 +4,8 @@
 #include <iostream>
 #include <memory>
 
-#include "kit/flow/flow.h"
-#include "kit/lefdef/siteOption.h"
+#include "kit/tools/flow/flow.h"
+#include "kit/tools/siteOption.h"
 
 namespace kit::flow {
 
@@ -31,7 +31,7 @@ void addFiles(const Command& command, Options& options)
     command
         .add("--site", options.site, "size of a site, W,H in micrometres (default: the LEF's, or the rows')")
         .check([](const std::string& text) {
-            return lefdef::parseSite(text) ? "" : "\"" + text + "\" is not W,H in micrometres";
+            return parseSite(text) ? "" : "\"" + text + "\" is not W,H in micrometres";
         });
     command.add("--cell-path", options.cellPath, "folder of colour files: the library is not coloured");
     command.add("--cache", options.cache,

@@ -5,8 +5,8 @@
 #include <memory>
 #include <string>
 
-#include "kit/gen/generate.h"
-#include "kit/gen/options.h"
+#include "kit/engines/gen/generate.h"
+#include "kit/engines/gen/options.h"
 
 namespace kit::gen {
 

@@ -4,8 +4,9 @@
 #include <iostream>
 #include <memory>
 
-#include "kit/import/importRun.h"
-#include "kit/input/text.h"
+#include "kit/base/text/text.h"
+#include "kit/tools/siteOption.h"
+#include "kit/engines/import/importRun.h"
 
 namespace kit::importing {
 
@@ -21,7 +22,6 @@ Example:
 
 void writeSummary(const Options& options, const Summary& summary)
 {
-    using input::counted;
     std::cout << options.out << ".place: " << counted(summary.components, "component") << " of "
               << counted(summary.masters, "cell") << " in " << counted(summary.rows, "row") << " of sites of "
               << summary.siteWidth << " by " << summary.siteHeight << " um, " << counted(summary.nets, "net")
@@ -40,7 +40,7 @@ void addCommand(const Command& program)
     command.add("--def", options->def, "DEF file").required();
     command.add("-o,--output", options->out, "path of the design files without extension").required();
     command.add("--layer", options->layer, "name of metal 1").withDefault();
-    lefdef::addSiteOption(command, options->site);
+    addSiteOption(command, options->site);
     command.flag("--legalize", options->legalize,
                  "put cells that are unplaced, off their row or over one another on free sites");
     command.flag("--force", options->force, "replace earlier files");

@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "kit/lint/lint.h"
+#include "kit/engines/lint/lint.h"
 
 namespace kit::lint {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "kit/base/standardStreams.h"
+#include "kit/base/files/standardStreams.h"
 #include "kit/tools/commands.h"
 
 int main(int argc, char** argv)

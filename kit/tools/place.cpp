@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "kit/place/placeRun.h"
+#include "kit/engines/place/placeRun.h"
 
 namespace kit::place {
 

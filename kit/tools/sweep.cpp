@@ -5,12 +5,12 @@
 #include <iostream>
 #include <memory>
 
-#include "kit/fault.h"
-#include "kit/process/childProcess.h"
-#include "kit/sweep/collect.h"
-#include "kit/sweep/plan.h"
-#include "kit/sweep/plot.h"
-#include "kit/sweep/run.h"
+#include "kit/base/fault.h"
+#include "kit/base/process/childProcess.h"
+#include "kit/tools/sweep/collect.h"
+#include "kit/tools/sweep/plan.h"
+#include "kit/tools/sweep/plot.h"
+#include "kit/tools/sweep/run.h"
 
 namespace kit::sweep {
 

@@ -4,11 +4,11 @@
 #include <iostream>
 #include <memory>
 
-#include "kit/base/folder.h"
-#include "kit/base/outputPaths.h"
-#include "kit/lefdef/trueOrient.h"
-#include "kit/verify/report.h"
-#include "kit/verify/verify.h"
+#include "kit/base/files/folder.h"
+#include "kit/base/files/outputPaths.h"
+#include "kit/design/trueOrient.h"
+#include "kit/engines/verify/report.h"
+#include "kit/engines/verify/verify.h"
 
 namespace kit::verify {
 
@@ -25,12 +25,12 @@ Example:
 
 int run(const Options& options)
 {
-    const Input input = readInput(options);
-    const Issues issues = judge(input, options.minDist);
+    const design::ColoredPlacement input = design::readColoredPlacement(options);
+    const design::Issues issues = judge(input, options.minDist);
     if (!options.lyrdb.empty()) {
         std::vector<std::string> inputs = filesIn(options.cellDir);
         inputs.insert(inputs.end(),
-                      {options.placement, lefdef::mapOf(options.placement), options.colors, options.cells});
+                      {options.placement, design::mapOf(options.placement), options.colors, options.cells});
         checkOutputs({options.lyrdb}, inputs, /*force=*/true);
         writeMarkers(options, input, issues);
     }

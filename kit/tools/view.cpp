@@ -5,14 +5,14 @@
 #include <iostream>
 #include <memory>
 
-#include "kit/base/outputFile.h"
-#include "kit/base/outputPaths.h"
-#include "kit/base/printable.h"
-#include "kit/fault.h"
-#include "kit/view/html.h"
-#include "kit/view/inputs.h"
-#include "kit/view/options.h"
-#include "kit/view/svg.h"
+#include "kit/base/fault.h"
+#include "kit/base/files/outputFile.h"
+#include "kit/base/files/outputPaths.h"
+#include "kit/base/text/printable.h"
+#include "kit/engines/view/html.h"
+#include "kit/engines/view/inputs.h"
+#include "kit/engines/view/options.h"
+#include "kit/engines/view/svg.h"
 
 namespace kit::view {
 
@@ -40,17 +40,17 @@ void addOptions(const Command& command, Options& options)
 }
 
 /// Says on standard error what the picture misses because of its input.
-void reportInputs(const InputPaths& paths, const input::Findings& findings)
+void reportInputs(const InputPaths& paths, const Findings& findings)
 {
     if (paths.cellDir.empty()) {
         std::cerr << "vireloce-kit: without --cell-path, each cell is drawn one site wide\n";
     }
-    const auto errors = std::count_if(findings.begin(), findings.end(), [](const input::Finding& finding) {
-        return finding.severity == input::Severity::ERROR;
+    const auto errors = std::count_if(findings.begin(), findings.end(), [](const Finding& finding) {
+        return finding.severity == Severity::ERROR;
     });
     if (errors > 0) {
-        const auto first = std::find_if(findings.begin(), findings.end(), [](const input::Finding& finding) {
-            return finding.severity == input::Severity::ERROR;
+        const auto first = std::find_if(findings.begin(), findings.end(), [](const Finding& finding) {
+            return finding.severity == Severity::ERROR;
         });
         std::cerr << "vireloce-kit: the picture may miss something, as the files have errors (" << errors
                   << "), the first: " << printable(first->file) << ':' << first->line << ": "
@@ -66,7 +66,7 @@ void view(const Options& options)
     }
     const InputPaths paths = findInputs(options);
     checkOutputs({options.out}, allOf(paths), options.force);
-    input::Findings findings;
+    Findings findings;
     const Scene scene = readScene(paths, options.minDist, findings);
     OutputFile file(options.out);
     html ? writeHtml(file, scene) : writeSvg(file, scene);

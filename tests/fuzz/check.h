@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "kit/input/finding.h"
-#include "kit/lefdef/source.h"
+#include "kit/base/finding.h"
+#include "kit/formats/lefdef/source.h"
 
 namespace fuzz {
 
@@ -20,7 +20,7 @@ inline void check(bool holds, const char* rule)
 }
 
 /// Every finding has a place and texts, and there are not too many.
-inline void checkFindings(const kit::input::Findings& findings)
+inline void checkFindings(const kit::Findings& findings)
 {
     check(findings.size() <= 3 * (kit::lefdef::SourceReporter::MOST_FINDINGS + 1), "findings are bounded");
     for (const auto& finding : findings) {

@@ -5,7 +5,7 @@
 #include <unordered_set>
 
 #include "check.h"
-#include "kit/lefdef/def.h"
+#include "kit/formats/lefdef/def.h"
 
 namespace {
 
@@ -68,7 +68,7 @@ void checkBlockages(const Def& def)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     const Source source("fuzz.def", std::string(data, data + size));
-    kit::input::Findings findings;
+    kit::Findings findings;
     const Def def = readDef(source, findings);
     fuzz::checkFindings(findings);
     checkNames(def.components, source.text());

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "check.h"
-#include "kit/lefdef/lef.h"
+#include "kit/formats/lefdef/lef.h"
 
 namespace {
 
@@ -53,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     const std::string text(data, data + size);
     const Source source("fuzz.lef", text);
-    kit::input::Findings findings;
+    kit::Findings findings;
     Lef lef;
     readLef(source, "M1", 0, lef, findings);
     fuzz::checkFindings(findings);

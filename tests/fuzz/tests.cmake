@@ -12,9 +12,10 @@ endforeach()
 
 if(VIRELOCE_FUZZ)
     # The readers are compiled once more, so that the fuzzer sees which of their branches an input takes.
-    set(lefdef decimal defReader lefReader macroReader orient parser polygon scanner shapeReader source statements)
-    list(TRANSFORM lefdef REPLACE "(.+)" "${PROJECT_SOURCE_DIR}/kit/lefdef/\\1.cpp")
-    set(rest base/printable base/readFile input/findingText input/text)
+    set(lefdef defReader lefReader macroReader orient parser scanner shapeReader source statements)
+    list(TRANSFORM lefdef REPLACE "(.+)" "${PROJECT_SOURCE_DIR}/kit/formats/lefdef/\\1.cpp")
+    set(rest base/files/readFile base/findingText base/text/decimal base/text/json base/text/printable base/text/text
+        geometry/polygon)
     list(TRANSFORM rest REPLACE "(.+)" "${PROJECT_SOURCE_DIR}/kit/\\1.cpp")
     foreach(name lef def)
         add_executable(${name}_fuzzer fuzz/${name}_fuzzer.cpp ${lefdef} ${rest})

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/base/files/outputTarget.h"
+
+#include <cerrno>
+#include <charconv>
+#include <filesystem>
+#include <system_error>
+
+namespace kit {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr int MOST_LINKS = 40; // as the system's own limit
+
+/// The number of an open file of this process that a path names, -1 if it names none.
+int descriptorNamed(const fs::path& path)
+{
+    const std::string name = path.filename().string();
+    int number = -1;
+    const auto [stop, failure] = std::from_chars(name.data(), name.data() + name.size(), number);
+    if (failure != std::errc() || stop != name.data() + name.size()) {
+        return -1;
+    }
+    std::error_code error;
+    const fs::path folder = fs::canonical(path.parent_path(), error);
+    return !error && folder == fs::canonical("/proc/self/fd", error) && !error ? number : -1;
+}
+
+/// Follows the links of a path to where it leads, or to an open file.
+void follow(OutputTarget& target)
+{
+    fs::path path = target.path;
+    std::error_code error;
+    for (int i = 0; i < MOST_LINKS && fs::is_symlink(path, error); ++i) {
+        target.descriptor = descriptorNamed(path);
+        if (target.descriptor >= 0) {
+            break;
+        }
+        path = path.parent_path() / fs::read_symlink(path, error); // an absolute one stands for itself
+    }
+    target.path = path.string();
+}
+
+} // namespace
+
+OutputTarget targetOf(const std::string& path)
+{
+    OutputTarget target{.path = path};
+    follow(target);
+    target.exists = stat(path.c_str(), &target.info) == 0;
+    if (target.exists) {
+        target.identity = {.device = target.info.st_dev, .inode = target.info.st_ino};
+        return target;
+    }
+    target.error = errno == ENOENT || errno == ENOTDIR ? 0 : errno;
+    std::error_code unknown;
+    const fs::path whole = fs::weakly_canonical(target.path, unknown);
+    target.identity.path = unknown ? target.path : whole.string();
+    return target;
+}
+
+} // namespace kit

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Texts, and the numbers in them.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace kit {
+
+/// A token as an integer.
+struct Integer {
+    int32_t value = 0;  ///< what the placer's line reader takes: the longest decimal prefix, cut to 32 bits
+    bool sound = false; ///< the whole token is a decimal integer of 32 bits
+};
+
+/// Reads a token as a decimal integer with an optional sign.
+Integer parseInteger(std::string_view token);
+
+/// Whether a whole token is a decimal number, with or without a fraction or an exponent.
+bool isReal(std::string_view token);
+
+/// A number of things: "1 cell", "2 cells".
+std::string counted(int64_t count, const char* thing);
+
+/// A text in quotation marks, cut with "..." if it is long.
+std::string inQuotes(std::string_view text);
+
+} // namespace kit

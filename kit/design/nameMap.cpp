@@ -1,0 +1,211 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/design/nameMap.h"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+#include <unordered_set>
+
+#include "kit/base/files/outputFile.h"
+#include "kit/base/files/readFile.h"
+#include "kit/base/hash.h"
+#include "kit/base/reporter.h"
+
+namespace kit::design {
+
+namespace {
+
+constexpr std::string_view HEADER = "VIRELOCE MAP 1";
+constexpr std::string_view END = "END";
+
+/// A whole text as a decimal integer that is not negative.
+std::optional<int64_t> numberOf(std::string_view text)
+{
+    int64_t value = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    return error == std::errc() && stop == end && value >= 0 ? std::optional(value) : std::nullopt;
+}
+
+bool isHash(std::string_view text)
+{
+    return text.size() == 16 && text.find_first_not_of("0123456789abcdef") == std::string_view::npos;
+}
+
+/// Reads the text of a map from line to line. Each step says whether its lines were as they should be; the
+/// first that were not are told, and end the reading.
+class MapReader {
+public:
+    MapReader(std::string_view text, Reporter reporter) : m_text(text), m_reporter(std::move(reporter)) {}
+
+    NameMap read()
+    {
+        if (readHeader() && readDef() && readHash() && readSite() && readNames() && readFlipped()) {
+            readEnd();
+        }
+        return std::move(m_map);
+    }
+
+private:
+    bool nextLine()
+    {
+        m_line = {};
+        ++m_number;
+        const size_t size = m_text.find('\n');
+        if (size == std::string_view::npos) {
+            m_text = {}; // a line that is cut off is none
+            return false;
+        }
+        m_line = m_text.substr(0, size);
+        m_text.remove_prefix(size + 1);
+        return true;
+    }
+
+    bool fail(const std::string& expected)
+    {
+        m_reporter.error("map-line", {m_number, 0}, "the line is not " + expected,
+                         "import the design anew: this file belongs to its placement");
+        return false;
+    }
+
+    /// What follows a keyword and a blank on the next line.
+    std::optional<std::string_view> nextAfter(std::string_view keyword)
+    {
+        if (!nextLine() || !m_line.starts_with(keyword) || m_line.size() <= keyword.size() ||
+            m_line[keyword.size()] != ' ') {
+            return {};
+        }
+        return m_line.substr(keyword.size() + 1);
+    }
+
+    bool readHeader() { return (nextLine() && m_line == HEADER) || fail("\"" + std::string(HEADER) + "\""); }
+
+    bool readDef()
+    {
+        const std::optional<std::string_view> path = nextAfter("DEF");
+        m_map.def = path.value_or("");
+        return path || fail("\"DEF\" and a path");
+    }
+
+    bool readHash()
+    {
+        const std::optional<std::string_view> hash = nextAfter("HASH");
+        m_map.hash = hash.value_or("");
+        return (hash && isHash(*hash)) || fail("\"HASH\" and 16 hexadecimal digits");
+    }
+
+    bool readSite()
+    {
+        const std::string_view sizes = nextAfter("SITE").value_or("");
+        const size_t blank = std::min(sizes.find(' '), sizes.size());
+        const std::optional<int64_t> width = numberOf(sizes.substr(0, blank));
+        const std::optional<int64_t> height = numberOf(sizes.substr(std::min(blank + 1, sizes.size())));
+        m_map.siteWidth = width.value_or(0);
+        m_map.siteHeight = height.value_or(0);
+        return (m_map.siteWidth > 0 && m_map.siteHeight > 0) || fail("\"SITE\" and a width and a height");
+    }
+
+    std::optional<int64_t> readCount(std::string_view keyword)
+    {
+        const std::optional<int64_t> count = numberOf(nextAfter(keyword).value_or(""));
+        if (!count) {
+            fail("\"" + std::string(keyword) + "\" and a count");
+        }
+        return count;
+    }
+
+    bool readNames()
+    {
+        const std::optional<int64_t> count = readCount("NAMES");
+        for (int64_t i = 0; i < count.value_or(0); ++i) {
+            const size_t blank = nextLine() ? m_line.find(' ') : 0;
+            if (blank == 0 || blank == std::string_view::npos || blank + 1 == m_line.size()) {
+                return fail("a name in the placement and one in the DEF file, of which there should be " +
+                            std::to_string(*count));
+            }
+            m_map.names.push_back(
+                {std::string(m_line.substr(0, blank)), std::string(m_line.substr(blank + 1))});
+            if (!isNew(m_seenNames, m_line.substr(0, blank))) {
+                return false;
+            }
+        }
+        return count.has_value();
+    }
+
+    bool readFlipped()
+    {
+        const std::optional<int64_t> count = readCount("FLIPPED");
+        for (int64_t i = 0; i < count.value_or(0); ++i) {
+            if (!nextLine() || m_line.empty() || m_line.find(' ') != std::string_view::npos) {
+                return fail("the name of a flipped component, of which there should be " +
+                            std::to_string(*count));
+            }
+            m_map.flipped.emplace_back(m_line);
+            if (!isNew(m_seenFlipped, m_line)) {
+                return false;
+            }
+        }
+        return count.has_value();
+    }
+
+    bool isNew(std::unordered_set<std::string_view>& seen, std::string_view name)
+    {
+        const bool isNew = seen.insert(name).second;
+        if (!isNew) {
+            m_reporter.error("map-name", {m_number, 0}, "the name " + std::string(name) + " comes twice",
+                             "import the design anew: this file belongs to its placement");
+        }
+        return isNew;
+    }
+
+    bool readEnd()
+    {
+        if (!nextLine() || m_line != END) {
+            return fail("\"END\"");
+        }
+        ++m_number;
+        return m_text.empty() || fail("the end of the file, which \"END\" is");
+    }
+
+    std::string_view m_text; ///< after m_line
+    Reporter m_reporter;
+    NameMap m_map;
+    std::string_view m_line;
+    int64_t m_number = 0; ///< of m_line, from 1
+    std::unordered_set<std::string_view> m_seenNames;
+    std::unordered_set<std::string_view> m_seenFlipped;
+};
+
+} // namespace
+
+std::string hashOf(std::string_view bytes)
+{
+    Hash hash;
+    hash.add(bytes);
+    return hash.text();
+}
+
+NameMap readNameMap(const std::string& path, Findings& findings)
+{
+    const std::string text = readFile(path);
+    return MapReader(text, Reporter(findings, path)).read();
+}
+
+void writeNameMap(const NameMap& map, OutputFile& out)
+{
+    std::string def = map.def;
+    std::replace(def.begin(), def.end(), '\n', '?');
+    out << HEADER << "\nDEF " << def << "\nHASH " << map.hash << "\n";
+    out << "SITE " << map.siteWidth << " " << map.siteHeight << "\n";
+    out << "NAMES " << map.names.size() << "\n";
+    for (const Renamed& renamed : map.names) {
+        out << renamed.name << " " << renamed.original << "\n";
+    }
+    out << "FLIPPED " << map.flipped.size() << "\n";
+    for (const std::string& name : map.flipped) {
+        out << name << "\n";
+    }
+    out << END << "\n";
+}
+
+} // namespace kit::design

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// What a placement that was made from a DEF file cannot hold, as a file beside it: BASE.map.
+//
+//     VIRELOCE MAP 1
+//     DEF <path>
+//     HASH <16 hexadecimal digits>
+//     SITE <width> <height>
+//     NAMES <count>
+//     <name in BASE.place> <name in the DEF file, to the end of the line>
+//     FLIPPED <count>
+//     <name in BASE.place>
+//     END
+//
+// Words are parted by single blanks, and every line ends with a line feed.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "kit/base/files/outputFile.h"
+#include "kit/base/finding.h"
+
+namespace kit::design {
+
+/// A name that had to be changed.
+struct Renamed {
+    std::string name;     ///< in BASE.place, without blanks
+    std::string original; ///< in the DEF file
+};
+
+/// The way back from a placement to the DEF file that it was made from.
+struct NameMap {
+    std::string def;                    ///< path of the DEF file, for information
+    std::string hash;                   ///< of its bytes, as hashOf() gives it
+    int64_t siteWidth = 0;              ///< picometres
+    int64_t siteHeight = 0;             ///< picometres
+    std::vector<Renamed> names{};       ///< those that had to be changed
+    std::vector<std::string> flipped{}; ///< components whose up-down flip differs from their row's
+};
+
+/// The hash of a file's bytes, 16 hexadecimal digits.
+std::string hashOf(std::string_view bytes);
+
+/// Reads a map up to the first line that is not as it should be; that is an error, code "map-line", or
+/// "map-name" for a name that comes twice.
+///
+/// @param findings  out: problems, each with its line
+///
+/// Errors: throws Fault if the file cannot be opened or read.
+NameMap readNameMap(const std::string& path, Findings& findings);
+
+/// Writes a map. A line end in the DEF file's path becomes "?".
+///
+/// Errors: throws Fault if the file cannot be written.
+void writeNameMap(const NameMap& map, OutputFile& out);
+
+} // namespace kit::design

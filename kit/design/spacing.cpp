@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/design/spacing.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "kit/design/stretches.h"
+
+namespace kit::design {
+
+namespace {
+
+int64_t square(int64_t length)
+{
+    return length * length;
+}
+
+/// No distance counts as larger: two squares of it still have 64 bits.
+constexpr int64_t FARTHEST = int64_t{1} << 30;
+
+/// Distance of two ranges, 0 if they touch or overlap.
+int64_t gapOf(int64_t aBegin, int64_t aEnd, int64_t bBegin, int64_t bEnd)
+{
+    return std::min(std::max({bBegin - aEnd, aBegin - bEnd, int64_t{0}}), FARTHEST);
+}
+
+int32_t bottomOf(const placer::Cell& cell)
+{
+    int32_t bottom = std::numeric_limits<int32_t>::max();
+    for (const placer::Shape& shape : cell.shapes) {
+        for (const placer::Rect& rect : shape.rects) {
+            bottom = std::min(bottom, rect.yl);
+        }
+    }
+    return bottom;
+}
+
+bool isMask(int32_t mask)
+{
+    return mask >= 0 && mask <= 2;
+}
+
+} // namespace
+
+int64_t squaredDistance(const placer::Rect& a, const placer::Rect& b)
+{
+    return square(gapOf(a.xl, a.xh, b.xl, b.xh)) + square(gapOf(a.yl, a.yh, b.yl, b.yh));
+}
+
+int64_t squaredDistance(const placer::Shape& a, const placer::Shape& b)
+{
+    int64_t least = std::numeric_limits<int64_t>::max();
+    for (const placer::Rect& rect : a.rects) {
+        for (const placer::Rect& other : b.rects) {
+            least = std::min(least, squaredDistance(rect, other));
+        }
+    }
+    return least;
+}
+
+bool isRail(const placer::Cell& cell, size_t shape, const placer::Solution& solution)
+{
+    if (solution.masks[shape] != 0) {
+        return false;
+    }
+    const int64_t bottom = bottomOf(cell);
+    const int64_t top = bottom + cell.height;
+    const std::vector<placer::Rect>& rects = cell.shapes[shape].rects;
+    return std::any_of(rects.begin(), rects.end(),
+                       [&](const placer::Rect& rect) { return rect.yl <= bottom || rect.yh >= top; });
+}
+
+Spacing::Spacing(const std::vector<placer::Cell>& cells, int32_t distance) : m_distance(distance)
+{
+    for (const placer::Cell& cell : cells) {
+        m_sides.push_back(sideOf(cell, false));
+        m_sides.push_back(sideOf(cell, true));
+    }
+}
+
+int32_t Spacing::largest() const
+{
+    return static_cast<int32_t>((m_distance + placer::LIBRARY_SITE - 1) / placer::LIBRARY_SITE);
+}
+
+Spacing::Side Spacing::sideOf(const placer::Cell& cell, bool right) const
+{
+    Side side{&cell, {}};
+    for (size_t i = 0; i < cell.shapes.size(); ++i) {
+        for (const placer::Rect& rect : cell.shapes[i].rects) {
+            const int64_t gap = right ? int64_t{cell.width} - rect.xh : rect.xl;
+            if (gap < m_distance) {
+                side.edges.push_back({gap, rect.yl, rect.yh, i});
+            }
+        }
+    }
+    return side;
+}
+
+const std::vector<int32_t>& Spacing::between(int32_t left, int32_t right)
+{
+    const auto leftCell = static_cast<uint64_t>(left);
+    const auto rightCell = static_cast<uint64_t>(right);
+    std::vector<int32_t>& sites = m_known[leftCell << 32 | rightCell];
+    const Side& a = m_sides[2 * leftCell + 1];
+    const Side& b = m_sides[2 * rightCell];
+    if (sites.empty()) {
+        for (size_t s = 0; s < a.cell->solutions.size(); ++s) {
+            for (size_t t = 0; t < b.cell->solutions.size(); ++t) {
+                sites.push_back(sitesOf(a, s, b, t));
+            }
+        }
+    }
+    return sites;
+}
+
+int32_t Spacing::sitesOf(const Side& left, size_t leftSolution, const Side& right, size_t rightSolution) const
+{
+    const placer::Solution& a = left.cell->solutions[leftSolution];
+    const placer::Solution& b = right.cell->solutions[rightSolution];
+    int64_t most = 0;
+    for (const Edge& edge : left.edges) {
+        for (const Edge& other : right.edges) {
+            const int32_t mask = a.masks[edge.shape];
+            if (mask != b.masks[other.shape] || !isMask(mask)) {
+                continue;
+            }
+            const int64_t least = need(edge, other);
+            const bool conflicts =
+                least > most && !isRail(*left.cell, edge.shape, a) && !isRail(*right.cell, other.shape, b);
+            most = conflicts ? least : most;
+        }
+    }
+    return static_cast<int32_t>((most + placer::LIBRARY_SITE - 1) / placer::LIBRARY_SITE);
+}
+
+int64_t Spacing::need(const Edge& left, const Edge& right) const
+{
+    const int64_t dy = gapOf(left.yl, left.yh, right.yl, right.yh);
+    if (dy >= m_distance) {
+        return 0;
+    }
+    const auto dx =
+        static_cast<int64_t>(std::ceil(std::sqrt(static_cast<double>(square(m_distance) - square(dy)))));
+    return std::max(dx - left.gap - right.gap, int64_t{0});
+}
+
+} // namespace kit::design

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// How far shapes of one mask stand apart.
+#pragma once
+
+#include <cstdint>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "kit/formats/placer/design.h"
+
+namespace kit::design {
+
+/// Square of the Euclidean distance of two rectangles, 0 if they touch or overlap.
+int64_t squaredDistance(const placer::Rect& a, const placer::Rect& b);
+
+/// Square of the Euclidean distance of two shapes; the largest integer if one has no rectangles.
+int64_t squaredDistance(const placer::Shape& a, const placer::Shape& b);
+
+/// Whether a shape of a cell is a power rail in a solution, which never conflicts: it has mask 0, and reaches
+/// the bottom or the top edge of the cell. As in the placer, the cell's bottom is that of its lowest shape.
+bool isRail(const placer::Cell& cell, size_t shape, const placer::Solution& solution);
+
+/// Spacings of neighbours, worked out when first asked for.
+///
+/// The spacing is the least distance, in sites of the library, at which all pairs of rectangles of one mask,
+/// rails excepted, stand at least the colouring distance apart (Euclidean). It is that of the geometry; for a
+/// colouring distance of up to one site the placer's table says the same, beyond that it may ask for less.
+/// Cells are taken as drawn, not mirrored, as the placer looks them up whatever their orientation.
+class Spacing {
+public:
+    /// @param cells     the library; must outlive this
+    /// @param distance  colouring distance, library coordinates
+    Spacing(const std::vector<placer::Cell>& cells, int32_t distance);
+
+    /// Spacings of two neighbours, sites: [left solution * solutions of the right cell + right solution].
+    ///
+    /// @param left   index in the library
+    /// @param right  index in the library
+    const std::vector<int32_t>& between(int32_t left, int32_t right);
+
+    /// No spacing is larger, sites.
+    int32_t largest() const;
+
+private:
+    /// A rectangle near a cell's edge.
+    struct Edge {
+        int64_t gap = 0; ///< from the rectangle to the edge, library coordinates
+        int32_t yl = 0;
+        int32_t yh = 0;
+        size_t shape = 0;
+    };
+
+    /// A cell with the rectangles near one of its edges.
+    struct Side {
+        const placer::Cell* cell = nullptr;
+        std::vector<Edge> edges;
+    };
+
+    Side sideOf(const placer::Cell& cell, bool right) const;
+    int32_t sitesOf(const Side& left, size_t leftSolution, const Side& right, size_t rightSolution) const;
+    int64_t need(const Edge& left, const Edge& right) const;
+
+    int64_t m_distance;
+    std::vector<Side> m_sides; ///< [2 * cell + right]
+    std::unordered_map<uint64_t, std::vector<int32_t>> m_known;
+};
+
+} // namespace kit::design

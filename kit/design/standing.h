@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Cells and their metal where they stand.
+//
+// Lengths are "fine": an integer unit in which both DBU and library coordinates are whole. A site is 190
+// library units or `step` DBU, so a library unit is `step` fine units and a DBU is 190.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "kit/design/issue.h"
+#include "kit/formats/placer/colors.h"
+#include "kit/formats/placer/design.h"
+#include "kit/geometry/sweep.h"
+
+namespace kit::design {
+
+/// A rectangle, fine units.
+struct FineBox {
+    int64_t xl = 0;
+    int64_t yl = 0;
+    int64_t xh = 0;
+    int64_t yh = 0;
+
+    FineBox shifted(int64_t dx, int64_t dy) const { return {xl + dx, yl + dy, xh + dx, yh + dy}; }
+};
+
+/// Between fine units and the others.
+struct Scale {
+    int64_t step = 0; ///< site width of the design, DBU: the first row's step
+
+    static int64_t ofDbu(int64_t dbu) { return dbu * placer::LIBRARY_SITE; }
+    int64_t ofLibrary(int64_t length) const { return length * step; }
+    double toLibrary(double fine) const { return fine / static_cast<double>(step); }
+    static DbuBox toDbu(const FineBox& box);
+};
+
+/// How an orientation turns a cell.
+struct Turn {
+    bool known = false;   ///< one of N, FN, S, FS
+    bool mirrorX = false; ///< left and right change places
+    bool mirrorY = false; ///< bottom and top change places
+};
+
+Turn turnOf(const std::string& orient);
+
+/// A rectangle of a shape.
+struct Piece {
+    FineBox box;         ///< from the cell's lower-left corner
+    int32_t shape = 0;   ///< index in Cell::shapes
+    bool atEdge = false; ///< its shape reaches the bottom or top edge of the cell: a rail if on mask 0
+};
+
+/// A cell in an orientation.
+struct Stencil {
+    FineBox outline; ///< from (0, 0)
+    FineBox extent;  ///< of the outline and all metal
+    std::vector<Piece> pieces;
+};
+
+/// The cell as a component of that orientation has it; an unknown one is taken as N.
+Stencil stencilOf(const placer::Cell& cell, const Turn& turn, const Scale& scale);
+
+/// A placed cell.
+struct Standing {
+    int32_t component = -1;           ///< index in Design::components
+    const Stencil* stencil = nullptr; ///< not owned
+    std::span<const int32_t> masks;   ///< [shape] of the colours file; may be too short
+    int64_t x = 0;                    ///< left edge, fine units
+    int64_t y = 0;                    ///< bottom edge, fine units
+
+    FineBox outline() const { return stencil->outline.shifted(x, y); }
+    FineBox extent() const { return stencil->extent.shifted(x, y); }
+
+    /// Mask of a piece, -1 if it cannot conflict: a rail, or on none of the three masks.
+    int32_t maskOf(const Piece& piece) const;
+};
+
+/// Cells of one bottom edge, from the left. Usually that of a row, or of several side by side.
+struct Band {
+    int64_t y = 0; ///< fine units
+    std::vector<Standing> cells{};
+    std::vector<geometry::Span> spans{}; ///< [cell] what its extent takes of the x axis
+};
+
+/// All cells that stand somewhere, by bands from the bottom.
+class Layout {
+public:
+    /// @param design   must outlive this
+    /// @param records  [component] its colours, nullptr if there are none; must outlive this
+    Layout(const placer::Design& design, const std::vector<const placer::ColorRecord*>& records, Scale scale);
+
+    const std::vector<Band>& bands() const { return m_bands; }
+
+    /// Farthest that the extent of a cell reaches up or down from its bottom edge, fine units.
+    int64_t tallest() const { return m_tallest; }
+
+private:
+    const Stencil* findStencil(const placer::Cell& cell, size_t index, const Turn& turn);
+    std::vector<Standing> standings(const placer::Design& design,
+                                    const std::vector<const placer::ColorRecord*>& records);
+
+    Scale m_scale;
+    std::vector<std::vector<Stencil>> m_stencils; ///< [4 * cell + turn] none or one
+    std::vector<Band> m_bands;
+    int64_t m_tallest = 0;
+};
+
+} // namespace kit::design

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// A cell from its metal to its colour file.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "kit/engines/color/parts.h"
+#include "kit/engines/color/search.h"
+#include "kit/engines/color/trouble.h"
+#include "kit/formats/placer/design.h"
+
+namespace kit::color {
+
+/// How cells are coloured.
+struct Settings {
+    Rules rules;
+    Limits limits;
+    size_t mostSolutions = 12;
+    bool allowConflicts = false;
+};
+
+/// A conflict that is left in a solution.
+struct LeftConflict {
+    size_t shapeA = 0; ///< index in the file
+    size_t shapeB = 0;
+    int64_t squared = 0; ///< square of their distance
+};
+
+/// What came of a cell.
+struct ColouredCell {
+    std::optional<placer::Cell> file;                 ///< what its colour file says
+    std::optional<Trouble> trouble;                   ///< why it cannot be coloured without conflicts
+    bool tooLarge = false;                            ///< the search was given up
+    std::vector<std::string> shapeNames;              ///< [shape of the file] net
+    std::vector<std::vector<LeftConflict>> conflicts; ///< [solution of the file]
+};
+
+/// Colours a cell.
+///
+/// @param bottom  lowest metal in all cells of the library, at most 0
+ColouredCell colour(const CellMetal& metal, const Settings& settings, int32_t bottom);
+
+/// The lowest metal of some cells, at most 0.
+int32_t bottomOf(const std::vector<CellMetal>& cells);
+
+/// The rails as shapes of the file, with what the placer needs to read the cell right.
+///
+/// The placer moves a cell's lowest and leftmost metal to 0 0, and takes a shape of mask 0 for a rail if it
+/// reaches the bottom or the top then. So that all cells move alike, and every rail is taken for one, a line
+/// without width is added at the left edge to rails that do not do so by themselves; to a cell without rails
+/// as a shape of its own.
+std::vector<placer::Shape> railsOf(const CellMetal& metal, int32_t bottom);
+
+} // namespace kit::color

@@ -1,0 +1,264 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/engines/color/metal.h"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+#include "kit/design/stretches.h"
+#include "kit/engines/color/sets.h"
+#include "kit/geometry/polygon.h"
+
+namespace kit::color {
+
+namespace {
+
+using lefdef::LefMacro;
+using lefdef::LefPin;
+using lefdef::LefPoint;
+using lefdef::LefShape;
+using lefdef::Length;
+
+/// Rectangles of a cell: the time to sort them grows with the square.
+constexpr size_t MOST_RECTS = 1000;
+
+/// No coordinate is larger, library coordinates: squares of distances stay in 64 bits, and so does a length
+/// in picometres times 190.
+constexpr Length FARTHEST = 1'000'000'000;
+
+constexpr size_t NO_PIN = static_cast<size_t>(-1);
+
+/// A rectangle as the file has it.
+struct Piece {
+    Length xl;
+    Length yl;
+    Length xh;
+    Length yh;
+    size_t pin; ///< index in the macro, NO_PIN for an obstruction
+};
+
+bool touch(const Piece& a, const Piece& b)
+{
+    return a.xl <= b.xh && b.xl <= a.xh && a.yl <= b.yh && b.yl <= a.yh;
+}
+
+bool isSupply(const LefPin& pin)
+{
+    return pin.use == lefdef::PinUse::POWER || pin.use == lefdef::PinUse::GROUND;
+}
+
+std::string textOf(const Rect& rect)
+{
+    return std::to_string(rect.xl) + " " + std::to_string(rect.yl) + " " + std::to_string(rect.xh) + " " +
+           std::to_string(rect.yh);
+}
+
+/// Builds the metal of a cell.
+class Sorter {
+public:
+    Sorter(const LefMacro& macro, const Scale& scale) : m_macro(macro), m_scale(scale)
+    {
+        m_metal.name = macro.name;
+        m_metal.width = toUnits(macro.width);
+        m_metal.height = toUnits(macro.height);
+    }
+
+    CellMetal run()
+    {
+        for (size_t i = 0; i < m_macro.pins.size(); ++i) {
+            take(m_macro.pins[i].shapes, i);
+            m_metal.nets.push_back(m_macro.pins[i].name);
+        }
+        take(m_macro.obstructions, NO_PIN);
+        for (const std::vector<size_t>& group : groupsOf()) {
+            add(group, netOf(group));
+        }
+        std::stable_sort(m_metal.polygons.begin(), m_metal.polygons.end(),
+                         [](const Polygon& a, const Polygon& b) { return a.net < b.net; });
+        collectRails();
+        return std::move(m_metal);
+    }
+
+private:
+    int32_t toUnits(Length length)
+    {
+        const int32_t units = m_scale.of(length); // first, as it tells lengths that are too large
+        m_metal.exact = m_metal.exact && m_scale.isExact(length);
+        return units;
+    }
+
+    void take(const std::vector<LefShape>& shapes, size_t pin)
+    {
+        for (const LefShape& shape : shapes) {
+            if (!shape.polygon) {
+                takeRect(shape.points[0], shape.points[1], pin);
+                continue;
+            }
+            const std::vector<geometry::Rect> rects = geometry::cutIntoRects(shape.points);
+            if (rects.empty()) {
+                throw CellFault("a polygon of " +
+                                (pin == NO_PIN ? "the obstructions" : m_macro.pins[pin].name) +
+                                " has edges that are not along an axis, or no area");
+            }
+            for (const geometry::Rect& rect : rects) {
+                takeRect({rect.xl, rect.yl}, {rect.xh, rect.yh}, pin);
+            }
+        }
+    }
+
+    /// Takes a rectangle; a line or a point is no metal.
+    void takeRect(const LefPoint& a, const LefPoint& b, size_t pin)
+    {
+        const auto [xl, xh] = std::minmax(a.x, b.x);
+        const auto [yl, yh] = std::minmax(a.y, b.y);
+        if (xl < xh && yl < yh) {
+            m_pieces.push_back({xl, yl, xh, yh, pin});
+        }
+        if (m_pieces.size() > MOST_RECTS) {
+            throw CellFault("the cell has more than " + std::to_string(MOST_RECTS) + " rectangles of metal");
+        }
+    }
+
+    /// Pieces that hang together, in the order of the file.
+    std::vector<std::vector<size_t>> groupsOf() const
+    {
+        Sets sets(m_pieces.size());
+        for (size_t i = 0; i < m_pieces.size(); ++i) {
+            for (size_t j = 0; j < i; ++j) {
+                if (touch(m_pieces[i], m_pieces[j])) {
+                    sets.join(i, j);
+                }
+            }
+        }
+        return sets.all();
+    }
+
+    /// The net of pieces that hang together: the pin's, a supply pin's before others.
+    size_t netOf(const std::vector<size_t>& group)
+    {
+        size_t net = NO_PIN;
+        for (const size_t i : group) {
+            const size_t pin = m_pieces[i].pin;
+            if (pin == NO_PIN || pin == net) {
+                continue;
+            }
+            if (net != NO_PIN) {
+                remark(m_macro.pins[net].name, m_macro.pins[pin].name);
+            }
+            const bool better =
+                net == NO_PIN || (!isSupply(m_macro.pins[net]) && isSupply(m_macro.pins[pin]));
+            net = better ? pin : net;
+        }
+        if (net == NO_PIN) {
+            net = m_metal.nets.size();
+            m_metal.nets.push_back("obstruction " + std::to_string(net - m_macro.pins.size() + 1));
+        }
+        return net;
+    }
+
+    void remark(const std::string& a, const std::string& b)
+    {
+        const std::string text =
+            "metal of the pins " + a + " and " + b + " touches, and is taken for one net";
+        if (std::find(m_metal.remarks.begin(), m_metal.remarks.end(), text) == m_metal.remarks.end()) {
+            m_metal.remarks.push_back(text);
+        }
+    }
+
+    /// Where a rail lies: 1 for the bottom edge, 2 for the top, 0 across the cell, 3 for no rail.
+    int32_t railPlace(const std::vector<size_t>& group, size_t net) const
+    {
+        constexpr int32_t NOT_A_RAIL = 3;
+        if (net >= m_macro.pins.size() || !isSupply(m_macro.pins[net])) {
+            return NOT_A_RAIL;
+        }
+        const auto any = [&](auto test) {
+            return std::any_of(group.begin(), group.end(), [&](size_t i) { return test(m_pieces[i]); });
+        };
+        if (any([](const Piece& piece) { return piece.yl <= 0; })) {
+            return 1;
+        }
+        if (any([this](const Piece& piece) { return piece.yh >= m_macro.height; })) {
+            return 2;
+        }
+        const bool across = any([](const Piece& piece) { return piece.xl <= 0; }) &&
+                            any([this](const Piece& piece) { return piece.xh >= m_macro.width; });
+        return across ? 0 : NOT_A_RAIL;
+    }
+
+    void add(const std::vector<size_t>& group, size_t net)
+    {
+        const int32_t place = railPlace(group, net);
+        Polygon polygon{net, {}};
+        for (const size_t i : group) {
+            const Piece& piece = m_pieces[i];
+            Rect rect{toUnits(piece.xl), toUnits(piece.yl), toUnits(piece.xh), toUnits(piece.yh)};
+            if (place != 3) { // a rail goes on in the neighbours
+                rect.xl = std::max(rect.xl, 0);
+                rect.xh = std::min(rect.xh, m_metal.width);
+            } else if (rect.xl < 0 || rect.xh > m_metal.width) {
+                throw CellFault("metal of " + m_metal.nets[net] + " at " + textOf(rect) +
+                                " reaches beyond the cell's left or right edge (0 to " +
+                                std::to_string(m_metal.width) + ")");
+            }
+            if (rect.xl < rect.xh && rect.yl < rect.yh) {
+                polygon.rects.push_back(rect);
+            }
+        }
+        if (polygon.rects.empty()) {
+            return; // thinner than half a unit
+        }
+        if (place == 3) {
+            m_metal.polygons.push_back(std::move(polygon));
+            return;
+        }
+        std::vector<Rect>& rail = m_rails[{net, place}];
+        rail.insert(rail.end(), polygon.rects.begin(), polygon.rects.end());
+    }
+
+    void collectRails()
+    {
+        for (auto& [key, rects] : m_rails) {
+            m_metal.rails.push_back({key.first, std::move(rects)});
+        }
+        const auto bottom = [](const Polygon& rail) {
+            return std::min_element(rail.rects.begin(), rail.rects.end(),
+                                    [](const Rect& a, const Rect& b) { return a.yl < b.yl; })
+                ->yl;
+        };
+        std::stable_sort(m_metal.rails.begin(), m_metal.rails.end(),
+                         [&](const Polygon& a, const Polygon& b) { return bottom(a) < bottom(b); });
+    }
+
+    const LefMacro& m_macro;
+    const Scale& m_scale;
+    CellMetal m_metal;
+    std::vector<Piece> m_pieces;
+    std::map<std::pair<size_t, int32_t>, std::vector<Rect>> m_rails; ///< by net and place
+};
+
+} // namespace
+
+int32_t Scale::of(Length length) const
+{
+    const Length limit = FARTHEST / placer::LIBRARY_SITE * std::min(m_site, lefdef::MICRON * 1000);
+    if (length > limit || length < -limit) {
+        throw CellFault("a coordinate of the cell is too large");
+    }
+    const Length doubled = 2 * length * placer::LIBRARY_SITE + m_site;
+    const Length divisor = 2 * m_site;
+    const Length quotient = doubled / divisor;
+    return static_cast<int32_t>(quotient - (doubled % divisor < 0 ? 1 : 0));
+}
+
+bool Scale::isExact(Length length) const
+{
+    return length * placer::LIBRARY_SITE % m_site == 0;
+}
+
+CellMetal metalOf(const LefMacro& macro, const Scale& scale)
+{
+    return Sorter(macro, scale).run();
+}
+
+} // namespace kit::color

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <iosfwd>
+#include <string>
+
+#include "kit/engines/color/run.h"
+
+namespace kit::color {
+
+/// Writes findings, a line each: "FILE:LINE:COLUMN: error: what; what to do".
+void writeMessages(const Findings& findings, std::ostream& out);
+
+/// Why a cell has no colouring without conflicts, in words.
+std::string troubleText(const CellMetal& metal, const ColouredCell& cell, const Settings& settings);
+
+/// Writes the summary: how many cells, solutions and stitches, and which cells have no colouring.
+void writeSummary(const Result& result, const Options& options, std::ostream& out);
+
+} // namespace kit::color

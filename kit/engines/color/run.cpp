@@ -1,0 +1,226 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/engines/color/run.h"
+
+#include <atomic>
+#include <chrono>
+#include <exception>
+#include <filesystem>
+#include <iostream>
+#include <mutex>
+#include <thread>
+
+#include "kit/base/fault.h"
+#include "kit/base/files/folder.h"
+#include "kit/base/files/outputPaths.h"
+#include "kit/base/files/outputSet.h"
+#include "kit/base/reporter.h"
+#include "kit/engines/color/picture.h"
+#include "kit/engines/color/report.h"
+#include "kit/formats/lefdef/units.h"
+#include "kit/formats/placer/colorFile.h"
+
+namespace kit::color {
+
+namespace {
+using lefdef::LefMacro;
+
+constexpr int UNCLEAN = 1;
+constexpr int BAD_INPUT = 2;
+
+bool isFileName(const std::string& name)
+{
+    return !name.empty() && name != "." && name != ".." && name.find('/') == std::string::npos &&
+           name.find('\0') == std::string::npos;
+}
+
+std::string pathOf(const Options& options, const std::string& cell, const char* extension)
+{
+    return (std::filesystem::path(options.outDir) / (cell + extension)).string();
+}
+
+/// Reads the metal of the cells, and says what is wrong with it.
+class MetalReader {
+public:
+    MetalReader(const Library& library, Result& result) : m_library(library), m_result(result) {}
+
+    void run()
+    {
+        for (const LefMacro* macro : m_result.selection.cells) {
+            read(*macro);
+        }
+    }
+
+private:
+    void read(const LefMacro& macro)
+    {
+        const MacroPlace place = placeOf(m_library, macro);
+        Reporter reporter(m_result.findings, place.file);
+        try {
+            if (!isFileName(macro.name)) {
+                throw CellFault("its name cannot be that of a file");
+            }
+            CellMetal metal = metalOf(macro, Scale(m_result.selection.site.width));
+            tellOddities(macro, metal, reporter, place.at);
+            m_result.metal.push_back(std::move(metal));
+        } catch (const CellFault& fault) {
+            reporter.error("bad-cell", place.at, macro.name + " gets no colour file: " + fault.what(), "");
+        }
+    }
+
+    void tellOddities(const LefMacro& macro, const CellMetal& metal, Reporter& reporter, Place at)
+    {
+        for (const std::string& remark : metal.remarks) {
+            reporter.warning("touching-pins", at, macro.name + ": " + remark, "");
+        }
+        if (!metal.exact && !m_inexactTold) {
+            m_inexactTold = true;
+            reporter.warning("rounded", at,
+                             "lengths of " + macro.name + " are rounded, as a site of " +
+                                 lefdef::micronText(m_result.selection.site.width) +
+                                 " um is 190 wide in colour files",
+                             "others may be as well");
+        }
+        if (macro.width % m_result.selection.site.width != 0) {
+            reporter.warning("cell-width", at,
+                             macro.name + " is " + lefdef::micronText(macro.width) +
+                                 " um wide, no whole number of sites of " +
+                                 lefdef::micronText(m_result.selection.site.width) + " um",
+                             "");
+        }
+        if (!m_masksTold && hasMasks(macro)) {
+            m_masksTold = true;
+            reporter.note("masks", at, macro.name + " has shapes with masks, which are not heeded", "");
+        }
+    }
+
+    static bool hasMasks(const LefMacro& macro)
+    {
+        const auto anyMask = [](const std::vector<lefdef::LefShape>& shapes) {
+            return std::any_of(shapes.begin(), shapes.end(),
+                               [](const auto& shape) { return shape.mask != 0; });
+        };
+        return anyMask(macro.obstructions) ||
+               std::any_of(macro.pins.begin(), macro.pins.end(),
+                           [&](const lefdef::LefPin& pin) { return anyMask(pin.shapes); });
+    }
+
+    const Library& m_library;
+    Result& m_result;
+    bool m_inexactTold = false;
+    bool m_masksTold = false;
+};
+
+void checkOutputsOf(const Options& options, const std::vector<CellMetal>& cells)
+{
+    std::vector<std::string> outputs;
+    for (const CellMetal& cell : cells) {
+        outputs.push_back(pathOf(options, cell.name, ".color"));
+        if (options.svg) {
+            outputs.push_back(pathOf(options, cell.name, ".svg"));
+        }
+    }
+    checkOutputs(outputs, options.lefs, options.force);
+}
+
+void writeFiles(const Options& options, const Result& result)
+{
+    OutputSet set;
+    for (size_t i = 0; i < result.colours.size(); ++i) {
+        const std::string& name = result.metal[i].name;
+        if (result.colours[i].file) {
+            set.add(pathOf(options, name, ".color"),
+                    [&](OutputFile& file) { placer::writeColorFile(file, *result.colours[i].file); });
+        }
+        if (options.svg) {
+            set.add(pathOf(options, name, ".svg"), [&](OutputFile& file) {
+                writePicture(file, result.metal[i], result.colours[i], options.settings.rules);
+            });
+        }
+    }
+    set.commit();
+}
+
+/// Tells of the cells that have no colouring.
+void tellTroubles(const Options& options, const Library& library, Result& result)
+{
+    for (size_t i = 0; i < result.colours.size(); ++i) {
+        const ColouredCell& cell = result.colours[i];
+        if (!cell.trouble && !cell.tooLarge) {
+            continue;
+        }
+        const auto macro =
+            std::find_if(result.selection.cells.begin(), result.selection.cells.end(),
+                         [&](const LefMacro* other) { return other->name == result.metal[i].name; });
+        const MacroPlace place = placeOf(library, **macro);
+        Reporter(result.findings, place.file)
+            .add(cell.file ? Severity::WARNING : Severity::ERROR,
+                 cell.tooLarge ? "too-intricate" : "no-coloring", place.at,
+                 troubleText(result.metal[i], cell, options.settings), "");
+    }
+}
+
+int exitStatusOf(const Result& result, bool errors)
+{
+    const bool clean = std::all_of(result.colours.begin(), result.colours.end(),
+                                   [](const ColouredCell& cell) { return cell.file && !cell.trouble; });
+    return errors ? BAD_INPUT : (clean ? 0 : UNCLEAN);
+}
+
+} // namespace
+
+std::vector<ColouredCell> colourAll(const std::vector<CellMetal>& cells, const Settings& settings,
+                                    int32_t bottom, size_t jobs)
+{
+    std::vector<ColouredCell> results(cells.size());
+    std::atomic<size_t> next = 0;
+    std::exception_ptr failure;
+    std::mutex failing;
+    const auto work = [&] {
+        try {
+            for (size_t i = next++; i < cells.size(); i = next++) {
+                results[i] = colour(cells[i], settings, bottom);
+            }
+        } catch (...) { // it would end the program in the thread
+            const std::lock_guard lock(failing);
+            failure = std::current_exception();
+        }
+    };
+    std::vector<std::thread> threads;
+    for (size_t i = 1; i < std::min(jobs, cells.size()); ++i) {
+        threads.emplace_back(work);
+    }
+    work();
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    if (failure) {
+        std::rethrow_exception(failure);
+    }
+    return results;
+}
+
+int run(const Options& options)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    Result result;
+    const Library library = readLibrary(options.lefs, options.layer, result.findings);
+    if (hasErrors(result.findings)) {
+        writeMessages(result.findings, std::cerr);
+        return BAD_INPUT;
+    }
+    result.selection = selectCells(library, options.site, options.layer, result.findings);
+    MetalReader(library, result).run();
+    checkOutputsOf(options, result.metal);
+    makeFolder(options.outDir);
+    const bool errors = hasErrors(result.findings);
+    result.colours = colourAll(result.metal, options.settings, bottomOf(result.metal), options.jobs);
+    writeFiles(options, result);
+    tellTroubles(options, library, result);
+    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
+    result.seconds = time.count();
+    writeMessages(result.findings, std::cerr);
+    writeSummary(result, options, std::cout);
+    return exitStatusOf(result, errors);
+}
+
+} // namespace kit::color

@@ -1,0 +1,185 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/engines/color/search.h"
+
+#include <algorithm>
+#include <tuple>
+
+#include "kit/engines/color/frontier.h"
+#include "kit/engines/color/problem.h"
+#include "kit/engines/color/sets.h"
+#include "kit/engines/color/sides.h"
+#include "kit/engines/color/spread.h"
+
+namespace kit::color {
+
+namespace {
+
+/// Parts that do not depend on each other, some of them left out.
+std::vector<std::vector<size_t>> componentsOf(const Graph& graph, const std::vector<bool>& wanted)
+{
+    Sets sets(graph.parts.size());
+    const auto join = [&](size_t a, size_t b) {
+        if (wanted[a] && wanted[b]) {
+            sets.join(a, b);
+        }
+    };
+    for (const Joint& joint : graph.joints) {
+        join(joint.a, joint.b);
+    }
+    for (const Pair& pair : graph.pairs) {
+        join(pair.a, pair.b);
+    }
+    std::vector<std::vector<size_t>> components = sets.all();
+    components.erase(std::remove_if(components.begin(), components.end(),
+                                    [&](const auto& parts) { return !wanted[parts.front()]; }),
+                     components.end());
+    return components;
+}
+
+/// The next bound to try: a few steps of one stitch, then longer ones.
+uint32_t raised(uint32_t bound)
+{
+    return bound < 4 ? bound + 1 : bound + bound / 2;
+}
+
+/// Searches with rising bounds until there is a colouring.
+///
+/// @param bound  out: the last one
+Outcome searchRising(Frontiers& frontiers, const Problem& problem, const Limits& limits, uint32_t& bound)
+{
+    if (!problem.fits()) {
+        return Outcome::TOO_LARGE;
+    }
+    Outcome outcome = frontiers.search(bound = 0, limits);
+    while (outcome == Outcome::NONE && bound < problem.mostCost()) {
+        bound = std::min(raised(bound), problem.mostCost());
+        outcome = frontiers.search(bound, limits);
+    }
+    return outcome;
+}
+
+/// Puts the masks of some parts into their places among all parts of the cell.
+Colouring placed(const Colouring& colouring, const Problem& problem, size_t parts)
+{
+    constexpr uint8_t UNKNOWN = 255;
+    Colouring result{colouring.cost, {}, Masks(parts, UNKNOWN)};
+    for (size_t step = 0; step < problem.size(); ++step) {
+        result.masks[problem.partOf(step)] = colouring.masks[step];
+    }
+    return result;
+}
+
+/// Colourings of parts that hang together.
+///
+/// @return masks for all parts of the cell, those of others unknown; sides empty
+Colourings solve(const Graph& graph, const std::vector<size_t>& parts, const Rules& rules,
+                 const Limits& limits)
+{
+    const Problem problem(graph, parts, rules);
+    Frontiers frontiers(problem);
+    uint32_t bound = 0;
+    Colourings result{searchRising(frontiers, problem, limits, bound), {}};
+    if (result.outcome != Outcome::FOUND) {
+        return result;
+    }
+    const uint32_t least = frontiers.least();
+    uint32_t most = least;
+    const bool seen =
+        std::any_of(parts.begin(), parts.end(), [&](size_t i) { return graph.parts[i].atSide; });
+    if (seen) {
+        // Where those with more stitches are too many to look at, those with the fewest have to do.
+        if (frontiers.search(least + limits.moreStitches, limits) == Outcome::FOUND) {
+            most = least + limits.moreStitches;
+        } else {
+            frontiers.search(bound, limits);
+        }
+    }
+    std::vector<Colouring> all = colouringsBySides(graph, problem, frontiers, most, limits);
+    thinOut(all, limits.results);
+    for (const Colouring& colouring : all) {
+        result.all.push_back(placed(colouring, problem, graph.parts.size()));
+    }
+    return result;
+}
+
+void sort(std::vector<Colouring>& all)
+{
+    std::sort(all.begin(), all.end(), [](const Colouring& a, const Colouring& b) {
+        return std::tie(a.cost, a.sides, a.masks) < std::tie(b.cost, b.sides, b.masks);
+    });
+}
+
+/// Everything of one kind with everything of another.
+std::vector<Colouring> combined(const std::vector<Colouring>& some, const std::vector<Colouring>& others,
+                                uint32_t most)
+{
+    std::vector<Colouring> result;
+    for (const Colouring& a : some) {
+        for (const Colouring& b : others) {
+            if (a.cost + b.cost > most) {
+                continue;
+            }
+            Colouring both{a.cost + b.cost, {}, a.masks};
+            for (size_t i = 0; i < both.masks.size(); ++i) {
+                both.masks[i] = std::min(a.masks[i], b.masks[i]); // one of them is unknown, a large number
+            }
+            result.push_back(std::move(both));
+        }
+    }
+    return result;
+}
+
+void fillSides(const Graph& graph, Colouring& colouring)
+{
+    colouring.sides.clear();
+    for (size_t i = 0; i < graph.parts.size(); ++i) {
+        if (graph.parts[i].atSide) {
+            colouring.sides.push_back(colouring.masks[i]);
+        }
+    }
+}
+
+} // namespace
+
+std::optional<bool> isColourable(const Graph& graph, const std::vector<bool>& wanted, const Rules& rules,
+                                 const Limits& limits)
+{
+    for (const std::vector<size_t>& parts : componentsOf(graph, wanted)) {
+        const Problem problem(graph, parts, rules);
+        Frontiers frontiers(problem);
+        uint32_t bound = 0;
+        const Outcome outcome = searchRising(frontiers, problem, limits, bound);
+        if (outcome == Outcome::TOO_LARGE) {
+            return {};
+        }
+        if (outcome == Outcome::NONE) {
+            return false;
+        }
+    }
+    return true;
+}
+
+Colourings colouringsOf(const Graph& graph, const Rules& rules, const Limits& limits)
+{
+    Colourings result;
+    result.all.push_back({0, {}, Masks(graph.parts.size(), 255)});
+    uint32_t least = 0;
+    for (const std::vector<size_t>& parts :
+         componentsOf(graph, std::vector<bool>(graph.parts.size(), true))) {
+        Colourings one = solve(graph, parts, rules, limits);
+        if (one.outcome != Outcome::FOUND) {
+            return one;
+        }
+        least += one.all.front().cost;
+        thinOut(one.all, limits.open / result.all.size() + 1);
+        result.all = combined(result.all, one.all, least + limits.moreStitches);
+        for (Colouring& colouring : result.all) {
+            fillSides(graph, colouring);
+        }
+        sort(result.all);
+        thinOut(result.all, limits.results);
+    }
+    return result;
+}
+
+} // namespace kit::color

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Changes of a DEF file: every byte that is not said to change stays.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "kit/engines/export/matching.h"
+#include "kit/formats/lefdef/edits.h"
+
+namespace kit::exporter {
+
+/// Gives components their new places: "PLACED ( x y ) orientation" instead of what says where they are, or
+/// behind the macro's name if nothing does. One whose place is as before is left alone.
+///
+/// @return how many places have changed
+int64_t placeComponents(const lefdef::Source& source, const lefdef::Def& def,
+                        const std::vector<Placed>& placed, lefdef::Edits& edits);
+
+/// Removes the records of fillers, with the lines that they have for themselves, and corrects the count in
+/// the section's head. A filler that is named behind the components, as nets may, stays.
+///
+/// @param fillers   [component of the DEF file] whether it is one; out: the removed ones alone
+/// @param findings  out: "filler-in-use", a warning for each that stays
+/// @return how many were removed
+int64_t dropFillers(const lefdef::Source& source, const lefdef::Def& def, std::vector<bool>& fillers,
+                    lefdef::Edits& edits, Findings& findings);
+
+/// Puts another name in place of a component's macro.
+void renameMacro(const lefdef::Source& source, const lefdef::DefComponent& component, std::string name,
+                 lefdef::Edits& edits);
+
+} // namespace kit::exporter

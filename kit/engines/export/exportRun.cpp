@@ -1,0 +1,258 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/engines/export/exportRun.h"
+
+#include <algorithm>
+#include <iostream>
+#include <memory>
+#include <optional>
+
+#include "kit/base/fault.h"
+#include "kit/base/files/outputSet.h"
+#include "kit/base/text/text.h"
+#include "kit/engines/export/defPatch.h"
+#include "kit/engines/export/layerProperties.h"
+#include "kit/engines/export/layout.h"
+#include "kit/engines/export/limit.h"
+#include "kit/engines/export/masters.h"
+#include "kit/base/findingText.h"
+#include "kit/formats/placer/reader.h"
+
+namespace kit::exporter {
+
+namespace {
+
+constexpr int WARNED = 1;
+constexpr int FAILED = 2;
+constexpr size_t MOST_OF_A_KIND = 20;
+using lefdef::Length;
+
+/// The files, with a line for the user about each.
+class Outputs {
+public:
+    template <typename Write>
+    void add(const std::string& path, const std::string& line, const Write& write)
+    {
+        m_set.add(path, write);
+        m_lines += path + ": " + line + "\n";
+    }
+
+    void commit()
+    {
+        m_set.commit();
+        std::cout << m_lines << std::flush; // before the findings
+    }
+
+private:
+    OutputSet m_set;
+    std::string m_lines;
+};
+
+class ExportRun {
+public:
+    explicit ExportRun(const Options& options) : m_options(options), m_inputs(readInputs(options, m_findings))
+    {
+    }
+
+    int run()
+    {
+        if (hasErrors()) {
+            return tell();
+        }
+        m_macros = indexMacros(m_inputs.lef);
+        const Sides sides{m_inputs.design, m_inputs.files.place, m_inputs.map, m_inputs.def,
+                          *m_inputs.defSource};
+        m_matching = matchComponents(sides, m_findings);
+        m_fillers = findFillers(m_inputs.def, m_matching, m_macros);
+        // The import left out on purpose what it did; and errors tell more.
+        if (!m_inputs.imported && !hasErrors()) {
+            tellLeftOut(sides, m_matching, m_fillers, m_findings);
+        }
+        if (!m_options.lefMasks.empty()) {
+            m_masters = nameMasters(m_inputs, m_matching.placed, m_macros, m_findings);
+        }
+        if (hasErrors()) {
+            return tell();
+        }
+        writeDef();
+        writeMasters();
+        writeGds();
+        m_outputs.commit();
+        return tell();
+    }
+
+private:
+    bool hasErrors() const { return countsOf(m_findings).errors > 0; }
+
+    /// Shows the findings. @return the exit status
+    int tell()
+    {
+        limitFindings(m_findings, MOST_OF_A_KIND);
+        if (!m_findings.empty()) {
+            writeText(m_findings, std::cerr);
+        }
+        const Counts counts = countsOf(m_findings);
+        return counts.errors > 0 ? FAILED : counts.warnings > 0 ? WARNED : 0;
+    }
+
+    void note(const char* code, std::string what, std::string advice)
+    {
+        Reporter(m_findings, m_options.def).note(code, {}, std::move(what), std::move(advice));
+    }
+
+    void writeDef()
+    {
+        lefdef::Edits edits;
+        const int64_t changed = placeComponents(*m_inputs.defSource, m_inputs.def, m_matching.placed, edits);
+        std::string line = counted(static_cast<int64_t>(m_matching.placed.size()), "component") + ", " +
+                           std::to_string(changed) + " in a new place";
+        if (m_options.dropFillers) {
+            const int64_t dropped =
+                dropFillers(*m_inputs.defSource, m_inputs.def, m_fillers, edits, m_findings);
+            line += ", " + counted(dropped, "filler") + " left out";
+            std::erase_if(m_matching.untouched, [this](size_t index) { return m_fillers[index]; });
+        } else {
+            tellFillers();
+        }
+        const auto write = [&](OutputFile& file) { edits.write(m_inputs.defSource->text(), file); };
+        m_outputs.add(m_options.out, line, write);
+        if (!m_options.defMasks.empty()) {
+            renameMacros(edits);
+            m_outputs.add(m_options.defMasks, line, write);
+        }
+    }
+
+    void tellFillers()
+    {
+        const int64_t fillers = std::count(m_fillers.begin(), m_fillers.end(), true);
+        if (fillers == 0) {
+            return;
+        }
+        const int64_t covered = countCovered(m_inputs.def, m_matching, m_fillers,
+                                             [this](std::string_view macro) { return widthOfMacro(macro); });
+        note("fillers",
+             counted(fillers, "filler") + " stay where they are, and placed cells lie on " +
+                 std::to_string(covered) + " of them",
+             "--drop-fillers leaves them out");
+    }
+
+    void renameMacros(lefdef::Edits& edits)
+    {
+        for (const Placed& placed : m_matching.placed) {
+            const placer::ColorRecord* const colours = m_inputs.colours[placed.inPlace];
+            if (colours != nullptr && colours->solution >= 0) {
+                const int32_t cell = m_inputs.design.components[placed.inPlace].cell;
+                renameMacro(*m_inputs.defSource, m_inputs.def.components[placed.inDef],
+                            m_masters.at({cell, colours->solution}), edits);
+            }
+        }
+    }
+
+    void writeMasters()
+    {
+        if (m_options.lefMasks.empty()) {
+            return;
+        }
+        const Length siteWidth = step() * lefdef::MICRON / micron();
+        m_outputs.add(m_options.lefMasks, counted(static_cast<int64_t>(m_masters.size()), "master"),
+                      [&](OutputFile& file) {
+                          file << masterText(m_inputs, m_masters, m_macros, siteWidth, m_findings);
+                      });
+    }
+
+    void writeGds()
+    {
+        if (m_options.gds.empty()) {
+            return;
+        }
+        const Grid grid(micron(), step(), reach());
+        if (grid.isRounded()) {
+            note("rounded",
+                 "the layout is too large for units in which all metal is exact: it is rounded to "
+                 "the units of the DEF file",
+                 "");
+        }
+        int64_t leftOut = 0;
+        const auto write = [&](OutputFile& file) {
+            leftOut = writeLayout({m_inputs.frame.topCell, m_inputs.design, m_inputs.def, m_matching.placed,
+                                   m_inputs.colours, m_matching.untouched, m_macros, grid},
+                                  file);
+        };
+        m_outputs.add(m_options.gds, std::to_string(grid.unitsPerMicron()) + " database units per micrometre",
+                      write);
+        if (leftOut > 0) {
+            note("no-outline",
+                 "the layout lacks " + counted(leftOut, "component") + ", as no outline is known",
+                 "give their macros with --lef");
+        }
+        m_outputs.add(layerPropertiesOf(m_options.gds), "layer properties",
+                      [](OutputFile& file) { file << layerPropertiesText(); });
+    }
+
+    /// DBU per micrometre.
+    int64_t micron() const
+    {
+        if (m_inputs.def.databaseMicrons <= 0) {
+            throw Fault(m_options.def + " does not say its UNITS, which layouts and masters need");
+        }
+        return m_inputs.frame.dbuPerMicron;
+    }
+
+    /// Site width, DBU.
+    int64_t step() const
+    {
+        if (m_inputs.design.rows.empty() || m_inputs.design.rows.front().step <= 0) {
+            throw Fault(m_inputs.files.place +
+                        " has no row with a positive step, which tells the site width");
+        }
+        return m_inputs.design.rows.front().step;
+    }
+
+    /// Width of a macro of the library or, without one, of its colour file; DBU, 0 if neither is there.
+    int64_t widthOfMacro(std::string_view name)
+    {
+        const auto macro = m_macros.find(name);
+        if (macro != m_macros.end() && m_inputs.def.databaseMicrons > 0) {
+            return dbuOf(macro->second->width, micron());
+        }
+        const auto [at, isNew] = m_widths.try_emplace(std::string(name), 0);
+        if (isNew && !m_inputs.design.rows.empty()) {
+            placer::Design one;
+            Findings unread; // a filler need not have a colour file
+            placer::readCells({at->first}, m_inputs.files.cellDir, one, unread);
+            at->second = widthOf(one.cells.front(), m_inputs.design.rows.front().step);
+        }
+        return at->second;
+    }
+
+    /// Largest coordinate of the layout in size, DBU; no cell is larger than the layout.
+    int64_t reach() const
+    {
+        int64_t reach = 0;
+        for (const Placed& placed : m_matching.placed) {
+            reach = std::max({reach, std::abs(int64_t{placed.x}), std::abs(int64_t{placed.y})});
+        }
+        for (const lefdef::DefComponent& component : m_inputs.def.components) {
+            reach = std::max({reach, std::abs(int64_t{component.x}), std::abs(int64_t{component.y})});
+        }
+        return 2 * reach;
+    }
+
+    const Options& m_options;
+    Findings m_findings;
+    Inputs m_inputs;
+    MacroIndex m_macros;
+    Matching m_matching;
+    std::vector<bool> m_fillers; ///< [component of the DEF file]
+    MasterNames m_masters;
+    std::unordered_map<std::string, int64_t> m_widths; ///< of colour files
+    Outputs m_outputs;
+};
+
+} // namespace
+
+int exportResult(const Options& options)
+{
+    return ExportRun(options).run();
+}
+
+} // namespace kit::exporter

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/engines/export/masters.h"
+
+#include <algorithm>
+#include <set>
+
+#include "kit/base/text/text.h"
+#include "kit/engines/export/lefMasks.h"
+
+namespace kit::exporter {
+
+namespace {
+
+const placer::Cell& cellOf(const Inputs& inputs, int32_t index)
+{
+    return inputs.design.cells[static_cast<size_t>(index)];
+}
+
+std::string freeName(const placer::Cell& cell, int32_t solution, const MacroIndex& macros)
+{
+    std::string name;
+    std::string blanks = "_";
+    do {
+        name = cell.name + blanks + "S" + std::to_string(solution);
+        blanks += "_";
+    } while (macros.count(name) != 0);
+    return name;
+}
+
+void tellMissing(const Inputs& inputs, const MasterNames& names, const MacroIndex& macros, Findings& findings)
+{
+    std::set<std::string_view> told;
+    bool anyMetal = names.empty();
+    Reporter reporter(findings, inputs.files.place);
+    for (const auto& [key, name] : names) {
+        const placer::Cell& cell = cellOf(inputs, key.first);
+        const auto macro = macros.find(cell.name);
+        if (macro == macros.end() && told.insert(cell.name).second) {
+            reporter.error("no-macro", {}, "the cell " + cell.name + " is in none of the LEF files",
+                           "give the file that has it with --lef");
+        }
+        anyMetal = anyMetal || (macro != macros.end() && hasMetal(*macro->second));
+    }
+    if (!anyMetal && told.empty()) {
+        reporter.error("no-layer", {}, "no cell of the placement has metal on that layer in the LEF files",
+                       "give the name of metal 1 with --layer");
+    }
+}
+
+} // namespace
+
+MasterNames nameMasters(const Inputs& inputs, const std::vector<Placed>& placed, const MacroIndex& macros,
+                        Findings& findings)
+{
+    MasterNames names;
+    for (const Placed& one : placed) {
+        const placer::ColorRecord* const colours = inputs.colours[one.inPlace];
+        const int32_t cell = inputs.design.components[one.inPlace].cell;
+        if (colours != nullptr && colours->solution >= 0 && cell >= 0) {
+            std::string& name = names[{cell, colours->solution}];
+            name = name.empty() ? freeName(cellOf(inputs, cell), colours->solution, macros) : name;
+        }
+    }
+    tellMissing(inputs, names, macros, findings);
+    return names;
+}
+
+std::string masterText(const Inputs& inputs, const MasterNames& names, const MacroIndex& macros,
+                       lefdef::Length siteWidth, Findings& findings)
+{
+    std::string text;
+    for (const auto& [key, name] : names) {
+        const placer::Cell& cell = cellOf(inputs, key.first);
+        const lefdef::LefMacro& macro = *macros.at(cell.name);
+        const lefdef::Source& source = *inputs.lefSources[static_cast<size_t>(macro.source)];
+        if (text.empty()) {
+            text = lefHead(source);
+        }
+        const placer::Solution& solution = cell.solutions[static_cast<size_t>(key.second)];
+        const MaskedMacro masked = maskedMacro(source, macro, {cell, solution, siteWidth}, name);
+        text += "\n" + masked.text + "\n";
+        if (masked.bareMetal > 0) {
+            lefdef::SourceReporter(findings, source)
+                .warning("bare-metal", macro.offset,
+                         counted(masked.bareMetal, "shape") + " of " + name +
+                             " have metal without a mask, for " + cell.path + " does not have it",
+                         "colour the cells of this library");
+        }
+    }
+    return (text.empty() ? "VERSION 5.8 ;\n" : text) + "\nEND LIBRARY\n";
+}
+
+} // namespace kit::exporter

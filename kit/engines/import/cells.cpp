@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/engines/import/cells.h"
+
+#include <algorithm>
+#include <string>
+
+#include "kit/formats/lefdef/units.h"
+#include "kit/formats/placer/names.h"
+
+namespace kit::importing {
+
+namespace {
+
+using lefdef::Def;
+using lefdef::DefComponent;
+using lefdef::Lef;
+using lefdef::LefMacro;
+using lefdef::SourceReporter;
+using lefdef::Status;
+
+bool hasWord(const std::string& words, std::string_view word)
+{
+    return (" " + words + " ").find(" " + std::string(word) + " ") != std::string::npos;
+}
+
+/// Masters that a detailed placer does not move.
+bool staysByClass(const LefMacro& macro)
+{
+    const std::string& words = macro.macroClass;
+    return words.rfind("BLOCK", 0) == 0 || words.rfind("PAD", 0) == 0 || words.rfind("RING", 0) == 0 ||
+           words.rfind("ENDCAP", 0) == 0 || hasWord(words, "WELLTAP");
+}
+
+class CellSorter {
+public:
+    CellSorter(const Def& def, const Lef& lef, const Core& core, bool legalize, SourceReporter& reporter,
+               Cells& cells)
+        : m_def(def), m_lef(lef), m_core(core), m_legalize(legalize), m_reporter(reporter), m_cells(cells),
+          m_masters(placer::indexNames(lef.macros))
+    {
+    }
+
+    bool sort()
+    {
+        m_cells.masterOf.resize(m_def.components.size(), NONE);
+        m_cells.isFixed.resize(m_def.components.size());
+        for (size_t i = 0; i < m_def.components.size(); ++i) {
+            const int32_t master = placer::findName(m_masters, m_def.components[i].macro);
+            if (master >= 0) {
+                m_cells.masterOf[i] = static_cast<size_t>(master);
+                take(i, m_lef.macros[m_cells.masterOf[i]]);
+            } else {
+                error("unknown-master", m_def.components[i],
+                      "is of master " + std::string(m_def.components[i].macro) + ", which no LEF file has",
+                      "give that file with --lef");
+            }
+        }
+        return m_sound;
+    }
+
+private:
+    void take(size_t index, const LefMacro& macro)
+    {
+        const DefComponent& comp = m_def.components[index];
+        const bool placed = comp.status == Status::PLACED;
+        const bool fixed = comp.status == Status::FIXED || comp.status == Status::COVER;
+        const bool filler = !fixed && isFiller(macro);
+        if (filler) {
+            ++m_cells.fillers;
+        } else if (fixed || (placed && (staysByClass(macro) || !fitsOneRow(comp, macro)))) {
+            keep(index, macro);
+        } else if (!placed && (staysByClass(macro) || isHigh(macro))) {
+            error("unplaced", comp,
+                  std::string(isHigh(macro) ? "is higher than a row" : "is of class " + macro.macroClass) +
+                      " and is not placed",
+                  "place it: it is not moved");
+        } else if (placed || m_legalize) {
+            m_cells.movable.push_back({.component = index,
+                                       .x = comp.x,
+                                       .y = comp.y,
+                                       .width = wholeSites(macro),
+                                       .placed = placed,
+                                       .mirrored = placed && isMirrored(comp.orient)});
+        } else {
+            error("unplaced", comp, "is not placed", "place it, or give --legalize");
+        }
+    }
+
+    /// Whether a placed component stands upright and is one row high; a warning says so if not.
+    bool fitsOneRow(const DefComponent& comp, const LefMacro& macro)
+    {
+        const bool upright = !isOnItsSide(comp.orient);
+        if (!upright || isHigh(macro)) {
+            m_reporter.warning("kept", comp.offset,
+                               "component " + std::string(comp.name) +
+                                   (upright ? " is higher than a row" : " lies on its side") +
+                                   " and stays where it is",
+                               "");
+        }
+        return upright && !isHigh(macro);
+    }
+
+    bool isHigh(const LefMacro& macro) const
+    {
+        return lefdef::dbuUp(macro.height, m_def.databaseMicrons) > m_core.siteHeight;
+    }
+
+    void keep(size_t index, const LefMacro& macro)
+    {
+        const DefComponent& comp = m_def.components[index];
+        m_cells.isFixed[index] = true;
+        int64_t width = lefdef::dbuUp(macro.width, m_def.databaseMicrons);
+        int64_t height = lefdef::dbuUp(macro.height, m_def.databaseMicrons);
+        if (isOnItsSide(comp.orient)) {
+            std::swap(width, height);
+        }
+        const auto cut = [](int64_t value) {
+            return static_cast<int32_t>(std::min<int64_t>(value, INT32_MAX));
+        };
+        m_cells.blocks.push_back(
+            {.xl = comp.x, .yl = comp.y, .xh = cut(comp.x + width), .yh = cut(comp.y + height)});
+    }
+
+    int64_t wholeSites(const LefMacro& macro) const
+    {
+        const int64_t width = lefdef::dbuUp(macro.width, m_def.databaseMicrons);
+        return (width + m_core.siteWidth - 1) / m_core.siteWidth * m_core.siteWidth;
+    }
+
+    void error(const char* code, const DefComponent& comp, const std::string& what, std::string advice)
+    {
+        m_reporter.error(code, comp.offset, "component " + std::string(comp.name) + " " + what,
+                         std::move(advice));
+        m_sound = false;
+    }
+
+    const Def& m_def;
+    const Lef& m_lef;
+    const Core& m_core;
+    bool m_legalize;
+    SourceReporter& m_reporter;
+    Cells& m_cells;
+    placer::NameIndex m_masters;
+    bool m_sound = true;
+};
+
+} // namespace
+
+bool takeCells(const Def& def, const Lef& lef, const Core& core, bool legalize, SourceReporter& reporter,
+               Cells& cells)
+{
+    return CellSorter(def, lef, core, legalize, reporter, cells).sort();
+}
+
+void findRows(const Def& def, const Core& core, Cells& cells)
+{
+    std::vector<std::vector<Interval>> stretches(core.rows.size());
+    for (size_t i = 0; i < core.rows.size(); ++i) {
+        stretches[i] = freeStretches(core.rows[i]);
+    }
+    for (Cell& cell : cells.movable) {
+        const size_t row = cell.placed ? core.rowAt(cell.y) : NONE;
+        if (row == NONE) {
+            continue;
+        }
+        const std::vector<Interval>& free = stretches[row];
+        const auto after =
+            std::upper_bound(free.begin(), free.end(), cell.x,
+                             [](int64_t x, const Interval& stretch) { return x < stretch.begin; });
+        if (after != free.begin() && cell.x + cell.width <= std::prev(after)->end) {
+            cell.row = row;
+            cell.flipped =
+                isUpsideDown(def.components[cell.component].orient) != isUpsideDown(core.rows[row].orient);
+        }
+    }
+}
+
+} // namespace kit::importing

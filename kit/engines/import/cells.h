@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The components of a DEF: those that are placed, and those that are in the way.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "kit/engines/import/core.h"
+
+namespace kit::importing {
+
+/// A component that the placer places.
+struct Cell {
+    size_t component = 0;  ///< index in Def::components
+    size_t row = NONE;     ///< index in Core::rows, NONE without a legal place
+    int64_t x = 0;         ///< left edge, DBU
+    int64_t y = 0;         ///< bottom edge, DBU
+    int64_t width = 0;     ///< whole sites, DBU
+    bool placed = false;   ///< it has a place, legal or not
+    bool mirrored = false; ///< left and right exchanged
+    bool flipped = false;  ///< top and bottom lie other than in its row
+};
+
+/// The components by what becomes of them.
+struct Cells {
+    std::vector<Cell> movable;           ///< in the order of the file
+    std::vector<lefdef::DefRect> blocks; ///< outlines of what stays where it is
+    std::vector<size_t> masterOf;        ///< [component] index in Lef::macros, NONE if unknown
+    std::vector<bool> isFixed;           ///< [component] it stays where it is
+    int64_t fillers = 0;                 ///< left out
+};
+
+/// Sorts the components: fillers (class SPACER) are left out; fixed and cover components, macros, pads, end
+/// caps and well taps, and cells that do not stand upright in one row stay where they are; the rest is
+/// movable.
+///
+/// Errors, by name: unknown masters, and unplaced components unless `legalize`.
+///
+/// @return whether there was no error
+bool takeCells(const lefdef::Def& def, const lefdef::Lef& lef, const Core& core, bool legalize,
+               lefdef::SourceReporter& reporter, Cells& cells);
+
+/// Finds the rows of the movable cells; those off their rows stay without one.
+void findRows(const lefdef::Def& def, const Core& core, Cells& cells);
+
+} // namespace kit::importing

@@ -1,0 +1,377 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/engines/import/core.h"
+
+#include <algorithm>
+#include <map>
+#include <numeric>
+#include <string>
+
+#include "kit/formats/lefdef/units.h"
+
+namespace kit::importing {
+
+namespace {
+
+using lefdef::Def;
+using lefdef::DefRow;
+using lefdef::Lef;
+using lefdef::LefSite;
+using lefdef::SiteSize;
+using lefdef::SourceReporter;
+
+std::string textOf(std::string_view name)
+{
+    return std::string(name);
+}
+
+const LefSite* findSite(const Lef& lef, std::string_view name)
+{
+    const auto at = std::find_if(lef.sites.begin(), lef.sites.end(),
+                                 [&](const LefSite& site) { return site.name == name; });
+    return at != lef.sites.end() ? &*at : nullptr;
+}
+
+/// The lowest of the rows' sites that the library knows.
+std::optional<SiteSize> lowestSite(const Def& def, const Lef& lef)
+{
+    std::optional<SiteSize> lowest;
+    for (const LefSite& site : lef.sites) {
+        const bool used = std::any_of(def.rows.begin(), def.rows.end(),
+                                      [&](const DefRow& row) { return row.site == site.name; });
+        if (used && (!lowest || site.height < lowest->height)) {
+            lowest = {.width = site.width, .height = site.height};
+        }
+    }
+    return lowest;
+}
+
+/// The least distance of two heights, 0 if all are equal.
+int64_t leastPitch(const std::vector<DefRow>& rows)
+{
+    std::vector<int64_t> heights;
+    heights.reserve(rows.size());
+    for (const DefRow& row : rows) {
+        heights.push_back(row.y);
+    }
+    std::sort(heights.begin(), heights.end());
+    int64_t least = 0;
+    for (size_t i = 1; i < heights.size(); ++i) {
+        const int64_t pitch = heights[i] - heights[i - 1];
+        least = pitch > 0 && (least == 0 || pitch < least) ? pitch : least;
+    }
+    return least;
+}
+
+/// A length in DBU, none if it is no whole number of them.
+std::optional<int64_t> inDbu(lefdef::Length length, int32_t databaseMicrons)
+{
+    const int64_t dbu = lefdef::dbuDown(length, databaseMicrons);
+    const bool whole = dbu == lefdef::dbuUp(length, databaseMicrons);
+    return whole && dbu > 0 && dbu <= INT32_MAX ? std::optional(dbu) : std::nullopt;
+}
+
+class CoreReader {
+public:
+    CoreReader(const Def& def, const Lef& lef, SourceReporter& reporter)
+        : m_def(def), m_lef(lef), m_reporter(reporter)
+    {
+    }
+
+    std::optional<Core> read(const std::optional<SiteSize>& given)
+    {
+        if (m_def.rows.empty()) {
+            error("no-rows", 0, "the DEF has no rows", "write ROW statements");
+        } else {
+            findSiteSize(given);
+        }
+        if (m_sound) {
+            takeRows();
+        }
+        if (m_sound) {
+            joinPieces();
+            checkHeights();
+        }
+        return m_sound ? std::optional(std::move(m_core)) : std::nullopt;
+    }
+
+private:
+    void error(const char* code, size_t offset, std::string what, std::string advice)
+    {
+        m_reporter.error(code, offset, std::move(what), std::move(advice));
+        m_sound = false;
+    }
+
+    void findSiteSize(const std::optional<SiteSize>& given)
+    {
+        const std::optional<SiteSize> size = given ? given : lowestSite(m_def, m_lef);
+        if (size) {
+            setSiteSize(*size);
+            return;
+        }
+        const auto stepped = std::find_if(m_def.rows.begin(), m_def.rows.end(),
+                                          [](const DefRow& row) { return row.columns > 1 && row.stepX > 0; });
+        m_core.siteWidth = stepped != m_def.rows.end() ? stepped->stepX : 0;
+        m_core.siteHeight = leastPitch(m_def.rows);
+        if (m_core.siteWidth <= 0 || m_core.siteHeight <= 0) {
+            error("no-site", m_def.rows.front().offset,
+                  "neither the LEF files nor the rows tell the size of site " +
+                      textOf(m_def.rows.front().site),
+                  "give --site W,H in micrometres");
+        }
+    }
+
+    void setSiteSize(const SiteSize& size)
+    {
+        const std::optional<int64_t> width = inDbu(size.width, m_def.databaseMicrons);
+        const std::optional<int64_t> height = inDbu(size.height, m_def.databaseMicrons);
+        if (!width || !height) {
+            error("site-size", m_def.rows.front().offset,
+                  "the site is no whole number of DBU wide and high at " +
+                      std::to_string(m_def.databaseMicrons) + " DBU per micrometre",
+                  "correct UNITS, the LEF's SITE or --site");
+            return;
+        }
+        m_core.siteWidth = *width;
+        m_core.siteHeight = *height;
+    }
+
+    /// Whether a row stands on the core's sites; the library knows those of others.
+    bool isOfCore(const DefRow& row) const
+    {
+        const LefSite* site = findSite(m_lef, row.site);
+        return site == nullptr || inDbu(site->height, m_def.databaseMicrons) == m_core.siteHeight;
+    }
+
+    void takeRows()
+    {
+        for (const DefRow& row : m_def.rows) {
+            if (!isOfCore(row)) {
+                m_reporter.warning("other-site", row.offset,
+                                   "row " + textOf(row.name) + " of site " + textOf(row.site) +
+                                       " is left out",
+                                   "only rows of the lowest site are placed");
+            } else if (isSound(row)) {
+                addPiece(row);
+            }
+        }
+        if (m_sound && m_core.rows.empty()) {
+            error("no-rows", m_def.rows.front().offset, "no row is left", "see the warnings above");
+        }
+    }
+
+    bool isSound(const DefRow& row)
+    {
+        const std::string name = "row " + textOf(row.name);
+        if (row.rows != 1 || isOnItsSide(row.orient)) {
+            error("vertical-row", row.offset, name + " is vertical", "the placer takes horizontal rows only");
+        } else if (row.columns > 1 && row.stepX != 0 && row.stepX != m_core.siteWidth) {
+            error("row-step", row.offset,
+                  name + " has step " + std::to_string(row.stepX) + ", not the site's width of " +
+                      std::to_string(m_core.siteWidth),
+                  "correct it, the LEF's SITE or --site");
+        } else if (row.x + row.columns * m_core.siteWidth > INT32_MAX ||
+                   row.y + m_core.siteHeight > INT32_MAX) {
+            error("row-range", row.offset, name + " leaves the range of 32 bits", "correct it");
+        } else {
+            return true;
+        }
+        return false;
+    }
+
+    void addPiece(const DefRow& from)
+    {
+        const auto [at, isNew] = m_rowAt.try_emplace(from.y, m_core.rows.size());
+        if (isNew) {
+            m_core.rows.push_back({.name = from.name,
+                                   .site = from.site,
+                                   .y = from.y,
+                                   .orient = from.orient,
+                                   .offset = from.offset});
+        }
+        Row& row = m_core.rows[at->second];
+        if (row.orient != from.orient) {
+            error("row-orient", from.offset,
+                  "row " + textOf(from.name) + " lies " + textOf(nameOf(from.orient)) + ", and " +
+                      textOf(row.name) + " at the same height " + textOf(nameOf(row.orient)),
+                  "rows at one height must lie the same way");
+        }
+        row.pieces.push_back({.begin = from.x, .end = from.x + from.columns * m_core.siteWidth});
+    }
+
+    void joinPieces()
+    {
+        for (Row& row : m_core.rows) {
+            std::sort(row.pieces.begin(), row.pieces.end(),
+                      [](const Piece& a, const Piece& b) { return a.begin < b.begin; });
+            std::vector<Piece> joined;
+            for (const Piece& piece : row.pieces) {
+                join(row, piece, joined);
+            }
+            row.pieces = std::move(joined);
+        }
+    }
+
+    void join(const Row& row, const Piece& piece, std::vector<Piece>& joined)
+    {
+        if (joined.empty() || piece.begin > joined.back().end) {
+            joined.push_back(piece);
+            return;
+        }
+        if ((piece.begin - joined.back().begin) % m_core.siteWidth == 0) {
+            joined.back().end = std::max(joined.back().end, piece.end);
+        } else {
+            error("row-overlap", row.offset,
+                  "rows at height " + std::to_string(row.y) + " overlap, and their sites do not meet",
+                  "cut one of them");
+        }
+    }
+
+    void checkHeights()
+    {
+        std::vector<size_t>& order = m_core.byHeight;
+        order.resize(m_core.rows.size());
+        std::iota(order.begin(), order.end(), size_t{0});
+        std::sort(order.begin(), order.end(),
+                  [&](size_t a, size_t b) { return m_core.rows[a].y < m_core.rows[b].y; });
+        for (size_t i = 1; i < order.size(); ++i) {
+            const Row& lower = m_core.rows[order[i - 1]];
+            const Row& upper = m_core.rows[order[i]];
+            if (upper.y - lower.y < m_core.siteHeight) {
+                error("row-overlap", upper.offset,
+                      "rows " + textOf(lower.name) + " and " + textOf(upper.name) + " are " +
+                          std::to_string(upper.y - lower.y) + " DBU apart, less than the site's height of " +
+                          std::to_string(m_core.siteHeight),
+                      "remove one of them");
+            }
+        }
+    }
+
+    const Def& m_def;
+    const Lef& m_lef;
+    SourceReporter& m_reporter;
+    Core m_core;
+    std::map<int64_t, size_t> m_rowAt; ///< by height
+    bool m_sound = true;
+};
+
+int64_t floorTo(int64_t value, int64_t origin, int64_t step)
+{
+    const int64_t offset = value - origin;
+    const int64_t down = offset >= 0 ? offset / step : -((-offset + step - 1) / step);
+    return origin + down * step;
+}
+
+/// Adds what an interval covers of each piece, whole sites of it.
+void block(Row& row, const Interval& covered, int64_t siteWidth)
+{
+    for (const Piece& piece : row.pieces) {
+        const Interval part{.begin = std::max(floorTo(covered.begin, piece.begin, siteWidth), piece.begin),
+                            .end = std::min(-floorTo(-covered.end, -piece.begin, siteWidth), piece.end)};
+        if (part.begin < part.end) {
+            row.blocks.push_back(part);
+        }
+    }
+}
+
+/// Blocks what lies between the pieces, and the rest of a last site that only the joined row has.
+void blockGaps(Row& row, int64_t siteWidth)
+{
+    for (size_t i = 1; i < row.pieces.size(); ++i) {
+        row.blocks.push_back({.begin = row.pieces[i - 1].end, .end = row.pieces[i].begin});
+    }
+    const int64_t end = row.begin() + row.numSites(siteWidth) * siteWidth;
+    if (end > row.end()) {
+        row.blocks.push_back({.begin = row.end(), .end = end});
+    }
+}
+
+void mergeBlocks(Row& row)
+{
+    std::sort(row.blocks.begin(), row.blocks.end(),
+              [](const Interval& a, const Interval& b) { return a.begin < b.begin; });
+    std::vector<Interval> merged;
+    for (const Interval& block : row.blocks) {
+        if (!merged.empty() && block.begin <= merged.back().end) {
+            merged.back().end = std::max(merged.back().end, block.end);
+        } else {
+            merged.push_back(block);
+        }
+    }
+    row.blocks = std::move(merged);
+}
+
+} // namespace
+
+int64_t Row::numSites(int64_t siteWidth) const
+{
+    return (end() - begin() + siteWidth - 1) / siteWidth;
+}
+
+size_t Core::firstAbove(int64_t y) const
+{
+    const auto at = std::partition_point(byHeight.begin(), byHeight.end(),
+                                         [&](size_t row) { return rows[row].y + siteHeight <= y; });
+    return static_cast<size_t>(at - byHeight.begin());
+}
+
+size_t Core::rowAt(int64_t y) const
+{
+    const size_t at = firstAbove(y);
+    return at < byHeight.size() && rows[byHeight[at]].y == y ? byHeight[at] : NONE;
+}
+
+std::optional<Core> readCore(const Def& def, const Lef& lef, const std::optional<SiteSize>& site,
+                             SourceReporter& reporter)
+{
+    return CoreReader(def, lef, reporter).read(site);
+}
+
+void addBlocks(Core& core, const std::vector<lefdef::DefRect>& rects)
+{
+    constexpr size_t MOST_UNMERGED = 64;
+    std::vector<size_t> limits(core.rows.size(), MOST_UNMERGED);
+    for (const lefdef::DefRect& rect : rects) {
+        if (rect.xl >= rect.xh) {
+            continue;
+        }
+        for (size_t i = core.firstAbove(rect.yl); i < core.byHeight.size(); ++i) {
+            Row& row = core.rows[core.byHeight[i]];
+            if (row.y >= rect.yh) {
+                break;
+            }
+            block(row, {.begin = rect.xl, .end = rect.xh}, core.siteWidth);
+            if (row.blocks.size() > limits[core.byHeight[i]]) { // many may be on one place
+                mergeBlocks(row);
+                limits[core.byHeight[i]] = std::max(MOST_UNMERGED, 2 * row.blocks.size());
+            }
+        }
+    }
+    for (Row& row : core.rows) {
+        blockGaps(row, core.siteWidth);
+        mergeBlocks(row);
+    }
+}
+
+std::vector<Interval> freeStretches(const Row& row)
+{
+    std::vector<Interval> stretches;
+    int64_t begin = row.begin();
+    for (const Interval& block : row.blocks) {
+        if (begin < block.begin) {
+            stretches.push_back({.begin = begin, .end = block.begin});
+        }
+        begin = block.end;
+    }
+    if (begin < row.end()) {
+        stretches.push_back({.begin = begin, .end = row.end()});
+    }
+    return stretches;
+}
+
+const Piece& pieceOf(const Row& row, const Interval& stretch)
+{
+    return *std::prev(std::upper_bound(row.pieces.begin(), row.pieces.end(), stretch.begin,
+                                       [](int64_t x, const Piece& piece) { return x < piece.begin; }));
+}
+
+} // namespace kit::importing

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The files of an imported design.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "kit/base/files/outputFile.h"
+#include "kit/engines/import/cells.h"
+#include "kit/engines/import/core.h"
+#include "kit/engines/import/nets.h"
+#include "kit/engines/import/safeNames.h"
+
+namespace kit::importing {
+
+/// A terminal of the placer: one of the design's, or a pin of a component that stays where it is.
+struct Terminal {
+    std::string name;
+    int64_t x = 0; ///< DBU
+    int64_t y = 0; ///< DBU
+};
+
+/// A design as it is written.
+struct DesignFiles {
+    const lefdef::Def& def;
+    const lefdef::Lef& lef;
+    const Core& core;
+    const Cells& cells;
+    std::vector<std::string> cellNames{}; ///< [index in Cells::movable]
+    std::vector<Terminal> terminals{};    ///< in order
+    std::vector<int32_t> members{};  ///< of all nets: index in Cells::movable, or -1 - index in terminals
+    std::vector<size_t> netBegin{0}; ///< [net] its first member; one more at the end
+
+    size_t numNets() const { return netBegin.size() - 1; }
+
+    /// The name of a member.
+    const std::string& nameOf(int32_t member) const
+    {
+        return member >= 0 ? cellNames[static_cast<size_t>(member)]
+                           : terminals[static_cast<size_t>(-1 - member)].name;
+    }
+};
+
+/// Order of the rows in which the placer takes the right height from them: it compares all with the first.
+///
+/// @return indices in Core::rows; NONE for a row without sites, one height above the first, where no two rows
+/// meet
+std::vector<size_t> rowOrder(const Core& core);
+
+/// Names of the masters of the movable cells, sorted.
+std::vector<std::string> usedMasters(const DesignFiles& files);
+
+/// Write BASE.place, BASE.pins, BASE.netlist and BASE.cells. Errors: throw Fault if
+/// one cannot be written.
+void writePlace(const DesignFiles& files, OutputFile& out);
+void writePins(const DesignFiles& files, OutputFile& out);
+void writeNetlist(const DesignFiles& files, OutputFile& out);
+void writeCells(const DesignFiles& files, OutputFile& out);
+
+} // namespace kit::importing

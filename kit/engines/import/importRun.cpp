@@ -1,0 +1,243 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/engines/import/importRun.h"
+
+#include <algorithm>
+#include <memory>
+#include <ostream>
+#include <set>
+
+#include "kit/base/files/outputPaths.h"
+#include "kit/base/files/outputSet.h"
+#include "kit/base/findingText.h"
+#include "kit/design/nameMap.h"
+#include "kit/engines/import/designFiles.h"
+#include "kit/engines/import/legalize.h"
+#include "kit/engines/import/terminals.h"
+
+namespace kit::importing {
+
+namespace {
+using lefdef::Def;
+using lefdef::Lef;
+using lefdef::Source;
+using lefdef::SourceReporter;
+
+void checkOutputsOf(const Options& options)
+{
+    std::vector<std::string> outputs;
+    for (const char* extension : WRITTEN) {
+        outputs.push_back(options.out + extension);
+    }
+    std::vector<std::string> inputs = options.lefs;
+    inputs.push_back(options.def);
+    checkOutputs(outputs, inputs, options.force);
+}
+
+Lef readLefs(const Options& options, Findings& findings)
+{
+    Lef lef;
+    for (size_t i = 0; i < options.lefs.size(); ++i) {
+        const Source source(options.lefs[i]);
+        readLef(source, options.layer, static_cast<int32_t>(i), lef, findings);
+    }
+    return lef;
+}
+
+bool hasError(const Findings& findings)
+{
+    return std::any_of(findings.begin(), findings.end(),
+                       [](const Finding& finding) { return finding.severity == Severity::ERROR; });
+}
+
+/// A run from the files read to the files written.
+class Import {
+public:
+    Import(const Options& options, const Source& source, Findings& findings)
+        : m_options(options), m_source(source), m_findings(findings), m_reporter(findings, source),
+          m_lef(readLefs(options, findings)), m_def(readDef(source, findings))
+    {
+    }
+
+    /// @return whether the design was written
+    bool run(Summary& summary)
+    {
+        requireUnits();
+        if (hasError(m_findings) || !takeRows() || !takeComponents()) {
+            return false;
+        }
+        bool sound = true;
+        const Names names(m_def);
+        const Nets nets = readNets(m_def, names, m_reporter, sound);
+        giveRows(nets);
+        requireMasterNames();
+        DesignFiles files{.def = m_def, .lef = m_lef, .core = m_core, .cells = m_cells};
+        Renamed renamed;
+        nameAll(nets, names, m_reporter, files, renamed);
+        if (hasError(m_findings)) {
+            return false;
+        }
+        write(files, renamed);
+        summarize(files, renamed, summary);
+        return true;
+    }
+
+private:
+    void requireUnits()
+    {
+        if (m_def.databaseMicrons <= 0) {
+            m_reporter.error("no-units", 0, "the DEF has no UNITS DISTANCE MICRONS",
+                             "add it: lengths mean nothing without");
+        }
+    }
+
+    bool takeRows()
+    {
+        std::optional<Core> core = readCore(m_def, m_lef, m_options.site, m_reporter);
+        if (core) {
+            m_core = std::move(*core);
+        }
+        return core.has_value();
+    }
+
+    bool takeComponents()
+    {
+        if (!takeCells(m_def, m_lef, m_core, m_options.legalize, m_reporter, m_cells)) {
+            return false;
+        }
+        std::vector<lefdef::DefRect> blocked = m_cells.blocks;
+        for (const lefdef::DefBlockage& blockage : m_def.blockages) {
+            if (!blockage.soft) {
+                blocked.insert(blocked.end(), blockage.rects.begin(), blockage.rects.end());
+            }
+        }
+        addBlocks(m_core, blocked);
+        findRows(m_def, m_core, m_cells);
+        return true;
+    }
+
+    /// Puts the cells without a legal row on one if that is wished, and names those that have none in the
+    /// end.
+    void giveRows(const Nets& nets)
+    {
+        if (m_options.legalize) {
+            const std::vector<Cell> before = m_cells.movable;
+            for (const size_t index : legalize(m_def, m_core, nets, m_cells)) {
+                const Cell& cell = m_cells.movable[index];
+                tell(cell, "no-room",
+                     "finds no " + std::to_string(cell.width / m_core.siteWidth) + " free sites side by side",
+                     "make room in the rows: cells that stand well are not moved");
+            }
+            for (size_t i = 0; i < before.size(); ++i) {
+                const Cell& cell = m_cells.movable[i];
+                m_moved += !before[i].placed || cell.x != before[i].x || cell.y != before[i].y ? 1 : 0;
+            }
+            return;
+        }
+        for (const Cell& cell : m_cells.movable) {
+            if (cell.row == NONE) {
+                tell(cell, "off-row", "does not stand on free sites of a row",
+                     "move it, or give --legalize to have it put on the nearest ones");
+            } else if (cell.flipped) {
+                m_reporter.warning("flipped", m_def.components[cell.component].offset,
+                                   "component " + nameOf(cell) + " lies upside down in its row",
+                                   "its supply pins meet the wrong rails");
+            }
+        }
+    }
+
+    void tell(const Cell& cell, const char* code, const std::string& what, std::string advice)
+    {
+        m_reporter.error(code, m_def.components[cell.component].offset,
+                         "component " + nameOf(cell) + " " + what, std::move(advice));
+    }
+
+    std::string nameOf(const Cell& cell) const { return std::string(m_def.components[cell.component].name); }
+
+    /// A master's name is a file's name as well.
+    void requireMasterNames()
+    {
+        std::set<size_t> known;
+        for (const Cell& cell : m_cells.movable) {
+            const size_t master = m_cells.masterOf[cell.component];
+            const std::string& name = m_lef.macros[master].name;
+            if (known.insert(master).second && (!isCarried(name) || name.find('/') != std::string::npos)) {
+                tell(cell, "master-name", "is of master " + name + ", which cannot name a file",
+                     "rename the master");
+            }
+        }
+    }
+
+    void write(const DesignFiles& files, const Renamed& renamed) const
+    {
+        OutputSet set;
+        const auto add = [&](const char* extension, void (*writeOne)(const DesignFiles&, OutputFile&)) {
+            set.add(m_options.out + extension, [&](OutputFile& out) { writeOne(files, out); });
+        };
+        add(".place", writePlace);
+        add(".pins", writePins);
+        add(".netlist", writeNetlist);
+        add(".cells", writeCells);
+        design::NameMap map{.def = m_options.def,
+                            .hash = design::hashOf(m_source.text()),
+                            .siteWidth = inPicometres(m_core.siteWidth),
+                            .siteHeight = inPicometres(m_core.siteHeight)};
+        for (const auto& [name, original] : renamed) {
+            map.names.push_back({.name = name, .original = original});
+        }
+        for (size_t i = 0; i < m_cells.movable.size(); ++i) {
+            if (m_cells.movable[i].flipped) {
+                map.flipped.push_back(files.cellNames[i]);
+            }
+        }
+        set.add(m_options.out + ".map", [&map](OutputFile& out) { writeNameMap(map, out); });
+        set.commit();
+    }
+
+    lefdef::Length inPicometres(int64_t dbu) const { return dbu * lefdef::MICRON / m_def.databaseMicrons; }
+
+    void summarize(const DesignFiles& files, const Renamed& renamed, Summary& summary) const
+    {
+        summary.design = std::string(m_def.design);
+        summary.rows = static_cast<int64_t>(m_core.rows.size());
+        summary.components = static_cast<int64_t>(m_cells.movable.size());
+        summary.masters = static_cast<int64_t>(usedMasters(files).size());
+        summary.kept = static_cast<int64_t>(m_cells.blocks.size());
+        summary.fillers = m_cells.fillers;
+        for (const Row& row : m_core.rows) {
+            summary.blocks += static_cast<int64_t>(row.blocks.size());
+        }
+        summary.pins = static_cast<int64_t>(files.terminals.size());
+        summary.nets = static_cast<int64_t>(files.numNets());
+        summary.moved = m_moved;
+        summary.renamed = static_cast<int64_t>(renamed.size());
+        summary.siteWidth = static_cast<double>(m_core.siteWidth) / m_def.databaseMicrons;
+        summary.siteHeight = static_cast<double>(m_core.siteHeight) / m_def.databaseMicrons;
+    }
+
+    const Options& m_options;
+    const Source& m_source;
+    Findings& m_findings;
+    SourceReporter m_reporter;
+    const Lef m_lef;
+    const Def m_def;
+    Core m_core;
+    Cells m_cells;
+    int64_t m_moved = 0;
+};
+
+} // namespace
+
+int importDesign(const Options& options, std::ostream& out, Summary& summary)
+{
+    checkOutputsOf(options);
+    const Source source(options.def);
+    Findings findings;
+    const bool written = Import(options, source, findings).run(summary);
+    for (const Finding& finding : findings) {
+        out << lineOf(finding, PlaceText::LINE_AND_COLUMN);
+    }
+    out.flush();
+    return written ? 0 : 2;
+}
+
+} // namespace kit::importing

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+
+#include "kit/engines/import/options.h"
+
+namespace kit::importing {
+
+/// The extensions of the files that import() writes.
+inline constexpr const char* WRITTEN[] = {".place", ".pins", ".netlist", ".cells", ".map"};
+
+/// What became of a DEF.
+struct Summary {
+    std::string design;     ///< its name
+    int64_t rows = 0;       ///< joined at one height
+    int64_t components = 0; ///< that are placed
+    int64_t masters = 0;    ///< in use
+    int64_t kept = 0;       ///< components that stay where they are
+    int64_t fillers = 0;    ///< left out
+    int64_t blocks = 0;     ///< pieces of rows that are not free
+    int64_t pins = 0;
+    int64_t nets = 0;
+    int64_t moved = 0;     ///< components that were given a place
+    int64_t renamed = 0;   ///< names that the files cannot carry
+    double siteWidth = 0;  ///< micrometres
+    double siteHeight = 0; ///< micrometres
+};
+
+/// Writes a placed DEF as a design for the placer. Nothing is written after an error.
+///
+/// @param out      where problems are told, one to the line: FILE:LINE:COLUMN: error|warning|note: ...
+/// @param summary  out: what was written
+/// @return exit status: 0 done, 2 there are errors
+///
+/// Errors: throws Fault if a file cannot be opened or written, or a result exists and `force` is not given.
+int importDesign(const Options& options, std::ostream& out, Summary& summary);
+
+} // namespace kit::importing

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <cstdint>
+
+#include "kit/base/files/outputSet.h"
+#include "kit/base/text/json.h"
+#include "kit/engines/place/options.h"
+
+namespace kit::place {
+
+/// What the strict judge of `verify` says of the result files.
+struct Judgement {
+    bool possible = false; ///< the files could be judged
+    int64_t errors = 0;    ///< issues that are more than notes
+    int64_t conflicts = 0; ///< of these, pairs of cells in a row with shapes of one mask too close
+    int64_t notes = 0;
+};
+
+/// Judges OUT.place with OUT.colors, which need not have their names yet. The placer's own count of conflicts
+/// follows its spacing rules, which take mirrored cells as unmirrored; this one is of the shapes as they lie.
+///
+/// @param minDist  distance that shapes of one mask need, library coordinates
+/// @param files    has both
+Judgement judge(const Options& options, int32_t minDist, const OutputSet& files);
+
+/// For the result: null if there is no judgement.
+Json toJson(const Judgement& judgement);
+
+} // namespace kit::place

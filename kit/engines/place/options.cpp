@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/engines/place/options.h"
+
+#include "kit/base/files/folder.h"
+#include "kit/base/files/outputPaths.h"
+#include "kit/base/text/shortText.h"
+
+namespace kit::place {
+
+std::vector<std::string> placerArguments(const Options& options)
+{
+    std::vector<std::string> arguments{"vireloce", "-inlib", options.base, "-cellPath", options.cellPath};
+    const auto addGiven = [&](const char* name, const auto& value) {
+        if (value.has_value()) {
+            arguments.insert(arguments.end(), {name, shortText(*value)});
+        }
+    };
+    addGiven("-algo", options.algo);
+    addGiven("-mindp", options.mindp);
+    addGiven("-siteW", options.siteWidth);
+    addGiven("-M", options.moveRange);
+    addGiven("-W", options.weight);
+    return arguments;
+}
+
+void checkOutputs(const Options& options)
+{
+    std::vector<std::string> inputs = filesIn(options.cellPath);
+    for (const char* extension : {".place", ".pins", ".netlist", ".cells", MAP}) {
+        inputs.push_back(options.base + extension);
+    }
+    std::vector<std::string> outputs;
+    for (const char* extension : WRITTEN) {
+        outputs.push_back(options.out + extension);
+    }
+    for (const char* extension : COPIED) {
+        outputs.push_back(options.out + extension);
+    }
+    outputs.push_back(options.out + MAP);
+    kit::checkOutputs(outputs, inputs, options.force);
+}
+
+} // namespace kit::place

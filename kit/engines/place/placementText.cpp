@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/engines/place/placementText.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <fstream>
+#include <string_view>
+#include <vector>
+
+#include "db/design.h"
+#include "kit/base/files/outputFile.h"
+#include "kit/base/systemFault.h"
+
+namespace kit::place {
+
+namespace {
+
+/// Tokens of a component record, from 0: "- NAME CELL + PLACED ( X Y ) ORIENT".
+constexpr size_t NAME_TOKEN = 1;
+constexpr size_t X_TOKEN = 6;
+constexpr size_t Y_TOKEN = 7;
+
+/// The words of a line between blanks.
+std::vector<std::string_view> tokensOf(std::string_view line)
+{
+    std::vector<std::string_view> tokens;
+    size_t end = 0;
+    while ((line.find_first_not_of(' ', end)) != std::string_view::npos) {
+        const size_t begin = line.find_first_not_of(' ', end);
+        end = std::min(line.find(' ', begin), line.size());
+        tokens.push_back(line.substr(begin, end - begin));
+    }
+    return tokens;
+}
+
+/// Copies a placement file line by line, with new positions.
+class Rewriter {
+public:
+    Rewriter(const std::string& path, const Design& design, OutputFile& out)
+        : m_path(path), m_in(path, std::ios::binary), m_design(design), m_out(out)
+    {
+        if (!m_in.is_open()) {
+            throw systemFault("cannot open file " + path, errno);
+        }
+    }
+
+    void run()
+    {
+        while (next()) {
+            copy();
+            const std::vector<std::string_view> tokens = tokensOf(m_line);
+            // A keyword counts at the start of its line only.
+            if (m_line.starts_with("COMPONENTS") && tokens.size() > 1 && tokens[0] == "COMPONENTS") {
+                rewriteRecords(std::strtol(std::string(tokens[1]).c_str(), nullptr, 10));
+            }
+        }
+        if (m_written != m_design.components.size()) {
+            fail("the file does not hold all components");
+        }
+    }
+
+private:
+    bool next()
+    {
+        ++m_number;
+        return static_cast<bool>(std::getline(m_in, m_line));
+    }
+
+    /// Writes the line as it was, with its end if it had one.
+    void copy() { m_out << m_line << (m_in.eof() ? "" : "\n"); }
+
+    void rewriteRecords(long count)
+    {
+        for (long i = 0; i < count && next(); ++i) {
+            const std::vector<std::string_view> tokens = tokensOf(m_line);
+            if (tokens.size() > NAME_TOKEN && tokens[NAME_TOKEN] == "FILLER_1") {
+                copy(); // what follows is not placed
+                return;
+            }
+            rewriteRecord(tokens);
+            if (next()) {
+                copy(); // the record's second line
+            }
+        }
+    }
+
+    void rewriteRecord(const std::vector<std::string_view>& tokens)
+    {
+        if (tokens.size() <= Y_TOKEN || m_written == m_design.components.size() ||
+            tokens[NAME_TOKEN] != m_design.components[m_written]->name) {
+            fail("the record is not that of the component that was placed");
+        }
+        const Component& comp = *m_design.components[m_written++];
+        const auto offset = [this](std::string_view token) {
+            return static_cast<size_t>(token.data() - m_line.data());
+        };
+        const std::string_view line = m_line;
+        const size_t behindX = offset(tokens[X_TOKEN]) + tokens[X_TOKEN].size();
+        const size_t behindY = offset(tokens[Y_TOKEN]) + tokens[Y_TOKEN].size();
+        m_out << line.substr(0, offset(tokens[X_TOKEN])) << comp.x;
+        m_out << line.substr(behindX, offset(tokens[Y_TOKEN]) - behindX) << comp.y;
+        m_out << line.substr(behindY) << (m_in.eof() ? "" : "\n");
+    }
+
+    [[noreturn]] void fail(const std::string& what)
+    {
+        throw Fault(m_path + ":" + std::to_string(m_number) + ": cannot be written anew: " + what);
+    }
+
+    const std::string& m_path;
+    std::ifstream m_in;
+    const Design& m_design;
+    OutputFile& m_out;
+    std::string m_line;
+    int64_t m_number = 0; ///< of m_line
+    size_t m_written = 0; ///< components so far
+};
+
+} // namespace
+
+void rewritePlacement(const std::string& path, const Design& design, OutputFile& out)
+{
+    Rewriter(path, design, out).run();
+}
+
+} // namespace kit::place

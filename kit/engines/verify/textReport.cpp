@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include <algorithm>
+#include <ostream>
+
+#include "kit/base/findingText.h"
+#include "kit/base/text/printable.h"
+#include "kit/engines/verify/report.h"
+
+namespace kit::verify {
+
+namespace {
+
+/// A number with one digit behind the point, rounded down: what is too close must not look far enough.
+std::string rounded(double value)
+{
+    const auto tenths = static_cast<int64_t>(value * 10);
+    return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10);
+}
+
+std::string counted(int64_t count, const char* what)
+{
+    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
+std::string describe(const placer::Design& design, int32_t component)
+{
+    const placer::Component& comp = design.components[static_cast<size_t>(component)];
+    return comp.name + " (" + comp.cellName + ") at (" + std::to_string(comp.x) + ", " +
+           std::to_string(comp.y) + ")";
+}
+
+std::string padded(const std::string& text, size_t width)
+{
+    return std::string(width - std::min(width, text.size()), ' ') + text;
+}
+
+/// Writes the text report.
+class TextReport {
+public:
+    TextReport(const Options& options, const design::ColoredPlacement& input, const design::Issues& issues,
+               std::ostream& out)
+        : m_options(options), m_input(input), m_issues(issues), m_out(out)
+    {
+    }
+
+    void write()
+    {
+        for (const Finding& fault : m_input.faults) {
+            const std::string advice = fault.advice.empty() ? "" : "; " + fault.advice;
+            writeLine(fault.file, fault.line, fault.severity, fault.what + advice, fault.code);
+        }
+        for (const design::Issue& issue : m_issues) {
+            if (issue.kind != design::Kind::ROW_CONFLICT) {
+                writeIssue(issue);
+            }
+        }
+        for (const design::Issue* issue : closest(design::Kind::ROW_CONFLICT)) {
+            writeIssue(*issue);
+        }
+        writeTable();
+        writeCounts();
+        m_out.flush();
+    }
+
+private:
+    void writeLine(const std::string& file, int64_t line, Severity severity, const std::string& what,
+                   const std::string& kind)
+    {
+        const std::string text = file + (line > 0 ? ":" + std::to_string(line) : "") + ": " +
+                                 wordOf(severity) + ": " + what + " [" + kind + "]";
+        m_out << printable(text) << '\n';
+    }
+
+    void writeIssue(const design::Issue& issue)
+    {
+        const design::KindInfo& info = design::infoOf(issue.kind);
+        writeLine(issue.inColors ? m_options.colors : m_options.placement, issue.line, info.severity,
+                  textOf(issue, m_input.design, m_options.minDist), info.name);
+    }
+
+    /// The closest pairs of a kind, as many as are asked for; of equal ones those met first.
+    std::vector<const design::Issue*> closest(design::Kind kind) const
+    {
+        std::vector<const design::Issue*> pairs;
+        for (const design::Issue& issue : m_issues) {
+            if (issue.kind == kind) {
+                pairs.push_back(&issue);
+            }
+        }
+        std::stable_sort(pairs.begin(), pairs.end(), [](const design::Issue* a, const design::Issue* b) {
+            return a->distance < b->distance;
+        });
+        pairs.resize(std::min(pairs.size(), static_cast<size_t>(m_options.worst)));
+        return pairs;
+    }
+
+    void writeTable()
+    {
+        const std::vector<const design::Issue*> pairs = closest(design::Kind::CONFLICT);
+        if (pairs.empty()) {
+            return;
+        }
+        m_out << "\nClosest pairs of cells in a row, of "
+              << countKinds(m_issues)[static_cast<size_t>(design::Kind::CONFLICT)]
+              << "; shapes of one mask must be " << m_options.minDist << " apart\n"
+              << "distance  shape pairs  mask  cells\n";
+        for (const design::Issue* pair : pairs) {
+            m_out << padded(rounded(pair->distance), 8) << padded(std::to_string(pair->shapePairs), 13)
+                  << padded(std::to_string(pair->mask), 6) << "  "
+                  << printable(describe(m_input.design, pair->component)) << ", "
+                  << printable(describe(m_input.design, pair->other)) << '\n';
+        }
+    }
+
+    void writeCounts()
+    {
+        const std::vector<int64_t> counts = countKinds(m_issues);
+        m_out << '\n';
+        int64_t errors = static_cast<int64_t>(m_input.faults.size());
+        int64_t notes = 0;
+        for (size_t i = 0; i < counts.size(); ++i) {
+            const design::KindInfo& info = design::kinds()[i];
+            (info.severity == Severity::ERROR ? errors : notes) += counts[i];
+            if (counts[i] > 0) {
+                m_out << padded(std::to_string(counts[i]), 8) << "  " << info.name << ": " << info.title
+                      << '\n';
+            }
+        }
+        m_out << printable(m_options.placement) << ": " << (errors == 0 ? "clean" : "not clean") << ", "
+              << counted(errors, "error") << ", " << counted(notes, "note") << '\n';
+    }
+
+    const Options& m_options;
+    const design::ColoredPlacement& m_input;
+    const design::Issues& m_issues;
+    std::ostream& m_out;
+};
+
+} // namespace
+
+std::string textOf(const design::Issue& issue, const placer::Design& design, int32_t minDist)
+{
+    if (!issue.what.empty() || issue.other < 0) {
+        return issue.what;
+    }
+    const std::string pair = describe(design, issue.component) + " and " + describe(design, issue.other);
+    if (!design::isConflict(issue)) {
+        return pair + " overlap";
+    }
+    return pair + " have shapes of mask " + std::to_string(issue.mask) + " " + rounded(issue.distance) +
+           " apart, " + std::to_string(minDist) + " are needed; " + counted(issue.shapePairs, "pair") +
+           " of shapes too close";
+}
+
+void writeText(const Options& options, const design::ColoredPlacement& input, const design::Issues& issues,
+               std::ostream& out)
+{
+    TextReport(options, input, issues, out).write();
+}
+
+} // namespace kit::verify

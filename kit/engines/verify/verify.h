@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// A strict judge of a placement and its colours. It shares no code with the placer.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "kit/design/coloredPlacement.h"
+#include "kit/design/issue.h"
+
+namespace kit::verify {
+
+/// What is judged, and how.
+struct Options : design::PlacementPaths {
+    int32_t minDist = 185; ///< distance that shapes of one mask need, library coordinates
+    bool json = false;     ///< JSON in place of text on standard output
+    std::string lyrdb;     ///< path of a report database to be written, empty for none
+    int32_t worst = 20;    ///< rows of the tables of the closest pairs
+};
+
+/// All issues of a placement.
+///
+/// Errors: throws Fault if the first row's step is not positive.
+design::Issues judge(const design::ColoredPlacement& input, int32_t minDist);
+
+/// Issues per kind, the index is the Kind.
+std::vector<int64_t> countKinds(const design::Issues& issues);
+
+/// The exit status of the subcommand: 2 if the inputs have faults of form, 1 if an issue is more than a note.
+int exitStatusOf(const design::ColoredPlacement& input, const design::Issues& issues);
+
+} // namespace kit::verify

@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/engines/view/inputs.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <vector>
+
+#include "kit/base/fault.h"
+#include "kit/base/files/folder.h"
+#include "kit/design/frame.h"
+#include "kit/design/trueOrient.h"
+#include "kit/engines/view/build.h"
+#include "kit/engines/view/conflicts.h"
+#include "kit/formats/placer/colors.h"
+#include "kit/formats/placer/reader.h"
+
+namespace kit::view {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A path without an ending that it may have.
+std::string without(const std::string& path, const std::string& ending)
+{
+    return path.ends_with(ending) ? path.substr(0, path.size() - ending.size()) : path;
+}
+
+std::string mustExist(const std::string& path)
+{
+    if (!path.empty() && !fs::exists(path)) {
+        throw Fault("there is no " + path);
+    }
+    return path;
+}
+
+/// The file of an option; without the option, the first that exists of the bases with the ending.
+std::string find(const std::string& named, const std::vector<std::string>& bases, const std::string& ending)
+{
+    if (!named.empty()) {
+        return mustExist(named);
+    }
+    for (const std::string& base : bases) {
+        if (fs::is_regular_file(base + ending)) {
+            return base + ending;
+        }
+    }
+    return "";
+}
+
+std::string placementFile(const std::string& path)
+{
+    return path.empty() ? "" : mustExist(without(path, ".place") + ".place");
+}
+
+/// Reads the placement and the cells that it uses.
+void readPlacedCells(const InputPaths& paths, placer::Design& design, Findings& findings)
+{
+    if (!paths.cells.empty() && !paths.cellDir.empty()) {
+        placer::readLibrary(paths.cells, paths.cellDir, design, findings);
+    }
+    placer::readPlacement(paths.placement, design, findings);
+    if (paths.cells.empty() && !paths.cellDir.empty()) {
+        placer::readCells(placer::usedCells(design), paths.cellDir, design, findings);
+        placer::findCells(design);
+    }
+}
+
+void checkColours(const std::vector<const placer::ColorRecord*>& colours, const InputPaths& paths)
+{
+    const auto isKnown = [](const placer::ColorRecord* record) { return record != nullptr; };
+    if (!colours.empty() && std::none_of(colours.begin(), colours.end(), isKnown)) {
+        throw Fault(paths.colors + " has colours of no component of " + paths.placement);
+    }
+}
+
+} // namespace
+
+InputPaths findInputs(const Options& options)
+{
+    std::vector<std::string> bases{without(options.placement, ".place")};
+    if (!options.before.empty()) {
+        bases.push_back(without(options.before, ".place"));
+    }
+    InputPaths paths;
+    paths.placement = placementFile(options.placement);
+    paths.before = placementFile(options.before);
+    paths.cells = find(options.cells, bases, ".cells");
+    paths.pins = find(options.pins, bases, ".pins");
+    paths.netlist = find(options.netlist, bases, ".netlist");
+    paths.colors = mustExist(options.colors);
+    paths.cellDir = mustExist(options.cellDir);
+    return paths;
+}
+
+std::vector<std::string> allOf(const InputPaths& paths)
+{
+    std::vector<std::string> all = filesIn(paths.cellDir);
+    all.insert(all.end(), {paths.placement, paths.before, paths.cells, paths.pins, paths.netlist,
+                           paths.colors, design::mapOf(paths.placement), design::mapOf(paths.before)});
+    return all;
+}
+
+Scene readScene(const InputPaths& paths, int32_t minDist, Findings& findings)
+{
+    placer::Design design;
+    readPlacedCells(paths, design, findings);
+    design::restoreOrientations(paths.placement, design, findings);
+    if (!paths.netlist.empty()) {
+        if (!paths.pins.empty()) {
+            placer::readPins(paths.pins, design, findings);
+        }
+        placer::readNets(paths.netlist, design, findings);
+    }
+    Extras extras;
+    std::vector<placer::ColorRecord> records;
+    if (!paths.colors.empty()) {
+        records = placer::readColors(paths.colors, findings);
+        extras.colours = matchColours(design, records);
+        checkColours(extras.colours, paths);
+    }
+    placer::Design before;
+    if (!paths.before.empty()) {
+        placer::readPlacement(paths.before, before, findings);
+        design::restoreOrientations(paths.before, before, findings);
+        extras.before = &before;
+    }
+    Scene scene = buildScene(design, extras);
+    scene.title = paths.placement;
+    scene.dbuPerMicron = design::frameOf(design, paths.placement).dbuPerMicron;
+    scene.minDist = minDist;
+    if (scene.coloured) {
+        scene.conflicts = findConflicts(design, extras.colours, scene.siteWidth, minDist);
+    }
+    return scene;
+}
+
+} // namespace kit::view

@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// A GDSII stream file.
+//
+// It is a sequence of records, each with its length in bytes, its type and the type of its data; numbers have
+// their highest byte first. Time stamps are fixed, so that the same layout gives the same bytes.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "kit/geometry/polygon.h"
+
+namespace kit {
+class OutputFile;
+}
+
+namespace kit::gds {
+
+using GdsPoint = geometry::Point; ///< database units
+using GdsBox = geometry::Rect;    ///< database units
+
+/// Writes a library structure by structure.
+///
+/// Errors: all operations throw Fault for what a record cannot hold: coordinates beyond 32 bits, polygons of
+/// over 8190 corners, texts of over 65,530 bytes.
+class GdsWriter {
+public:
+    static constexpr size_t MOST_CORNERS = 8190;
+
+    /// Begins the library.
+    ///
+    /// @param out             where to; must outlive the writer, not committed by it
+    /// @param name            of the library
+    /// @param unitsPerMicron  database units; the user's unit is the micrometre
+    GdsWriter(OutputFile& out, std::string_view name, int64_t unitsPerMicron);
+
+    /// Begins a structure. @param name  as GdsNames gives it
+    void beginStructure(std::string_view name);
+
+    /// A polygon. @param corners  each once
+    void boundary(int16_t layer, std::span<const GdsPoint> corners);
+
+    void rectangle(int16_t layer, const GdsBox& box);
+
+    /// An instance of a structure, not turned. @param name  of the instance, kept as its property 1
+    void reference(std::string_view structure, GdsPoint at, std::string_view name);
+
+    void endStructure();
+
+    /// Ends the library.
+    void finish();
+
+private:
+    void record(uint16_t kind, std::string_view data = {});
+    void numbers(uint16_t kind, std::initializer_list<int16_t> values);
+    void text(uint16_t kind, std::string_view text);
+    void points(std::span<const GdsPoint> points, bool closed);
+
+    OutputFile& m_out;
+    std::string m_data; ///< of the record being made
+};
+
+} // namespace kit::gds

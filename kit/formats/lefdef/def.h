@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// What the kit takes from a DEF file. Texts are views into the source, which must live as long.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "kit/base/finding.h"
+#include "kit/formats/lefdef/orient.h"
+#include "kit/formats/lefdef/source.h"
+
+namespace kit::lefdef {
+
+/// A rectangle, DBU.
+struct DefRect {
+    int32_t xl = 0;
+    int32_t yl = 0;
+    int32_t xh = 0;
+    int32_t yh = 0;
+};
+
+struct DefRow {
+    std::string_view name;
+    std::string_view site;
+    int32_t x = 0; ///< DBU
+    int32_t y = 0; ///< DBU
+    Orient orient = Orient::N;
+    int32_t columns = 1; ///< of DO columns BY rows
+    int32_t rows = 1;
+    int32_t stepX = 0; ///< DBU; 0 if no STEP is given
+    int32_t stepY = 0;
+    size_t offset = 0;
+};
+
+enum class Status : uint8_t { NONE, UNPLACED, PLACED, FIXED, COVER };
+
+struct DefComponent {
+    std::string_view name;
+    std::string_view macro;
+    Status status = Status::NONE; ///< NONE counts as unplaced
+    Orient orient = Orient::N;
+    int32_t x = 0; ///< lower left corner of the cell as it lies, DBU
+    int32_t y = 0;
+    size_t offset = 0;     ///< of its name
+    size_t placeBegin = 0; ///< of the status word, UNPLACED too; 0 as well as placeEnd if there is none
+    size_t placeEnd = 0;   ///< behind the status and, if there is one, the orientation
+    size_t endOffset = 0;  ///< of the `;`
+};
+
+struct DefPin {
+    std::string_view name;
+    std::string_view net;
+    bool supply = false; ///< of use POWER or GROUND
+    bool placed = false; ///< the pin, or its first placed port, has a place
+    int32_t x = 0;
+    int32_t y = 0;
+    size_t offset = 0;
+};
+
+/// A pin of a component on a net; a terminal of the design has the component "PIN".
+struct DefMember {
+    std::string_view component;
+    std::string_view pin;
+};
+
+struct DefNet {
+    std::string_view name;
+    bool supply = false;    ///< of use POWER or GROUND
+    size_t firstMember = 0; ///< in Def::members
+    size_t numMembers = 0;
+    size_t offset = 0;
+};
+
+/// A placement blockage; those of routing layers are not kept.
+struct DefBlockage {
+    bool soft = false;          ///< SOFT or PARTIAL: a detailed placer may put cells there
+    std::vector<DefRect> rects; ///< of a rectilinear polygon, the rectangles that it is cut into
+    size_t offset = 0;
+};
+
+/// A design.
+struct Def {
+    std::string_view design;
+    int32_t databaseMicrons = 0; ///< DBU per micrometre, 0 if not given
+    DefRect dieArea;             ///< bounding box
+    bool hasDieArea = false;
+    std::vector<DefRow> rows;
+    std::vector<DefComponent> components;
+    std::vector<DefPin> pins;
+    std::vector<DefNet> nets;       ///< regular ones; special nets are not read
+    std::vector<DefMember> members; ///< of all nets
+    std::vector<DefBlockage> blockages;
+};
+
+/// Reads a DEF file to its end, whatever is wrong with it.
+///
+/// The counts of section headers may be wrong: the records rule, and a warning says so. Names keep their
+/// escapes, quotation marks around one are not part of it. Sections that the kit has no use for are skipped
+/// by their grammar.
+///
+/// @param findings  out: problems, each with line and column
+Def readDef(const Source& source, Findings& findings);
+
+} // namespace kit::lefdef

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/formats/lefdef/orient.h"
+
+#include <algorithm>
+#include <array>
+
+namespace kit::lefdef {
+
+namespace {
+
+/// In the order of Orient.
+constexpr std::array<std::string_view, 8> NAMES = {"N", "W", "S", "E", "FN", "FW", "FS", "FE"};
+
+} // namespace
+
+std::string_view nameOf(Orient orient)
+{
+    return NAMES[static_cast<size_t>(orient)];
+}
+
+std::optional<Orient> orientOf(std::string_view name)
+{
+    const auto* const at = std::find(NAMES.begin(), NAMES.end(), name);
+    if (at == NAMES.end()) {
+        return std::nullopt;
+    }
+    return static_cast<Orient>(at - NAMES.begin());
+}
+
+bool isMirrored(Orient orient)
+{
+    return orient == Orient::FN || orient == Orient::S;
+}
+
+bool isUpsideDown(Orient orient)
+{
+    return orient == Orient::FS || orient == Orient::S;
+}
+
+bool isOnItsSide(Orient orient)
+{
+    return orient == Orient::W || orient == Orient::E || orient == Orient::FW || orient == Orient::FE;
+}
+
+Orient upright(bool mirrored, bool upsideDown)
+{
+    if (mirrored) {
+        return upsideDown ? Orient::S : Orient::FN;
+    }
+    return upsideDown ? Orient::FS : Orient::N;
+}
+
+} // namespace kit::lefdef

@@ -1,0 +1,322 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/formats/lefdef/parser.h"
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
+#include <system_error>
+
+#include "kit/base/text/decimal.h"
+#include "kit/base/text/text.h"
+
+namespace kit::lefdef {
+
+namespace {
+
+constexpr int32_t LENGTH_DIGITS = 6; ///< of a micrometre in picometres
+constexpr int64_t LONGEST_LENGTH = 1'000'000'000 * int64_t{1'000'000};
+constexpr int64_t LARGEST_INTEGER = std::numeric_limits<int32_t>::max();
+
+/// A whole number; a fraction of zeros is let pass.
+Decimal parseInteger(std::string_view text)
+{
+    constexpr int64_t ONE = 1'000'000;
+    int64_t value = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    if (error == std::errc() && stop == end) {
+        const bool fits = value >= -LARGEST_INTEGER - 1 && value <= LARGEST_INTEGER;
+        return {fits ? Decimal::Kind::GOOD : Decimal::Kind::TOO_LARGE, value};
+    }
+    Decimal number = parseDecimal(text, LENGTH_DIGITS, LARGEST_INTEGER * ONE);
+    if (number.value % ONE != 0) {
+        return {};
+    }
+    number.value /= ONE;
+    return number;
+}
+
+std::string_view withoutSemicolon(std::string_view text)
+{
+    return text.size() > 1 && text.back() == ';' ? text.substr(0, text.size() - 1) : text;
+}
+
+} // namespace
+
+Parser::Parser(const Source& source, Findings& findings)
+    : m_source(source), m_reporter(findings, source), m_scanner(source.text())
+{
+    const size_t zero = source.text().find('\0');
+    if (source.text().starts_with("\x1f\x8b")) {
+        m_reporter.error("not-text", 0, "the file is compressed", "unpack it first");
+    } else if (zero != std::string_view::npos) {
+        m_reporter.error("not-text", zero, "a zero byte stands here, and the file is no text",
+                         "give a text file, or remove the byte");
+    }
+}
+
+void Parser::advance()
+{
+    m_takenEnd = m_scanner.end();
+    m_scanner.advance();
+}
+
+std::string_view Parser::start()
+{
+    const Token token = m_scanner.token();
+    const std::string_view word = withoutSemicolon(token.text);
+    if (token.kind != Token::Kind::WORD || !take(word)) {
+        advance();
+    }
+    return word;
+}
+
+bool Parser::take(std::string_view word)
+{
+    if (!is(word)) {
+        return false;
+    }
+    if (m_scanner.token().text.size() == word.size()) {
+        advance();
+    } else {
+        m_takenEnd = m_scanner.offset() + word.size();
+        m_scanner.cut(word.size());
+    }
+    return true;
+}
+
+void Parser::expect(std::string_view word)
+{
+    if (!m_failed && !take(word)) {
+        fail("syntax", nextText() + " stands where " + inQuotes(word) + " belongs", "correct the statement");
+    }
+}
+
+std::string_view Parser::keyword(const char* what)
+{
+    if (!standsFor(what, Token::Kind::WORD)) {
+        return {};
+    }
+    const std::string_view word = withoutSemicolon(m_scanner.token().text);
+    take(word);
+    return word;
+}
+
+std::string_view Parser::name(const char* what)
+{
+    if (!standsFor(what, m_scanner.token().kind)) {
+        return {};
+    }
+    const std::string_view text = m_scanner.token().text;
+    advance();
+    return text;
+}
+
+bool Parser::standsFor(const char* what, Token::Kind kind)
+{
+    if (m_failed) {
+        return false;
+    }
+    const Token& token = m_scanner.token();
+    const bool isSign = token.kind == Token::Kind::WORD &&
+                        (token.text == ";" || token.text == "(" || token.text == ")" || token.text == "END");
+    if (atFileEnd() || isSign || token.kind != kind || token.text.empty()) {
+        fail("syntax", nextText() + " stands where the " + what + " belongs", "correct the statement");
+        return false;
+    }
+    return true;
+}
+
+template <typename Read>
+int64_t Parser::number(const char* what, const char* limits, Read read)
+{
+    if (!standsFor(what, Token::Kind::WORD)) {
+        return 0;
+    }
+    const std::string_view text = withoutSemicolon(m_scanner.token().text);
+    const Decimal number = read(text);
+    if (number.kind == Decimal::Kind::NO_NUMBER) {
+        fail("number", "the " + std::string(what) + " is " + inQuotes(text) + ", and a number belongs here",
+             "correct it");
+    } else if (number.kind == Decimal::Kind::TOO_LARGE) {
+        fail("range", "the " + std::string(what) + ", " + inQuotes(text) + ", is out of range",
+             std::string("give a number between ") + limits);
+    } else {
+        take(text);
+        return number.value;
+    }
+    return 0;
+}
+
+int32_t Parser::integer(const char* what)
+{
+    return static_cast<int32_t>(number(what, "-2147483648 and 2147483647", parseInteger));
+}
+
+int32_t Parser::count(const char* what)
+{
+    const size_t at = offset();
+    const int32_t value = integer(what);
+    if (!m_failed && value < 1) {
+        failAt(at, "range", "the " + std::string(what) + " is " + std::to_string(value),
+               "give a number from 1 on");
+    }
+    return std::max(value, 1);
+}
+
+int64_t Parser::length(const char* what)
+{
+    return number(what, "-1000000000 and 1000000000 micrometres",
+                  [](std::string_view text) { return parseDecimal(text, LENGTH_DIGITS, LONGEST_LENGTH); });
+}
+
+void Parser::size(std::string_view of, int64_t& width, int64_t& height)
+{
+    const size_t at = offset();
+    const int64_t wide = length("width");
+    expect("BY");
+    const int64_t high = length("height");
+    if (wide < 0 || high < 0) {
+        failAt(at, "range", "the size of " + inQuotes(of) + " is negative", "correct it");
+    }
+    if (finish()) {
+        width = wide;
+        height = high;
+    }
+}
+
+void Parser::skipOption()
+{
+    if (!m_failed) {
+        m_scanner.skipToSign();
+    }
+}
+
+void Parser::skipWords()
+{
+    for (skipOption(); is("+"); skipOption()) {
+        advance();
+    }
+}
+
+void Parser::failAt(size_t offset, const char* code, std::string what, std::string advice)
+{
+    if (!m_failed) {
+        m_reporter.error(code, offset, std::move(what), std::move(advice));
+        m_failed = true;
+    }
+}
+
+bool Parser::finish()
+{
+    if (!m_failed && !take(";")) {
+        fail("no-semicolon", nextText() + " stands where a \";\" ends the statement",
+             "end it with a \";\" that has a blank before it");
+    }
+    const bool sound = !m_failed;
+    m_failed = false;
+    if (!sound) {
+        skipWords();
+        take(";");
+    }
+    return sound;
+}
+
+bool Parser::takeEnd(const char* kind, std::string_view name, std::string_view outer)
+{
+    const size_t at = offset();
+    advance();
+    const std::string_view found = m_scanner.token().text;
+    if (found == name && !atFileEnd()) {
+        advance();
+        return true;
+    }
+    // A word on another line belongs to what follows.
+    const std::string_view between = m_source.text().substr(at, offset() - at);
+    const bool bare = atFileEnd() || between.find('\n') != std::string_view::npos;
+    m_reporter.error("wrong-end", at,
+                     (bare ? "END" : "END " + inQuotes(found)) + " stands where the " + kind + " " +
+                         inQuotes(name) + " ends",
+                     "write END " + std::string(name));
+    if (!bare && !outer.empty() && found == outer) {
+        m_scanner.rewind(at);
+    } else if (!bare) {
+        advance();
+    }
+    return false;
+}
+
+void Parser::missingEnd(const char* kind, std::string_view name, size_t begin)
+{
+    const std::string named = name.empty() ? "" : " " + inQuotes(name);
+    const std::string end = name.empty() ? "END" : "END " + std::string(name);
+    m_reporter.error("no-end", begin, "the " + std::string(kind) + named + " has no end",
+                     "write " + end + " behind it");
+}
+
+void Parser::skipToEnd(const char* kind, std::string_view name, std::string_view outer, bool nested)
+{
+    const size_t begin = offset();
+    while (!atFileEnd()) {
+        m_scanner.skipToSign();
+        if (!matches("END")) {
+            m_scanner.advance();
+            continue;
+        }
+        const size_t at = offset();
+        m_scanner.advance();
+        const std::string_view found = m_scanner.token().text;
+        m_scanner.rewind(at);
+        if (!nested || found == name || found == outer) {
+            takeEnd(kind, name, outer);
+            return;
+        }
+        advance();
+    }
+    missingEnd(kind, name, begin);
+}
+
+void Parser::skipText()
+{
+    m_scanner.skipToSign();
+    while (!atFileEnd() && !matches(";")) {
+        m_scanner.advance();
+        m_scanner.skipToSign();
+    }
+    finish();
+}
+
+void Parser::skipExtension()
+{
+    const size_t begin = offset();
+    while (!atFileEnd() && !matches("ENDEXT")) {
+        m_scanner.advance();
+    }
+    if (!take("ENDEXT")) {
+        m_reporter.error("no-end", begin, "the extension has no end", "write ENDEXT behind it");
+    }
+}
+
+std::string Parser::nextText() const
+{
+    return atFileEnd() ? "the end of the file" : inQuotes(m_scanner.token().text);
+}
+
+std::string Parser::lineOf(size_t offset) const
+{
+    return std::to_string(m_source.placeOf(offset).line);
+}
+
+void Parser::finishFile()
+{
+    if (!atFileEnd()) {
+        m_reporter.warning("after-end", offset(), "what stands behind the end is not read",
+                           "make a file of its own of it, or remove it");
+    }
+    if (m_scanner.openQuote()) {
+        m_reporter.error("open-quote", *m_scanner.openQuote(), "a quotation mark has no second one",
+                         "close the string");
+    }
+}
+
+} // namespace kit::lefdef

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "kit/base/finding.h"
+#include "kit/base/reporter.h"
+
+namespace kit::lefdef {
+
+/// A file as text, with places in it as byte offsets: the line and column of one are counted only when a
+/// problem is told.
+class Source {
+public:
+    /// Reads a whole file. Errors: throws Fault if it cannot be opened or read.
+    explicit Source(std::string path);
+    /// Takes a text that is there already.
+    Source(std::string path, std::string text);
+    ~Source() = default;
+    Source(const Source&) = delete; ///< views into the text must stay good
+    Source& operator=(const Source&) = delete;
+
+    const std::string& path() const { return m_path; }
+    std::string_view text() const { return m_text; }
+
+    /// Line and column of a byte, both from 1; of the end of the text for an offset beyond it.
+    Place placeOf(size_t offset) const;
+
+    /// Where a part of the text stands, for views into it.
+    size_t offsetOf(std::string_view part) const { return static_cast<size_t>(part.data() - m_text.data()); }
+
+private:
+    /// What is known at the first byte of a block.
+    struct Mark {
+        int64_t line = 1;
+        size_t lineStart = 0; ///< of that line
+    };
+
+    void countLines() const;
+
+    std::string m_path;
+    std::string m_text;
+    mutable std::vector<Mark> m_marks; ///< [block] filled when first needed
+};
+
+/// Appends findings about a source, by byte offsets.
+///
+/// Of each severity it tells so many; a last one of that severity says that there are more. So a file that is
+/// something else altogether takes no more memory than another.
+class SourceReporter {
+public:
+    static constexpr int64_t MOST_FINDINGS = 1000; ///< of a severity
+
+    /// @param findings, source  must outlive the reporter
+    SourceReporter(Findings& findings, const Source& source)
+        : m_reporter(findings, source.path()), m_source(source)
+    {
+    }
+
+    void error(const char* code, size_t offset, std::string what, std::string advice)
+    {
+        add(Severity::ERROR, code, offset, std::move(what), std::move(advice));
+    }
+
+    void warning(const char* code, size_t offset, std::string what, std::string advice)
+    {
+        add(Severity::WARNING, code, offset, std::move(what), std::move(advice));
+    }
+
+    void note(const char* code, size_t offset, std::string what, std::string advice)
+    {
+        add(Severity::NOTE, code, offset, std::move(what), std::move(advice));
+    }
+
+    void add(Severity severity, const char* code, size_t offset, std::string what, std::string advice);
+
+private:
+    Reporter m_reporter;
+    const Source& m_source;
+    std::array<int64_t, 3> m_told{}; ///< [severity]
+};
+
+} // namespace kit::lefdef

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// From lengths to DBU of a DEF file, and to text. Lengths reach to 10^9 micrometres, so that nothing
+// overflows.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "kit/formats/lefdef/lef.h"
+
+namespace kit::lefdef {
+
+/// A length in DBU, rounded down.
+///
+/// @param databaseMicrons  DBU per micrometre, positive
+constexpr int64_t dbuDown(Length length, int32_t databaseMicrons)
+{
+    const Length rest = (length % MICRON + MICRON) % MICRON;
+    return (length - rest) / MICRON * databaseMicrons + rest * databaseMicrons / MICRON;
+}
+
+/// As dbuDown(), rounded up.
+constexpr int64_t dbuUp(Length length, int32_t databaseMicrons)
+{
+    return -dbuDown(-length, databaseMicrons);
+}
+
+/// A length in micrometres, as short as it is exact.
+std::string micronText(Length length);
+
+/// A length, not negative, in micrometres with six digits.
+inline std::string micrometres(Length length)
+{
+    const std::string digits = std::to_string(MICRON + length % MICRON).substr(1);
+    return std::to_string(length / MICRON) + "." + digits;
+}
+
+} // namespace kit::lefdef

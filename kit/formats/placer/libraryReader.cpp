@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The cell list and the colour files.
+#include <algorithm>
+#include <optional>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+#include "kit/base/fault.h"
+#include "kit/base/files/readFile.h"
+#include "kit/base/reporter.h"
+#include "kit/base/text/text.h"
+#include "kit/formats/placer/reader.h"
+#include "kit/formats/placer/words.h"
+
+namespace kit::placer {
+
+namespace {
+
+/// Reads the text of a colour file into a cell.
+class ColourReader {
+public:
+    ColourReader(std::string_view text, Cell& cell, Reporter reporter)
+        : m_words(text), m_cell(cell), m_reporter(std::move(reporter))
+    {
+    }
+
+    void run()
+    {
+        m_cell.width = number("cell width");
+        m_cell.height = number("cell height");
+        m_cell.complete =
+            readBoxes("number of header boxes", m_cell.headerBoxes) && readShapes() && readSolutions();
+        if (m_cell.complete && !m_words.atEnd()) {
+            m_reporter.warning("surplus-tokens", m_words.peek().at,
+                               "the file goes on with " + inQuotes(m_words.peek().text) +
+                                   " after the last mask, which the placer ignores",
+                               "check the counts of shapes and solutions");
+        }
+    }
+
+private:
+    /// The next number; 0 with a finding if there is none. A fault in one number is told once.
+    int32_t number(const char* what)
+    {
+        const Word word = m_words.next();
+        const Integer integer = parseInteger(word.text);
+        if (word.text.empty()) {
+            reportEnd(what, word.at);
+        } else if (!integer.sound) {
+            m_reporter.error("not-a-number", word.at,
+                             "the " + std::string(what) + ", " + inQuotes(word.text) + ", is no 32-bit integer",
+                             "write a whole number");
+            m_unsound = true;
+        }
+        return integer.value;
+    }
+
+    void reportEnd(const char* what, Place at)
+    {
+        if (!m_ended) {
+            m_reporter.error("short-file", at, "the file ends before the " + std::string(what),
+                             "complete it, or correct the counts");
+        }
+        m_ended = true;
+    }
+
+    /// The next number as a count of records, nothing after a finding if it cannot be one.
+    std::optional<size_t> count(const char* what, size_t numbers)
+    {
+        const Place at = m_words.peek().at;
+        m_unsound = false;
+        const int32_t value = number(what);
+        if (m_ended || m_unsound) {
+            return {};
+        }
+        if (value < 0 || static_cast<size_t>(value) > (m_words.bytesLeft() + 1) / 2 / numbers) {
+            m_reporter.error("wrong-count", at,
+                             "the " + std::string(what) + " is " + std::to_string(value) +
+                                 ", which the file cannot hold",
+                             "correct it");
+            return {};
+        }
+        return static_cast<size_t>(value);
+    }
+
+    bool readBoxes(const char* what, std::vector<Rect>& boxes)
+    {
+        const std::optional<size_t> got = count(what, 4);
+        for (size_t i = 0; i < got.value_or(0) && !m_ended; ++i) {
+            boxes.push_back(box());
+        }
+        return got && !m_ended;
+    }
+
+    Rect box()
+    {
+        const int32_t x1 = number("rectangle");
+        const int32_t y1 = number("rectangle");
+        const int32_t x2 = number("rectangle");
+        const int32_t y2 = number("rectangle");
+        return {std::min(x1, x2), std::min(y1, y2), std::max(x1, x2), std::max(y1, y2)};
+    }
+
+    bool readShapes()
+    {
+        const std::optional<size_t> got = count("number of shapes", 1);
+        bool sound = got.has_value();
+        for (size_t i = 0; i < got.value_or(0) && sound; ++i) {
+            m_cell.shapes.emplace_back().line = m_words.peek().at.line;
+            sound = readBoxes("number of rectangles", m_cell.shapes.back().rects);
+        }
+        return sound;
+    }
+
+    bool readSolutions()
+    {
+        const std::optional<size_t> got = count("number of solutions", 1 + m_cell.shapes.size());
+        for (size_t i = 0; i < got.value_or(0) && !m_ended; ++i) {
+            Solution solution;
+            solution.line = m_words.peek().at.line;
+            solution.stitches = number("stitch count");
+            for (size_t k = 0; k < m_cell.shapes.size(); ++k) {
+                solution.masks.push_back(number("mask"));
+            }
+            m_cell.solutions.push_back(std::move(solution));
+        }
+        return got && !m_ended;
+    }
+
+    Words m_words;
+    Cell& m_cell;
+    Reporter m_reporter;
+    bool m_ended = false;   ///< the end of the file has been told
+    bool m_unsound = false; ///< number() has met text
+};
+
+/// Reads the colour file of a cell. @return why it cannot be read, empty if it can
+std::string readCell(Cell& cell, Findings& findings)
+{
+    try {
+        const std::string text = readFile(cell.path);
+        ColourReader(text, cell, Reporter(findings, cell.path)).run();
+    } catch (const Fault& fault) {
+        return fault.what();
+    }
+    return "";
+}
+
+std::vector<Cell> readList(std::string_view text, Reporter& reporter)
+{
+    Words words(text);
+    const Word first = words.next();
+    const Integer count = parseInteger(first.text);
+    if (!count.sound) {
+        reporter.error("not-a-number", first.at,
+                       "the number of cells, " + inQuotes(first.text) + ", is no 32-bit integer",
+                       "begin the list with the number of cells");
+    }
+    std::vector<Cell> cells;
+    while (!words.atEnd()) {
+        const Word name = words.next();
+        Cell& cell = cells.emplace_back();
+        cell.name = name.text;
+        cell.line = name.at.line;
+    }
+    if (count.sound && static_cast<int64_t>(cells.size()) != count.value) {
+        reporter.error("wrong-count", first.at,
+                       "the list says " + counted(count.value, "cell") + ", and " +
+                           counted(static_cast<int64_t>(cells.size()), "name") + " follow",
+                       "write " + std::to_string(cells.size()));
+    }
+    return cells;
+}
+
+/// Makes a cell that is listed twice what it was the first time.
+void copyGeometry(const Cell& first, Cell& cell)
+{
+    const int64_t line = cell.line;
+    cell = first;
+    cell.line = line;
+}
+
+std::string withoutSlashes(std::string path)
+{
+    path.resize(path.find_last_not_of('/') + 1);
+    return path;
+}
+
+void readColourFiles(std::vector<Cell>& cells, const std::string& cellDir, Reporter& reporter,
+                     Findings& findings)
+{
+    std::unordered_map<std::string_view, const Cell*> known;
+    for (Cell& cell : cells) {
+        const auto [first, isNew] = known.try_emplace(cell.name, &cell);
+        if (!isNew) {
+            copyGeometry(*first->second, cell); // its findings are told
+            continue;
+        }
+        cell.path = withoutSlashes(cellDir) + "/" + cell.name + ".color";
+        const std::string fault = readCell(cell, findings);
+        if (!fault.empty()) {
+            reporter.error("no-file", {cell.line, 0}, fault,
+                           "write the colour file, or correct the cell's name");
+        }
+    }
+}
+
+} // namespace
+
+void readLibrary(const Paths& paths, Design& design, Findings& findings)
+{
+    readLibrary(paths.cells(), paths.cellDir, design, findings);
+}
+
+void readLibrary(const std::string& list, const std::string& cellDir, Design& design, Findings& findings)
+{
+    Reporter reporter(findings, list);
+    design.cells = readList(readFile(list), reporter);
+    readColourFiles(design.cells, cellDir, reporter, findings);
+}
+
+void readCells(const std::vector<std::string>& names, const std::string& cellDir, Design& design,
+               Findings& findings)
+{
+    design.cells.clear();
+    for (const std::string& name : names) {
+        design.cells.emplace_back().name = name;
+    }
+    Reporter reporter(findings, cellDir);
+    readColourFiles(design.cells, cellDir, reporter, findings);
+}
+
+} // namespace kit::placer

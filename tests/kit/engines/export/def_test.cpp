@@ -1,0 +1,198 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// New places in a DEF file, and everything else as it was.
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include "kit/base/files/writeOutput.h"
+#include "kit/design/nameMap.h"
+#include "kit/engines/export/smallExport.h"
+#include "kit/formats/lefdef/edits.h"
+#include "kit/formats/lefdef/statement.h"
+
+namespace {
+
+using namespace test;
+using kit::lefdef::Edits;
+
+/// The text with a part replaced that is in it once.
+std::string with(std::string text, const std::string& part, const std::string& by)
+{
+    const size_t at = text.find(part);
+    EXPECT_NE(at, std::string::npos) << part;
+    EXPECT_EQ(text.find(part, at + 1), std::string::npos) << part;
+    return text.replace(at, part.size(), by);
+}
+
+struct Patch {
+    const char* name;
+    const char* record;   ///< in the DEF file
+    const char* expected; ///< after the export of u at ( 380 0 ) N
+};
+
+class KitExportDef : public testing::TestWithParam<Patch> {};
+
+TEST_P(KitExportDef, ChangesThePlaceAlone)
+{
+    const SmallExport files("- u INV + PLACED ( 380 0 ) N\n ;\n", GetParam().record);
+    const KitOutcome outcome = files.run();
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_EQ(outcome.error, "");
+    EXPECT_EQ(files.output("new.def"), with(files.def, GetParam().record, GetParam().expected));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Records, KitExportDef,
+    testing::Values(
+        Patch{"Placed", "- u INV + PLACED ( 190 1400 ) FS ;\n", "- u INV + PLACED ( 380 0 ) N ;\n"},
+        Patch{"WithOptionsAround", "-  u  INV + SOURCE DIST + PLACED (  1\t2 ) W + WEIGHT 3 ; # x\n",
+              "-  u  INV + SOURCE DIST + PLACED ( 380 0 ) N + WEIGHT 3 ; # x\n"},
+        Patch{"OverLines", "- u INV\n + PLACED\n ( 1 2 )\n FN\n ;\r\n",
+              "- u INV\n + PLACED ( 380 0 ) N\n ;\r\n"},
+        Patch{"InItsPlaceAlready", "- u INV + PLACED  ( 380  0 )  N ;\n",
+              "- u INV + PLACED  ( 380  0 )  N ;\n"},
+        Patch{"Unplaced", "- u INV + UNPLACED + WEIGHT 3 ;\n", "- u INV + PLACED ( 380 0 ) N + WEIGHT 3 ;\n"},
+        Patch{"WithoutAPlace", "- u INV + WEIGHT 3 ;\n", "- u INV + PLACED ( 380 0 ) N + WEIGHT 3 ;\n"},
+        Patch{"WithNothing", "- u INV ;\n", "- u INV + PLACED ( 380 0 ) N ;\n"}),
+    [](const auto& param) { return param.param.name; });
+
+struct Lying {
+    const char* row;    ///< orientation of the row
+    const char* placed; ///< orientation in the placement
+    bool flipped;       ///< in the map
+    const char* expected;
+};
+
+class KitExportOrient : public testing::TestWithParam<Lying> {};
+
+TEST_P(KitExportOrient, IsMirroredAsPlacedAndUpsideDownAsTheRow)
+{
+    SmallExport files(std::string("- u INV + PLACED ( 380 0 ) ") + GetParam().placed + "\n ;\n",
+                      "- u INV + PLACED ( 0 0 ) N ;\n");
+    files.place = with(files.place, "ROW r0 core 0 0 N", std::string("ROW r0 core 0 0 ") + GetParam().row);
+    kit::design::NameMap map{.def = "in.def", .hash = kit::design::hashOf(files.def)};
+    map.siteWidth = map.siteHeight = 1;
+    if (GetParam().flipped) {
+        map.flipped = {"u"};
+    }
+    test::writeOutput(files.path("out.map"),
+                      [&map](kit::OutputFile& out) { kit::design::writeNameMap(map, out); });
+    const KitOutcome outcome = files.run();
+    EXPECT_EQ(outcome.error, "");
+    EXPECT_EQ(files.output("new.def"),
+              with(files.def, "( 0 0 ) N ;", std::string("( 380 0 ) ") + GetParam().expected + " ;"));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, KitExportOrient,
+    testing::Values(Lying{"N", "N", false, "N"}, Lying{"N", "FN", false, "FN"}, Lying{"FS", "N", false, "FS"},
+                    Lying{"FS", "FN", false, "S"}, Lying{"N", "N", true, "FS"}, Lying{"N", "FN", true, "S"},
+                    Lying{"FS", "N", true, "N"}, Lying{"FS", "FN", true, "FN"}, Lying{"S", "N", false, "FS"},
+                    Lying{"FN", "N", false, "N"},
+                    // Placements that were not imported have the rows' flips in the components.
+                    Lying{"FS", "FS", false, "FS"}, Lying{"N", "FS", false, "N"},
+                    Lying{"N", "S", false, "FN"}, Lying{"FS", "S", false, "S"}));
+
+TEST(KitExportNames, AreThoseOfTheDefFile)
+{
+    SmallExport files("- FILLER_1_ INV + PLACED ( 380 0 ) N\n ;\n", "- FILLER_1 INV + PLACED ( 0 0 ) N ;\n");
+    kit::design::NameMap map{.def = "in.def", .hash = kit::design::hashOf(files.def)};
+    map.siteWidth = map.siteHeight = 1;
+    map.names = {{"FILLER_1_", "FILLER_1"}};
+    test::writeOutput(files.path("out.map"),
+                      [&map](kit::OutputFile& out) { kit::design::writeNameMap(map, out); });
+    const KitOutcome outcome = files.run();
+    EXPECT_EQ(outcome.error, "");
+    EXPECT_EQ(outcome.output, "new.def: 1 component, 1 in a new place\n");
+    EXPECT_EQ(files.output("new.def"), with(files.def, "( 0 0 ) N ;", "( 380 0 ) N ;"));
+}
+
+TEST(KitExportFillers, StayUnlessTheyAreToBeDropped)
+{
+    const SmallExport files("- u INV + PLACED ( 380 0 ) N\n ;\n", "- u INV + PLACED ( 0 0 ) N ;\n"
+                                                                  "- f1 FILL1 + PLACED ( 570 0 ) N ;\n"
+                                                                  "- f2 FILL1 + PLACED ( 760 0 ) N ;\n"
+                                                                  "- f3 FILL1 + PLACED ( 570 1400 ) N ;\n");
+    const KitOutcome outcome = files.run({"--lef", files.path("lef"), "--layer", "M1"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.error,
+              "in.def: note: 3 fillers stay where they are, and placed cells lie on 1 of them; "
+              "--drop-fillers leaves them out [fillers]\n0 errors, 0 warnings, 1 note\n");
+    EXPECT_EQ(files.output("new.def"), with(files.def, "u INV + PLACED ( 0 0 )", "u INV + PLACED ( 380 0 )"));
+}
+
+TEST(KitExportFillers, GoWithTheirLinesAndTheirCount)
+{
+    const SmallExport files("- u INV + PLACED ( 0 0 ) N\n ;\n",
+                            "  - f1 FILL1 + PLACED ( 570 0 ) N\n    + PROPERTY a \" ; \" ;\r\n"
+                            "- u INV + PLACED ( 0 0 ) N ; - f2 FILL1 + PLACED ( 760 0 ) N ;\n"
+                            "- FILLER_3 INV + PLACED ( 760 1400 ) N ;\n"
+                            "- f4 FILL1 + FIXED ( 760 1400 ) N ;\n");
+    const KitOutcome outcome = files.run({"--drop-fillers"});
+    EXPECT_EQ(outcome.error, "");
+    EXPECT_EQ(outcome.output, "new.def: 1 component, 0 in a new place, 3 fillers left out\n");
+    EXPECT_EQ(files.output("new.def"),
+              files.def.substr(0, files.def.find("COMPONENTS 9")) +
+                  "COMPONENTS 2 ;\n- u INV + PLACED ( 0 0 ) N ; \n- f4 FILL1 + FIXED ( 760 1400 ) N ;\n"
+                  "END COMPONENTS\nEND DESIGN\n");
+}
+
+TEST(KitExportFillers, StayIfTheyAreNamedElsewhere)
+{
+    SmallExport files("- u INV + PLACED ( 0 0 ) N\n ;\n", "- f1 FILL1 + PLACED ( 570 0 ) N ;\n"
+                                                          "- u INV + PLACED ( 0 0 ) N ;\n"
+                                                          "- f2 FILL1 + PLACED ( 760 0 ) N ;\n");
+    files.def =
+        with(files.def, "END DESIGN", "SPECIALNETS 1 ;\n- VDD ( f2 VDD ) ;\nEND SPECIALNETS\nEND DESIGN");
+    const KitOutcome outcome = files.run({"--drop-fillers"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.error, "in.def:13: warning: the filler f2 is named here, and stays in the file "
+                             "[filler-in-use]\n0 errors, 1 warning, 0 notes\n");
+    EXPECT_EQ(files.output("new.def"), with(with(files.def, "- f1 FILL1 + PLACED ( 570 0 ) N ;\n", ""),
+                                            "COMPONENTS 9", "COMPONENTS 2"));
+}
+
+TEST(KitExportFillers, AreWhatTheLibrarySaysWhateverTheirNames)
+{
+    const SmallExport files("- u INV + PLACED ( 0 0 ) N\n ;\n", "- u INV + PLACED ( 0 0 ) N ;\n"
+                                                                "- FILLED INV + PLACED ( 570 0 ) N ;\n");
+    const KitOutcome outcome = files.run({"--lef", files.path("lef"), "--layer", "M1", "--drop-fillers"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(
+        outcome.error,
+        "in.def:9: warning: the component FILLED is not in the placement, and stays where it is; export "
+        "into the file that the placement was made from [left-out]\n0 errors, 1 warning, 0 notes\n");
+    EXPECT_EQ(files.output("new.def"), files.def);
+}
+
+RC_GTEST_PROP(KitExportEdits, KeepWhatIsOutsideOfThem, (const std::string& text))
+{
+    Edits edits;
+    std::string expected;
+    size_t done = 0;
+    std::vector<std::tuple<size_t, size_t, std::string>> all;
+    for (int i = *rc::gen::inRange(0, 4); i > 0 && done <= text.size(); --i) {
+        const size_t begin = *rc::gen::inRange(done, text.size() + 1);
+        const size_t end = *rc::gen::inRange(begin, text.size() + 1);
+        const auto by = *rc::gen::arbitrary<std::string>();
+        expected += text.substr(done, begin - done) + by;
+        all.emplace_back(begin, end, by);
+        done = end + 1; // two at one place have no order
+        expected += end < text.size() ? text.substr(end, 1) : "";
+    }
+    expected += done < text.size() ? text.substr(done) : "";
+    for (auto edit = all.rbegin(); edit != all.rend(); ++edit) {
+        edits.replace(std::get<0>(*edit), std::get<1>(*edit), std::get<2>(*edit));
+    }
+    RC_ASSERT(edits.apply(text, 0, text.size()) == expected);
+}
+
+TEST(KitExportStatement, EndsAtItsSemicolon)
+{
+    using kit::lefdef::endOfStatement;
+    EXPECT_EQ(endOfStatement("RECT 1 2 ; x", 0), 9U);
+    EXPECT_EQ(endOfStatement("a \" ; \" ; x", 0), 8U);
+    EXPECT_EQ(endOfStatement("a # ; \n ; x", 0), 8U);
+    EXPECT_EQ(endOfStatement("a b", 0), 3U);
+}
+
+} // namespace

@@ -1,0 +1,342 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The subcommand that runs the placer and keeps its result.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <regex>
+#include <sstream>
+#include <string>
+
+#include "app/driver.h"
+#include "kit/base/text/json.h"
+#include "kit/engines/place/schema.h"
+#include "kit/kitRun.h"
+#include "support/guards.h"
+
+namespace {
+
+using kit::Json;
+using test::contentOf;
+using test::KitOutcome;
+using test::runKit;
+using test::Words;
+
+std::string withoutTimes(const std::string& report)
+{
+    static const std::regex s_time("(CPU time +=) [0-9]+\\.[0-9]{3} s\n");
+    return std::regex_replace(report, s_time, "$1 *\n");
+}
+
+/// The placer's own report for some arguments.
+std::string reportOfPlacer(Words words)
+{
+    const test::ParameterGuard parameters;
+    words.insert(words.begin(), "vireloce");
+    std::vector<char*> argv;
+    for (std::string& word : words) {
+        argv.push_back(word.data());
+    }
+    return test::reportOf([&] { vireloce::runPlacer(static_cast<int>(argv.size()), argv.data()); });
+}
+
+class KitPlace : public testing::Test {
+protected:
+    std::string out(const std::string& extension = "") const { return m_dir.path("out" + extension); }
+
+    KitOutcome place(const Words& more = {}) const
+    {
+        Words words{"place", m_design.base(), "--cell-path", m_design.lib(), "-o", out()};
+        words.insert(words.end(), more.begin(), more.end());
+        return runKit(words);
+    }
+
+    Json result() const { return Json::parse(contentOf(out(".json"))); }
+
+    test::GeneratedDesign m_design{{"--mirrored", "0"}};
+    test::TempDir m_dir;
+};
+
+TEST_F(KitPlace, PrintsThePlacersReportToTheByte)
+{
+    for (const char* algo : {"0", "1", "3"}) {
+        const KitOutcome outcome = place({"--algo", algo, "--weight", "2.5", "--force"});
+        EXPECT_EQ(outcome.status, 0) << outcome.error;
+        EXPECT_EQ(withoutTimes(outcome.output),
+                  withoutTimes(reportOfPlacer(
+                      {"-inlib", m_design.base(), "-cellPath", m_design.lib(), "-algo", algo, "-W", "2.5"})));
+    }
+}
+
+TEST_F(KitPlace, ShowsNoProgressWhereThereIsNoTerminal)
+{
+    EXPECT_EQ(place().error, "");
+}
+
+TEST_F(KitPlace, ChangesNothingInThePlacementFileButCoordinates)
+{
+    ASSERT_EQ(place().status, 0);
+    static const std::regex s_point("\\( -?[0-9]+ -?[0-9]+ \\)");
+    const std::string before = contentOf(m_design.base() + ".place");
+    const std::string after = contentOf(out(".place"));
+    EXPECT_NE(before, after);
+    EXPECT_EQ(std::regex_replace(before, s_point, "()"), std::regex_replace(after, s_point, "()"));
+}
+
+TEST_F(KitPlace, WritesADesignThatCanBePlacedAgain)
+{
+    ASSERT_EQ(place().status, 0);
+    const Json first = result();
+    const KitOutcome again =
+        runKit({"place", out(), "--cell-path", m_design.lib(), "-o", m_dir.path("again")});
+    EXPECT_EQ(again.status, 0) << again.error;
+    const Json second = Json::parse(contentOf(m_dir.path("again.json")));
+    EXPECT_EQ(second["report"]["init HPWL"], first["placement"]["hpwl"]);
+    EXPECT_LE(second["placement"]["displacement"]["mean"].asNumber(),
+              first["placement"]["displacement"]["mean"].asNumber());
+}
+
+TEST_F(KitPlace, ColoursHaveARecordForEveryComponent)
+{
+    ASSERT_EQ(place().status, 0);
+    EXPECT_EQ(contentOf(out(".colors")).substr(0, 34), "VIRELOCE COLORS 1\nCOMPONENTS 1000\n");
+}
+
+class KitPlaceRoundTrip : public testing::TestWithParam<const char*> {};
+
+// A warning of lint about the library stays one; verify and the placer have none left to give.
+TEST_P(KitPlaceRoundTrip, ResultOfGcdIsLintedVerifiedPlacedAgainAndViewed)
+{
+    const std::string base = VIRELOCE_KIT_EXAMPLES "/gcd/gcd";
+    const std::string lib = VIRELOCE_KIT_EXAMPLES "/nangate45_color";
+    const test::TempDir dir;
+    const std::string out = dir.path("out");
+    ASSERT_EQ(runKit({"place", base, "--cell-path", lib, "-o", out, "--algo", GetParam()}).status, 0);
+
+    const KitOutcome before = runKit({"lint", base, "--cell-path", lib, "--json"});
+    const KitOutcome after = runKit({"lint", out, "--cell-path", lib, "--json"});
+    EXPECT_EQ(Json::parse(after.output)["counts"]["errors"], 0);
+    EXPECT_EQ(Json::parse(after.output)["counts"]["warnings"],
+              Json::parse(before.output)["counts"]["warnings"]);
+
+    const KitOutcome verify =
+        runKit({"verify", out + ".place", "--colors", out + ".colors", "--cell-path", lib});
+    EXPECT_EQ(verify.status, 0) << verify.output;
+
+    const KitOutcome again =
+        runKit({"place", out, "--cell-path", lib, "-o", dir.path("again"), "--algo", GetParam()});
+    EXPECT_EQ(again.status, 0) << again.error;
+    EXPECT_EQ(Json::parse(contentOf(dir.path("again.json")))["report"]["init HPWL"],
+              Json::parse(contentOf(out + ".json"))["placement"]["hpwl"]);
+
+    EXPECT_EQ(runKit({"view", out + ".place", "--cell-path", lib, "-o", dir.path("out.svg")}).status, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Algorithms, KitPlaceRoundTrip, testing::Values("0", "1", "3"));
+
+TEST(KitPlaceJudge, MirroredCellsTooCloseAreToldThoughThePlacerCountsNone)
+{
+    const test::GeneratedDesign design({"--mirrored", "30"});
+    const test::TempDir dir;
+    const std::string out = dir.path("out");
+    EXPECT_EQ(runKit({"place", design.base(), "--cell-path", design.lib(), "-o", out}).status, 1);
+    const Json result = Json::parse(contentOf(out + ".json"));
+    EXPECT_EQ(result["placement"]["conflicts"], 0);
+    const KitOutcome verify = runKit(
+        {"verify", out + ".place", "--colors", out + ".colors", "--cell-path", design.lib(), "--json"});
+    EXPECT_EQ(result["judge"]["conflicts"], Json::parse(verify.output)["counts"]["conflict"]);
+    EXPECT_GT(result["judge"]["conflicts"].asInteger(), 0);
+    EXPECT_EQ(result["judge"]["errors"], result["judge"]["conflicts"]);
+}
+
+TEST_F(KitPlace, JudgeHasNothingAgainstACleanResult)
+{
+    ASSERT_EQ(place().status, 0);
+    EXPECT_EQ(result()["judge"], (Json{{"errors", 0}, {"conflicts", 0}, {"notes", 0}}));
+}
+
+TEST_F(KitPlace, JsonSaysWhatTheReportSays)
+{
+    const KitOutcome outcome = place({"--algo", "1"});
+    const Json report = result()["report"];
+    static const std::regex s_line("STAT \\| (.*[^ ]) *= +(-?[0-9.]+).*");
+    static const std::regex s_blanks(" +");
+    size_t figures = 0;
+    std::istringstream lines(outcome.output);
+    for (std::string line; std::getline(lines, line);) {
+        std::smatch match;
+        if (std::regex_match(line, match, s_line)) {
+            const std::string label = std::regex_replace(match[1].str(), s_blanks, " ");
+            ASSERT_TRUE(report.contains(label)) << label;
+            EXPECT_EQ(report[label].asNumber(), std::stod(match[2].str())) << label;
+            ++figures;
+        }
+    }
+    EXPECT_EQ(figures, 18U);
+    EXPECT_EQ(report.size(), figures);
+    EXPECT_EQ(result()["placement"]["hpwl"], report["final HPWL"]);
+    EXPECT_EQ(result()["placement"]["stitches"], report["final stitch #"]);
+    EXPECT_EQ(result()["placement"]["conflicts"], report["final conflict #"]);
+    EXPECT_EQ(result()["options"]["algo"], 1);
+    EXPECT_EQ(result()["options"]["weight"], nullptr);
+}
+
+TEST_F(KitPlace, JsonFollowsItsSchema)
+{
+    place({"--rescue"});
+    EXPECT_EQ(test::faultsOf(result(), test::placeSchema()), Words{});
+    Json broken = result();
+    broken["placement"]["hpwl"] = "far";
+    broken["seconds"] = "long";
+    broken["more"] = 1;
+    EXPECT_EQ(test::faultsOf(broken, test::placeSchema()).size(), 3U);
+    EXPECT_EQ(test::faultsOf(Json::object(), test::placeSchema()).size(), result().size())
+        << "none may be absent";
+}
+
+TEST_F(KitPlace, HistogramCountsEveryComponentOnce)
+{
+    place();
+    int64_t cells = 0;
+    const Json histogram = result()["placement"]["displacement"]["histogram"];
+    for (const Json& bin : histogram.items()) {
+        cells += bin["cells"].asInteger();
+    }
+    EXPECT_EQ(cells, 1000);
+}
+
+TEST_F(KitPlace, RefusesToReplaceAnEarlierResult)
+{
+    ASSERT_EQ(place().status, 0);
+    const KitOutcome again = place();
+    EXPECT_EQ(again.status, 2);
+    EXPECT_EQ(again.error,
+              "vireloce-kit: " + out(".place") + " exists: choose another name, or --force to replace it\n");
+    EXPECT_EQ(place({"--force"}).status, 0);
+}
+
+TEST_F(KitPlace, NeverReplacesAnInput)
+{
+    const std::string before = m_design.allText();
+    for (const std::string& same : {m_design.base(), m_design.base() + "/../d"}) {
+        const KitOutcome outcome =
+            runKit({"place", m_design.base(), "--cell-path", m_design.lib(), "-o", same, "--force"});
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_NE(outcome.error.find("is an input"), std::string::npos) << outcome.error;
+    }
+    EXPECT_EQ(m_design.allText(), before);
+}
+
+TEST_F(KitPlace, UnreadableInputIsStatus2AndWritesNothing)
+{
+    const KitOutcome outcome =
+        runKit({"place", m_dir.path("none"), "--cell-path", m_design.lib(), "-o", out()});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_NE(outcome.output.find("ERROR| cannot open file"), std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(out(".json")));
+}
+
+TEST_F(KitPlace, OptionThatIsNoNumberIsStatus2)
+{
+    EXPECT_EQ(place({"--algo", "first"}).status, 2);
+    EXPECT_EQ(place({"--weight", "heavy"}).status, 2);
+}
+
+/// Two rows of 20 sites of 190 DBU, cells of 5 sites without shapes that matter.
+class KitRescue : public testing::Test {
+protected:
+    KitRescue()
+    {
+        m_dir.write("d.cells", "1\nA\n");
+        m_dir.write("lib/A.color", "950 1900  0  1  1  0 500 5 900  1  0 1");
+        m_dir.write("d.pins", "0\n");
+        m_dir.write("d.netlist", "0\n");
+    }
+
+    /// Components by their x and y.
+    void components(const std::vector<std::pair<int, int>>& points)
+    {
+        std::string text =
+            "ROW r0 s 0 0 N DO 20 BY 1 STEP 190 0 ;\nROW r1 s 0 1900 N DO 20 BY 1 STEP 190 0 ;\n"
+            "COMPONENTS " +
+            std::to_string(points.size()) + " ;\n";
+        for (size_t i = 0; i < points.size(); ++i) {
+            text += "- u" + std::to_string(i) + " A + PLACED ( " + std::to_string(points[i].first) + " " +
+                    std::to_string(points[i].second) + " ) N\n ;\n";
+        }
+        m_dir.write("d.place", text + "END COMPONENTS\n");
+    }
+
+    KitOutcome place(const Words& more)
+    {
+        Words words{"place", m_dir.path("d"), "--cell-path", m_dir.path("lib"),
+                    "-o",    m_dir.path("o"), "--force"};
+        words.insert(words.end(), more.begin(), more.end());
+        return runKit(words);
+    }
+
+    Json result() const { return Json::parse(contentOf(m_dir.path("o.json"))); }
+
+    test::TempDir m_dir;
+};
+
+TEST_F(KitRescue, ACellMovedIntoAnEmptySegmentIsDroppedAndFoundAPlace)
+{
+    components({{0, 0}, {950, 0}, {1900, 0}, {2850, 0}, {3600, 0}}); // 25 sites in 20; the row above is empty
+    EXPECT_EQ(place({}).status, 1);
+    EXPECT_EQ(result()["placement"]["dropped_cells"].size(), 1U);
+    EXPECT_EQ(result()["rescue"], nullptr);
+
+    const KitOutcome rescued = place({"--rescue"});
+    EXPECT_EQ(rescued.status, 0) << rescued.output << rescued.error;
+    const Json rescue = result()["rescue"];
+    EXPECT_EQ(rescue["cells"].size(), 1U);
+    EXPECT_EQ(rescue["cells"][0]["helped"], true);
+    EXPECT_EQ(rescue["cells"][0]["to"][1], 1900) << "the only row with room";
+    EXPECT_TRUE(rescue["placement"]["dropped_cells"].empty());
+    EXPECT_EQ(result()["placement"]["dropped_cells"].size(), 1U) << "the placer's own state stays";
+    const KitOutcome verify = runKit({"verify", m_dir.path("o.place"), "--colors", m_dir.path("o.colors"),
+                                      "--cell-path", m_dir.path("lib")});
+    EXPECT_EQ(verify.status, 0) << verify.output;
+}
+
+TEST_F(KitRescue, ARunWithoutAPlacementLeavesItsSetUpAlone)
+{
+    components(std::vector<std::pair<int, int>>(5, {0, 0})); // 25 sites in 20, and the method moves none out
+    const KitOutcome outcome = place({"--rescue", "--algo", "2"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.output.find("ERROR| cannot solve the placement"), std::string::npos) << outcome.output;
+    EXPECT_EQ(result()["complete"], false);
+    EXPECT_EQ(result()["report"]["component #"], 5);
+    EXPECT_EQ(result()["report"].size(), 13U) << "the figures of the set-up";
+    EXPECT_EQ(result()["placement"], nullptr);
+    EXPECT_FALSE(std::filesystem::exists(m_dir.path("o.place")));
+}
+
+TEST_F(KitRescue, NamesThatAreNoUtf8AreReplacedInTheJson)
+{
+    components({{0, 0}, {950, 0}, {1900, 0}, {2850, 0}, {3600, 0}});
+    m_dir.write("d.place", std::regex_replace(contentOf(m_dir.path("d.place")), std::regex("- u"), "- \xff"));
+    const KitOutcome outcome = place({});
+    EXPECT_EQ(outcome.status, 1) << outcome.error;
+    EXPECT_EQ(result()["placement"]["dropped_cells"][0].asString().substr(0, 3), "\xef\xbf\xbd");
+    EXPECT_NE(contentOf(m_dir.path("o.place")).find("- \xff"), std::string::npos) << "files keep the bytes";
+    EXPECT_EQ(place({"--rescue"}).status, 0);
+}
+
+TEST_F(KitRescue, NeighboursMakeRoom)
+{
+    // Five cells below, one of which is moved up, where it overlaps: there are three, with gaps too small for
+    // it.
+    components({{0, 0}, {950, 0}, {1900, 0}, {2850, 0}, {3600, 0}, {380, 1900}, {1520, 1900}, {2660, 1900}});
+    const KitOutcome outcome = place({"--rescue", "--algo", "3", "--move-range", "0"});
+    const Json rescue = result()["rescue"];
+    ASSERT_FALSE(rescue.isNull()) << outcome.output;
+    EXPECT_EQ(result()["placement"]["overlapping_cells"].size(), 1U);
+    EXPECT_GT(rescue["moved_neighbours"].asInteger(), 0);
+    EXPECT_TRUE(rescue["placement"]["overlapping_cells"].empty());
+    const KitOutcome verify = runKit({"verify", m_dir.path("o.place"), "--colors", m_dir.path("o.colors"),
+                                      "--cell-path", m_dir.path("lib")});
+    EXPECT_EQ(verify.status, 0) << verify.output;
+}
+
+} // namespace

@@ -1,0 +1,429 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// When the metal of two cells is too close.
+#include <gtest/gtest.h>
+#include <rapidcheck.h>
+#include <rapidcheck/gtest.h>
+
+#include <cmath>
+#include <map>
+#include <set>
+#include <tuple>
+
+#include "kit/design/metal.h"
+#include "kit/engines/verify/judged.h"
+#include "kit/geometry/sweep.h"
+
+namespace {
+
+using namespace test;
+using kit::geometry::Span;
+using test::Cell; // not the placer's, which other tests of the folder include
+using test::Component;
+
+/// A cell of one site with one bar on mask 1, from 400 to 1000.
+Cell oneBar(const std::string& name, int32_t xl, int32_t xh)
+{
+    return makeCell(name, 190, {{xl, 400, xh, 1000}}, {1});
+}
+
+/// The conflict of a bar that ends at the right edge of its cell with one of the next cell.
+Issues judgeNextTo(const Rect& rect, int32_t mask = 1, int32_t minDist = 185)
+{
+    Judged judged({oneBar("A", 100, 190), makeCell("B", 380, {rect}, {mask})});
+    judged.add(0, 0, 0);
+    judged.add(1, 1, 0);
+    return judged.judge(minDist);
+}
+
+TEST(KitVerifyConflict, ShapesAtTheDistanceAreFarEnough)
+{
+    EXPECT_EQ(kindsOf(judgeNextTo({185, 400, 240, 1000})), "");
+}
+
+TEST(KitVerifyConflict, ShapesOneUnitCloserAreTooClose)
+{
+    const Issue issue = onlyIssue(judgeNextTo({184, 400, 240, 1000}));
+    EXPECT_EQ(issue.kind, Kind::CONFLICT);
+    EXPECT_DOUBLE_EQ(issue.distance, 184);
+    EXPECT_EQ(issue.shapePairs, 1);
+    EXPECT_EQ(issue.mask, 1);
+    EXPECT_EQ(issue.component, 0);
+    EXPECT_EQ(issue.other, 1);
+    EXPECT_EQ(issue.line, 10);
+    EXPECT_EQ(issue.box.xh, 190);
+    EXPECT_EQ(issue.otherBox.xl, 374);
+}
+
+TEST(KitVerifyConflict, DistanceIsThatOfTheCorners)
+{
+    EXPECT_EQ(kindsOf(judgeNextTo({111, 1148, 240, 1300})), ""); // 111, 148, 185
+    EXPECT_DOUBLE_EQ(onlyIssue(judgeNextTo({111, 1147, 240, 1300})).distance, std::hypot(111, 147));
+    EXPECT_DOUBLE_EQ(onlyIssue(judgeNextTo({110, 100, 240, 252})).distance, std::hypot(110, 148));
+}
+
+TEST(KitVerifyConflict, TouchingShapesAreAtDistanceNought)
+{
+    EXPECT_EQ(onlyIssue(judgeNextTo({0, 400, 60, 1000})).distance, 0);
+    EXPECT_EQ(onlyIssue(judgeNextTo({-50, 300, 60, 1100})).distance, 0);
+}
+
+TEST(KitVerifyConflict, OtherMaskIsNone)
+{
+    EXPECT_EQ(kindsOf(judgeNextTo({0, 400, 60, 1000}, 2)), "");
+    EXPECT_EQ(kindsOf(judgeNextTo({0, 400, 60, 1000}, 0)), "");
+}
+
+TEST(KitVerifyConflict, DistanceIsAnOption)
+{
+    EXPECT_EQ(kindsOf(judgeNextTo({150, 400, 240, 1000}, 1, 150)), "");
+    EXPECT_EQ(kindsOf(judgeNextTo({150, 400, 240, 1000}, 1, 151)), "conflict");
+    EXPECT_EQ(kindsOf(judgeNextTo({0, 400, 60, 1000}, 1, 0)), "");
+}
+
+/// Two cells side by side whose bars face each other on a mask, 20 apart, and reach from yl to yh.
+Issues judgeFacing(int32_t mask, int32_t yl, int32_t yh)
+{
+    Judged judged({makeCell("A", 190, {{10, yl, 180, yh}}, {mask})});
+    judged.add(0, 0, 0);
+    judged.add(0, 1, 0);
+    return judged.judge();
+}
+
+TEST(KitVerifyConflict, RailsHaveNone)
+{
+    EXPECT_EQ(kindsOf(judgeFacing(0, -85, 85)), "");
+    EXPECT_EQ(kindsOf(judgeFacing(0, 0, 85)), "");
+    EXPECT_EQ(kindsOf(judgeFacing(0, 1300, 1400)), "");
+}
+
+TEST(KitVerifyConflict, MetalOfMaskNoughtInsideTheCellIsNoRail)
+{
+    EXPECT_EQ(kindsOf(judgeFacing(0, 1, 1399)), "conflict");
+}
+
+TEST(KitVerifyConflict, MetalOfAnotherMaskAtTheEdgeIsNoRail)
+{
+    EXPECT_EQ(kindsOf(judgeFacing(1, 0, 85)), "conflict");
+}
+
+TEST(KitVerifyConflict, ShapeIsARailAsAWhole)
+{
+    Cell cell = makeCell("A", 190, {{10, 0, 180, 85}}, {0});
+    cell.shapes[0].rects.push_back({10, 85, 180, 700});
+    Judged judged({cell});
+    judged.add(0, 0, 0);
+    judged.add(0, 1, 0);
+    EXPECT_EQ(kindsOf(judged.judge()), "");
+}
+
+TEST(KitVerifyConflict, PairOfCellsCountsOnceWithItsWorst)
+{
+    Cell left = makeCell("L", 190, {{100, 100, 180, 500}, {100, 700, 150, 1300}}, {1, 2});
+    Cell right = makeCell("R", 190, {{10, 100, 60, 500}, {70, 700, 90, 1300}, {20, 520, 60, 600}}, {1, 2, 1});
+    right.shapes[0].rects.push_back({10, 300, 60, 500}); // the same piece of metal
+    Judged judged({left, right});
+    judged.add(0, 0, 0);
+    judged.add(1, 1, 0);
+    const Issue issue = onlyIssue(judged.judge());
+    EXPECT_EQ(issue.shapePairs, 3);
+    EXPECT_DOUBLE_EQ(issue.distance, 20);
+    EXPECT_EQ(issue.mask, 1);
+}
+
+TEST(KitVerifyConflict, CellsThatAreNoNeighboursAreCompared)
+{
+    const auto judgeWith = [](int32_t gap) {
+        Judged judged({oneBar("A", 100, 190), makeCell("EMPTY", 190, {}, {}), oneBar("B", 0, 90)});
+        judged.add(0, 0, 0);
+        judged.add(1, 1, 0);
+        judged.add(2, 2, 0);
+        return judged.judge(gap);
+    };
+    EXPECT_EQ(kindsOf(judgeWith(190)), "");
+    const Issue issue = onlyIssue(judgeWith(191));
+    EXPECT_EQ(issue.component, 0);
+    EXPECT_EQ(issue.other, 2);
+}
+
+TEST(KitVerifyConflict, CellsOfTwoRowsSideBySideAreInOneRow)
+{
+    Judged judged({oneBar("A", 10, 180)});
+    judged.addRow(12, 0, 12);
+    judged.add(0, 11, 0);
+    judged.add(0, 12, 0);
+    EXPECT_EQ(kindsOf(judged.judge()), "conflict");
+}
+
+struct StepCase {
+    int32_t step;    ///< DBU
+    int32_t shift;   ///< of the right cell, DBU
+    double distance; ///< library coordinates
+};
+
+class KitVerifyStep : public testing::TestWithParam<StepCase> {};
+
+TEST_P(KitVerifyStep, ScalesThePlacementToTheLibrary)
+{
+    const StepCase& row = GetParam();
+    Judged judged({oneBar("A", 40, 100), oneBar("B", 60, 100)}, row.step); // 150 apart
+    judged.add(0, 0, 0);
+    judged.add(1, 1, 0);
+    judged.component(1).x += row.shift;
+    const Issues issues = judged.judge();
+    ASSERT_FALSE(issues.empty());
+    EXPECT_NEAR(issues.back().distance, row.distance, 1e-9);
+    EXPECT_NEAR(issues.back().box.xh, 100.0 * row.step / 190, 1e-9);
+}
+
+INSTANTIATE_TEST_SUITE_P(Steps, KitVerifyStep,
+                         testing::Values(StepCase{190, 0, 150}, StepCase{380, 0, 150}, StepCase{123, 0, 150},
+                                         StepCase{380, 69, 184.5}, StepCase{123, -1, 150 - 190.0 / 123}));
+
+TEST(KitVerifyConflict, DistanceOfAStepIsExactAtTheLimit)
+{
+    Judged judged({oneBar("A", 40, 100), oneBar("B", 60, 100)}, 380);
+    judged.add(0, 0, 0);
+    judged.add(1, 1, 0);
+    judged.component(1).x += 70;
+    EXPECT_EQ(kindsOf(judged.judge()), "off-grid");
+}
+
+/// A cell with a bar near its right edge on mask 1, in the lower half.
+Cell lopsided()
+{
+    return makeCell("LOP", 380, {{300, 200, 370, 500}}, {1});
+}
+
+struct MirrorCase {
+    const char* left;
+    const char* right;
+    double distance; ///< -1: none
+};
+
+class KitVerifyMirror : public testing::TestWithParam<MirrorCase> {};
+
+/// The metal is 10 from its cell's edge on one side and 300 on the other, 200 from the bottom and 900 from
+/// the top.
+TEST_P(KitVerifyMirror, TurnsTheMetal)
+{
+    const MirrorCase& row = GetParam();
+    Judged judged({lopsided()});
+    judged.add(0, 0, 0, 0, row.left);
+    judged.add(0, 2, 0, 0, row.right);
+    const Issues issues = judged.judge();
+    EXPECT_EQ(kindsOf(issues), row.distance < 0 ? "" : "conflict");
+    if (!issues.empty()) {
+        EXPECT_DOUBLE_EQ(issues[0].distance, row.distance);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Orientations, KitVerifyMirror,
+                         testing::Values(MirrorCase{"N", "N", -1}, MirrorCase{"N", "FN", 20},
+                                         MirrorCase{"FN", "N", -1}, MirrorCase{"FS", "S", 20},
+                                         MirrorCase{"S", "FS", -1}, MirrorCase{"FS", "FS", -1},
+                                         MirrorCase{"N", "S", -1}, MirrorCase{"FS", "FN", -1}));
+
+TEST(KitVerifyConflict, BottomAndTopChangePlacesInFsAndS)
+{
+    const auto boxOf = [](const char* orient) {
+        const kit::design::Stencil stencil =
+            kit::design::stencilOf(lopsided(), kit::design::turnOf(orient), kit::design::Scale{1});
+        const kit::design::FineBox& box = stencil.pieces[0].box;
+        return std::tuple(box.xl, box.yl, box.xh, box.yh);
+    };
+    EXPECT_EQ(boxOf("N"), std::tuple(300, 200, 370, 500));
+    EXPECT_EQ(boxOf("FN"), std::tuple(10, 200, 80, 500));
+    EXPECT_EQ(boxOf("FS"), std::tuple(300, 900, 370, 1200));
+    EXPECT_EQ(boxOf("S"), std::tuple(10, 900, 80, 1200));
+}
+
+TEST(KitVerifyConflict, ShapesOfAbuttingRowsAreANote)
+{
+    Judged judged({makeCell("A", 190, {{10, 100, 180, 1350}}, {1})});
+    judged.add(0, 3, 0);
+    judged.add(0, 3, 1);
+    const Issue issue = onlyIssue(judged.judge());
+    EXPECT_EQ(issue.kind, Kind::ROW_CONFLICT);
+    EXPECT_DOUBLE_EQ(issue.distance, 150);
+    EXPECT_EQ(issue.component, 0);
+    EXPECT_EQ(issue.other, 1);
+    EXPECT_EQ(kit::verify::exitStatusOf(judged.input, judged.judge()), 0);
+}
+
+/// All pairs of spans with a gap below reach, the slow way.
+std::set<std::pair<size_t, size_t>> slowPairs(const std::vector<Span>& a, const std::vector<Span>& b,
+                                              int64_t reach, bool sameRow)
+{
+    std::set<std::pair<size_t, size_t>> pairs;
+    for (size_t i = 0; i < a.size(); ++i) {
+        for (size_t j = sameRow ? i + 1 : 0; j < b.size(); ++j) {
+            const int64_t gap = std::max(b[j].from - a[i].to, a[i].from - b[j].to);
+            if (gap < reach) {
+                pairs.emplace(i, j);
+            }
+        }
+    }
+    return pairs;
+}
+
+std::vector<Span> randomSpans()
+{
+    std::vector<Span> spans;
+    const auto count = *rc::gen::inRange(0, 40);
+    for (int i = 0; i < count; ++i) {
+        const int64_t from = *rc::gen::inRange(-200, 200);
+        const bool isLong = *rc::gen::inRange(0, 5) == 0;
+        spans.push_back({from, from + *rc::gen::inRange(1, isLong ? 200 : 20)});
+    }
+    std::sort(spans.begin(), spans.end(), [](const Span& x, const Span& y) { return x.from < y.from; });
+    return spans;
+}
+
+RC_GTEST_PROP(KitVerifySweep, RowFindsEveryPairOnce, ())
+{
+    const std::vector<Span> spans = randomSpans();
+    const int64_t reach = *rc::gen::inRange(0, 60);
+    std::set<std::pair<size_t, size_t>> found;
+    RC_ASSERT(kit::geometry::sweepRow(spans, reach, [&](size_t i, size_t j) {
+        RC_ASSERT(found.emplace(i, j).second);
+        return true;
+    }));
+    RC_ASSERT(found == slowPairs(spans, spans, reach, true));
+}
+
+RC_GTEST_PROP(KitVerifySweep, TwoRowsFindEveryPairOnce, ())
+{
+    const std::vector<Span> first = randomSpans();
+    const std::vector<Span> second = randomSpans();
+    const int64_t reach = *rc::gen::inRange(0, 60);
+    std::set<std::pair<size_t, size_t>> found;
+    RC_ASSERT(kit::geometry::sweepRows(first, second, reach, [&](size_t i, size_t j) {
+        RC_ASSERT(found.emplace(i, j).second);
+        return true;
+    }));
+    RC_ASSERT(found == slowPairs(first, second, reach, false));
+}
+
+TEST(KitVerifySweep, EndsWhenAVisitSaysSo)
+{
+    const std::vector<Span> spans(5, Span{0, 10});
+    int visits = 0;
+    const auto third = [&](size_t, size_t) { return ++visits < 3; };
+    EXPECT_FALSE(kit::geometry::sweepRow(spans, 0, third));
+    EXPECT_EQ(visits, 3);
+    visits = 0;
+    EXPECT_FALSE(kit::geometry::sweepRows(spans, spans, 0, third));
+    EXPECT_EQ(visits, 3);
+}
+
+/// A rectangle of a placed cell, library coordinates.
+struct SlowBox {
+    double xl, yl, xh, yh;
+    int32_t mask;
+    size_t shape;
+};
+
+/// The metal of a component that can conflict, worked out anew: in library coordinates, by a matrix.
+std::vector<SlowBox> slowMetal(const Judged& judged, size_t index, double step)
+{
+    const Component& comp = judged.input.design.components[index];
+    const Cell& cell = judged.input.design.cells[static_cast<size_t>(comp.cell)];
+    const bool flipX = comp.orient == "FN" || comp.orient == "S";
+    const bool flipY = comp.orient == "FS" || comp.orient == "S";
+    std::vector<SlowBox> boxes;
+    for (size_t k = 0; k < cell.shapes.size(); ++k) {
+        bool rail = false;
+        for (const Rect& rect : cell.shapes[k].rects) {
+            rail = rail || rect.yl <= 0 || rect.yh >= cell.height;
+        }
+        const int32_t mask = judged.input.colors[index].masks[k];
+        for (const Rect& rect : cell.shapes[k].rects) {
+            const double x[] = {flipX ? cell.width - static_cast<double>(rect.xl) : rect.xl,
+                                flipX ? cell.width - static_cast<double>(rect.xh) : rect.xh};
+            const double y[] = {flipY ? cell.height - static_cast<double>(rect.yl) : rect.yl,
+                                flipY ? cell.height - static_cast<double>(rect.yh) : rect.yh};
+            const double dx = comp.x * 190.0 / step;
+            const double dy = comp.y * 190.0 / step;
+            if (!(rail && mask == 0)) {
+                boxes.push_back({dx + std::min(x[0], x[1]), dy + std::min(y[0], y[1]),
+                                 dx + std::max(x[0], x[1]), dy + std::max(y[0], y[1]), mask, k});
+            }
+        }
+    }
+    return boxes;
+}
+
+double slowDistance(const SlowBox& a, const SlowBox& b)
+{
+    return std::hypot(std::max({0.0, b.xl - a.xh, a.xl - b.xh}), std::max({0.0, b.yl - a.yh, a.yl - b.yh}));
+}
+
+using Found = std::map<std::tuple<int32_t, int32_t, bool>, std::pair<int32_t, int64_t>>;
+
+/// [components, same height] pairs of shapes, and the least distance in millionths.
+Found slowConflicts(const Judged& judged, double step)
+{
+    Found found;
+    const auto& comps = judged.input.design.components;
+    for (size_t i = 0; i < comps.size(); ++i) {
+        for (size_t j = i + 1; j < comps.size(); ++j) {
+            std::set<std::pair<size_t, size_t>> shapes;
+            double least = 1e9;
+            for (const SlowBox& a : slowMetal(judged, i, step)) {
+                for (const SlowBox& b : slowMetal(judged, j, step)) {
+                    if (a.mask == b.mask && slowDistance(a, b) < 185 - 1e-7) {
+                        shapes.emplace(a.shape, b.shape);
+                        least = std::min(least, slowDistance(a, b));
+                    }
+                }
+            }
+            if (!shapes.empty()) {
+                found[{static_cast<int32_t>(i), static_cast<int32_t>(j), comps[i].y == comps[j].y}] = {
+                    static_cast<int32_t>(shapes.size()), std::llround(least * 1e6)};
+            }
+        }
+    }
+    return found;
+}
+
+Cell randomCell(int index)
+{
+    const int32_t width = 190 * *rc::gen::inRange(1, 4);
+    std::vector<Rect> rects;
+    std::vector<int32_t> masks;
+    const auto count = *rc::gen::inRange(0, 5);
+    for (int i = 0; i < count; ++i) {
+        const int32_t x = *rc::gen::inRange(-20, width);
+        const int32_t y = *rc::gen::inRange(-50, 1400);
+        rects.push_back({x, y, x + *rc::gen::inRange(10, 150), y + *rc::gen::inRange(10, 400)});
+        masks.push_back(*rc::gen::inRange(0, 3));
+    }
+    Cell cell = makeCell("C" + std::to_string(index), width, rects, masks);
+    if (count > 0 && *rc::gen::arbitrary<bool>()) {
+        cell.shapes[0].rects.push_back({60, 600, 90, 700});
+    }
+    return cell;
+}
+
+RC_GTEST_PROP(KitVerifyConflict, AgreesWithAllPairsOnRandomRows, ())
+{
+    const int32_t step = *rc::gen::element(190, 380, 123);
+    Judged judged({randomCell(0), randomCell(1), randomCell(2)}, step);
+    const auto count = *rc::gen::inRange(2, 16);
+    for (int i = 0; i < count; ++i) { // overlaps and cells beyond the rows are welcome
+        judged.add(*rc::gen::inRange(0, 3), *rc::gen::inRange(0, 25), *rc::gen::inRange(0, 3), 0,
+                   *rc::gen::element<std::string>("N", "FN", "S", "FS"));
+    }
+    Found found;
+    for (const Issue& issue : judged.judge()) {
+        if (kit::design::isConflict(issue)) {
+            const auto [low, high] = std::minmax(issue.component, issue.other);
+            const auto [at, isNew] = found.try_emplace({low, high, issue.kind == Kind::CONFLICT},
+                                                       issue.shapePairs, std::llround(issue.distance * 1e6));
+            RC_ASSERT(isNew);
+        }
+    }
+    RC_ASSERT(found == slowConflicts(judged, step));
+}
+
+} // namespace

@@ -1,0 +1,316 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// All the way from LEF and DEF, by the program itself.
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+
+#include "kit/base/process/childProcess.h"
+#include "kit/kitRun.h"
+#include "support/guards.h"
+
+namespace {
+
+using test::contentOf;
+using test::Words;
+
+constexpr const char* EXTENSIONS[] = {".def", ".gds", ".lyp", ".html", ".json"};
+
+class KitFlow : public testing::Test {
+protected:
+    /// Runs flow with a cache of the test's own. What it prints is in m_output and m_error.
+    int flow(const std::string& lef, const std::string& def, const Words& more = {})
+    {
+        Words words{VIRELOCE_KIT_PROGRAM, "flow", "--lef", lef, "--def", def, "-o", out(), "--cache",
+                    m_dir.path("cache")};
+        words.insert(words.end(), more.begin(), more.end());
+        const auto ending = kit::process::run(words, m_dir.path("stdout"), m_dir.path("stderr"));
+        m_output = contentOf(m_dir.path("stdout"));
+        m_error = contentOf(m_dir.path("stderr"));
+        return ending.status;
+    }
+
+    int gcd(const Words& more = {})
+    {
+        const std::string raw = VIRELOCE_KIT_EXAMPLES "/raw/";
+        return flow(raw + "Nangate45_stdcell.lef", raw + "gcd_nangate45.def", more);
+    }
+
+    std::string out() const { return m_dir.path("out"); }
+    bool exists(const std::string& extension) const { return std::filesystem::exists(out() + extension); }
+
+    /// Whether the table has a line of a step with some text.
+    bool says(const std::string& step, const std::string& text) const
+    {
+        std::istringstream lines(m_output);
+        for (std::string line; std::getline(lines, line);) {
+            if (line.rfind(step + " ", 0) == 0 && line.find(text) != std::string::npos) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    test::TempDir m_dir;
+    std::string m_output;
+    std::string m_error;
+};
+
+TEST_F(KitFlow, GoesFromLefAndDefToTheMasks)
+{
+    ASSERT_EQ(gcd({"--allow-conflicts"}), 0) << m_output << m_error;
+    for (const char* extension : EXTENSIONS) {
+        EXPECT_TRUE(exists(extension)) << extension;
+    }
+    EXPECT_TRUE(says("import", "426 components of 34 cells in 21 rows")) << m_output;
+    EXPECT_TRUE(says("color", "135 cells")) << m_output;
+    EXPECT_TRUE(says("lint", "0 errors")) << m_output;
+    EXPECT_TRUE(says("place", "HPWL 4337460 -> ")) << m_output;
+    EXPECT_TRUE(says("verify", "clean, 0 errors")) << m_output;
+    EXPECT_TRUE(says("export", "426 components")) << m_output;
+    EXPECT_TRUE(says("view", "out.html")) << m_output;
+    EXPECT_FALSE(exists(".flow")) << "what was in between goes";
+}
+
+TEST_F(KitFlow, KeepsAllFilesIfWished)
+{
+    ASSERT_EQ(gcd({"--allow-conflicts", "--keep"}), 0) << m_output;
+    for (const char* name :
+         {"/design.place", "/design.map", "/placed.place", "/placed.colors", "/placed.lyrdb"}) {
+        EXPECT_TRUE(exists(std::string(".flow") + name)) << name;
+    }
+}
+
+TEST_F(KitFlow, ColoursALibraryOnce)
+{
+    ASSERT_EQ(gcd({"--allow-conflicts"}), 0) << m_output;
+    const std::string first = contentOf(out() + ".gds");
+    ASSERT_EQ(gcd({"--allow-conflicts", "--force"}), 0) << m_output;
+    EXPECT_TRUE(says("color", "known from before")) << m_output;
+    EXPECT_EQ(contentOf(out() + ".gds"), first);
+    // Another distance is another colouring.
+    ASSERT_EQ(gcd({"--mindp", "120", "--force"}), 0) << m_output;
+    EXPECT_FALSE(says("color", "known from before")) << m_output;
+}
+
+TEST_F(KitFlow, RemovesFromTheCacheWhatKilledRunsLeftAndNothingElse)
+{
+    namespace fs = std::filesystem;
+    ASSERT_EQ(gcd({"--allow-conflicts"}), 0) << m_output;
+    const fs::path coloured = fs::directory_iterator(m_dir.path("cache"))->path();
+    const fs::path old = coloured.string() + ".part1";
+    const fs::path young = coloured.string() + ".part2";
+    const fs::path strange = coloured.string() + ".part3"; // without what flow puts into each
+    for (const fs::path& path : {old, young, strange}) {
+        fs::create_directory(path);
+        if (path != strange) {
+            std::ofstream(path / "made-by-flow");
+        }
+        if (path != young) {
+            fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::hours(25));
+        }
+    }
+    ASSERT_EQ(gcd({"--mindp", "120", "--force"}), 0) << m_output; // colours the library anew
+    EXPECT_FALSE(fs::exists(old));
+    EXPECT_TRUE(fs::exists(young)) << "another run may be at work on it";
+    EXPECT_TRUE(fs::exists(strange));
+    EXPECT_TRUE(fs::exists(coloured));
+}
+
+TEST_F(KitFlow, TakesColourFilesThatAreThere)
+{
+    ASSERT_EQ(gcd({"--cell-path", VIRELOCE_KIT_EXAMPLES "/nangate45_color"}), 0) << m_output;
+    EXPECT_TRUE(says("color", "given: ")) << m_output;
+    EXPECT_FALSE(std::filesystem::exists(m_dir.path("cache")));
+}
+
+TEST_F(KitFlow, StopsAtCellsInUseWithoutAColouring)
+{
+    EXPECT_EQ(gcd(), 2);
+    EXPECT_EQ(m_output.find("without a colouring:"), std::string::npos) << "failures go to standard error";
+    EXPECT_NE(m_error.find("Cells in use without a colouring: OAI22_X1 XNOR2_X2\n"), std::string::npos)
+        << m_error;
+    EXPECT_NE(m_error.find("What to do: give --allow-conflicts"), std::string::npos) << m_error;
+    EXPECT_FALSE(says("lint", "")) << m_output;
+    EXPECT_TRUE(exists(".flow/design.place"));
+    EXPECT_FALSE(exists(".def"));
+}
+
+TEST_F(KitFlow, ReplacesNothingWithoutForce)
+{
+    m_dir.write("out.gds", "old");
+    EXPECT_EQ(gcd({"--allow-conflicts"}), 2);
+    EXPECT_NE(m_error.find("out.gds exists"), std::string::npos) << m_error;
+    EXPECT_EQ(contentOf(out() + ".gds"), "old");
+}
+
+TEST_F(KitFlow, InputsInItsFolderAreRefusedAndFoldersOfOthersStay)
+{
+    std::filesystem::create_directory(out() + ".flow");
+    m_dir.write("out.flow/d.def", "DESIGN d ;\n");
+    EXPECT_EQ(flow(VIRELOCE_KIT_EXAMPLES "/raw/Nangate45_stdcell.lef", out() + ".flow/d.def", {"--force"}),
+              2);
+    EXPECT_NE(m_error.find("out.flow/d.def is in "), std::string::npos) << m_error;
+    EXPECT_EQ(gcd({"--force", "--allow-conflicts"}), 2);
+    EXPECT_NE(m_error.find("no run of flow has made it"), std::string::npos) << m_error;
+    EXPECT_EQ(contentOf(out() + ".flow/d.def"), "DESIGN d ;\n");
+}
+
+TEST_F(KitFlow, NeverReplacesAnInput)
+{
+    const std::string def = m_dir.path("out.json");
+    std::filesystem::copy_file(VIRELOCE_KIT_EXAMPLES "/raw/gcd_nangate45.def", def);
+    EXPECT_EQ(flow(VIRELOCE_KIT_EXAMPLES "/raw/Nangate45_stdcell.lef", def, {"--force", "--allow-conflicts"}),
+              2);
+    EXPECT_NE(m_error.find("is an input"), std::string::npos) << m_error;
+    EXPECT_EQ(contentOf(def), contentOf(VIRELOCE_KIT_EXAMPLES "/raw/gcd_nangate45.def"));
+}
+
+TEST_F(KitFlow, FolderWithoutTheCellsIsTold)
+{
+    EXPECT_EQ(gcd({"--cell-path", m_dir.path("none")}), 2);
+    EXPECT_NE(m_error.find("What to do: give the folder that has them with --cell-path"), std::string::npos)
+        << m_error;
+}
+
+TEST_F(KitFlow, OptionsAreCheckedBeforeTheFirstStep)
+{
+    for (const Words& more : {Words{"--site", "foo"}, Words{"--mindp", "-5"}, Words{"--jobs", "0"}}) {
+        EXPECT_EQ(gcd(more), 2);
+        EXPECT_EQ(m_output, "");
+        EXPECT_NE(m_error.find(more[0]), std::string::npos) << m_error;
+    }
+}
+
+/// A cell of two sites with metal at its right edge only.
+constexpr const char* LEF = R"(UNITS DATABASE MICRONS 1000 ; END UNITS
+SITE core CLASS CORE ; SIZE 0.2 BY 2 ; END core
+MACRO C CLASS CORE ; SIZE 0.4 BY 2 ; SITE core ;
+  PIN Z PORT LAYER metal1 ; RECT 0.34 0.5 0.39 1.5 ; END END Z
+END C
+)";
+
+class SmallFlow : public KitFlow {
+protected:
+    int small(const std::string& components, const Words& more = {})
+    {
+        m_dir.write("l.lef", LEF);
+        m_dir.write("d.def", "UNITS DISTANCE MICRONS 1000 ;\nROW r0 core 1000 0 N DO 20 BY 1 STEP 200 0 ;\n"
+                             "ROW r1 core 1000 2000 FS DO 20 BY 1 STEP 200 0 ;\nCOMPONENTS 2 ;\n" +
+                                 components + "END COMPONENTS\nEND DESIGN\n");
+        return flow(m_dir.path("l.lef"), m_dir.path("d.def"), more);
+    }
+};
+
+TEST_F(SmallFlow, StopsAtImportWithItsMessages)
+{
+    EXPECT_EQ(small("- u C ;\n- v C + PLACED ( 1400 0 ) N ;\n"), 2);
+    EXPECT_TRUE(says("import", "FAILED")) << m_output;
+    EXPECT_NE(m_error.find("component u is not placed"), std::string::npos) << m_error;
+    EXPECT_NE(m_error.find("What was run: "), std::string::npos) << m_error;
+    EXPECT_FALSE(says("color", "")) << m_output;
+}
+
+TEST_F(SmallFlow, TellsWarningsOfStepsThatGoWell)
+{
+    EXPECT_EQ(small("- u C + PLACED ( 1000 2000 ) N ;\n- v C + PLACED ( 1400 0 ) N ;\n"), 0) << m_output;
+    EXPECT_NE(m_error.find("warning: component u lies upside down in its row"), std::string::npos) << m_error;
+}
+
+TEST_F(SmallFlow, LegalizesIfWished)
+{
+    EXPECT_EQ(small("- u C ;\n- v C + PLACED ( 1400 0 ) N ;\n", {"--legalize"}), 0) << m_output;
+    EXPECT_NE(contentOf(out() + ".def").find("- u C + PLACED ( "), std::string::npos)
+        << contentOf(out() + ".def");
+}
+
+TEST_F(SmallFlow, FailedStepsCountWhereTheParentIgnoredTheEndsOfChildren)
+{
+    std::signal(SIGCHLD, SIG_IGN); // what a program is started with stays so
+    const std::string command = "exec '" VIRELOCE_KIT_PROGRAM "' flow --lef " + m_dir.path("l.lef") +
+                                " --def " + m_dir.path("d.def") + " -o " + out() + " --cache " +
+                                m_dir.path("cache") + " >/dev/null 2>&1";
+    m_dir.write("l.lef", LEF);
+    m_dir.write("d.def", "UNITS DISTANCE MICRONS 1000 ;\nEND DESIGN\n");
+    const pid_t child = fork();
+    if (child == 0) {
+        execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
+        _exit(127);
+    }
+    std::signal(SIGCHLD, SIG_DFL);
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(WEXITSTATUS(status), 2);
+    EXPECT_FALSE(exists(".def"));
+}
+
+/// Two cells side by side.
+constexpr const char* GOOD = "- u C + PLACED ( 1000 0 ) N ;\n- v C + PLACED ( 1400 0 ) N ;\n";
+
+/// A flow that has been run well, to be run again with less room.
+class FullDiskFlow : public SmallFlow {
+protected:
+    FullDiskFlow()
+    {
+        EXPECT_EQ(small(GOOD), 0) << m_output;
+        m_page = std::filesystem::file_size(out() + ".html");
+        for (const char* extension : EXTENSIONS) {
+            EXPECT_LE(std::filesystem::file_size(out() + extension), m_page) << extension;
+            std::filesystem::remove(out() + extension);
+        }
+    }
+
+    /// Runs it where no file may have more than some blocks of 512 bytes. What it prints is in m_output.
+    int again(uintmax_t blocks)
+    {
+        const std::string command = "ulimit -f " + std::to_string(blocks) +
+                                    "; exec '" VIRELOCE_KIT_PROGRAM "' flow --lef " + m_dir.path("l.lef") +
+                                    " --def " + m_dir.path("d.def") + " -o " + out() + " --cache " +
+                                    m_dir.path("cache") + " 2>&1";
+        FILE* const pipe = popen(command.c_str(), "r"); // of which there may be any amount
+        m_output.clear();
+        for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) {
+            m_output += static_cast<char>(c);
+        }
+        return WEXITSTATUS(pclose(pipe));
+    }
+
+    uintmax_t m_page = 0; ///< bytes
+};
+
+TEST_F(FullDiskFlow, SaysWhatWentWrong)
+{
+    EXPECT_EQ(again(1), 2);
+    EXPECT_TRUE(says("import", "FAILED")) << m_output;
+    EXPECT_NE(m_output.find("What went wrong: vireloce-kit: cannot write "), std::string::npos) << m_output;
+    EXPECT_NE(m_output.find(": File too large\n"), std::string::npos) << m_output;
+}
+
+TEST_F(FullDiskFlow, ResultsAppearTogetherOrNotAtAll)
+{
+    EXPECT_EQ(again((m_page - 1) / 512), 2);
+    EXPECT_TRUE(says("export", "2 components")) << m_output;
+    EXPECT_TRUE(says("view", "FAILED")) << "there is no room for the page, which comes after the masks";
+    for (const char* extension : EXTENSIONS) {
+        EXPECT_FALSE(exists(extension)) << extension;
+    }
+}
+
+TEST_F(SmallFlow, StopsAtAPlacementThatIsNotClean)
+{
+    // Their right edges meet, with one solution for both; the placer takes both as unmirrored.
+    const std::string pair = "- u C + PLACED ( 1000 0 ) N ;\n- v C + PLACED ( 1400 0 ) FN ;\n";
+    EXPECT_EQ(small(pair, {"--max-solutions", "1"}), 1) << m_output;
+    EXPECT_TRUE(says("place", "FAILED: HPWL ")) << m_output;
+    EXPECT_TRUE(says("place", " 0 conflicts; verify finds 1 error")) << m_output;
+    EXPECT_NE(m_error.find("What to do: "), std::string::npos) << m_error;
+    EXPECT_FALSE(exists(".def"));
+}
+
+} // namespace
