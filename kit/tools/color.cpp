@@ -4,13 +4,14 @@
 #include <memory>
 
 #include "kit/engines/color/run.h"
+#include "kit/tools/distanceOption.h"
 #include "kit/tools/siteOption.h"
 
 namespace kit::color {
 
 namespace {
 
-constexpr int32_t LONGEST_DISTANCE = 10'000;
+constexpr int32_t LONGEST_OVERLAP = 10'000;
 constexpr int32_t MOST_SOLUTIONS = 1000;
 constexpr int32_t MOST_JOBS = 256;
 
@@ -22,13 +23,10 @@ Example:
 
 void addRules(const Command& command, Settings& settings)
 {
-    command.add("--mindp", settings.rules.distance, "colouring distance, DBU of the library")
-        .between(0, LONGEST_DISTANCE)
-        .withDefault();
     command
         .add("--stitch-overlap", settings.rules.stitchOverlap,
-             "by how much two masks overlap at a stitch, DBU of the library")
-        .between(0, LONGEST_DISTANCE)
+             "by how much two masks overlap at a stitch, library units")
+        .between(0, LONGEST_OVERLAP)
         .withDefault();
     command.add("--max-solutions", settings.mostSolutions, "most solutions of a cell")
         .between(1, MOST_SOLUTIONS)
@@ -48,6 +46,7 @@ void addCommand(const Command& program)
     command.add("-o,--output", options->outDir, "folder of the colour files, made if it is not there")
         .required()
         .formerly("--out");
+    addDistanceOption(command, options->minDist);
     addRules(command, options->settings);
     addSiteOption(command, options->site);
     command.add("--jobs", options->jobs, "threads; the files are the same with any number")

@@ -4,6 +4,7 @@
 #include <iostream>
 #include <memory>
 
+#include "kit/tools/distanceOption.h"
 #include "kit/tools/flow/flow.h"
 #include "kit/tools/siteOption.h"
 
@@ -48,7 +49,7 @@ void addNumbers(const Command& command, Options& options)
 {
     command.add("--max-solutions", options.maxSolutions, "most colour solutions of a cell");
     command.add("--jobs", options.jobs, "threads for colouring").between(1, MOST_JOBS);
-    command.add("--mindp", options.mindp, "colouring distance, DBU of the library").between(1, 10'000);
+    addDistanceOption(command, options.minDist);
     command.add("--algo", options.algo, "placement method, as of `place`");
     command.add("--weight", options.weight, "cost of a site of wirelength against a stitch");
     command.add("--move-range", options.moveRange, "farthest local shift, sites");

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "kit/engines/lint/lint.h"
+#include "kit/tools/distanceOption.h"
 
 namespace kit::lint {
 
@@ -23,10 +24,7 @@ void addCommand(const Command& program)
     const auto options = std::make_shared<Options>();
     command.add("BASE", options->paths.base, "path and base name of the design files").required();
     command.add("--cell-path", options->paths.cellDir, "folder of the colour files").required();
-    // A larger distance would overflow the placer's squares.
-    command.add("--mindp", options->distance, "colouring distance, DBU of the library")
-        .between(0, 10'000)
-        .withDefault();
+    addDistanceOption(command, options->minDist);
     command.flag("--werror", options->strict, "take warnings for errors");
     command.flag("--json", options->json, "write JSON");
     command.footer(FOOTER);

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "kit/engines/place/placeRun.h"
+#include "kit/tools/distanceOption.h"
 
 namespace kit::place {
 
@@ -15,7 +16,7 @@ void addPlacerOptions(const Command& command, Options& options)
         "--algo", options.algo,
         "method: 0 sites and colours together, 1 colours, then sites, 2 greedy, 3 local shifts, 4 the same "
         "with pruning (default: 0)");
-    command.add("--mindp", options.mindp, "colouring distance, DBU (default: 185)");
+    addDistanceOption(command, options.minDist);
     command.add("--site-width", options.siteWidth,
                 "site width until the rows give theirs, DBU (default: 190)");
     command.add("--move-range", options.moveRange, "farthest local shift, sites (default: 8)");

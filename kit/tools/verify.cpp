@@ -9,12 +9,12 @@
 #include "kit/design/trueOrient.h"
 #include "kit/engines/verify/report.h"
 #include "kit/engines/verify/verify.h"
+#include "kit/tools/distanceOption.h"
 
 namespace kit::verify {
 
 namespace {
 
-constexpr int32_t LONGEST_DISTANCE = 10'000;
 constexpr int32_t MOST_ROWS = 1'000'000;
 
 constexpr const char* FOOTER =
@@ -26,7 +26,7 @@ Example:
 int run(const Options& options)
 {
     const design::ColoredPlacement input = design::readColoredPlacement(options);
-    const design::Issues issues = judge(input, options.minDist);
+    const design::Issues issues = judge(input, options.minDist.unitsOn(design::siteLength(input.design)));
     if (!options.lyrdb.empty()) {
         std::vector<std::string> inputs = filesIn(options.cellDir);
         inputs.insert(inputs.end(),
@@ -48,9 +48,7 @@ void addCommand(const Command& program)
     command.add("--colors", options->colors, "chosen colours of its components").required();
     command.add("--cell-path", options->cellDir, "folder of the colour files of the cells").required();
     command.add("--cells", options->cells, "cell list (default: the cells that the placement names)");
-    command.add("--mindp", options->minDist, "colouring distance, DBU of the library")
-        .between(0, LONGEST_DISTANCE)
-        .withDefault();
+    addDistanceOption(command, options->minDist);
     command.flag("--json", options->json, "write JSON");
     command.add("--lyrdb", options->lyrdb, "write markers for a layout viewer to this file");
     command.add("--worst", options->worst, "most rows of the tables").between(0, MOST_ROWS).withDefault();

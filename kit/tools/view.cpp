@@ -13,12 +13,11 @@
 #include "kit/engines/view/inputs.h"
 #include "kit/engines/view/options.h"
 #include "kit/engines/view/svg.h"
+#include "kit/tools/distanceOption.h"
 
 namespace kit::view {
 
 namespace {
-
-constexpr int32_t GREATEST_MIN_DIST = 100'000;
 
 void addOptions(const Command& command, Options& options)
 {
@@ -33,9 +32,7 @@ void addOptions(const Command& command, Options& options)
     command.add("--before", options.before, "input placement BASE.place, for displacements");
     command.add("--netlist", options.netlist, "netlist (default: as --cells)");
     command.add("--pins", options.pins, "pins (default: as --cells)");
-    command.add("--mindp", options.minDist, "distance of metal on one mask, DBU of the library")
-        .between(0, GREATEST_MIN_DIST)
-        .withDefault();
+    addDistanceOption(command, options.minDist);
     command.flag("--force", options.force, "replace a picture that exists");
 }
 

@@ -214,7 +214,7 @@ std::unique_ptr<Component> PlaceParser::readComponent()
     tokens.next();
     auto comp = std::make_unique<Component>();
     comp->name = tokens.next();
-    if (comp->name == "FILLER_1") { // fillers come last and are not placed: the rest is passed over
+    if (comp->name == "FILLER_1") { // fillers come last and are not placed: the rest is ignored
         return nullptr;
     }
     comp->cellName = tokens.next();

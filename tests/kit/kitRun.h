@@ -69,6 +69,9 @@ public:
     std::string base() const { return m_dir.path("d"); }
     std::string lib() const { return m_dir.path("d.colors"); }
 
+    /// A path beside them.
+    std::string path(const std::string& name) const { return m_dir.path(name); }
+
     /// All files of the design one after the other, the colour files by name.
     std::string allText() const
     {

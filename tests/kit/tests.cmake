@@ -10,6 +10,7 @@ vireloce_test(kit SHARDS 4
     kit/base/text/escape_test.cpp
     kit/base/text/json_test.cpp
     kit/base/text/text_test.cpp
+    kit/design/distance_test.cpp
     kit/design/frame_test.cpp
     kit/design/nameMap_test.cpp
     kit/engines/color/cell_test.cpp

@@ -10,6 +10,7 @@
 #include "kit/base/findingText.h"
 #include "kit/base/text/printable.h"
 #include "kit/base/text/text.h"
+#include "kit/design/distance.h"
 #include "kit/formats/lefdef/units.h"
 
 namespace kit::color {
@@ -48,8 +49,9 @@ void writeTroubles(const Result& result, std::ostream& out)
         } else if (cell.trouble) {
             out << "  " << printable(result.metal[i].name) << ": "
                 << counted(static_cast<int64_t>(cell.trouble->polygons.size()), "shape")
-                << " too close together; --mindp " << cell.trouble->goodDistance << " would do"
-                << (cell.file ? "; " + conflictText(cell) : "") << '\n';
+                << " too close together; --mindp "
+                << design::Distance::text(cell.trouble->goodDistance, result.selection.site.width)
+                << " would do" << (cell.file ? "; " + conflictText(cell) : "") << '\n';
         }
     }
 }
@@ -72,15 +74,16 @@ void writeMessages(const Findings& findings, std::ostream& out)
     }
 }
 
-std::string troubleText(const CellMetal& metal, const ColouredCell& cell, const Settings& settings)
+std::string troubleText(const CellMetal& metal, const ColouredCell& cell, const Rules& rules,
+                        lefdef::Length site)
 {
     if (cell.tooLarge) {
         return metal.name +
                " gets no colour file: too many of its shapes depend on each other, and the search "
                "was given up";
     }
-    return metal.name + " has no colouring: " + textOf(*cell.trouble, metal, settings.rules) +
-           "; it can be coloured with --mindp " + std::to_string(cell.trouble->goodDistance) +
+    return metal.name + " has no colouring: " + textOf(*cell.trouble, metal, rules) +
+           "; it can be coloured with --mindp " + design::Distance::text(cell.trouble->goodDistance, site) +
            (cell.file ? "; its file has " + conflictText(cell) : "");
 }
 
@@ -101,7 +104,7 @@ void writeSummary(const Result& result, const Options& options, std::ostream& ou
     out << counted(static_cast<int64_t>(result.colours.size()), "cell") << ", layer " << options.layer
         << ", site " << lefdef::micronText(result.selection.site.width) << " x "
         << lefdef::micronText(result.selection.site.height) << " um, distance "
-        << options.settings.rules.distance << '\n';
+        << design::Distance::text(options.settings.rules.distance, result.selection.site.width) << '\n';
     writeHistogram(solutions, "solutions", out);
     writeHistogram(stitches, "stitches", out);
     out << '\n' << counted(static_cast<int64_t>(bad), "cell") << " without a colouring free of conflicts\n";

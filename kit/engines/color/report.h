@@ -12,7 +12,10 @@ namespace kit::color {
 void writeMessages(const Findings& findings, std::ostream& out);
 
 /// Why a cell has no colouring without conflicts, in words.
-std::string troubleText(const CellMetal& metal, const ColouredCell& cell, const Settings& settings);
+///
+/// @param site  width of a site
+std::string troubleText(const CellMetal& metal, const ColouredCell& cell, const Rules& rules,
+                        lefdef::Length site);
 
 /// Writes the summary: how many cells, solutions and stitches, and which cells have no colouring.
 void writeSummary(const Result& result, const Options& options, std::ostream& out);

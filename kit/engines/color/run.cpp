@@ -89,7 +89,7 @@ private:
         }
         if (!m_masksTold && hasMasks(macro)) {
             m_masksTold = true;
-            reporter.note("masks", at, macro.name + " has shapes with masks, which are not heeded", "");
+            reporter.note("masks", at, macro.name + " has shapes with masks, which are ignored", "");
         }
     }
 
@@ -155,7 +155,7 @@ void tellTroubles(const Options& options, const Library& library, Result& result
         Reporter(result.findings, place.file)
             .add(cell.file ? Severity::WARNING : Severity::ERROR,
                  cell.tooLarge ? "too-intricate" : "no-coloring", place.at,
-                 troubleText(result.metal[i], cell, options.settings), "");
+                 troubleText(result.metal[i], cell, options.settings.rules, result.selection.site.width), "");
     }
 }
 
@@ -199,7 +199,7 @@ std::vector<ColouredCell> colourAll(const std::vector<CellMetal>& cells, const S
     return results;
 }
 
-int run(const Options& options)
+int run(Options options)
 {
     const auto begin = std::chrono::steady_clock::now();
     Result result;
@@ -209,6 +209,7 @@ int run(const Options& options)
         return BAD_INPUT;
     }
     result.selection = selectCells(library, options.site, options.layer, result.findings);
+    options.settings.rules.distance = options.minDist.unitsOn(result.selection.site.width);
     MetalReader(library, result).run();
     checkOutputsOf(options, result.metal);
     makeFolder(options.outDir);

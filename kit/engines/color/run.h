@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "kit/base/finding.h"
+#include "kit/design/distance.h"
 #include "kit/engines/color/cell.h"
 #include "kit/engines/color/library.h"
 #include "kit/engines/color/metal.h"
@@ -20,7 +21,8 @@ struct Options {
     std::string layer = "metal1";
     std::string outDir;
     std::optional<SiteSize> site;
-    Settings settings;
+    design::Distance minDist; ///< what shapes of one mask need
+    Settings settings;        ///< run() takes the distance from minDist
     size_t jobs = 1;
     bool svg = false;
     bool force = false;
@@ -49,6 +51,6 @@ std::vector<ColouredCell> colourAll(const std::vector<CellMetal>& cells, const S
 /// @return exit status: 0 if every cell has a colouring; 1 if one has none without conflicts; 2 after errors
 ///         in the files
 /// Errors: throws Fault for files that cannot be read or written, or that exist already.
-int run(const Options& options);
+int run(Options options);
 
 } // namespace kit::color

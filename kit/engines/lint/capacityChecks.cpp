@@ -21,7 +21,8 @@ class CapacityCheck {
 public:
     explicit CapacityCheck(const Subject& subject)
         : m_design(subject.design), m_occupancy(design::occupancyOf(subject.design)),
-          m_spacing(subject.design.cells, subject.options.distance),
+          m_spacing(subject.design.cells,
+                    subject.options.minDist.unitsOn(design::siteLength(subject.design))),
           m_tableFits(tableFits(subject.design.cells)),
           m_reporter(subject.findings, subject.options.paths.place())
     {

@@ -19,8 +19,8 @@ using placer::Solution;
 /// The pairs of a cell's shapes that are closer than the colouring distance, and the metal they form.
 class MaskCheck {
 public:
-    MaskCheck(const Cell& cell, int32_t distance, Findings& findings)
-        : m_cell(cell), m_reporter(findings, cell.path), m_distance(distance)
+    MaskCheck(const Cell& cell, int32_t distance, lefdef::Length site, Findings& findings)
+        : m_cell(cell), m_reporter(findings, cell.path), m_distance(design::Distance::text(distance, site))
     {
         for (size_t a = 0; a < cell.shapes.size(); ++a) {
             for (size_t b = a + 1; b < cell.shapes.size(); ++b) {
@@ -90,13 +90,13 @@ private:
         m_reporter.warning("same-mask", {solution.line, 0},
                            "shapes " + std::to_string(pair.a + 1) + " and " + std::to_string(pair.b + 1) +
                                " are on mask " + std::to_string(solution.masks[pair.a]) + " and only " +
-                               std::to_string(distance) + " apart, less than " + std::to_string(m_distance),
+                               std::to_string(distance) + " apart, less than " + m_distance,
                            "colour them differently: the placer does not look inside a cell");
     }
 
     const Cell& m_cell;
     Reporter m_reporter;
-    int32_t m_distance;
+    std::string m_distance;      ///< for messages
     std::vector<Pair> m_pairs;   ///< closer than the colouring distance
     std::vector<size_t> m_piece; ///< [shape] another of its piece of metal, or itself
 };
@@ -107,9 +107,11 @@ void checkMasks(const Subject& subject)
 {
     const std::vector<Cell>& cells = subject.design.cells;
     const placer::NameIndex last = placer::indexNames(cells);
+    const lefdef::Length site = design::siteLength(subject.design);
+    const int32_t distance = subject.options.minDist.unitsOn(site);
     for (size_t i = 0; i < cells.size(); ++i) {
         if (cells[i].complete && placer::findName(last, cells[i].name) == static_cast<int32_t>(i)) {
-            MaskCheck(cells[i], subject.options.distance, subject.findings).run();
+            MaskCheck(cells[i], distance, site, subject.findings).run();
         }
     }
 }

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include <cstdint>
-
+#include "kit/design/distance.h"
 #include "kit/formats/placer/reader.h"
 
 namespace kit::lint {
@@ -10,9 +9,9 @@ namespace kit::lint {
 /// What to look at, and how to say it.
 struct Options {
     placer::Paths paths;
-    int32_t distance = 185; ///< colouring distance, library coordinates
-    bool strict = false;    ///< warnings are errors
-    bool json = false;      ///< JSON instead of lines
+    design::Distance minDist; ///< what shapes of one mask need
+    bool strict = false;      ///< warnings are errors
+    bool json = false;        ///< JSON instead of lines
 };
 
 } // namespace kit::lint

@@ -23,6 +23,9 @@ Judgement judge(const Options& options, int32_t minDist, const OutputSet& files)
             judgement.conflicts += issue.kind == design::Kind::CONFLICT ? 1 : 0;
         }
         judgement.errors += static_cast<int64_t>(input.faults.size());
+        if (const lefdef::Length site = design::siteLength(input.design); site > 0) {
+            judgement.minDist = design::Distance(minDist).micronsOn(site);
+        }
         judgement.possible = true;
     } catch (const Fault&) { // without rows there is nothing to judge
     }
@@ -34,7 +37,10 @@ Json toJson(const Judgement& judgement)
     if (!judgement.possible) {
         return nullptr;
     }
-    return {{"errors", judgement.errors}, {"conflicts", judgement.conflicts}, {"notes", judgement.notes}};
+    return {{"errors", judgement.errors},
+            {"conflicts", judgement.conflicts},
+            {"notes", judgement.notes},
+            {"mindp_um", judgement.minDist ? Json(*judgement.minDist) : Json(nullptr)}};
 }
 
 } // namespace kit::place

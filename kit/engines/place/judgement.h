@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "kit/base/files/outputSet.h"
 #include "kit/base/text/json.h"
@@ -15,6 +16,8 @@ struct Judgement {
     int64_t errors = 0;    ///< issues that are more than notes
     int64_t conflicts = 0; ///< of these, pairs of cells in a row with shapes of one mask too close
     int64_t notes = 0;
+    std::optional<double>
+        minDist{}; ///< least distance of shapes on one mask, micrometres, where UNITS are known
 };
 
 /// Judges OUT.place with OUT.colors, which need not have their names yet. The placer's own count of conflicts

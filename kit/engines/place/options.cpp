@@ -4,8 +4,25 @@
 #include "kit/base/files/folder.h"
 #include "kit/base/files/outputPaths.h"
 #include "kit/base/text/shortText.h"
+#include "kit/formats/placer/reader.h"
 
 namespace kit::place {
+
+namespace {
+
+/// Width of the sites of the design, which is read only where the distance is given as a length.
+lefdef::Length siteOf(const Options& options)
+{
+    if (!options.minDist || !options.minDist->hasUnit()) {
+        return 0;
+    }
+    placer::Design design;
+    Findings findings; // the placer tells what is wrong
+    placer::readPlacement(options.base + ".place", design, findings);
+    return design::siteLength(design);
+}
+
+} // namespace
 
 std::vector<std::string> placerArguments(const Options& options)
 {
@@ -16,7 +33,8 @@ std::vector<std::string> placerArguments(const Options& options)
         }
     };
     addGiven("-algo", options.algo);
-    addGiven("-mindp", options.mindp);
+    addGiven("-mindp",
+             options.minDist ? std::optional(options.minDist->unitsOn(siteOf(options))) : std::nullopt);
     addGiven("-siteW", options.siteWidth);
     addGiven("-M", options.moveRange);
     addGiven("-W", options.weight);

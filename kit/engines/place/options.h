@@ -7,21 +7,23 @@
 #include <string>
 #include <vector>
 
+#include "kit/design/distance.h"
+
 namespace kit::place {
 
 /// The arguments of `place`. Numbers that are not given are the placer's own defaults.
 struct Options {
-    std::string base;                 ///< path of the design files without extension
-    std::string cellPath;             ///< folder of the colour files
-    std::string out;                  ///< path of the result files without extension
-    std::optional<int32_t> algo;      ///< placement method
-    std::optional<int32_t> mindp;     ///< colouring distance, DBU of the library
-    std::optional<int32_t> siteWidth; ///< site width until the rows give theirs, DBU
-    std::optional<int32_t> moveRange; ///< move range of the local shift program, sites
-    std::optional<double> weight;     ///< cost of a site of wirelength against a stitch
-    bool rescue = false;              ///< find places for the cells that the placer left without one
-    bool force = false;               ///< replace earlier results
-    bool quiet = false;               ///< no progress line
+    std::string base;                        ///< path of the design files without extension
+    std::string cellPath;                    ///< folder of the colour files
+    std::string out;                         ///< path of the result files without extension
+    std::optional<int32_t> algo;             ///< placement method
+    std::optional<design::Distance> minDist; ///< what shapes of one mask need
+    std::optional<int32_t> siteWidth;        ///< site width until the rows give theirs, DBU
+    std::optional<int32_t> moveRange;        ///< move range of the local shift program, sites
+    std::optional<double> weight;            ///< cost of a site of wirelength against a stitch
+    bool rescue = false;                     ///< find places for the cells that the placer left without one
+    bool force = false;                      ///< replace earlier results
+    bool quiet = false;                      ///< no progress line
 };
 
 /// The placer's own arguments for these, its name first.

@@ -71,8 +71,8 @@ public:
             return UNREADABLE;
         }
         const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
-        Json result =
-            resultJson(m_options, m_run, std::move(m_placement), std::move(m_rescue), seconds.count());
+        Json result = resultJson(m_options, options.parameters.minDist, m_run, std::move(m_placement),
+                                 std::move(m_rescue), seconds.count());
         if (m_run.complete) { // what this takes is not the placer's time and memory
             const Judgement judgement = judge(m_options, options.parameters.minDist, m_files);
             m_clean = m_clean && judgement.errors == 0;

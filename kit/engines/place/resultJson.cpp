@@ -48,14 +48,14 @@ Json reportJson(const PlacerRun& run)
     return json;
 }
 
-Json optionsJson(const Options& options)
+Json optionsJson(const Options& options, int32_t minDist)
 {
     Json json{{"base", options.base}, {"cell_path", options.cellPath}, {"out", options.out}};
     const auto addGiven = [&](const char* name, const auto& value) {
         json[name] = value.has_value() ? Json(*value) : Json(nullptr);
     };
     addGiven("algo", options.algo);
-    addGiven("mindp", options.mindp);
+    json["mindp"] = options.minDist ? Json(minDist) : Json(nullptr);
     addGiven("site_width", options.siteWidth);
     addGiven("move_range", options.moveRange);
     addGiven("weight", options.weight);
@@ -147,11 +147,12 @@ Json toJson(const Design& design, const Rescue& rescue)
     return {{"cells", cells}, {"moved_neighbours", rescue.movedNeighbours}};
 }
 
-Json resultJson(const Options& options, const PlacerRun& run, Json placement, Json rescue, double seconds)
+Json resultJson(const Options& options, int32_t minDist, const PlacerRun& run, Json placement, Json rescue,
+                double seconds)
 {
     return {{"schema", "vireloce-place"},
             {"version", SCHEMA_VERSION},
-            {"options", optionsJson(options)},
+            {"options", optionsJson(options, minDist)},
             {"complete", run.complete},
             {"report", reportJson(run)},
             {"passes", passesJson(run.result.passes)},

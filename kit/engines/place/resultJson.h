@@ -33,9 +33,11 @@ Json toJson(const Design& design, const Rescue& rescue);
 
 /// The whole result; its member "judge" is null.
 ///
+/// @param minDist    library units
 /// @param placement  of toJson(), null if the run gave none
 /// @param rescue     null if none was asked for
 /// @param seconds    wall time of the run
-Json resultJson(const Options& options, const PlacerRun& run, Json placement, Json rescue, double seconds);
+Json resultJson(const Options& options, int32_t minDist, const PlacerRun& run, Json placement, Json rescue,
+                double seconds);
 
 } // namespace kit::place

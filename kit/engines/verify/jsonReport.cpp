@@ -26,7 +26,8 @@ Json jsonOf(const Finding& fault)
             {"what", fault.what + advice}};
 }
 
-Json jsonOf(const design::Issue& issue, const Options& options, const placer::Design& design)
+Json jsonOf(const design::Issue& issue, const Options& options, const placer::Design& design,
+            const std::string& minDist)
 {
     const design::KindInfo& info = design::infoOf(issue.kind);
     const auto nameOf = [&](int32_t component) {
@@ -36,7 +37,7 @@ Json jsonOf(const design::Issue& issue, const Options& options, const placer::De
               {"code", info.name},
               {"file", issue.inColors ? options.colors : options.placement},
               {"line", issue.line},
-              {"what", textOf(issue, design, options.minDist)}};
+              {"what", textOf(issue, design, minDist)}};
     if (issue.component >= 0) {
         json["component"] = nameOf(issue.component);
     }
@@ -68,8 +69,11 @@ Json countsOf(const design::ColoredPlacement& input, const design::Issues& issue
 void writeJson(const Options& options, const design::ColoredPlacement& input, const design::Issues& issues,
                std::ostream& out)
 {
+    const lefdef::Length site = design::siteLength(input.design);
+    const std::string minDist = options.minDist.textOn(site);
     out << "{\"schema\":" << SCHEMA << ",\"placement\":" << Json(options.placement)
-        << ",\"colors\":" << Json(options.colors) << ",\"mindp\":" << options.minDist
+        << ",\"colors\":" << Json(options.colors) << ",\"mindp\":" << options.minDist.unitsOn(site)
+        << ",\"mindp_um\":" << (site > 0 ? Json(options.minDist.micronsOn(site)) : Json(nullptr))
         << ",\"clean\":" << (exitStatusOf(input, issues) == 0 ? "true" : "false")
         << ",\"counts\":" << countsOf(input, issues) << ",\"findings\":[";
     const char* separator = "\n";
@@ -78,7 +82,7 @@ void writeJson(const Options& options, const design::ColoredPlacement& input, co
         separator = ",\n";
     }
     for (const design::Issue& issue : issues) { // one by one: a million of them need no second copy
-        out << separator << jsonOf(issue, options, input.design);
+        out << separator << jsonOf(issue, options, input.design, minDist);
         separator = ",\n";
     }
     out << "\n]}\n";

@@ -80,7 +80,8 @@ class MarkerFile {
 public:
     MarkerFile(const Options& options, const design::ColoredPlacement& input)
         : m_options(options), m_input(input), m_out(options.lyrdb),
-          m_frame(design::frameOf(input.design, options.placement)), m_cell(escapeXml(m_frame.topCell))
+          m_frame(design::frameOf(input.design, options.placement)), m_cell(escapeXml(m_frame.topCell)),
+          m_minDist(options.minDist.textOn(design::siteLength(input.design)))
     {
     }
 
@@ -122,7 +123,7 @@ private:
 
     void writeItem(const design::Issue& issue)
     {
-        const std::string text = textOf(issue, m_input.design, m_options.minDist);
+        const std::string text = textOf(issue, m_input.design, m_minDist);
         m_out << "  <item>\n   <category>" << inQuotes(design::infoOf(issue.kind).name)
               << "</category>\n   <cell>" << m_cell << "</cell>\n   <values>\n    <value>"
               << valueOf(issue, m_frame.dbuPerMicron)
@@ -134,7 +135,8 @@ private:
     const design::ColoredPlacement& m_input;
     OutputFile m_out;
     design::Frame m_frame;
-    std::string m_cell; ///< name of the top cell, as XML
+    std::string m_cell;    ///< name of the top cell, as XML
+    std::string m_minDist; ///< for people
 };
 
 } // namespace

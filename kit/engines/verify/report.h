@@ -10,7 +10,9 @@
 namespace kit::verify {
 
 /// What an issue says, without its place.
-std::string textOf(const design::Issue& issue, const placer::Design& design, int32_t minDist);
+///
+/// @param minDist  the distance that shapes of one mask need, for people
+std::string textOf(const design::Issue& issue, const placer::Design& design, const std::string& minDist);
 
 /// Writes issues as lines "FILE:LINE: error|note: what [kind]", the closest pairs as a table, and counts.
 ///

@@ -39,7 +39,8 @@ class TextReport {
 public:
     TextReport(const Options& options, const design::ColoredPlacement& input, const design::Issues& issues,
                std::ostream& out)
-        : m_options(options), m_input(input), m_issues(issues), m_out(out)
+        : m_options(options), m_input(input), m_issues(issues), m_out(out),
+          m_minDist(options.minDist.textOn(design::siteLength(input.design)))
     {
     }
 
@@ -75,7 +76,7 @@ private:
     {
         const design::KindInfo& info = design::infoOf(issue.kind);
         writeLine(issue.inColors ? m_options.colors : m_options.placement, issue.line, info.severity,
-                  textOf(issue, m_input.design, m_options.minDist), info.name);
+                  textOf(issue, m_input.design, m_minDist), info.name);
     }
 
     /// The closest pairs of a kind, as many as are asked for; of equal ones those met first.
@@ -102,7 +103,7 @@ private:
         }
         m_out << "\nClosest pairs of cells in a row, of "
               << countKinds(m_issues)[static_cast<size_t>(design::Kind::CONFLICT)]
-              << "; shapes of one mask must be " << m_options.minDist << " apart\n"
+              << "; shapes of one mask must be " << m_minDist << " apart\n"
               << "distance  shape pairs  mask  cells\n";
         for (const design::Issue* pair : pairs) {
             m_out << padded(rounded(pair->distance), 8) << padded(std::to_string(pair->shapePairs), 13)
@@ -134,11 +135,12 @@ private:
     const design::ColoredPlacement& m_input;
     const design::Issues& m_issues;
     std::ostream& m_out;
+    std::string m_minDist; ///< for people
 };
 
 } // namespace
 
-std::string textOf(const design::Issue& issue, const placer::Design& design, int32_t minDist)
+std::string textOf(const design::Issue& issue, const placer::Design& design, const std::string& minDist)
 {
     if (!issue.what.empty() || issue.other < 0) {
         return issue.what;
@@ -148,7 +150,7 @@ std::string textOf(const design::Issue& issue, const placer::Design& design, int
         return pair + " overlap";
     }
     return pair + " have shapes of mask " + std::to_string(issue.mask) + " " + rounded(issue.distance) +
-           " apart, " + std::to_string(minDist) + " are needed; " + counted(issue.shapePairs, "pair") +
+           " apart, " + minDist + " are needed; " + counted(issue.shapePairs, "pair") +
            " of shapes too close";
 }
 

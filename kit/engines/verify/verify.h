@@ -7,16 +7,17 @@
 #include <vector>
 
 #include "kit/design/coloredPlacement.h"
+#include "kit/design/distance.h"
 #include "kit/design/issue.h"
 
 namespace kit::verify {
 
 /// What is judged, and how.
 struct Options : design::PlacementPaths {
-    int32_t minDist = 185; ///< distance that shapes of one mask need, library coordinates
-    bool json = false;     ///< JSON in place of text on standard output
-    std::string lyrdb;     ///< path of a report database to be written, empty for none
-    int32_t worst = 20;    ///< rows of the tables of the closest pairs
+    design::Distance minDist; ///< what shapes of one mask need
+    bool json = false;        ///< JSON in place of text on standard output
+    std::string lyrdb;        ///< path of a report database to be written, empty for none
+    int32_t worst = 20;       ///< rows of the tables of the closest pairs
 };
 
 /// All issues of a placement.

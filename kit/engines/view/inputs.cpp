@@ -101,7 +101,7 @@ std::vector<std::string> allOf(const InputPaths& paths)
     return all;
 }
 
-Scene readScene(const InputPaths& paths, int32_t minDist, Findings& findings)
+Scene readScene(const InputPaths& paths, const design::Distance& minDist, Findings& findings)
 {
     placer::Design design;
     readPlacedCells(paths, design, findings);
@@ -128,9 +128,11 @@ Scene readScene(const InputPaths& paths, int32_t minDist, Findings& findings)
     Scene scene = buildScene(design, extras);
     scene.title = paths.placement;
     scene.dbuPerMicron = design::frameOf(design, paths.placement).dbuPerMicron;
-    scene.minDist = minDist;
+    const lefdef::Length site = design::siteLength(design);
+    scene.minDist = minDist.unitsOn(site);
+    scene.minDistText = minDist.textOn(site);
     if (scene.coloured) {
-        scene.conflicts = findConflicts(design, extras.colours, scene.siteWidth, minDist);
+        scene.conflicts = findConflicts(design, extras.colours, scene.siteWidth, scene.minDist);
     }
     return scene;
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "kit/base/finding.h"
+#include "kit/design/distance.h"
 #include "kit/engines/view/options.h"
 #include "kit/engines/view/scene.h"
 
@@ -37,6 +38,6 @@ std::vector<std::string> allOf(const InputPaths& paths);
 /// Reads the files and builds what is drawn. Problems of the files are appended to `findings`.
 ///
 /// Errors: throws Fault if a file cannot be opened, or the colours are those of another placement.
-Scene readScene(const InputPaths& paths, int32_t minDist, Findings& findings);
+Scene readScene(const InputPaths& paths, const design::Distance& minDist, Findings& findings);
 
 } // namespace kit::view

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include <cstdint>
 #include <string>
+
+#include "kit/design/distance.h"
 
 namespace kit::view {
 
@@ -16,8 +17,8 @@ struct Options {
     std::string before;    ///< input placement
     std::string netlist;
     std::string pins;
-    int32_t minDist = 185; ///< of metal on one mask, DBU of the library
-    bool force = false;    ///< replace a picture that exists
+    design::Distance minDist; ///< of metal on one mask
+    bool force = false;       ///< replace a picture that exists
 };
 
 } // namespace kit::view

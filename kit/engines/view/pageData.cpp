@@ -187,7 +187,7 @@ std::string describe(const Scene& scene)
               {"dbuPerMicron", scene.dbuPerMicron},
               {"siteWidth", scene.siteWidth},
               {"rowHeight", scene.rowHeight},
-              {"minDist", scene.minDist},
+              {"minDist", scene.minDistText},
               {"coloured", scene.coloured},
               {"moved", scene.moved},
               {"bounds", corners(boundsOf(scene))},

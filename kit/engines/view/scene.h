@@ -94,7 +94,8 @@ struct Scene {
     int32_t dbuPerMicron = 0;      ///< positive
     int32_t siteWidth = 0;         ///< DBU
     int32_t rowHeight = 0;         ///< DBU
-    int32_t minDist = 0;           ///< of metal on one mask, DBU of the library
+    int32_t minDist = 0;           ///< of metal on one mask, library units
+    std::string minDistText;       ///< the same for people
     bool coloured = false;         ///< the colour solutions are known
     bool moved = false;            ///< Cell::before is known
     std::vector<Block> rows;       ///< file order

@@ -1290,7 +1290,7 @@ function fillFacts() {
       stitches += stitchesOf(cell);
     }
     facts.push(["Stitches", number(stitches)], ["Conflicts", number(conflicts.length / CONFLICT_SIZE)],
-      ["Least distance", `${design.minDist} (library)`]);
+      ["Least distance", design.minDist]);
   }
   if (design.moved) {
     facts.push(...displacementFacts());

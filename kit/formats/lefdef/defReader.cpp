@@ -185,7 +185,7 @@ bool DefReader::startsStatement() const
 void DefReader::skipUnknown()
 {
     m_in.reporter().warning("unknown-statement", m_begin,
-                            inQuotes(m_keyword) + " starts no known statement, and is passed over",
+                            inQuotes(m_keyword) + " starts no known statement, and is ignored",
                             "see whether it is misspelt, or what stands before it is incomplete");
     skipStatement();
     if (m_in.is("-")) {
@@ -308,8 +308,8 @@ void DefReader::readComponent()
         if (status == Status::NONE) {
             m_in.skipOption();
         } else if (component.status != Status::NONE) {
-            m_in.failAt(at, "place-twice", "the component " + inQuotes(component.name) + " has a second place",
-                        "leave one");
+            m_in.failAt(at, "place-twice",
+                        "the component " + inQuotes(component.name) + " has a second place", "leave one");
         } else {
             component.placeBegin = at;
             readPlace(component, status);
@@ -466,7 +466,7 @@ void DefReader::readPolygon(DefBlockage& blockage)
         m_in.failAt(at, "polygon", "the polygon has more than " + std::to_string(MOST_CORNERS) + " corners",
                     "cut it into several");
     } else if (corners.size() < 4 || !geometry::isRectilinear(corners)) {
-        m_in.failAt(at, "polygon", "the polygon has fewer than four corners, or an edge that is askew",
+        m_in.failAt(at, "polygon", "the polygon has fewer than four corners, or a slanted edge",
                     "give one with horizontal and vertical edges");
     } else {
         const auto dbu = [](int64_t value) { return static_cast<int32_t>(value); };
@@ -535,7 +535,8 @@ Orient DefReader::readOrient()
     const std::string_view word = m_in.keyword("orientation");
     const std::optional<Orient> orient = orientOf(word);
     if (!orient) {
-        m_in.failAt(at, "orient", inQuotes(word) + " is no orientation", "write N, S, W, E, FN, FS, FW or FE");
+        m_in.failAt(at, "orient", inQuotes(word) + " is no orientation",
+                    "write N, S, W, E, FN, FS, FW or FE");
     }
     return orient.value_or(Orient::N);
 }

@@ -148,7 +148,7 @@ void LefReader::readStatement()
         (this->*rule->read)();
     } else if (m_keyword != ";") {
         m_in.reporter().warning("unknown-statement", m_begin,
-                                inQuotes(m_keyword) + " starts no known statement, and is passed over",
+                                inQuotes(m_keyword) + " starts no known statement, and is ignored",
                                 "see whether it is misspelt, or what stands before it is incomplete");
         skipStatement();
     }

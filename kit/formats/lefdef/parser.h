@@ -78,7 +78,7 @@ public:
     /// Passes over the words up to the end of the statement.
     void skipWords();
 
-    /// Tells an error about the next token, or the given byte; the rest of the statement is passed over.
+    /// Tells an error about the next token, or the given byte; the rest of the statement is skipped.
     void fail(const char* code, std::string what, std::string advice)
     {
         failAt(offset(), code, std::move(what), std::move(advice));

@@ -8,7 +8,7 @@
 namespace kit::lefdef {
 
 /// The place of the ";" that ends a statement; the text's size if there is none. Texts in quotation marks and
-/// comments are passed over.
+/// comments are skipped.
 ///
 /// @param from  somewhere in the statement, outside of both
 size_t endOfStatement(std::string_view text, size_t from);

@@ -31,7 +31,7 @@ void readVersion(Parser& in)
     if (in.finish() && !isKnownVersion(version)) {
         in.reporter().warning("version", at,
                               "the version is " + inQuotes(version) + ", and 5.3 to 5.8 are known",
-                              "look for statements that are passed over");
+                              "look for statements that are skipped");
     }
 }
 

@@ -47,8 +47,8 @@ std::string cachedFolder(const Options& options, const std::string& site)
     hash.add(programVersion()); // another version may colour the same input otherwise
     const auto numberText = [](const auto& number) { return number ? shortText(*number) : ""; };
     for (const std::string& option :
-         {options.layer, site, numberText(options.mindp), numberText(options.maxSolutions),
-          std::string(options.allowConflicts ? "conflicts" : "")}) {
+         {options.layer, site, options.minDist ? options.minDist->given() : "",
+          numberText(options.maxSolutions), std::string(options.allowConflicts ? "conflicts" : "")}) {
         hash.add(option);
         hash.add(std::string_view("\0", 1)); // "a" and "bc" are not "ab" and "c"
     }

@@ -7,27 +7,29 @@
 #include <string>
 #include <vector>
 
+#include "kit/design/distance.h"
+
 namespace kit::flow {
 
 /// The arguments of `flow`. Where nothing is given, the defaults of the steps hold.
 struct Options {
-    std::vector<std::string> lefs;       ///< paths of the LEF files
-    std::string def;                     ///< path of the DEF file
-    std::string out;                     ///< path of the result files without extension
-    std::string layer = "metal1";        ///< name of metal 1
-    std::string site;                    ///< W,H in micrometres
-    std::string cellPath;                ///< folder of colour files that are there already
-    std::string cache;                   ///< folder that keeps colourings from run to run
-    std::optional<int32_t> maxSolutions; ///< colour solutions of a cell
-    std::optional<int32_t> jobs;         ///< threads for colouring
-    std::optional<int32_t> mindp;        ///< colouring distance, DBU of the library
-    std::optional<int32_t> algo;         ///< placement method
-    std::optional<double> weight;        ///< cost of a site of wirelength against a stitch
-    std::optional<int32_t> moveRange;    ///< of local shifts, sites
-    bool legalize = false;               ///< put cells without a legal place on free sites
-    bool allowConflicts = false;         ///< take the least bad colouring of a cell that has no good one
-    bool keep = false;                   ///< keep all files in between
-    bool force = false;                  ///< replace earlier results
+    std::vector<std::string> lefs;           ///< paths of the LEF files
+    std::string def;                         ///< path of the DEF file
+    std::string out;                         ///< path of the result files without extension
+    std::string layer = "metal1";            ///< name of metal 1
+    std::string site;                        ///< W,H in micrometres
+    std::string cellPath;                    ///< folder of colour files that are there already
+    std::string cache;                       ///< folder that keeps colourings from run to run
+    std::optional<int32_t> maxSolutions;     ///< colour solutions of a cell
+    std::optional<int32_t> jobs;             ///< threads for colouring
+    std::optional<design::Distance> minDist; ///< what shapes of one mask need
+    std::optional<int32_t> algo;             ///< placement method
+    std::optional<double> weight;            ///< cost of a site of wirelength against a stitch
+    std::optional<int32_t> moveRange;        ///< of local shifts, sites
+    bool legalize = false;                   ///< put cells without a legal place on free sites
+    bool allowConflicts = false;             ///< take the least bad colouring of a cell that has no good one
+    bool keep = false;                       ///< keep all files in between
+    bool force = false;                      ///< replace earlier results
 };
 
 /// The results: OUT with these extensions, in the order in which they get their names.

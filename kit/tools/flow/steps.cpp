@@ -23,6 +23,12 @@ void addGiven(Words& words, const char* name, const std::string& value)
     }
 }
 
+/// Adds the distance if it was given, as it was: each step knows the sites.
+void addDistance(Words& words, const Options& options)
+{
+    addGiven(words, "--mindp", options.minDist ? options.minDist->given() : "");
+}
+
 /// Adds a number if it was given, in one word with its option: it may be negative.
 template <typename Number>
 void addGiven(Words& words, const std::string& name, std::optional<Number> value)
@@ -118,7 +124,7 @@ Step colorStep(const Options& options, const std::string& site, const std::strin
     Words words{"color", "-o", folder, "--layer", options.layer};
     addLefs(words, options);
     addGiven(words, "--site", site);
-    addGiven(words, "--mindp", options.mindp);
+    addDistance(words, options);
     addGiven(words, "--max-solutions", options.maxSolutions);
     addGiven(words, "--jobs", options.jobs);
     if (options.allowConflicts) {
@@ -136,7 +142,7 @@ Step colorStep(const Options& options, const std::string& site, const std::strin
 Step lintStep(const Options& options, const Places& places)
 {
     Words words{"lint", places.base, "--cell-path", places.cellDir};
-    addGiven(words, "--mindp", options.mindp);
+    addDistance(words, options);
     return {.name = "lint",
             .words = words,
             .goodStatus = 1,
@@ -147,7 +153,7 @@ Step lintStep(const Options& options, const Places& places)
 Step placeStep(const Options& options, const Places& places)
 {
     Words words{"place", places.base, "--cell-path", places.cellDir, "-o", places.placed, "--rescue"};
-    addGiven(words, "--mindp", options.mindp);
+    addDistance(words, options);
     addGiven(words, "--algo", options.algo);
     addGiven(words, "--weight", options.weight);
     addGiven(words, "--move-range", options.moveRange);
@@ -166,7 +172,7 @@ Step verifyStep(const Options& options, const Places& places)
 {
     Words words{"verify",      places.placed + ".place", "--colors", places.placed + ".colors",
                 "--cell-path", places.cellDir,           "--lyrdb",  places.folder + "/placed.lyrdb"};
-    addGiven(words, "--mindp", options.mindp);
+    addDistance(words, options);
     return {.name = "verify",
             .words = words,
             .advice = "look at " + places.folder + "/placed.lyrdb, or draw it with `vireloce-kit view`",
@@ -196,7 +202,7 @@ Step viewStep(const Options& options, const Places& places)
     Words words{"view",     places.placed + ".place",  "-o",          places.result + ".html",
                 "--colors", places.placed + ".colors", "--cell-path", places.cellDir,
                 "--before", places.base + ".place",    "--force"};
-    addGiven(words, "--mindp", options.mindp);
+    addDistance(words, options);
     return {.name = "view",
             .words = words,
             .advice = "see to what the messages say",

@@ -62,7 +62,7 @@ TEST_F(KitColorCommand, WritesAColourFile)
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(file("INV.color"), "380 1400\n1\n0 0 380 1400\n2\n1\n0 0 0 1\n1\n100 500 170 900\n3\n"
                                  "0 0 0\n0 0 1\n0 0 2\n");
-    const std::string table = "1 cell, layer m1, site 0.19 x 1.4 um, distance 185\n\n"
+    const std::string table = "1 cell, layer m1, site 0.19 x 1.4 um, distance 185 (0.185 um)\n\n"
                               "solutions    cells\n        3        1\n\n"
                               " stitches    cells\n        0        1\n\n"
                               "0 cells without a colouring free of conflicts\n"
@@ -176,14 +176,14 @@ TEST_F(KitColorCommand, UncolourableCellIsAnErrorAtItsPlace)
               ":6:1: error: BAD has no colouring: 4 shapes that are all closer than 185 to one another: "
               "A (40 400 100 500), A (200 400 300 500), A (40 600 100 700), A (200 600 300 700); distances "
               "A - A 100.0, A - A 100.0, A - A 141.4, A - A 141.4, A - A 100.0, A - A 100.0; it can be "
-              "coloured with --mindp 141\n");
+              "coloured with --mindp 141 (0.141 um)\n");
     EXPECT_FALSE(exists("BAD.color"));
     EXPECT_TRUE(exists("INV.color"));
     EXPECT_NE(outcome.output.find("\n1 cell without a colouring free of conflicts\n"
-                                  "  BAD: 4 shapes too close together; --mindp 141 would do\n"),
+                                  "  BAD: 4 shapes too close together; --mindp 141 (0.141 um) would do\n"),
               std::string::npos)
         << outcome.output;
-    EXPECT_EQ(color({"--mindp", "141", "--force"}).status, 0);
+    EXPECT_EQ(color({"--mindp", "0.141um", "--force"}).status, 0);
 }
 
 TEST_F(KitColorCommand, AllowedConflictsAreWrittenAndTold)
@@ -195,7 +195,7 @@ TEST_F(KitColorCommand, AllowedConflictsAreWrittenAndTold)
         << outcome.error;
     EXPECT_NE(messageOf(outcome).find("; its file has 1 conflict left, the closest at 141.4\n"),
               std::string::npos);
-    EXPECT_NE(outcome.output.find("--mindp 141 would do; 1 conflict left, the closest at 141.4\n"),
+    EXPECT_NE(outcome.output.find("--mindp 141 (0.141 um) would do; 1 conflict left, the closest at 141.4\n"),
               std::string::npos);
     EXPECT_TRUE(exists("BAD.color"));
 }
@@ -230,11 +230,11 @@ TEST_F(KitColorCommand, PinsThatTouchAreAWarning)
               ":6:1: warning: M: metal of the pins A and B touches, and is taken for one net\n");
 }
 
-TEST_F(KitColorCommand, GivenMasksAreNotHeeded)
+TEST_F(KitColorCommand, GivenMasksAreIgnored)
 {
     write(SITE + master("INV", "        RECT MASK 2 0.1 0.5 0.17 0.9 ;\n") +
           master("BUF", "        RECT MASK 2 0.1 0.5 0.17 0.9 ;\n"));
-    EXPECT_EQ(messageOf(color()), ":6:1: note: INV has shapes with masks, which are not heeded\n");
+    EXPECT_EQ(messageOf(color()), ":6:1: note: INV has shapes with masks, which are ignored\n");
 }
 
 TEST_F(KitColorCommand, ErrorsOfTheReaderEndIt)
@@ -268,7 +268,7 @@ const FaultCase FAULTS[] = {
      "m1",
      "no cell is as high as the site, 2 um"},
     {"BadSite", SITE, {"--site", "0.19"}, "m1", "--site: \"0.19\" is not W,H in micrometres"},
-    {"BadDistance", SITE, {"--mindp", "-1"}, "m1", "--mindp: Value -1 not in range"},
+    {"BadDistance", SITE, {"--mindp", "-1"}, "m1", "no distance from 0 to 10000"},
     {"NoSolutions", SITE, {"--max-solutions", "0"}, "m1", "--max-solutions: Value 0 not in range"},
     {"NoThreads", SITE, {"--jobs", "0"}, "m1", "--jobs: Value 0 not in range"},
     {"NoFile", SITE, {"--lef", "/nowhere.lef"}, "m1", "/nowhere.lef"},

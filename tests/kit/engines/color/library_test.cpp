@@ -70,8 +70,9 @@ TEST_F(KitColorLibrary, HasAFileForEveryCell)
 {
     EXPECT_EQ(s_cells->size(), 135U);
     EXPECT_EQ(s_outcome->status, 1);
-    EXPECT_NE(s_outcome->output.find("135 cells, layer metal1, site 0.19 x 1.4 um, distance 185\n"),
-              std::string::npos)
+    EXPECT_NE(
+        s_outcome->output.find("135 cells, layer metal1, site 0.19 x 1.4 um, distance 185 (0.185 um)\n"),
+        std::string::npos)
         << s_outcome->output;
 }
 

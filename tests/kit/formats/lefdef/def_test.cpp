@@ -50,11 +50,11 @@ const ReadCase HEADERS[] = {
     {"UnknownVersion",
      "VERSION 5.2 ; VERSION 5.9 ; VERSION 5.3 ; VERSION new ; END DESIGN",
      {"warning version 1:9: the version is \"5.2\", and 5.3 to 5.8 are known; look for statements that are "
-      "passed over",
+      "skipped",
       "warning version 1:23: the version is \"5.9\", and 5.3 to 5.8 are known; look for statements that are "
-      "passed over",
+      "skipped",
       "warning version 1:51: the version is \"new\", and 5.3 to 5.8 are known; look for statements that are "
-      "passed over"}},
+      "skipped"}},
     {"NamesWithoutCase",
      "NAMESCASESENSITIVE OFF ; END DESIGN",
      {"warning names-case 1:20: names are compared with their case all the same; write each name in one "
@@ -62,12 +62,12 @@ const ReadCase HEADERS[] = {
     {"UnknownStatement",
      "DESIGNS gcd ; DESIGN gcd ; END DESIGN",
      {"design gcd",
-      "warning unknown-statement 1:1: \"DESIGNS\" starts no known statement, and is passed over; see whether "
+      "warning unknown-statement 1:1: \"DESIGNS\" starts no known statement, and is ignored; see whether "
       "it is misspelt, or what stands before it is incomplete"}},
     {"UnknownSection",
      "THINGS 2 ; - a ; - b + PLACED ( 1 1 ) N ; END THINGS DESIGN gcd ; END DESIGN",
      {"design gcd",
-      "warning unknown-statement 1:1: \"THINGS\" starts no known statement, and is passed over; see whether "
+      "warning unknown-statement 1:1: \"THINGS\" starts no known statement, and is ignored; see whether "
       "it is misspelt, or what stands before it is incomplete"}},
     {"EmptyFile", "", {"error no-end 1:1: the file \"DESIGN\" has no end; write END DESIGN behind it"}},
     {"NoEndOfFile",
@@ -97,7 +97,7 @@ const ReadCase HEADERS[] = {
     {"CompressedFile",
      "\x1f\x8b ; END DESIGN",
      {"error not-text 1:1: the file is compressed; unpack it first",
-      "warning unknown-statement 1:1: \"\x1f\x8b\" starts no known statement, and is passed over; see "
+      "warning unknown-statement 1:1: \"\x1f\x8b\" starts no known statement, and is ignored; see "
       "whether "
       "it is misspelt, or what stands before it is incomplete"}},
     {"OpenQuotationMark",
@@ -326,14 +326,14 @@ const ReadCase NETS[] = {
      "NETS 4 ; - n1 ( u1 A ) ( u2 Z + SYNTHESIZED )\n( PIN in[0] ) ; - n2 ; - n3 ( u1 B ) + USE POWER ;\n"
      "- n4 ( PIN p + SYNTHESIZED ) + USE CLOCK + WEIGHT 3 ; END NETS END DESIGN",
      {"net n1 u1/A u2/Z PIN/in[0]", "net n2", "net n3 u1/B supply", "net n4 PIN/p"}},
-    {"RoutingIsPassedOver",
+    {"RoutingIsSkipped",
      "NETS 2 ; - n1 ( u1 A ) + ROUTED M1 ( 0 0 ) ( * 10 ) via1 NEW M2 ( -5 5 ) VIRTUAL ( 1 1 ) RECT ( 0 0 1 "
      "1 )\n"
      "NEW END_via 10 + USE GROUND + FIXED M1 ( 0 0 ) ; - n2 + COVER M1 ( 0 0 ) + NOSHIELD M1 ( 0 0 ) ; END "
      "NETS "
      "END DESIGN",
      {"net n1 u1/A supply", "net n2"}},
-    {"EveryOtherOptionIsPassedOver",
+    {"EveryOtherOptionIsSkipped",
      "NETS 1 ; - n ( u1 A ) + SHIELDNET g + VPIN v LAYER M1 ( 0 0 ) ( 1 1 ) PLACED ( 0 0 ) N + SUBNET s ( u1 "
      "A ) "
      "( VPIN v ) ROUTED M1 ( 0 0 ) + XTALK 2 + NONDEFAULTRULE r + SOURCE NETLIST + FIXEDBUMP + FREQUENCY 1.5 "
@@ -393,13 +393,13 @@ const ReadCase BLOCKAGES[] = {
      "60 60 ) "
      "; END BLOCKAGES END DESIGN",
      {"blockage (0 0)(30 10) (0 10)(10 20) (50 50)(60 60)"}},
-    {"PolygonAskew",
+    {"PolygonSlanted",
      "BLOCKAGES 2 ; - PLACEMENT POLYGON ( 0 0 ) ( 0 20 ) ( 10 10 ) ( 10 0 ) ; - PLACEMENT POLYGON ( 0 0 ) ( "
      "0 1 ) ( "
      "1 1 ) ; END BLOCKAGES END DESIGN",
-     {"error polygon 1:35: the polygon has fewer than four corners, or an edge that is askew; give one with "
+     {"error polygon 1:35: the polygon has fewer than four corners, or a slanted edge; give one with "
       "horizontal and vertical edges",
-      "error polygon 1:93: the polygon has fewer than four corners, or an edge that is askew; give one with "
+      "error polygon 1:93: the polygon has fewer than four corners, or a slanted edge; give one with "
       "horizontal and vertical edges"}},
     {"FirstPointRepeatsNothing",
      "BLOCKAGES 1 ; - PLACEMENT RECT ( * 0 ) ( 1 1 ) ; END BLOCKAGES END DESIGN",

@@ -62,7 +62,7 @@ const ReadCase LIBRARIES[] = {
      "SITE s SIZE 1 BY 2 ;\nMACRO A END A",
      {"site s class [] 1000000 by 2000000", MACRO_A,
       "error no-end 1:1: the site \"s\" has no end; write END s behind it"}},
-    {"EverythingElseIsPassedOver",
+    {"EverythingElseIsSkipped",
      "VERSION 5.8 ; NAMESCASESENSITIVE ON ; BUSBITCHARS \"[]\" ; DIVIDERCHAR \"/\" ; MANUFACTURINGGRID 0.005 "
      ";\n"
      "PROPERTYDEFINITIONS MACRO p STRING \"END ;\" ; END PROPERTYDEFINITIONS\n"
@@ -78,7 +78,7 @@ const ReadCase LIBRARIES[] = {
     {"UnknownStatement",
      "MACROS A ; MACRO A END A",
      {MACRO_A,
-      "warning unknown-statement 1:1: \"MACROS\" starts no known statement, and is passed over; see whether "
+      "warning unknown-statement 1:1: \"MACROS\" starts no known statement, and is ignored; see whether "
       "it is misspelt, or what stands before it is incomplete"}},
     {"TextBehindTheEnd",
      "END LIBRARY\nMACRO A END A",
