@@ -17,7 +17,7 @@
 #include "kit/engines/color/picture.h"
 #include "kit/engines/color/report.h"
 #include "kit/formats/lefdef/units.h"
-#include "kit/formats/placer/colorFile.h"
+#include "kit/formats/placer/writer.h"
 
 namespace kit::color {
 

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/engines/gen/designWriter.h"
 
+#include <array>
 #include <filesystem>
+#include <string>
 
 #include "kit/base/files/folder.h"
 #include "kit/base/files/outputPaths.h"
 #include "kit/engines/gen/scale.h"
+#include "kit/formats/placer/writer.h"
 
 namespace kit::gen {
 
@@ -16,84 +19,21 @@ std::string colorPath(const Options& options, const std::string& cell)
     return (std::filesystem::path(cellFolder(options)) / (cell + ".color")).string();
 }
 
-void writeBox(OutputFile& out, const Box& box)
+/// A cell as the placer's files have it: a rectangle a shape.
+placer::Cell placerCell(const LibraryCell& cell)
 {
-    out << box.xl << " " << box.yl << " " << box.xh << " " << box.yh << "\n";
-}
-
-void writeCell(const LibraryCell& cell, OutputFile& out)
-{
-    out << cell.sites * placer::LIBRARY_SITE << " " << LIBRARY_HEIGHT << "\n1\n";
-    writeBox(out, {0, 0, cell.sites * placer::LIBRARY_SITE, LIBRARY_HEIGHT});
-    out << cell.shapes.size() << "\n";
+    placer::Cell result;
+    result.width = cell.sites * placer::LIBRARY_SITE;
+    result.height = LIBRARY_HEIGHT;
+    result.headerBoxes = {{0, 0, result.width, result.height}};
     for (const Shape& shape : cell.shapes) {
-        out << "1\n";
-        writeBox(out, shape.box);
+        result.shapes.push_back({.rects = {{shape.box.xl, shape.box.yl, shape.box.xh, shape.box.yh}}});
     }
-    out << cell.solutions.size() << "\n";
     for (const Solution& solution : cell.solutions) {
-        out << solution.stitches;
-        for (const int32_t mask : solution.masks) {
-            out << " " << mask;
-        }
-        out << "\n";
+        result.solutions.push_back(
+            {.stitches = solution.stitches, .masks = {solution.masks.begin(), solution.masks.end()}});
     }
-}
-
-/// Micrometres with four decimals, which is exact.
-void writeMicrometres(OutputFile& out, int32_t dbu)
-{
-    const int32_t fraction = dbu % DBU_PER_MICROMETRE * (10'000 / DBU_PER_MICROMETRE);
-    const std::string digits = std::to_string(10'000 + fraction).substr(1);
-    out << dbu / DBU_PER_MICROMETRE << "." << digits << " ;\n";
-}
-
-void writeHeader(OutputFile& out, const Floorplan& plan, const Scale& scale, const Options& options)
-{
-    out << "VERSION 5.6 ;\nDESIGN " << std::filesystem::path(options.out).filename().string()
-        << " ;\nUNITS DISTANCE MICRONS " << DBU_PER_MICROMETRE << " ;\n\nPROPERTYDEFINITIONS\n"
-        << "  COMPONENTPIN designRuleWidth REAL ;\n  DESIGN CORE_BOX_LL_X REAL ";
-    writeMicrometres(out, scale.x(0));
-    out << "  DESIGN CORE_BOX_UR_X REAL ";
-    writeMicrometres(out, scale.x(plan.sitesPerRow));
-    out << "  DESIGN CORE_BOX_LL_Y REAL ";
-    writeMicrometres(out, scale.y(0));
-    out << "  DESIGN CORE_BOX_UR_Y REAL ";
-    writeMicrometres(out, scale.y(plan.rows));
-    out << "END PROPERTYDEFINITIONS\n\nDIEAREA ( 0 0 ) ( " << scale.x(plan.sitesPerRow + Scale::BORDER_SITES)
-        << " " << scale.y(plan.rows + Scale::BORDER_ROWS) << " ) ;\n\n";
-}
-
-void writeRows(OutputFile& out, const Floorplan& plan, const Scale& scale)
-{
-    for (int32_t row = 0; row < plan.rows; ++row) {
-        out << "ROW ROW_" << row << " core " << scale.x(0) << " " << scale.y(row) << " " << orientOfRow(row)
-            << " DO " << plan.sitesPerRow << " BY 1 STEP " << scale.step << " 0 ;\n";
-    }
-}
-
-void writeComponents(OutputFile& out, const Placement& placement, const std::vector<LibraryCell>& library,
-                     const Scale& scale)
-{
-    out << "\nCOMPONENTS " << placement.cells.size() << " ;\n";
-    for (size_t i = 0; i < placement.cells.size(); ++i) {
-        const Placed& cell = placement.cells[i];
-        // The placer knows a mirrored cell by FN alone, in every row.
-        out << "- u" << i << " " << library[cell.type].name << " + PLACED ( " << scale.x(cell.site) << " "
-            << scale.y(cell.row) << " ) " << (cell.mirrored ? "FN" : orientOfRow(cell.row)) << "\n  ;\n";
-    }
-    out << "END COMPONENTS\n";
-}
-
-void writeMacros(OutputFile& out, const Floorplan& plan, const Scale& scale)
-{
-    out << "\nBIGNODES " << plan.macros.size() << " ;\n";
-    for (size_t i = 0; i < plan.macros.size(); ++i) {
-        const MacroBox& macro = plan.macros[i];
-        out << "- m" << i << " MACRO + ( " << scale.x(macro.site) << " " << scale.y(macro.row) << " ) ( "
-            << macro.sites * scale.step << " " << macro.rows * scale.height << " ) N\n  ;\n";
-    }
-    out << "END BIGNODES\n";
+    return result;
 }
 
 } // namespace
@@ -118,25 +58,47 @@ void writeLibrary(const std::vector<LibraryCell>& library, const Options& option
 {
     makeFolder(cellFolder(options));
     for (const LibraryCell& cell : library) {
-        set.add(colorPath(options, cell.name), [&cell](OutputFile& out) { writeCell(cell, out); });
+        set.add(colorPath(options, cell.name),
+                [&cell](OutputFile& out) { placer::writeColorFile(out, placerCell(cell)); });
     }
-    set.add(options.out + ".cells", [&library](OutputFile& list) {
-        list << library.size() << "\n";
-        for (const LibraryCell& cell : library) {
-            list << cell.name << "\n";
-        }
-    });
+    std::vector<std::string> names;
+    for (const LibraryCell& cell : library) {
+        names.push_back(cell.name);
+    }
+    set.add(options.out + ".cells", [&names](OutputFile& out) { placer::writeCellList(out, names); });
 }
 
 void writePlacement(const Placement& placement, const std::vector<LibraryCell>& library,
                     const Options& options, OutputFile& out)
 {
     const Scale scale(options);
-    writeHeader(out, placement.plan, scale, options);
-    writeRows(out, placement.plan, scale);
-    writeComponents(out, placement, library, scale);
-    writeMacros(out, placement.plan, scale);
-    out << "\nEND DESIGN\n";
+    const Floorplan& plan = placement.plan;
+    const std::array<int64_t, 4> die{0, 0, scale.x(plan.sitesPerRow + Scale::BORDER_SITES),
+                                     scale.y(plan.rows + Scale::BORDER_ROWS)};
+    placer::PlaceWriter place(
+        {.design = std::filesystem::path(options.out).filename().string(),
+         .dbuPerMicron = DBU_PER_MICROMETRE,
+         .core = {scale.x(0), scale.y(0), scale.x(plan.sitesPerRow), scale.y(plan.rows)},
+         .die = &die},
+        out);
+    for (int32_t row = 0; row < plan.rows; ++row) {
+        place.row("ROW_" + std::to_string(row), "core", scale.x(0), scale.y(row), orientOfRow(row),
+                  plan.sitesPerRow, scale.step);
+    }
+    place.beginComponents(placement.cells.size());
+    for (size_t i = 0; i < placement.cells.size(); ++i) {
+        const Placed& cell = placement.cells[i];
+        // The placer knows a mirrored cell by FN alone, in every row.
+        place.component("u" + std::to_string(i), library[cell.type].name, scale.x(cell.site),
+                        scale.y(cell.row), cell.mirrored ? "FN" : orientOfRow(cell.row));
+    }
+    place.beginBlocks(plan.macros.size());
+    for (size_t i = 0; i < plan.macros.size(); ++i) {
+        const MacroBox& macro = plan.macros[i];
+        place.block("m" + std::to_string(i), scale.x(macro.site), scale.y(macro.row),
+                    macro.sites * scale.step, macro.rows * scale.height);
+    }
+    place.end();
 }
 
 void writePins(const Netlist& netlist, const Options& options, OutputFile& out)
@@ -144,8 +106,8 @@ void writePins(const Netlist& netlist, const Options& options, OutputFile& out)
     const Scale scale(options);
     out << netlist.pins.size() << "\n";
     for (size_t i = 0; i < netlist.pins.size(); ++i) {
-        out << "p" << i << " " << scale.x(netlist.pins[i].site) << " " << scale.y(netlist.pins[i].row)
-            << "\n";
+        placer::writePin(out, "p" + std::to_string(i), scale.x(netlist.pins[i].site),
+                         scale.y(netlist.pins[i].row));
     }
 }
 
@@ -153,12 +115,11 @@ void writeNets(const Netlist& netlist, OutputFile& out)
 {
     out << netlist.netBegin.size() - 1 << "\n";
     for (size_t net = 0; net + 1 < netlist.netBegin.size(); ++net) {
-        out << netlist.netBegin[net + 1] - netlist.netBegin[net];
-        for (size_t i = netlist.netBegin[net]; i < netlist.netBegin[net + 1]; ++i) {
-            const int32_t member = netlist.members[i];
-            out << (member < 0 ? " p" : " u") << (member < 0 ? -1 - member : member);
-        }
-        out << "\n";
+        const size_t begin = netlist.netBegin[net];
+        placer::writeNet(out, netlist.netBegin[net + 1] - begin, [&](size_t i) {
+            const int32_t member = netlist.members[begin + i];
+            return member < 0 ? "p" + std::to_string(-1 - member) : "u" + std::to_string(member);
+        });
     }
 }
 

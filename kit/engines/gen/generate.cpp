@@ -15,7 +15,7 @@ void describe(const Options& options, const Placement& placement, const Netlist&
     const Floorplan& plan = placement.plan;
     std::cout << options.out << ": " << placement.cells.size() << " components on " << plan.rows
               << " rows of " << plan.sitesPerRow << " sites, " << plan.stretches.size() << " segments, "
-              << (placement.cellSites * 200 / plan.capacity + 1) / 2 << " % utilised; "
+              << (placement.cellSites * 200 / plan.capacity + 1) / 2 << " % utilized; "
               << netlist.netBegin.size() - 1 << " nets with " << netlist.members.size() << " members, "
               << netlist.pins.size() << " pins\n";
 }

@@ -3,18 +3,15 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <numeric>
 #include <set>
 
-#include "kit/base/files/outputFile.h"
 #include "kit/formats/gds/gdsName.h"
+#include "kit/formats/placer/writer.h"
 
 namespace kit::importing {
 
 namespace {
-
-constexpr size_t MEMBERS_A_LINE = 8; ///< of a net
 
 /// Whether some row stands just above or below another.
 bool hasNeighbour(const Core& core, const Row& row)
@@ -35,85 +32,60 @@ std::string designName(std::string_view name)
     return carried(name, name.empty() ? "design" : gds::gdsName(name).c_str());
 }
 
-/// A property of the core box. The placer takes 2000 DBU for a micrometre there, whatever UNITS says.
-void writeEdge(OutputFile& out, const char* name, int64_t dbu)
+/// Left, bottom, right and top of the rows.
+std::array<int64_t, 4> boundsOf(const Core& core)
 {
-    std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%.4f", static_cast<double>(dbu) / 2000);
-    out << "  DESIGN " << name << " REAL " << text.data() << " ;\n";
-}
-
-void writeHeader(OutputFile& out, const DesignFiles& files)
-{
-    const Core& core = files.core;
     int64_t left = core.rows.front().begin();
     int64_t right = core.rows.front().end();
     for (const Row& row : core.rows) {
         left = std::min(left, row.begin());
         right = std::max(right, row.end());
     }
-    out << "VERSION 5.6 ;\nDESIGN " << designName(files.def.design) << " ;\nUNITS DISTANCE MICRONS "
-        << files.def.databaseMicrons << " ;\n\nPROPERTYDEFINITIONS\n  COMPONENTPIN designRuleWidth REAL ;\n";
-    writeEdge(out, "CORE_BOX_LL_X", left);
-    writeEdge(out, "CORE_BOX_UR_X", right);
-    writeEdge(out, "CORE_BOX_LL_Y", core.rows[core.byHeight.front()].y);
-    writeEdge(out, "CORE_BOX_UR_Y", core.rows[core.byHeight.back()].y + core.siteHeight);
-    out << "END PROPERTYDEFINITIONS\n\n";
-    if (files.def.hasDieArea) {
-        const lefdef::DefRect& die = files.def.dieArea;
-        out << "DIEAREA ( " << die.xl << " " << die.yl << " ) ( " << die.xh << " " << die.yh << " ) ;\n\n";
-    }
+    return {left, core.rows[core.byHeight.front()].y, right,
+            core.rows[core.byHeight.back()].y + core.siteHeight};
 }
 
-void writeRow(OutputFile& out, const std::string& name, const Row& row, int64_t y, int64_t numSites,
-              int64_t step)
+void writeRows(placer::PlaceWriter& out, const Core& core)
 {
-    out << "ROW " << name << " " << carried(row.site, "site") << " " << row.begin() << " " << y << " "
-        << nameOf(row.orient) << " DO " << numSites << " BY 1 STEP " << step << " 0 ;\n";
-}
-
-void writeRows(OutputFile& out, const DesignFiles& files)
-{
-    const Core& core = files.core;
     const std::vector<size_t> order = rowOrder(core);
+    const auto write = [&](const std::string& name, const Row& row, int64_t y, int64_t sites) {
+        out.row(name, carried(row.site, "site"), row.begin(), y, nameOf(row.orient), sites, core.siteWidth);
+    };
     for (const size_t index : order) {
         if (index != NONE) {
             const Row& row = core.rows[index];
-            writeRow(out, carried(row.name, "ROW"), row, row.y, row.numSites(core.siteWidth), core.siteWidth);
+            write(carried(row.name, "ROW"), row, row.y, row.numSites(core.siteWidth));
         } else {
             const Row& first = core.rows[order.front()];
-            writeRow(out, "ROW_HEIGHT", first, first.y + core.siteHeight, 0, core.siteWidth);
+            write("ROW_HEIGHT", first, first.y + core.siteHeight, 0);
         }
     }
 }
 
-void writeComponents(OutputFile& out, const DesignFiles& files)
+void writeComponents(placer::PlaceWriter& out, const DesignFiles& files)
 {
-    out << "\nCOMPONENTS " << files.cells.movable.size() << " ;\n";
+    out.beginComponents(files.cells.movable.size());
     for (size_t i = 0; i < files.cells.movable.size(); ++i) {
         const Cell& cell = files.cells.movable[i];
-        out << "- " << files.cellNames[i] << " " << files.def.components[cell.component].macro
-            << " + PLACED ( " << cell.x << " " << cell.y << " ) " << (cell.mirrored ? "FN" : "N")
-            << "\n  ;\n";
+        out.component(files.cellNames[i], files.def.components[cell.component].macro, cell.x, cell.y,
+                      cell.mirrored ? "FN" : "N");
     }
-    out << "END COMPONENTS\n";
 }
 
-void writeBlocks(OutputFile& out, const Core& core)
+void writeBlocks(placer::PlaceWriter& out, const Core& core)
 {
     size_t count = 0;
     for (const Row& row : core.rows) {
         count += row.blocks.size();
     }
-    out << "\nBIGNODES " << count << " ;\n";
+    out.beginBlocks(count);
     size_t next = 0;
     for (const Row& row : core.rows) {
         for (const Interval& block : row.blocks) {
-            out << "- BLOCK_" << next++ << " BLOCK + ( " << block.begin << " " << row.y << " ) ( "
-                << block.end - block.begin << " " << core.siteHeight << " ) N\n  ;\n";
+            out.block("BLOCK_" + std::to_string(next++), block.begin, row.y, block.end - block.begin,
+                      core.siteHeight);
         }
     }
-    out << "END BIGNODES\n";
 }
 
 } // namespace
@@ -146,18 +118,24 @@ std::vector<std::string> usedMasters(const DesignFiles& files)
 
 void writePlace(const DesignFiles& files, OutputFile& out)
 {
-    writeHeader(out, files);
-    writeRows(out, files);
-    writeComponents(out, files);
-    writeBlocks(out, files.core);
-    out << "\nEND DESIGN\n";
+    const lefdef::DefRect& area = files.def.dieArea;
+    const std::array<int64_t, 4> die{area.xl, area.yl, area.xh, area.yh};
+    placer::PlaceWriter place({.design = designName(files.def.design),
+                               .dbuPerMicron = files.def.databaseMicrons,
+                               .core = boundsOf(files.core),
+                               .die = files.def.hasDieArea ? &die : nullptr},
+                              out);
+    writeRows(place, files.core);
+    writeComponents(place, files);
+    writeBlocks(place, files.core);
+    place.end();
 }
 
 void writePins(const DesignFiles& files, OutputFile& out)
 {
     out << files.terminals.size() << "\n";
     for (const Terminal& terminal : files.terminals) {
-        out << terminal.name << " " << terminal.x << " " << terminal.y << "\n";
+        placer::writePin(out, terminal.name, terminal.x, terminal.y);
     }
 }
 
@@ -166,22 +144,15 @@ void writeNetlist(const DesignFiles& files, OutputFile& out)
     out << files.numNets() << "\n";
     for (size_t net = 0; net < files.numNets(); ++net) {
         const size_t begin = files.netBegin[net];
-        const size_t degree = files.netBegin[net + 1] - begin;
-        out << degree;
-        for (size_t i = 0; i < degree; ++i) {
-            out << (i % MEMBERS_A_LINE == 0 ? "\n " : " ") << files.nameOf(files.members[begin + i]);
-        }
-        out << "\n";
+        placer::writeNet(out, files.netBegin[net + 1] - begin, [&](size_t i) -> const std::string& {
+            return files.nameOf(files.members[begin + i]);
+        });
     }
 }
 
 void writeCells(const DesignFiles& files, OutputFile& out)
 {
-    const std::vector<std::string> masters = usedMasters(files);
-    out << masters.size() << "\n";
-    for (const std::string& master : masters) {
-        out << master << "\n";
-    }
+    placer::writeCellList(out, usedMasters(files));
 }
 
 } // namespace kit::importing

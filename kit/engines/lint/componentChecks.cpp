@@ -133,7 +133,7 @@ private:
                            placeOf(comp) + " overlaps " + left.name + " (line " + std::to_string(left.line) +
                                "), which ends at " + std::to_string(rightOf(left)) +
                                ", and the placer moves them apart",
-                           "legalise the placement first");
+                           "legalize the placement first");
     }
 
     const placer::Design& m_design;

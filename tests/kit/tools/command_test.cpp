@@ -112,7 +112,7 @@ TEST(KitCommand, SaysInOneLineWhatItMade)
     const KitOutcome outcome = generateIn(dir);
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.output.rfind(dir.path("d") + ": 1000 components on ", 0), 0U) << outcome.output;
-    EXPECT_NE(outcome.output.find(" 80 % utilised"), std::string::npos) << outcome.output;
+    EXPECT_NE(outcome.output.find(" 80 % utilized"), std::string::npos) << outcome.output;
     EXPECT_EQ(outcome.output.find('\n'), outcome.output.size() - 1);
 }
 

@@ -189,11 +189,11 @@ const DamageCase DAMAGES[] = {
      {{"d.place", "- u3 NAND + PLACED ( 760 0 ) N", "- u3 NAND PLACED ( 760 0 ) N ;"}},
      2,
      {"d.place:16: warning: u2 at (380 0) overlaps u3 (line 18), which ends at 570, and the placer moves "
-      "them apart; legalise the placement first [overlap]",
+      "them apart; legalize the placement first [overlap]",
       "d.place:18: warning: the orientation of u3 is ;, and the placer takes it as N; write N, FS or, if it "
       "is mirrored left to right, FN [orientation]",
       "d.place:18: warning: u3 at (0 0) overlaps u1 (line 14), which ends at 380, and the placer moves them "
-      "apart; legalise the placement first [overlap]",
+      "apart; legalize the placement first [overlap]",
       "d.place:18: warning: token 6 of the component is \"760\" where \"(\" belongs; check that no token is "
       "missing before it: the placer counts them [punctuation]",
       "d.place:18: error: token 8 of the component, \")\", is no 32-bit integer, and the placer takes 0; "
@@ -418,9 +418,9 @@ const DamageCase DAMAGES[] = {
      {"lib/INV.color:1: warning: the cell's width, 400, is no whole number of sites of 190, and the placer "
       "rounds it up; make it a multiple of 190 [cell-size]",
       "d.place:16: warning: u2 at (380 0) overlaps u1 (line 14), which ends at 570, and the placer moves "
-      "them apart; legalise the placement first [overlap]",
+      "them apart; legalize the placement first [overlap]",
       "d.place:18: warning: u3 at (760 0) overlaps u2 (line 16), which ends at 950, and the placer moves "
-      "them apart; legalise the placement first [overlap]"}},
+      "them apart; legalize the placement first [overlap]"}},
     {"OtherHeight",
      {{"lib/INV.color", "380 1900\n1", "380 1800\n1"}},
      1,
@@ -639,7 +639,7 @@ const DamageCase DAMAGES[] = {
      {{"d.place", "( 760 0 )", "( 570 0 )"}},
      1,
      {"d.place:18: warning: u3 at (570 0) overlaps u2 (line 16), which ends at 760, and the placer moves "
-      "them apart; legalise the placement first [overlap]"}},
+      "them apart; legalize the placement first [overlap]"}},
     {"OverfullRow",
      {{"d.place", "ROW row_0 core 0 0 N DO 12 BY 1 STEP 190 0 ;",
        "ROW row_0 core 0 0 N DO 6 BY 1 STEP 190 0 ;"}},
