@@ -11,8 +11,8 @@
 
 namespace kit::gen {
 
-inline constexpr int32_t LIBRARY_HEIGHT = 1400; ///< height of every cell, DBU of the library
-inline constexpr int32_t MASK_SPACING = 185;    ///< metal of one mask keeps this distance, DBU of the library
+inline constexpr int32_t LIBRARY_HEIGHT = 1400; ///< height of every cell, library units
+inline constexpr int32_t MASK_SPACING = 185;    ///< metal of one mask keeps this distance, library units
 
 /// The tracks lie so far apart that metal on two of them never conflicts; a bar may be cut for a stitch in
 /// the middle between two tracks.
@@ -21,7 +21,7 @@ inline constexpr int32_t FIRST_TRACK = 150; ///< bottom of the first track, DBU
 inline constexpr int32_t TRACK_WIDTH = 120; ///< DBU
 inline constexpr int32_t TRACK_PITCH = 326; ///< DBU
 
-/// A rectangle, DBU of the library.
+/// A rectangle, library units.
 struct Box {
     int32_t xl;
     int32_t yl;

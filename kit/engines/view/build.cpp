@@ -57,7 +57,7 @@ public:
 private:
     int64_t m_step;   ///< DBU
     int64_t m_row;    ///< DBU
-    int64_t m_height; ///< DBU of the library
+    int64_t m_height; ///< library units
 };
 
 Kind kindOf(const Scene& scene, const placer::Cell& cell)

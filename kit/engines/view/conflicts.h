@@ -24,7 +24,7 @@ std::vector<const placer::ColorRecord*> matchColours(const placer::Design& desig
 ///
 /// @param colours  [components] as matchColours() has them
 /// @param step     site width of the design, DBU
-/// @param minDist  least distance, DBU of the library
+/// @param minDist  least distance, library units
 std::vector<Conflict> findConflicts(const placer::Design& design,
                                     const std::vector<const placer::ColorRecord*>& colours, int32_t step,
                                     int32_t minDist);

@@ -21,7 +21,7 @@ struct RunOptions {
     std::optional<int32_t> algo;      ///< placement method
     std::optional<double> weight;     ///< cost of a site of wirelength against a stitch
     std::optional<int32_t> moveRange; ///< farthest local shift, sites
-    std::optional<int32_t> mindp;     ///< colouring distance, DBU of the library
+    std::optional<int32_t> mindp;     ///< colouring distance, library units
     std::optional<int32_t> siteWidth; ///< until the rows give theirs, DBU
     bool rescue = false;              ///< find places for the cells that the placer leaves without one
 

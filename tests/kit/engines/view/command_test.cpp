@@ -21,7 +21,7 @@ KitOutcome runView(Words words)
     return test::runKit(words);
 }
 
-/// A row of two cells whose metal is 100 DBU of the library apart, in files.
+/// A row of two cells whose metal is 100 library units apart, in files.
 class ViewFiles : public testing::Test {
 protected:
     ViewFiles()
