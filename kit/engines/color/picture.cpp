@@ -6,6 +6,7 @@
 #include <string>
 
 #include "kit/base/palette.h"
+#include "kit/base/svg.h"
 #include "kit/base/text/escape.h"
 #include "kit/base/text/text.h"
 #include "kit/design/spacing.h"
@@ -40,11 +41,8 @@ public:
         const int32_t lines = (m_count + PER_LINE - 1) / PER_LINE;
         const int32_t width = std::max(columns * m_step + GAP, LEAST_SHEET);
         const int32_t height = 2 * GAP + lines * m_lineStep + LEGEND;
-        m_file << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << width / UNITS_PER_PIXEL
-               << "\" height=\"" << height / UNITS_PER_PIXEL << "\" viewBox=\"0 0 " << width << " " << height
-               << "\" font-family=\"sans-serif\" font-size=\"" << LETTER << "\">\n"
-               << "<title>" << escapeXml(m_metal.name) << "</title>\n"
-               << "<rect width=\"100%\" height=\"100%\" fill=\"#ffffff\"/>\n";
+        beginSvg(m_file, {width / UNITS_PER_PIXEL, height / UNITS_PER_PIXEL}, {width, height}, m_metal.name,
+                 " font-family=\"sans-serif\" font-size=\"" + std::to_string(LETTER) + "\"");
         text(GAP, GAP, m_metal.name + (m_cell.trouble ? ": not free of conflicts" : ""),
              " font-weight=\"bold\"");
         for (int32_t i = 0; i < m_count; ++i) {
@@ -63,8 +61,7 @@ public:
 private:
     void text(int32_t x, int32_t y, const std::string& words, std::string_view style = "")
     {
-        m_file << "<text x=\"" << x << "\" y=\"" << y << "\"" << style << ">" << escapeXml(words)
-               << "</text>\n";
+        writeSvgText(m_file, x, y, words, style);
     }
 
     int32_t xOf(int32_t x) const { return m_left + x; }

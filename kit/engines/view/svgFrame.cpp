@@ -5,7 +5,9 @@
 #include <cmath>
 
 #include "kit/base/palette.h"
+#include "kit/base/svg.h"
 #include "kit/base/text/escape.h"
+#include "kit/base/text/text.h"
 #include "kit/engines/view/ramp.h"
 
 namespace kit::view {
@@ -35,11 +37,6 @@ double heightOf(const Box& box)
     return static_cast<double>(box.yh) - box.yl;
 }
 
-std::string counted(size_t count, const std::string& what)
-{
-    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-}
-
 } // namespace
 
 std::string titleOf(const Scene& scene)
@@ -49,12 +46,15 @@ std::string titleOf(const Scene& scene)
 
 std::string subtitleOf(const Scene& scene, Detail detail)
 {
-    std::string text = counted(scene.cells.size(), "cell") + ", " + counted(scene.rows.size(), "row") + ", " +
-                       counted(scene.macros.size(), "macro");
+    const auto number = [](const auto& list, const char* thing) {
+        return counted(static_cast<int64_t>(list.size()), thing);
+    };
+    std::string text =
+        number(scene.cells, "cell") + ", " + number(scene.rows, "row") + ", " + number(scene.macros, "macro");
     if (scene.coloured) {
-        text += ", " + counted(static_cast<size_t>(countStitches(scene)), "stitch");
-        text = countStitches(scene) == 1 ? text : text.substr(0, text.size() - 1) + "es";
-        text += ", " + counted(scene.conflicts.size(), "conflict");
+        const int64_t stitches = countStitches(scene);
+        text += ", " + std::to_string(stitches) + (stitches == 1 ? " stitch, " : " stitches, ") +
+                number(scene.conflicts, "conflict");
     }
     switch (detail) {
     case Detail::METAL:
@@ -88,9 +88,11 @@ SvgFrame::Size SvgFrame::planSize() const
 void SvgFrame::open()
 {
     const int32_t height = HEADER + m_plan.height + LEGEND + MARGIN;
-    m_file << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\" width=\""
-           << WIDTH << "\" height=\"" << height << "\" viewBox=\"0 0 " << WIDTH << " " << height << "\">\n";
-    writeTitle();
+    const std::string title = titleOf(m_scene);
+    const std::string subtitle = subtitleOf(m_scene, m_detail);
+    beginSvg(m_file, {WIDTH, height}, {WIDTH, height}, title + ": " + subtitle);
+    writeSvgText(m_file, MARGIN, 30, title, " class=\"title\"");
+    writeSvgText(m_file, MARGIN, 54, subtitle);
     writeStyle();
     m_file << "<svg x=\"" << MARGIN << "\" y=\"" << HEADER << "\" width=\"" << m_plan.width << "\" height=\""
            << m_plan.height << "\" viewBox=\"0 0 " << m_bounds.xh - m_bounds.xl << " "
@@ -102,16 +104,6 @@ void SvgFrame::close()
     m_file << "</svg>\n";
     writeLegend();
     m_file << "</svg>\n";
-}
-
-void SvgFrame::writeTitle()
-{
-    const std::string title = escapeXml(titleOf(m_scene));
-    const std::string subtitle = escapeXml(subtitleOf(m_scene, m_detail));
-    m_file << "<title>" << title << ": " << subtitle
-           << "</title>\n<rect width=\"100%\" height=\"100%\" fill=\"#fff\"/>\n"
-           << "<text class=\"title\" x=\"" << MARGIN << "\" y=\"30\">" << title << "</text>\n<text x=\""
-           << MARGIN << "\" y=\"54\">" << subtitle << "</text>\n";
 }
 
 void SvgFrame::writeStyle()

@@ -35,7 +35,6 @@ private:
 
     Size planSize() const;
     void writeStyle();
-    void writeTitle();
     void writeLegend();
     void entry(std::string_view symbol, std::string_view label);
     void rampEntry();

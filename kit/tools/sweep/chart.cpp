@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "kit/base/palette.h"
+#include "kit/base/svg.h"
 #include "kit/base/text/escape.h"
 #include "kit/tools/sweep/labels.h"
 
@@ -16,8 +17,7 @@ namespace kit::sweep {
 namespace {
 
 // All in pixels.
-constexpr double WIDTH = 960;
-constexpr double HEIGHT = 600;
+constexpr SvgSize SIZE{960, 600};
 constexpr Rect FRAME{90, 70, 660, 450};
 constexpr double LEGEND_X = 775;
 constexpr double LEGEND_LINE = 24;
@@ -121,11 +121,8 @@ public:
 
     void draw()
     {
-        m_file << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\""
-               << attribute("width", WIDTH) << attribute("height", HEIGHT) << " viewBox=\"0 0 "
-               << number(WIDTH) << " " << number(HEIGHT) << "\">\n<title>" << escapeXml(m_chart.title)
-               << "</title>\n"
-               << STYLE << "<rect width=\"100%\" height=\"100%\" fill=\"#fff\"/>\n";
+        beginSvg(m_file, SIZE, SIZE, m_chart.title);
+        m_file << STYLE;
         text(FRAME.x, 32, m_chart.title, " class=\"title\"");
         text(FRAME.x, 54, m_chart.subtitle, "");
         drawAxes();
@@ -142,8 +139,7 @@ private:
 
     void text(double x, double y, const std::string& words, const std::string& attributes)
     {
-        m_file << "<text" << attribute("x", x) << attribute("y", y) << attributes << ">" << escapeXml(words)
-               << "</text>\n";
+        writeSvgText(m_file, x, y, words, attributes);
     }
 
     void gridLine(double x1, double y1, double x2, double y2)
