@@ -9,10 +9,12 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "kit/base/process/childProcess.h"
 #include "kit/kitRun.h"
+#include "kit/tools/flow/cache.h"
 #include "support/guards.h"
 
 namespace {
@@ -252,6 +254,36 @@ TEST_F(SmallFlow, FailedStepsCountWhereTheParentIgnoredTheEndsOfChildren)
 
 /// Two cells side by side.
 constexpr const char* GOOD = "- u C + PLACED ( 1000 0 ) N ;\n- v C + PLACED ( 1400 0 ) N ;\n";
+
+TEST_F(SmallFlow, NeverReadsTheCacheOfAnotherVersion)
+{
+    namespace fs = std::filesystem;
+    ASSERT_EQ(small(GOOD), 0) << m_output << m_error;
+    kit::flow::Options options;
+    options.lefs = {m_dir.path("l.lef")};
+    options.cache = m_dir.path("cache");
+    const std::string site = "0.200000,2.000000";
+    const std::string own = kit::flow::cachedFolder(options, site);
+    const std::string others = kit::flow::cachedFolder(options, site, "0.1");
+    ASSERT_TRUE(fs::exists(own));
+    fs::rename(own, others); // where another version would have put it
+    std::ofstream(others + "/C.color") << "of another version";
+    ASSERT_EQ(small(GOOD, {"--force"}), 0) << m_output << m_error;
+    EXPECT_FALSE(says("color", "known from before")) << m_output;
+    EXPECT_TRUE(fs::exists(own));
+    EXPECT_EQ(contentOf(others + "/C.color"), "of another version");
+}
+
+TEST_F(SmallFlow, TheEndOfAVersionIsNoPartOfTheLayer)
+{
+    m_dir.write("l.lef", LEF);
+    kit::flow::Options options;
+    options.lefs = {m_dir.path("l.lef")};
+    options.cache = m_dir.path("cache");
+    const std::string longer = kit::flow::cachedFolder(options, "", "0.10");
+    options.layer = "0" + options.layer;
+    EXPECT_NE(kit::flow::cachedFolder(options, "", "0.1"), longer);
+}
 
 /// A flow that has been run well, to be run again with less room.
 class FullDiskFlow : public SmallFlow {
