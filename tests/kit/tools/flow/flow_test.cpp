@@ -13,16 +13,20 @@
 #include <string>
 
 #include "kit/base/process/childProcess.h"
+#include "kit/base/text/json.h"
+#include "kit/engines/place/schema.h"
 #include "kit/kitRun.h"
 #include "kit/tools/flow/cache.h"
 #include "support/guards.h"
 
 namespace {
 
+using kit::Json;
 using test::contentOf;
 using test::Words;
 
-constexpr const char* EXTENSIONS[] = {".def", ".gds", ".lyp", ".html", ".json"};
+constexpr const char* EXTENSIONS[] = {".def",    ".gds",   ".lyp",  ".html",    ".json", ".place",
+                                      ".colors", ".cells", ".pins", ".netlist", ".map"};
 
 class KitFlow : public testing::Test {
 protected:
@@ -78,6 +82,56 @@ TEST_F(KitFlow, GoesFromLefAndDefToTheMasks)
     EXPECT_TRUE(says("export", "426 components")) << m_output;
     EXPECT_TRUE(says("view", "out.html")) << m_output;
     EXPECT_FALSE(exists(".flow")) << "what was in between goes";
+}
+
+TEST_F(KitFlow, ItsResultIsExportedAgainFromAnyFolder)
+{
+    namespace fs = std::filesystem;
+    const std::string lef = VIRELOCE_KIT_EXAMPLES "/raw/Nangate45_stdcell.lef";
+    const std::string def = VIRELOCE_KIT_EXAMPLES "/raw/gcd_nangate45.def";
+    const auto runIn = [this](const std::string& folder, const Words& words) {
+        Words shell{"/bin/sh", "-c", "cd " + folder + " && exec \"$0\" \"$@\"", VIRELOCE_KIT_PROGRAM};
+        shell.insert(shell.end(), words.begin(), words.end());
+        return kit::process::run(shell, m_dir.path("stdout"), m_dir.path("stderr")).status;
+    };
+    ASSERT_EQ(runIn(m_dir.path(""), {"flow", "--lef", lef, "--def", def, "-o", "out", "--cache", "cache",
+                                     "--allow-conflicts"}),
+              0)
+        << contentOf(m_dir.path("stderr"));
+    fs::remove_all(m_dir.path("cache"));
+    fs::create_directory(m_dir.path("moved"));
+    for (const auto& entry : fs::directory_iterator(m_dir.path(""))) {
+        if (entry.path().filename().string().starts_with("out.")) {
+            fs::rename(entry.path(), fs::path(m_dir.path("moved")) / entry.path().filename());
+        }
+    }
+    const std::string again = m_dir.path("again");
+    ASSERT_EQ(runIn("/", {"export", m_dir.path("moved/out.json"), "--def", def, "-o", again + ".def", "--gds",
+                          again + ".gds", "--lef", lef, "--drop-fillers"}),
+              0)
+        << contentOf(m_dir.path("stderr"));
+    for (const std::string extension : {".def", ".gds", ".lyp"}) {
+        EXPECT_EQ(contentOf(again + extension), contentOf(m_dir.path("moved/out") + extension)) << extension;
+    }
+    const Json result = Json::parse(contentOf(m_dir.path("moved/out.json")));
+    EXPECT_EQ(test::faultsOf(result, test::placeSchema()), std::vector<std::string>());
+}
+
+TEST_F(KitFlow, ReplacesTheColourFilesOfAnEarlierRunAndNoOthers)
+{
+    namespace fs = std::filesystem;
+    const fs::path library = out() + ".library";
+    ASSERT_EQ(gcd({"--allow-conflicts"}), 0) << m_error;
+    EXPECT_TRUE(fs::exists(library / "OAI22_X1.color"));
+    EXPECT_FALSE(fs::exists(library / "OAI33_X1.color")) << "gcd does not use it";
+    fs::rename(library / "OAI22_X1.color", library / "OLD.color");
+    ASSERT_EQ(gcd({"--allow-conflicts", "--force"}), 0) << m_error;
+    EXPECT_TRUE(fs::exists(library / "OAI22_X1.color"));
+    EXPECT_FALSE(fs::exists(library / "OLD.color"));
+    fs::remove(library / "made-by-flow"); // as if somebody else had made it
+    EXPECT_EQ(gcd({"--allow-conflicts", "--force"}), 2);
+    EXPECT_NE(m_error.find("out.library exists, and no run of flow has made it"), std::string::npos)
+        << m_error;
 }
 
 TEST_F(KitFlow, KeepsAllFilesIfWished)
@@ -296,6 +350,7 @@ protected:
             EXPECT_LE(std::filesystem::file_size(out() + extension), m_page) << extension;
             std::filesystem::remove(out() + extension);
         }
+        std::filesystem::remove_all(out() + ".library");
     }
 
     /// Runs it where no file may have more than some blocks of 512 bytes. What it prints is in m_output.
@@ -324,6 +379,18 @@ TEST_F(FullDiskFlow, SaysWhatWentWrong)
     EXPECT_NE(m_output.find(": File too large\n"), std::string::npos) << m_output;
 }
 
+TEST_F(SmallFlow, AResultThatCannotBeWrittenLeavesNone)
+{
+    std::filesystem::create_symlink("/dev/full", out() + ".json");
+    EXPECT_EQ(small(GOOD), 2);
+    EXPECT_TRUE(says("view", "out.html")) << "all steps are done";
+    EXPECT_NE(m_error.find(".json: No space left on device\n"), std::string::npos) << m_error;
+    for (const std::string extension : EXTENSIONS) {
+        EXPECT_EQ(exists(extension), extension == ".json") << extension;
+    }
+    EXPECT_FALSE(exists(".library"));
+}
+
 TEST_F(FullDiskFlow, ResultsAppearTogetherOrNotAtAll)
 {
     EXPECT_EQ(again((m_page - 1) / 512), 2);
@@ -332,6 +399,7 @@ TEST_F(FullDiskFlow, ResultsAppearTogetherOrNotAtAll)
     for (const char* extension : EXTENSIONS) {
         EXPECT_FALSE(exists(extension)) << extension;
     }
+    EXPECT_FALSE(exists(".library"));
 }
 
 TEST_F(SmallFlow, StopsAtAPlacementThatIsNotClean)
