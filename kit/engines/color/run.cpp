@@ -208,7 +208,7 @@ int run(const Options& options)
         writeMessages(result.findings, std::cerr);
         return BAD_INPUT;
     }
-    result.selection = selectCells(library, options.site, options.layer, result.findings);
+    result.selection = selectCells(library, options.site, result.findings);
     MetalReader(library, result).run();
     checkOutputsOf(options, result.metal);
     makeFolder(options.outDir);

@@ -198,6 +198,23 @@ TEST_F(KitFlow, StopsAtCellsInUseWithoutAColouring)
     EXPECT_FALSE(exists(".def"));
 }
 
+TEST_F(KitFlow, StopsAtALayerWithoutMetal)
+{
+    for (const Words& more : {Words{}, Words{"--cell-path", VIRELOCE_KIT_EXAMPLES "/nangate45_color"}}) {
+        Words words{"--layer", "M1", "--force"};
+        words.insert(words.end(), more.begin(), more.end());
+        EXPECT_EQ(gcd(words), 2);
+        EXPECT_TRUE(says("import", "FAILED")) << m_output;
+        EXPECT_NE(m_error.find("What went wrong: vireloce-kit: no cell in use has metal on the layer M1 in "),
+                  std::string::npos)
+            << m_error;
+        EXPECT_NE(
+            m_error.find("Nangate45_stdcell.lef: give another with --layer; they have shapes on metal1\n"),
+            std::string::npos)
+            << m_error;
+    }
+}
+
 TEST_F(KitFlow, ReplacesNothingWithoutForce)
 {
     m_dir.write("out.gds", "old");
