@@ -8,13 +8,13 @@
 
 #include "kit/base/fault.h"
 #include "kit/base/files/outputSet.h"
+#include "kit/base/findingText.h"
 #include "kit/base/text/text.h"
 #include "kit/engines/export/defPatch.h"
 #include "kit/engines/export/layerProperties.h"
 #include "kit/engines/export/layout.h"
 #include "kit/engines/export/limit.h"
 #include "kit/engines/export/masters.h"
-#include "kit/base/findingText.h"
 #include "kit/formats/placer/reader.h"
 
 namespace kit::exporter {
@@ -62,6 +62,7 @@ public:
         const Sides sides{m_inputs.design, m_inputs.files.place, m_inputs.map, m_inputs.def,
                           *m_inputs.defSource};
         m_matching = matchComponents(sides, m_findings);
+        requireLayer();
         m_fillers = findFillers(m_inputs.def, m_matching, m_macros);
         // The import left out on purpose what it did; and errors tell more.
         if (!m_inputs.imported && !hasErrors()) {
@@ -92,6 +93,19 @@ private:
         }
         const Counts counts = countsOf(m_findings);
         return counts.errors > 0 ? FAILED : counts.warnings > 0 ? WARNED : 0;
+    }
+
+    /// Of the cells in the placement, as far as the LEF files have them.
+    void requireLayer() const
+    {
+        std::vector<const lefdef::LefMacro*> macros;
+        for (const Placed& placed : m_matching.placed) {
+            const auto macro = m_macros.find(m_inputs.def.components[placed.inDef].macro);
+            if (macro != m_macros.end()) {
+                macros.push_back(macro->second);
+            }
+        }
+        requireMetal(m_inputs.lef, macros);
     }
 
     void note(const char* code, std::string what, std::string advice)

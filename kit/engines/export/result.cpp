@@ -35,7 +35,7 @@ std::string cellDirOf(const Json& json, const std::string& path)
     if (!cellPath.isString()) {
         throw Fault(path + " does not say where the colour files are: give --cell-path");
     }
-    return cellPath.asString();
+    return (fs::path(path).parent_path() / cellPath.asString()).string(); // which may be absolute
 }
 
 } // namespace

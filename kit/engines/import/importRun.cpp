@@ -70,6 +70,7 @@ public:
         const Nets nets = readNets(m_def, names, m_reporter, sound);
         giveRows(nets);
         requireMasterNames();
+        requireLayer();
         DesignFiles files{.def = m_def, .lef = m_lef, .core = m_core, .cells = m_cells};
         Renamed renamed;
         nameAll(nets, names, m_reporter, files, renamed);
@@ -165,6 +166,15 @@ private:
                      "rename the master");
             }
         }
+    }
+
+    void requireLayer() const
+    {
+        std::vector<const lefdef::LefMacro*> macros;
+        for (const Cell& cell : m_cells.movable) {
+            macros.push_back(&m_lef.macros[m_cells.masterOf[cell.component]]);
+        }
+        requireMetal(m_lef, macros);
     }
 
     void write(const DesignFiles& files, const Renamed& renamed) const

@@ -15,6 +15,7 @@
 #include "kit/base/files/outputSet.h"
 #include "kit/base/files/readFile.h"
 #include "kit/base/process/childProcess.h"
+#include "kit/base/text/json.h"
 #include "kit/base/text/printable.h"
 #include "kit/design/nameMap.h"
 #include "kit/formats/lefdef/units.h"
@@ -67,42 +68,45 @@ private:
         for (const char* extension : RESULTS) {
             outputs.push_back(m_options.out + extension);
         }
+        for (const char* extension : KEPT) {
+            outputs.push_back(m_options.out + extension);
+        }
         const std::vector<std::string> cells = filesIn(m_options.cellPath);
         inputs.insert(inputs.end(), cells.begin(), cells.end());
         checkOutputs(outputs, inputs, m_options.force);
         inputs.insert(inputs.end(), {m_options.cellPath, m_options.cache});
         for (const std::string& input : inputs) {
-            requireOutside(input);
+            for (const std::string& folder : {m_places.folder, m_options.out + LIBRARY}) {
+                requireOutside(input, folder);
+            }
         }
-        clearFolder();
+        requireOwn(m_options.out + LIBRARY);
+        requireOwn(m_places.folder);
+        fs::remove_all(m_places.folder);
+        makeFolder(m_places.folder);
+        writeFile(m_places.folder + "/" + MARK, "");
         m_out << "step     seconds  peak MB  result\n";
     }
 
-    /// The folder is emptied in the end.
-    void requireOutside(const std::string& input) const
+    /// The folders of the results and of what is in between are made anew.
+    static void requireOutside(const std::string& input, const std::string& name)
     {
-        const fs::path folder = fs::weakly_canonical(m_places.folder);
+        const fs::path folder = fs::weakly_canonical(name);
         const fs::path path = input.empty() ? fs::path() : fs::weakly_canonical(input);
         if (std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first == folder.end()) {
-            throw Fault(input + " is in " + m_places.folder +
-                        ", which flow fills and removes: choose another -o");
+            throw Fault(input + " is in " + name + ", which flow makes anew: choose another -o");
         }
     }
 
-    /// Makes the folder anew; one that an earlier run has left is known by its mark.
-    void clearFolder() const
+    /// A folder that an earlier run has left is known by its mark.
+    void requireOwn(const std::string& folder) const
     {
-        const std::string mark = m_places.folder + "/" + MARK;
-        if (fs::exists(m_places.folder)) {
-            if (!m_options.force || !fs::exists(mark)) {
-                throw Fault(m_places.folder + " exists" +
-                            (fs::exists(mark) ? ": choose another -o, or --force to replace it"
-                                              : ", and no run of flow has made it: choose another -o"));
-            }
-            fs::remove_all(m_places.folder);
+        const bool marked = fs::exists(folder + "/" + MARK);
+        if (fs::exists(folder) && !(m_options.force && marked)) {
+            throw Fault(folder + " exists" +
+                        (marked ? ": choose another -o, or --force to replace it"
+                                : ", and no run of flow has made it: choose another -o"));
         }
-        makeFolder(m_places.folder);
-        writeFile(mark, "");
     }
 
     int runSteps()
@@ -123,15 +127,52 @@ private:
 
     void writeResults() const
     {
-        OutputSet set;
-        for (const std::string extension : RESULTS) {
-            set.addCopy(m_options.out + extension,
-                        (extension == ".json" ? m_places.placed : m_places.result) + extension);
+        makeFolder(m_options.out + LIBRARY);
+        try {
+            OutputSet set;
+            addLibrary(set);
+            for (const std::string extension : KEPT) {
+                set.addCopy(m_options.out + extension, m_places.placed + extension);
+            }
+            for (const std::string extension : RESULTS) {
+                if (extension != ".json") {
+                    set.addCopy(m_options.out + extension, m_places.result + extension);
+                }
+            }
+            set.add(m_options.out + ".json", [this](OutputFile& file) { file << resultJson() << "\n"; });
+            set.commit();
+        } catch (...) {
+            std::error_code error; // of a folder that is not empty: it was there before
+            fs::remove(m_options.out + LIBRARY, error);
+            throw;
         }
-        set.commit();
         for (const char* extension : RESULTS) {
             fs::remove(m_places.result + extension); // once is enough
         }
+    }
+
+    /// The colour files of the cells in use, in place of those of an earlier run.
+    void addLibrary(OutputSet& set) const
+    {
+        const std::string folder = m_options.out + LIBRARY + "/";
+        for (const std::string& path : filesIn(folder)) {
+            set.remove(path);
+        }
+        set.add(folder + MARK, [](OutputFile& /*file*/) {});
+        for (const std::string& cell : m_cells) {
+            set.addCopy(folder + cell + ".color", m_places.cellDir + "/" + cell + ".color");
+        }
+    }
+
+    /// The placement's, with the paths that hold when the files in between are gone.
+    std::string resultJson() const
+    {
+        Json json = Json::parse(readFile(m_places.placed + ".json"));
+        Json& options = json["options"];
+        options["base"] = nullptr;
+        options["out"] = fs::absolute(m_options.out).lexically_normal().string();
+        options["cell_path"] = fs::path(m_options.out).filename().string() + LIBRARY;
+        return json.dump(1);
     }
 
     /// Runs a step and writes its line. @return whether to go on
@@ -229,6 +270,7 @@ private:
         std::string name;
         std::string missing;
         for (list >> name; list >> name;) {
+            m_cells.push_back(name);
             missing += fs::exists(m_places.cellDir + "/" + name + ".color") ? "" : " " + name;
         }
         if (missing.empty()) {
@@ -260,7 +302,8 @@ private:
     std::ostream& m_out;    ///< the table
     std::ostream& m_errors; ///< messages and failures
     Places m_places;
-    process::Ending m_ending; ///< of the last step
+    std::vector<std::string> m_cells; ///< names of those in use
+    process::Ending m_ending;         ///< of the last step
 };
 
 } // namespace

@@ -346,6 +346,15 @@ TEST(KitExportCommand, CellPathIsWhereTheColourFilesAre)
     EXPECT_NE(other.error.find("cannot open file /nowhere/INV.color"), std::string::npos) << other.error;
 }
 
+TEST(KitExportCommand, RelativeColourFilesLieBesideTheResult)
+{
+    SmallExport files(U, U_IN_DEF); // in another folder than this process
+    files.colors = U_COLORS;
+    files.json = R"({"schema":"vireloce-place","placement":{},"options":{"cell_path":"lib"}})";
+    const KitOutcome outcome = files.run({"--gds", files.path("new.gds")});
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+}
+
 TEST(KitExportCommand, LayoutNeedsTheUnitsOfTheDefFile)
 {
     SmallExport files(U, U_IN_DEF);

@@ -67,6 +67,20 @@ TEST_F(KitPlace, PrintsThePlacersReportToTheByte)
     }
 }
 
+TEST_F(KitPlace, ItsResultNamesItsInputsForEveryFolder)
+{
+    namespace fs = std::filesystem;
+    const fs::path here = fs::current_path();
+    fs::current_path(fs::path(m_design.base()).parent_path());
+    const KitOutcome outcome = runKit({"place", "d", "--cell-path", "./d.colors", "-o", out()});
+    fs::current_path(here);
+    ASSERT_EQ(outcome.status, 0) << outcome.error;
+    const std::string cellPath = result()["options"]["cell_path"].asString();
+    EXPECT_TRUE(fs::path(cellPath).is_absolute() && fs::equivalent(cellPath, m_design.lib())) << cellPath;
+    const std::string base = result()["options"]["base"].asString();
+    EXPECT_TRUE(fs::equivalent(base + ".place", m_design.base() + ".place")) << base;
+}
+
 TEST_F(KitPlace, ShowsNoProgressWhereThereIsNoTerminal)
 {
     EXPECT_EQ(place().error, "");

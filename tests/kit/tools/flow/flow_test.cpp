@@ -9,18 +9,24 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "kit/base/process/childProcess.h"
+#include "kit/base/text/json.h"
+#include "kit/engines/place/schema.h"
 #include "kit/kitRun.h"
+#include "kit/tools/flow/cache.h"
 #include "support/guards.h"
 
 namespace {
 
+using kit::Json;
 using test::contentOf;
 using test::Words;
 
-constexpr const char* EXTENSIONS[] = {".def", ".gds", ".lyp", ".html", ".json"};
+constexpr const char* EXTENSIONS[] = {".def",    ".gds",   ".lyp",  ".html",    ".json", ".place",
+                                      ".colors", ".cells", ".pins", ".netlist", ".map"};
 
 class KitFlow : public testing::Test {
 protected:
@@ -76,6 +82,56 @@ TEST_F(KitFlow, GoesFromLefAndDefToTheMasks)
     EXPECT_TRUE(says("export", "426 components")) << m_output;
     EXPECT_TRUE(says("view", "out.html")) << m_output;
     EXPECT_FALSE(exists(".flow")) << "what was in between goes";
+}
+
+TEST_F(KitFlow, ItsResultIsExportedAgainFromAnyFolder)
+{
+    namespace fs = std::filesystem;
+    const std::string lef = VIRELOCE_KIT_EXAMPLES "/raw/Nangate45_stdcell.lef";
+    const std::string def = VIRELOCE_KIT_EXAMPLES "/raw/gcd_nangate45.def";
+    const auto runIn = [this](const std::string& folder, const Words& words) {
+        Words shell{"/bin/sh", "-c", "cd " + folder + " && exec \"$0\" \"$@\"", VIRELOCE_KIT_PROGRAM};
+        shell.insert(shell.end(), words.begin(), words.end());
+        return kit::process::run(shell, m_dir.path("stdout"), m_dir.path("stderr")).status;
+    };
+    ASSERT_EQ(runIn(m_dir.path(""), {"flow", "--lef", lef, "--def", def, "-o", "out", "--cache", "cache",
+                                     "--allow-conflicts"}),
+              0)
+        << contentOf(m_dir.path("stderr"));
+    fs::remove_all(m_dir.path("cache"));
+    fs::create_directory(m_dir.path("moved"));
+    for (const auto& entry : fs::directory_iterator(m_dir.path(""))) {
+        if (entry.path().filename().string().starts_with("out.")) {
+            fs::rename(entry.path(), fs::path(m_dir.path("moved")) / entry.path().filename());
+        }
+    }
+    const std::string again = m_dir.path("again");
+    ASSERT_EQ(runIn("/", {"export", m_dir.path("moved/out.json"), "--def", def, "-o", again + ".def", "--gds",
+                          again + ".gds", "--lef", lef, "--drop-fillers"}),
+              0)
+        << contentOf(m_dir.path("stderr"));
+    for (const std::string extension : {".def", ".gds", ".lyp"}) {
+        EXPECT_EQ(contentOf(again + extension), contentOf(m_dir.path("moved/out") + extension)) << extension;
+    }
+    const Json result = Json::parse(contentOf(m_dir.path("moved/out.json")));
+    EXPECT_EQ(test::faultsOf(result, test::placeSchema()), std::vector<std::string>());
+}
+
+TEST_F(KitFlow, ReplacesTheColourFilesOfAnEarlierRunAndNoOthers)
+{
+    namespace fs = std::filesystem;
+    const fs::path library = out() + ".library";
+    ASSERT_EQ(gcd({"--allow-conflicts"}), 0) << m_error;
+    EXPECT_TRUE(fs::exists(library / "OAI22_X1.color"));
+    EXPECT_FALSE(fs::exists(library / "OAI33_X1.color")) << "gcd does not use it";
+    fs::rename(library / "OAI22_X1.color", library / "OLD.color");
+    ASSERT_EQ(gcd({"--allow-conflicts", "--force"}), 0) << m_error;
+    EXPECT_TRUE(fs::exists(library / "OAI22_X1.color"));
+    EXPECT_FALSE(fs::exists(library / "OLD.color"));
+    fs::remove(library / "made-by-flow"); // as if somebody else had made it
+    EXPECT_EQ(gcd({"--allow-conflicts", "--force"}), 2);
+    EXPECT_NE(m_error.find("out.library exists, and no run of flow has made it"), std::string::npos)
+        << m_error;
 }
 
 TEST_F(KitFlow, KeepsAllFilesIfWished)
@@ -140,6 +196,23 @@ TEST_F(KitFlow, StopsAtCellsInUseWithoutAColouring)
     EXPECT_FALSE(says("lint", "")) << m_output;
     EXPECT_TRUE(exists(".flow/design.place"));
     EXPECT_FALSE(exists(".def"));
+}
+
+TEST_F(KitFlow, StopsAtALayerWithoutMetal)
+{
+    for (const Words& more : {Words{}, Words{"--cell-path", VIRELOCE_KIT_EXAMPLES "/nangate45_color"}}) {
+        Words words{"--layer", "M1", "--force"};
+        words.insert(words.end(), more.begin(), more.end());
+        EXPECT_EQ(gcd(words), 2);
+        EXPECT_TRUE(says("import", "FAILED")) << m_output;
+        EXPECT_NE(m_error.find("What went wrong: vireloce-kit: no cell in use has metal on the layer M1 in "),
+                  std::string::npos)
+            << m_error;
+        EXPECT_NE(
+            m_error.find("Nangate45_stdcell.lef: give another with --layer; they have shapes on metal1\n"),
+            std::string::npos)
+            << m_error;
+    }
 }
 
 TEST_F(KitFlow, ReplacesNothingWithoutForce)
@@ -253,6 +326,36 @@ TEST_F(SmallFlow, FailedStepsCountWhereTheParentIgnoredTheEndsOfChildren)
 /// Two cells side by side.
 constexpr const char* GOOD = "- u C + PLACED ( 1000 0 ) N ;\n- v C + PLACED ( 1400 0 ) N ;\n";
 
+TEST_F(SmallFlow, NeverReadsTheCacheOfAnotherVersion)
+{
+    namespace fs = std::filesystem;
+    ASSERT_EQ(small(GOOD), 0) << m_output << m_error;
+    kit::flow::Options options;
+    options.lefs = {m_dir.path("l.lef")};
+    options.cache = m_dir.path("cache");
+    const std::string site = "0.200000,2.000000";
+    const std::string own = kit::flow::cachedFolder(options, site);
+    const std::string others = kit::flow::cachedFolder(options, site, "0.1");
+    ASSERT_TRUE(fs::exists(own));
+    fs::rename(own, others); // where another version would have put it
+    std::ofstream(others + "/C.color") << "of another version";
+    ASSERT_EQ(small(GOOD, {"--force"}), 0) << m_output << m_error;
+    EXPECT_FALSE(says("color", "known from before")) << m_output;
+    EXPECT_TRUE(fs::exists(own));
+    EXPECT_EQ(contentOf(others + "/C.color"), "of another version");
+}
+
+TEST_F(SmallFlow, TheEndOfAVersionIsNoPartOfTheLayer)
+{
+    m_dir.write("l.lef", LEF);
+    kit::flow::Options options;
+    options.lefs = {m_dir.path("l.lef")};
+    options.cache = m_dir.path("cache");
+    const std::string longer = kit::flow::cachedFolder(options, "", "0.10");
+    options.layer = "0" + options.layer;
+    EXPECT_NE(kit::flow::cachedFolder(options, "", "0.1"), longer);
+}
+
 /// A flow that has been run well, to be run again with less room.
 class FullDiskFlow : public SmallFlow {
 protected:
@@ -264,6 +367,7 @@ protected:
             EXPECT_LE(std::filesystem::file_size(out() + extension), m_page) << extension;
             std::filesystem::remove(out() + extension);
         }
+        std::filesystem::remove_all(out() + ".library");
     }
 
     /// Runs it where no file may have more than some blocks of 512 bytes. What it prints is in m_output.
@@ -292,6 +396,18 @@ TEST_F(FullDiskFlow, SaysWhatWentWrong)
     EXPECT_NE(m_output.find(": File too large\n"), std::string::npos) << m_output;
 }
 
+TEST_F(SmallFlow, AResultThatCannotBeWrittenLeavesNone)
+{
+    std::filesystem::create_symlink("/dev/full", out() + ".json");
+    EXPECT_EQ(small(GOOD), 2);
+    EXPECT_TRUE(says("view", "out.html")) << "all steps are done";
+    EXPECT_NE(m_error.find(".json: No space left on device\n"), std::string::npos) << m_error;
+    for (const std::string extension : EXTENSIONS) {
+        EXPECT_EQ(exists(extension), extension == ".json") << extension;
+    }
+    EXPECT_FALSE(exists(".library"));
+}
+
 TEST_F(FullDiskFlow, ResultsAppearTogetherOrNotAtAll)
 {
     EXPECT_EQ(again((m_page - 1) / 512), 2);
@@ -300,6 +416,7 @@ TEST_F(FullDiskFlow, ResultsAppearTogetherOrNotAtAll)
     for (const char* extension : EXTENSIONS) {
         EXPECT_FALSE(exists(extension)) << extension;
     }
+    EXPECT_FALSE(exists(".library"));
 }
 
 TEST_F(SmallFlow, StopsAtAPlacementThatIsNotClean)
