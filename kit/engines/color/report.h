@@ -14,7 +14,8 @@ void writeMessages(const Findings& findings, std::ostream& out);
 /// Why a cell has no colouring without conflicts, in words.
 std::string troubleText(const CellMetal& metal, const ColouredCell& cell, const Settings& settings);
 
-/// Writes the summary: how many cells, solutions and stitches, and which cells have no colouring.
+/// Writes the summary: how many cells, solutions and stitches, and which cells have no colouring. As JSON:
+/// "schema" (1), "summary", and how many "cells", "files" and cells "without_coloring" there are.
 void writeSummary(const Result& result, const Options& options, std::ostream& out);
 
 } // namespace kit::color

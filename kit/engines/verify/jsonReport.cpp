@@ -71,7 +71,8 @@ void writeJson(const Options& options, const design::ColoredPlacement& input, co
     out << "{\"schema\":" << SCHEMA << ",\"placement\":" << Json(options.placement)
         << ",\"colors\":" << Json(options.colors) << ",\"mindp\":" << options.minDist
         << ",\"clean\":" << (exitStatusOf(input, issues) == 0 ? "true" : "false")
-        << ",\"counts\":" << countsOf(input, issues) << ",\"findings\":[";
+        << ",\"summary\":" << Json(summaryOf(input, issues)) << ",\"counts\":" << countsOf(input, issues)
+        << ",\"findings\":[";
     const char* separator = "\n";
     for (const Finding& fault : input.faults) {
         out << separator << jsonOf(fault);

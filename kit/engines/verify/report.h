@@ -12,6 +12,9 @@ namespace kit::verify {
 /// What an issue says, without its place.
 std::string textOf(const design::Issue& issue, const placer::Design& design, int32_t minDist);
 
+/// The judgement in a few words: "not clean, 2 errors, 0 notes".
+std::string summaryOf(const design::ColoredPlacement& input, const design::Issues& issues);
+
 /// Writes issues as lines "FILE:LINE: error|note: what [kind]", the closest pairs as a table, and counts.
 ///
 /// Of the pairs in different rows, which are notes, only the closest get a line.
