@@ -65,21 +65,25 @@ std::string lineOf(const Finding& finding, PlaceText place)
     return line;
 }
 
+std::string textOf(const Counts& counts)
+{
+    return counted(counts.errors, "error") + ", " + counted(counts.warnings, "warning") + ", " +
+           counted(counts.notes, "note");
+}
+
 void writeText(const Findings& findings, std::ostream& out)
 {
     for (const Finding& finding : findings) {
         out << lineOf(finding);
     }
-    const Counts counts = countsOf(findings);
-    out << counted(counts.errors, "error") << ", " << counted(counts.warnings, "warning") << ", "
-        << counted(counts.notes, "note") << '\n';
+    out << textOf(countsOf(findings)) << '\n';
     out.flush();
 }
 
 void writeJson(const Findings& findings, std::ostream& out)
 {
     const Counts counts = countsOf(findings);
-    out << R"({"schema":)" << SCHEMA << R"(,"counts":)"
+    out << R"({"schema":)" << SCHEMA << R"(,"summary":)" << Json(textOf(counts)) << R"(,"counts":)"
         << Json{{"errors", counts.errors}, {"warnings", counts.warnings}, {"notes", counts.notes}}
         << R"(,"findings":[)";
     // Finding by finding: a million of them need no second copy.

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/tools/commands.h"
 
-#include <algorithm>
 #include <iostream>
 #include <memory>
 
@@ -42,16 +41,12 @@ void reportInputs(const InputPaths& paths, const Findings& findings)
     if (paths.cellDir.empty()) {
         std::cerr << "vireloce-kit: without --cell-path, each cell is drawn one site wide\n";
     }
-    const auto errors = std::count_if(findings.begin(), findings.end(), [](const Finding& finding) {
-        return finding.severity == Severity::ERROR;
-    });
-    if (errors > 0) {
-        const auto first = std::find_if(findings.begin(), findings.end(), [](const Finding& finding) {
-            return finding.severity == Severity::ERROR;
-        });
-        std::cerr << "vireloce-kit: the picture may miss something, as the files have errors (" << errors
-                  << "), the first: " << printable(first->file) << ':' << first->line << ": "
-                  << printable(first->what) << '\n';
+    const Findings errors = errorsOf(findings);
+    if (!errors.empty()) {
+        const Finding& first = errors.front();
+        std::cerr << "vireloce-kit: the picture may miss something, as the files have errors ("
+                  << errors.size() << "), the first: " << printable(first.file) << ':' << first.line << ": "
+                  << printable(first.what) << '\n';
     }
 }
 

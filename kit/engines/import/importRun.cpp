@@ -43,12 +43,6 @@ Lef readLefs(const Options& options, Findings& findings)
     return lef;
 }
 
-bool hasError(const Findings& findings)
-{
-    return std::any_of(findings.begin(), findings.end(),
-                       [](const Finding& finding) { return finding.severity == Severity::ERROR; });
-}
-
 /// A run from the files read to the files written.
 class Import {
 public:
@@ -62,7 +56,7 @@ public:
     bool run(Summary& summary)
     {
         requireUnits();
-        if (hasError(m_findings) || !takeRows() || !takeComponents()) {
+        if (hasErrors(m_findings) || !takeRows() || !takeComponents()) {
             return false;
         }
         bool sound = true;
@@ -74,7 +68,7 @@ public:
         DesignFiles files{.def = m_def, .lef = m_lef, .core = m_core, .cells = m_cells};
         Renamed renamed;
         nameAll(nets, names, m_reporter, files, renamed);
-        if (hasError(m_findings)) {
+        if (hasErrors(m_findings)) {
             return false;
         }
         write(files, renamed);
@@ -213,9 +207,6 @@ private:
         summary.masters = static_cast<int64_t>(usedMasters(files).size());
         summary.kept = static_cast<int64_t>(m_cells.blocks.size());
         summary.fillers = m_cells.fillers;
-        for (const Row& row : m_core.rows) {
-            summary.blocks += static_cast<int64_t>(row.blocks.size());
-        }
         summary.pins = static_cast<int64_t>(files.terminals.size());
         summary.nets = static_cast<int64_t>(files.numNets());
         summary.moved = m_moved;

@@ -14,9 +14,11 @@
 #include "kit/base/files/outputPaths.h"
 #include "kit/base/files/outputSet.h"
 #include "kit/base/files/readFile.h"
+#include "kit/base/findingText.h"
 #include "kit/base/process/childProcess.h"
 #include "kit/base/text/json.h"
 #include "kit/base/text/printable.h"
+#include "kit/base/text/text.h"
 #include "kit/design/nameMap.h"
 #include "kit/formats/lefdef/units.h"
 #include "kit/tools/flow/cache.h"
@@ -30,6 +32,7 @@ namespace {
 
 constexpr int NOT_CLEAN = 1;
 constexpr int FAILED = 2;
+constexpr int64_t MOST_TOLD = 20; // errors of a step
 
 class Flow {
 public:
@@ -66,9 +69,6 @@ private:
         inputs.push_back(m_options.def);
         std::vector<std::string> outputs;
         for (const char* extension : RESULTS) {
-            outputs.push_back(m_options.out + extension);
-        }
-        for (const char* extension : KEPT) {
             outputs.push_back(m_options.out + extension);
         }
         const std::vector<std::string> cells = filesIn(m_options.cellPath);
@@ -112,10 +112,10 @@ private:
     int runSteps()
     {
         if (!runStep(importStep(m_options, m_places)) || !colour() ||
-            !runStep(lintStep(m_options, m_places))) {
+            !runStep(lintStep(m_options, m_places)) || !runStep(placeStep(m_options, m_places))) {
             return FAILED;
         }
-        if (!runStep(placeStep(m_options, m_places)) || !runStep(verifyStep(m_options, m_places))) {
+        if (!runStep(verifyStep(m_options, m_places))) {
             return m_ending.status == NOT_CLEAN ? NOT_CLEAN : FAILED;
         }
         if (!runStep(exportStep(m_options, m_places)) || !runStep(viewStep(m_options, m_places))) {
@@ -131,12 +131,9 @@ private:
         try {
             OutputSet set;
             addLibrary(set);
-            for (const std::string extension : KEPT) {
-                set.addCopy(m_options.out + extension, m_places.placed + extension);
-            }
             for (const std::string extension : RESULTS) {
                 if (extension != ".json") {
-                    set.addCopy(m_options.out + extension, m_places.result + extension);
+                    set.addCopy(m_options.out + extension, m_places.placed + extension);
                 }
             }
             set.add(m_options.out + ".json", [this](OutputFile& file) { file << resultJson() << "\n"; });
@@ -145,9 +142,6 @@ private:
             std::error_code error; // of a folder that is not empty: it was there before
             fs::remove(m_options.out + LIBRARY, error);
             throw;
-        }
-        for (const char* extension : RESULTS) {
-            fs::remove(m_places.result + extension); // once is enough
         }
     }
 
@@ -184,14 +178,24 @@ private:
         words.insert(words.end(), step.words.begin(), step.words.end());
         m_ending = process::run(words, log, errors.path());
         const std::string messages = readFile(errors.path());
-        const bool good = m_ending.signal == 0 && m_ending.status <= step.goodStatus;
-        const bool finished = m_ending.signal == 0 && m_ending.status <= NOT_CLEAN;
-        const std::string summary = finished ? step.summary(readFile(log)) : "";
-        writeLine(step.name, (good ? "" : finished ? "FAILED: " : "FAILED") + summary);
-        if (good && step.tellsMessages) {
+        const std::string resultPath = step.result.empty() ? log : step.result;
+        const Json result =
+            fs::exists(resultPath) ? Json::tryParse(readFile(resultPath)).value_or(nullptr) : nullptr;
+        const bool good = m_ending.signal == 0 && m_ending.status <= step.goodStatus &&
+                          (step.needs.empty() || !result[step.needs].isNull());
+        const std::string summary = good || result.isObject() ? step.summary(result) : "";
+        writeLine(step.name, (good ? "" : summary.empty() ? "FAILED" : "FAILED: ") + summary);
+        if (!good) {
+            m_errors << "\n";
+        }
+        if (!good || step.tellsMessages) {
             m_errors << messages;
-        } else if (!good) {
-            tellFailure(step, words, messages, readFile(log));
+        }
+        if (!good) {
+            tellErrors(result["findings"], log);
+            tellFailure(step, words,
+                        messages.empty() && !summary.empty() ? step.name + ": " + summary
+                                                             : lastLine(messages));
         }
         writeFile(messagesOf(step.name), messages);
         return good;
@@ -212,20 +216,37 @@ private:
         m_out << numbers.data() << result << std::endl;
     }
 
-    void tellFailure(const Step& step, const std::vector<std::string>& words, const std::string& messages,
-                     const std::string& log)
+    /// Shows the errors among the findings of lint or verify, so many that they can be read.
+    void tellErrors(const Json& findings, const std::string& log)
     {
-        m_errors << "\n" << messages << (step.name == "place" ? "" : log);
+        int64_t errors = 0;
+        for (size_t i = 0; i < findings.size(); ++i) {
+            const Json& each = findings[i];
+            if (each["severity"] == "error" && ++errors <= MOST_TOLD) {
+                m_errors << lineOf({.code = each["code"].asString(),
+                                    .file = each["file"].asString(),
+                                    .line = each["line"].asInteger(),
+                                    .what = each["what"].asString(),
+                                    .advice = each.contains("advice") ? each["advice"].asString() : ""});
+            }
+        }
+        if (errors > MOST_TOLD) {
+            m_errors << "... and " << counted(errors - MOST_TOLD, "more error") << ", in " << log << "\n";
+        }
+    }
+
+    void tellFailure(const Step& step, const std::vector<std::string>& words, const std::string& cause)
+    {
         m_errors << "\nWhat went wrong: ";
         if (m_ending.signal != 0) {
             m_errors << "the step was ended by signal " << m_ending.signal;
+        } else if (cause.empty()) {
+            m_errors << "exit status " << m_ending.status << ", and no message";
         } else {
-            const std::string last = lastLine(messages.empty() ? log : messages);
-            m_errors << (last.empty() ? "exit status " + std::to_string(m_ending.status) + ", and no message"
-                                      : last);
+            m_errors << cause;
         }
-        m_errors << "\n";
-        m_errors << "What was run: " << process::shellText(words) << "\nWhat to do: " << step.advice << "\n";
+        m_errors << "\nWhat was run: " << process::shellText(words) << "\nWhat to do: " << step.advice
+                 << "\n";
     }
 
     /// The size of a site that import found, W,H in micrometres.
@@ -292,7 +313,7 @@ private:
     std::string results() const
     {
         std::string text;
-        for (const char* extension : RESULTS) {
+        for (const char* extension : {".def", ".gds", ".lyp", ".html", ".json"}) {
             text += (text.empty() ? "" : ", ") + m_options.out + extension;
         }
         return text + (m_options.keep ? "; all other files in " + m_places.folder : "");

@@ -2,6 +2,7 @@
 // The subcommand color: its messages, its exit status, and what it writes.
 #include <filesystem>
 
+#include "kit/base/text/json.h"
 #include "kit/kitRun.h"
 
 namespace {
@@ -68,6 +69,18 @@ TEST_F(KitColorCommand, WritesAColourFile)
                               "0 cells without a colouring free of conflicts\n"
                               "1 colour file in ";
     EXPECT_EQ(outcome.output.substr(0, table.size()), table);
+}
+
+TEST_F(KitColorCommand, SummaryAsJson)
+{
+    write(SITE + master("INV", BAR));
+    const KitOutcome outcome = color({"--json"});
+    const kit::Json json = kit::Json::parse(outcome.output);
+    EXPECT_EQ(json.at("cells"), 1);
+    EXPECT_EQ(json.at("files"), 1);
+    EXPECT_EQ(json.at("without_coloring"), 0);
+    EXPECT_EQ(json.at("summary"), "1 cell, layer m1, site 0.19 x 1.4 um, distance 185; 0 cells without a "
+                                  "colouring free of conflicts");
 }
 
 TEST_F(KitColorCommand, SeveralFilesAreOneLibrary)

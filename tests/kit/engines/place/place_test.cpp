@@ -249,6 +249,17 @@ TEST_F(KitPlace, UnreadableInputIsStatus2AndWritesNothing)
     EXPECT_FALSE(std::filesystem::exists(out(".json")));
 }
 
+TEST_F(KitPlace, WhatEndsTheRunIsALineOnStandardErrorAsWell)
+{
+    EXPECT_EQ(runKit({"place", m_dir.path("none"), "--cell-path", m_design.lib(), "-o", out()}).error,
+              "vireloce-kit: cannot open file: " + m_dir.path("none") + ".place\n");
+    std::filesystem::copy(m_design.lib(), m_dir.path("lib"));
+    const std::string cell = std::filesystem::directory_iterator(m_dir.path("lib"))->path().string();
+    std::ofstream(cell) << "380 1900\nx";
+    EXPECT_EQ(runKit({"place", m_design.base(), "--cell-path", m_dir.path("lib"), "-o", out()}).error,
+              "vireloce-kit: " + cell + ":2: the number of header boxes is not a 32-bit integer\n");
+}
+
 TEST_F(KitPlace, OptionThatIsNoNumberIsStatus2)
 {
     EXPECT_EQ(place({"--algo", "first"}).status, 2);
@@ -319,6 +330,7 @@ TEST_F(KitRescue, ARunWithoutAPlacementLeavesItsSetUpAlone)
     const KitOutcome outcome = place({"--rescue", "--algo", "2"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_NE(outcome.output.find("ERROR| cannot solve the placement"), std::string::npos) << outcome.output;
+    EXPECT_EQ(outcome.error.rfind("vireloce-kit: cannot solve the placement", 0), 0U) << outcome.error;
     EXPECT_EQ(result()["complete"], false);
     EXPECT_EQ(result()["report"]["component #"], 5);
     EXPECT_EQ(result()["report"].size(), 13U) << "the figures of the set-up";

@@ -5,9 +5,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -275,8 +277,9 @@ protected:
     {
         m_dir.write("l.lef", LEF);
         m_dir.write("d.def", "UNITS DISTANCE MICRONS 1000 ;\nROW r0 core 1000 0 N DO 20 BY 1 STEP 200 0 ;\n"
-                             "ROW r1 core 1000 2000 FS DO 20 BY 1 STEP 200 0 ;\nCOMPONENTS 2 ;\n" +
-                                 components + "END COMPONENTS\nEND DESIGN\n");
+                             "ROW r1 core 1000 2000 FS DO 20 BY 1 STEP 200 0 ;\nCOMPONENTS " +
+                                 std::to_string(std::count(components.begin(), components.end(), '\n')) +
+                                 " ;\n" + components + "END COMPONENTS\nEND DESIGN\n");
         return flow(m_dir.path("l.lef"), m_dir.path("d.def"), more);
     }
 };
@@ -419,15 +422,67 @@ TEST_F(FullDiskFlow, ResultsAppearTogetherOrNotAtAll)
     EXPECT_FALSE(exists(".library"));
 }
 
+/// Two cells whose right edges meet, with one solution for both; the placer takes both as unmirrored.
+constexpr const char* MIRRORED = "- u C + PLACED ( 1000 0 ) N ;\n- v C + PLACED ( 1400 0 ) FN ;\n";
+
 TEST_F(SmallFlow, StopsAtAPlacementThatIsNotClean)
 {
-    // Their right edges meet, with one solution for both; the placer takes both as unmirrored.
-    const std::string pair = "- u C + PLACED ( 1000 0 ) N ;\n- v C + PLACED ( 1400 0 ) FN ;\n";
-    EXPECT_EQ(small(pair, {"--max-solutions", "1"}), 1) << m_output;
-    EXPECT_TRUE(says("place", "FAILED: HPWL ")) << m_output;
+    EXPECT_EQ(small(MIRRORED, {"--max-solutions", "1"}), 1) << m_output;
     EXPECT_TRUE(says("place", " 0 conflicts; verify finds 1 error")) << m_output;
-    EXPECT_NE(m_error.find("What to do: "), std::string::npos) << m_error;
+    EXPECT_TRUE(says("verify", "FAILED: not clean, 1 error, 0 notes")) << m_output;
+    EXPECT_FALSE(says("export", "")) << m_output;
     EXPECT_FALSE(exists(".def"));
+}
+
+TEST_F(SmallFlow, SaysWhatTheJudgeHasAgainstAPlacementAndWhatToDo)
+{
+    EXPECT_EQ(small(MIRRORED, {"--max-solutions", "1"}), 1) << m_output;
+    const std::string flow = out() + ".flow/";
+    EXPECT_EQ(m_error.substr(0, m_error.find("What was run: ")),
+              "\n" + flow +
+                  "placed.place:17: error: u (C) at (1000, 0) and v (C) at (1400, 0) have shapes of mask 0 "
+                  "18.0 apart, 185 are needed; 1 pair of shapes too close [conflict]\n\n"
+                  "What went wrong: verify: not clean, 1 error, 0 notes\n");
+    EXPECT_EQ(m_error.find("STAT |"), std::string::npos) << "the report is no message: " << m_error;
+    EXPECT_NE(m_error.find("What to do: try another --algo (0, 1, 3), more --max-solutions or"),
+              std::string::npos)
+        << m_error;
+    EXPECT_NE(m_error.find(flow + "placed.lyrdb into a layout viewer"), std::string::npos) << m_error;
+    EXPECT_TRUE(exists(".flow/placed.lyrdb"));
+    // The page that it tells of.
+    const size_t draw = m_error.find("vireloce-kit view ");
+    ASSERT_NE(draw, std::string::npos) << m_error;
+    const std::string command =
+        VIRELOCE_KIT_PROGRAM + m_error.substr(draw + 12, m_error.find('\n', draw) - draw - 12);
+    EXPECT_EQ(std::system(command.c_str()), 0) << command;
+    EXPECT_TRUE(exists(".flow/placed.html"));
+}
+
+TEST_F(SmallFlow, SaysWhyThereIsNoPlacement)
+{
+    // Cells that are wider in their colour file than in the LEF: 25 sites in a row of 20, and the method
+    // moves none.
+    std::filesystem::create_directory(m_dir.path("cells"));
+    m_dir.write("cells/C.color", "950 1900  0  1  1  0 500 5 900  1  0 1");
+    std::string cells;
+    for (int x = 1000; x < 3000; x += 400) {
+        cells += "- u" + std::to_string(x) + " C + PLACED ( " + std::to_string(x) + " 0 ) N ;\n";
+    }
+    EXPECT_EQ(small(cells, {"--cell-path", m_dir.path("cells"), "--algo", "2"}), 2);
+    EXPECT_TRUE(says("place", "FAILED: no placement")) << m_output;
+    EXPECT_NE(m_error.find("What went wrong: vireloce-kit: cannot solve the placement"), std::string::npos)
+        << m_error;
+}
+
+TEST_F(KitFlow, TellsTheFirstErrorsAndWhereTheOthersAre)
+{
+    EXPECT_EQ(gcd({"--cell-path", VIRELOCE_KIT_EXAMPLES "/nangate45_color", "--mindp", "400"}), 1);
+    size_t told = 0;
+    for (size_t at = 0; (at = m_error.find(" error: ", at)) != std::string::npos; ++at) {
+        ++told;
+    }
+    EXPECT_EQ(told, 20U) << m_error;
+    EXPECT_NE(m_error.find(" more errors, in " + out() + ".flow/verify.log\n"), std::string::npos) << m_error;
 }
 
 } // namespace
