@@ -102,10 +102,11 @@ void writeSummary(const Result& result, const Options& options, std::ostream& ou
             ++stitches[static_cast<size_t>(cell.file->solutions.front().stitches)];
         }
     }
-    const std::string cells = counted(static_cast<int64_t>(result.colours.size()), "cell") + ", layer " +
-                              options.layer + ", site " + lefdef::micronText(result.selection.site.width) +
-                              " x " + lefdef::micronText(result.selection.site.height) + " um, distance " +
-                              std::to_string(options.settings.rules.distance);
+    const std::string cells =
+        counted(static_cast<int64_t>(result.colours.size()), "cell") + ", layer " + options.layer +
+        ", site " + lefdef::micronText(result.selection.site.width) + " x " +
+        lefdef::micronText(result.selection.site.height) + " um, distance " +
+        design::Distance::text(options.settings.rules.distance, result.selection.site.width);
     const std::string without =
         counted(static_cast<int64_t>(bad), "cell") + " without a colouring free of conflicts";
     if (options.json) {

@@ -79,8 +79,9 @@ TEST_F(KitColorCommand, SummaryAsJson)
     EXPECT_EQ(json.at("cells"), 1);
     EXPECT_EQ(json.at("files"), 1);
     EXPECT_EQ(json.at("without_coloring"), 0);
-    EXPECT_EQ(json.at("summary"), "1 cell, layer m1, site 0.19 x 1.4 um, distance 185; 0 cells without a "
-                                  "colouring free of conflicts");
+    EXPECT_EQ(json.at("summary"),
+              "1 cell, layer m1, site 0.19 x 1.4 um, distance 185 (0.185 um); 0 cells without a "
+              "colouring free of conflicts");
 }
 
 TEST_F(KitColorCommand, SeveralFilesAreOneLibrary)

@@ -441,7 +441,7 @@ TEST_F(SmallFlow, SaysWhatTheJudgeHasAgainstAPlacementAndWhatToDo)
     EXPECT_EQ(m_error.substr(0, m_error.find("What was run: ")),
               "\n" + flow +
                   "placed.place:17: error: u (C) at (1000, 0) and v (C) at (1400, 0) have shapes of mask 0 "
-                  "18.0 apart, 185 are needed; 1 pair of shapes too close [conflict]\n\n"
+                  "18.0 apart, 185 (0.194736 um) are needed; 1 pair of shapes too close [conflict]\n\n"
                   "What went wrong: verify: not clean, 1 error, 0 notes\n");
     EXPECT_EQ(m_error.find("STAT |"), std::string::npos) << "the report is no message: " << m_error;
     EXPECT_NE(m_error.find("What to do: try another --algo (0, 1, 3), more --max-solutions or"),
