@@ -8,7 +8,7 @@
 #include "kit/base/fault.h"
 #include "kit/base/files/outputFile.h"
 #include "kit/base/files/outputPaths.h"
-#include "kit/base/text/printable.h"
+#include "kit/base/text/escape.h"
 #include "kit/engines/view/html.h"
 #include "kit/engines/view/inputs.h"
 #include "kit/engines/view/options.h"

@@ -7,14 +7,14 @@
 #include <optional>
 
 #include "kit/base/fault.h"
-#include "kit/base/files/outputSet.h"
+#include "kit/base/files/outputFile.h"
+#include "kit/base/finding.h"
 #include "kit/base/text/text.h"
 #include "kit/engines/export/defPatch.h"
 #include "kit/engines/export/layerProperties.h"
 #include "kit/engines/export/layout.h"
 #include "kit/engines/export/limit.h"
 #include "kit/engines/export/masters.h"
-#include "kit/base/findingText.h"
 #include "kit/formats/placer/reader.h"
 
 namespace kit::exporter {

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "kit/base/files/outputSet.h"
+#include "kit/base/files/outputFile.h"
 #include "kit/engines/gen/cellLibrary.h"
 #include "kit/engines/gen/netlist.h"
 #include "kit/engines/gen/options.h"

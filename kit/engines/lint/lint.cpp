@@ -5,9 +5,8 @@
 #include <utility>
 
 #include "kit/base/fault.h"
-#include "kit/base/reporter.h"
+#include "kit/base/finding.h"
 #include "kit/engines/lint/checks.h"
-#include "kit/base/findingText.h"
 #include "kit/engines/lint/report.h"
 
 namespace kit::lint {

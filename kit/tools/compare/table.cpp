@@ -6,7 +6,7 @@
 #include <cmath>
 #include <cstdio>
 
-#include "kit/base/text/csv.h"
+#include "kit/base/text/escape.h"
 
 namespace kit::compare {
 
@@ -75,11 +75,7 @@ std::vector<bool> bestOf(const Line& line)
 
 std::string escapedForMarkdown(const std::string& text)
 {
-    std::string escaped;
-    for (const char c : text) {
-        escaped += c == '|' || c == '*' || c == '_' || c == '\\' ? std::string("\\") + c : std::string(1, c);
-    }
-    return escaped;
+    return replaced(text, {{'|', "\\|"}, {'*', "\\*"}, {'_', "\\_"}, {'\\', "\\\\"}});
 }
 
 } // namespace

@@ -6,7 +6,6 @@
 #include "kit/base/files/readFile.h"
 #include "kit/base/process/childProcess.h"
 #include "kit/base/text/json.h"
-#include "kit/base/text/shortText.h"
 #include "kit/base/text/text.h"
 
 namespace kit::flow {

@@ -3,9 +3,9 @@
 
 #include <iostream>
 
+#include "kit/base/files/outputFile.h"
 #include "kit/base/files/outputPaths.h"
-#include "kit/base/files/outputSet.h"
-#include "kit/base/text/printable.h"
+#include "kit/base/text/escape.h"
 #include "kit/tools/sweep/result.h"
 #include "kit/tools/sweep/sqlite.h"
 #include "kit/tools/sweep/table.h"

@@ -9,8 +9,8 @@
 
 #include "kit/base/fault.h"
 #include "kit/base/files/folder.h"
+#include "kit/base/files/outputFile.h"
 #include "kit/base/files/outputPaths.h"
-#include "kit/base/files/outputSet.h"
 #include "kit/base/text/text.h"
 
 namespace kit::sweep {

@@ -5,7 +5,7 @@
 
 #include <memory>
 
-#include "kit/base/systemFault.h"
+#include "kit/base/fault.h"
 
 namespace kit::sweep {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/tools/sweep/table.h"
 
-#include "kit/base/text/csv.h"
+#include "kit/base/text/escape.h"
 #include "kit/tools/sweep/result.h"
 
 namespace kit::sweep {
