@@ -11,7 +11,7 @@
 #include <numeric>
 #include <string_view>
 
-#include "kit/base/text/printable.h"
+#include "kit/base/text/escape.h"
 #include "kit/base/version.h"
 
 namespace kit {
@@ -146,13 +146,6 @@ std::string faultOfNames(CLI::App& program, const Words& words)
     return "";
 }
 
-/// Says why the arguments are no good.
-int failToParse(CLI::App& program, const Words& words, const CLI::ParseError& error)
-{
-    const std::string fault = faultOfNames(program, words);
-    return fail(fault.empty() ? error.what() : fault);
-}
-
 } // namespace
 
 Option& Option::required()
@@ -209,50 +202,19 @@ Command Command::subcommand(const std::string& name, const std::string& what) co
 }
 
 template <typename Value>
-Option Command::addValue(const std::string& name, Value& value, const std::string& help) const
+Option Command::add(const std::string& name, Value& value, const std::string& help) const
 {
     return {*m_app->add_option(name, value, help), *m_app, *m_program};
 }
 
-Option Command::add(const std::string& name, std::string& value, const std::string& help) const
-{
-    return addValue(name, value, help);
-}
-
-Option Command::add(const std::string& name, std::vector<std::string>& value, const std::string& help) const
-{
-    return addValue(name, value, help);
-}
-
-Option Command::add(const std::string& name, int32_t& value, const std::string& help) const
-{
-    return addValue(name, value, help);
-}
-
-Option Command::add(const std::string& name, int64_t& value, const std::string& help) const
-{
-    return addValue(name, value, help);
-}
-
-Option Command::add(const std::string& name, uint64_t& value, const std::string& help) const
-{
-    return addValue(name, value, help);
-}
-
-Option Command::add(const std::string& name, double& value, const std::string& help) const
-{
-    return addValue(name, value, help);
-}
-
-Option Command::add(const std::string& name, std::optional<int32_t>& value, const std::string& help) const
-{
-    return addValue(name, value, help);
-}
-
-Option Command::add(const std::string& name, std::optional<double>& value, const std::string& help) const
-{
-    return addValue(name, value, help);
-}
+template Option Command::add(const std::string&, std::string&, const std::string&) const;
+template Option Command::add(const std::string&, std::vector<std::string>&, const std::string&) const;
+template Option Command::add(const std::string&, int32_t&, const std::string&) const;
+template Option Command::add(const std::string&, int64_t&, const std::string&) const;
+template Option Command::add(const std::string&, uint64_t&, const std::string&) const;
+template Option Command::add(const std::string&, double&, const std::string&) const;
+template Option Command::add(const std::string&, std::optional<int32_t>&, const std::string&) const;
+template Option Command::add(const std::string&, std::optional<double>&, const std::string&) const;
 
 Option Command::flag(const std::string& name, bool& value, const std::string& help) const
 {
@@ -304,7 +266,8 @@ int runProgram(int argc, const char* const* argv, const std::vector<AddCommand>&
     } catch (const CLI::Success& help) {
         return program.exit(help);
     } catch (const CLI::ParseError& error) {
-        return failToParse(program, words, error);
+        const std::string fault = faultOfNames(program, words);
+        return fail(fault.empty() ? error.what() : fault);
     } catch (const std::bad_alloc&) {
         return fail("out of memory");
     } catch (const std::exception& error) { // a Fault, or what the file system says

@@ -20,6 +20,7 @@ struct ProgramState;
 /// An option of a subcommand, or an argument without a name, to say more about it.
 class Option {
 public:
+    /// Made by Command.
     Option(CLI::Option& option, CLI::App& app, ProgramState& program)
         : m_option(&option), m_app(&app), m_program(&program)
     {
@@ -58,6 +59,7 @@ private:
 /// A subcommand that is being described. What it is given to fill must live until its work begins.
 class Command {
 public:
+    /// Made by runProgram().
     Command(CLI::App& app, ProgramState& program) : m_app(&app), m_program(&program) {}
 
     /// Adds a subcommand.
@@ -68,15 +70,10 @@ public:
     /// Adds an option ("--jobs", "-o,--output") or an argument without a name ("BASE"). Its value is put in
     /// `value` if it is given. Of a list, every value.
     ///
-    /// @param help  what it is, with its unit
-    Option add(const std::string& name, std::string& value, const std::string& help) const;
-    Option add(const std::string& name, std::vector<std::string>& value, const std::string& help) const;
-    Option add(const std::string& name, int32_t& value, const std::string& help) const;
-    Option add(const std::string& name, int64_t& value, const std::string& help) const;
-    Option add(const std::string& name, uint64_t& value, const std::string& help) const;
-    Option add(const std::string& name, double& value, const std::string& help) const;
-    Option add(const std::string& name, std::optional<int32_t>& value, const std::string& help) const;
-    Option add(const std::string& name, std::optional<double>& value, const std::string& help) const;
+    /// @param value  a text, a list of texts, an integer or a number, the last two optional or not
+    /// @param help   what it is, with its unit
+    template <typename Value>
+    Option add(const std::string& name, Value& value, const std::string& help) const;
 
     /// Adds an option without a value. @param value  out: true if it is given
     Option flag(const std::string& name, bool& value, const std::string& help) const;
@@ -98,9 +95,6 @@ public:
     void does(const std::function<int()>& work) const;
 
 private:
-    template <typename Value>
-    Option addValue(const std::string& name, Value& value, const std::string& help) const;
-
     CLI::App* m_app;
     ProgramState* m_program;
 };

@@ -3,6 +3,11 @@
 
 #include <algorithm>
 #include <iterator>
+#include <ostream>
+
+#include "kit/base/text/escape.h"
+#include "kit/base/text/json.h"
+#include "kit/base/text/text.h"
 
 namespace kit {
 
@@ -17,13 +22,11 @@ bool isError(const Finding& finding)
 
 Counts countsOf(const Findings& findings)
 {
-    Counts counts;
-    for (const Finding& finding : findings) {
-        counts.errors += isError(finding) ? 1 : 0;
-        counts.warnings += finding.severity == Severity::WARNING ? 1 : 0;
-        counts.notes += finding.severity == Severity::NOTE ? 1 : 0;
-    }
-    return counts;
+    const auto count = [&findings](Severity severity) {
+        return std::count_if(findings.begin(), findings.end(),
+                             [severity](const Finding& finding) { return finding.severity == severity; });
+    };
+    return {count(Severity::ERROR), count(Severity::WARNING), count(Severity::NOTE)};
 }
 
 bool hasErrors(const Findings& findings)
@@ -36,6 +39,65 @@ Findings errorsOf(const Findings& findings)
     Findings errors;
     std::copy_if(findings.begin(), findings.end(), std::back_inserter(errors), isError);
     return errors;
+}
+
+const char* wordOf(Severity severity)
+{
+    return severity == Severity::ERROR ? "error" : severity == Severity::WARNING ? "warning" : "note";
+}
+
+std::string lineOf(const Finding& finding, PlaceText place)
+{
+    std::string line = finding.file;
+    if (finding.line > 0) {
+        line.append(":").append(std::to_string(finding.line));
+        if (place == PlaceText::LINE_AND_COLUMN && finding.column > 0) {
+            line.append(":").append(std::to_string(finding.column));
+        }
+    }
+    line.append(": ").append(wordOf(finding.severity)).append(": ").append(finding.what);
+    if (!finding.advice.empty()) {
+        line.append("; ").append(finding.advice);
+    }
+    return printable(line) + " [" + finding.code + "]\n";
+}
+
+std::string textOf(const Counts& counts)
+{
+    return counted(counts.errors, "error") + ", " + counted(counts.warnings, "warning") + ", " +
+           counted(counts.notes, "note");
+}
+
+void writeText(const Findings& findings, std::ostream& out)
+{
+    for (const Finding& finding : findings) {
+        out << lineOf(finding);
+    }
+    out << textOf(countsOf(findings)) << '\n';
+    out.flush();
+}
+
+void writeJson(const Findings& findings, std::ostream& out)
+{
+    const Counts counts = countsOf(findings);
+    out << R"({"schema":1,"summary":)" << Json(textOf(counts)) << R"(,"counts":)"
+        << Json{{"errors", counts.errors}, {"warnings", counts.warnings}, {"notes", counts.notes}}
+        << R"(,"findings":[)";
+    // Finding by finding: a million of them need no second copy.
+    const char* separator = "\n";
+    for (const Finding& finding : findings) {
+        out << separator
+            << Json{{"severity", wordOf(finding.severity)},
+                    {"code", finding.code},
+                    {"file", finding.file},
+                    {"line", finding.line},
+                    {"column", finding.column},
+                    {"what", finding.what},
+                    {"advice", finding.advice}};
+        separator = ",\n";
+    }
+    out << "\n]}\n";
+    out.flush();
 }
 
 } // namespace kit

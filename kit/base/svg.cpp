@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "kit/base/text/escape.h"
-#include "kit/base/text/shortText.h"
+#include "kit/base/text/text.h"
 
 namespace kit {
 

@@ -8,8 +8,8 @@
 
 #include "kit/base/files/outputFile.h"
 #include "kit/base/files/readFile.h"
+#include "kit/base/finding.h"
 #include "kit/base/hash.h"
-#include "kit/base/reporter.h"
 
 namespace kit::design {
 

@@ -6,46 +6,35 @@
 #include <string>
 
 #include "kit/engines/gen/generate.h"
-#include "kit/engines/gen/options.h"
 
 namespace kit::gen {
 
 namespace {
 
-/// Adds an integer option with its range and default.
-Option addInteger(const Command& command, const std::string& name, int32_t& value, Range range,
-                  const std::string& help)
-{
-    return command.add("--" + name, value, help).between(range.least, range.greatest).withDefault();
-}
+/// An option with a whole number.
+struct Number {
+    const char* name;
+    int32_t Options::*value;
+    int32_t least;
+    int32_t greatest;
+    const char* help;
+};
 
-void addDesignOptions(const Command& command, Options& options)
-{
-    addInteger(command, "components", options.components, COMPONENTS_RANGE, "placed cells");
-    addInteger(command, "utilization", options.utilisation, UTILISATION_RANGE,
-               "sites that the cells take, in per cent of those in the segments")
-        .formerly("--utilisation");
-    addInteger(command, "sites-per-row", options.sitesPerRow, SITES_PER_ROW_RANGE, "most sites in a row");
-    addInteger(command, "macros", options.macros, MACROS_RANGE, "macros that cut the rows");
-    addInteger(command, "site-step", options.siteStep, SITE_STEP_RANGE, "distance of two sites, DBU");
-    addInteger(command, "mirrored", options.mirrored, MIRRORED_RANGE, "mirrored components, in per cent");
-}
-
-void addLibraryOptions(const Command& command, Options& options)
-{
-    addInteger(command, "cell-types", options.cellTypes, CELL_TYPES_RANGE, "cells of the library");
-    addInteger(command, "solutions", options.solutions, SOLUTIONS_RANGE, "most colour solutions of a cell");
-}
-
-void addNetOptions(const Command& command, Options& options)
-{
-    addInteger(command, "window-sites", options.windowSites, WINDOW_SITES_RANGE,
-               "farthest member of a local net, in sites to either side of its driver");
-    addInteger(command, "window-rows", options.windowRows, WINDOW_ROWS_RANGE,
-               "farthest member of a local net, in rows up or down");
-    addInteger(command, "wide-nets", options.wideNets, WIDE_NETS_RANGE,
-               "nets of 10 to 1000 members, of every 1000 nets");
-}
+constexpr Number NUMBERS[] = {
+    {"--components", &Options::components, 1'000, 10'000'000, "placed cells"},
+    {"--utilization", &Options::utilisation, 10, 95,
+     "sites that the cells take, in per cent of those in the segments"},
+    {"--sites-per-row", &Options::sitesPerRow, 50, 1'000'000, "most sites in a row"},
+    {"--macros", &Options::macros, 0, 10'000, "macros that cut the rows"},
+    {"--site-step", &Options::siteStep, 10, 1'900, "distance of two sites, DBU"},
+    {"--mirrored", &Options::mirrored, 0, 100, "mirrored components, in per cent"},
+    {"--cell-types", &Options::cellTypes, 1, 5'000, "cells of the library"},
+    {"--solutions", &Options::solutions, 1, 64, "most colour solutions of a cell"},
+    {"--window-sites", &Options::windowSites, 5, 100'000,
+     "farthest member of a local net, in sites to either side of its driver"},
+    {"--window-rows", &Options::windowRows, 1, 10'000, "farthest member of a local net, in rows up or down"},
+    {"--wide-nets", &Options::wideNets, 0, 100, "nets of 10 to 1000 members, of every 1000 nets"},
+};
 
 /// Why a text is no seed, empty if it is one. The option's own conversion lets a sign pass, and cuts what is
 /// too large.
@@ -77,9 +66,14 @@ void addCommand(const Command& program)
     const Command command = program.subcommand("gen", "Write a synthetic design with its cell library");
     const auto options = std::make_shared<Options>();
     addFileOptions(command, *options);
-    addDesignOptions(command, *options);
-    addLibraryOptions(command, *options);
-    addNetOptions(command, *options);
+    for (const Number& number : NUMBERS) {
+        Option option = command.add(number.name, options.get()->*number.value, number.help)
+                            .between(number.least, number.greatest)
+                            .withDefault();
+        if (number.value == &Options::utilisation) {
+            option.formerly("--utilisation");
+        }
+    }
     command.does([options] {
         generate(*options);
         return 0;

@@ -8,7 +8,7 @@
 #include "kit/base/text/json.h"
 #include "kit/base/text/text.h"
 #include "kit/engines/import/importRun.h"
-#include "kit/tools/siteOption.h"
+#include "kit/tools/lengthOptions.h"
 
 namespace kit::importing {
 

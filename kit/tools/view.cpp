@@ -7,12 +7,11 @@
 #include "kit/base/fault.h"
 #include "kit/base/files/outputFile.h"
 #include "kit/base/files/outputPaths.h"
-#include "kit/base/text/printable.h"
+#include "kit/base/text/escape.h"
 #include "kit/engines/view/html.h"
 #include "kit/engines/view/inputs.h"
-#include "kit/engines/view/options.h"
 #include "kit/engines/view/svg.h"
-#include "kit/tools/distanceOption.h"
+#include "kit/tools/lengthOptions.h"
 
 namespace kit::view {
 
@@ -41,8 +40,7 @@ void reportInputs(const InputPaths& paths, const Findings& findings)
     if (paths.cellDir.empty()) {
         std::cerr << "vireloce-kit: without --cell-path, each cell is drawn one site wide\n";
     }
-    const Findings errors = errorsOf(findings);
-    if (!errors.empty()) {
+    if (const Findings errors = errorsOf(findings); !errors.empty()) {
         const Finding& first = errors.front();
         std::cerr << "vireloce-kit: the picture may miss something, as the files have errors ("
                   << errors.size() << "), the first: " << printable(first.file) << ':' << first.line << ": "

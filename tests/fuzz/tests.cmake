@@ -14,7 +14,7 @@ if(VIRELOCE_FUZZ)
     # The readers are compiled once more, so that the fuzzer sees which of their branches an input takes.
     set(lefdef defReader lefReader macroReader orient parser scanner shapeReader source statements)
     list(TRANSFORM lefdef REPLACE "(.+)" "${PROJECT_SOURCE_DIR}/kit/formats/lefdef/\\1.cpp")
-    set(rest base/files/readFile base/findingText base/text/decimal base/text/json base/text/printable base/text/text
+    set(rest base/files/readFile base/finding base/text/decimal base/text/escape base/text/json base/text/text
         geometry/polygon)
     list(TRANSFORM rest REPLACE "(.+)" "${PROJECT_SOURCE_DIR}/kit/\\1.cpp")
     foreach(name lef def)

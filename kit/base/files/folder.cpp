@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <filesystem>
 
-#include "kit/base/systemFault.h"
+#include "kit/base/fault.h"
 
 namespace kit {
 

@@ -1,7 +1,13 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <string>
+
+#include "kit/base/fault.h"
 
 namespace kit {
 
@@ -9,8 +15,13 @@ namespace kit {
 class MemoryFile {
 public:
     /// Errors: throws Fault if there can be none.
-    MemoryFile();
-    ~MemoryFile();
+    MemoryFile() : m_file(memfd_create("messages", MFD_CLOEXEC))
+    {
+        if (m_file < 0) {
+            throw systemFault("cannot make a file in memory", errno);
+        }
+    }
+    ~MemoryFile() { close(m_file); }
     MemoryFile(const MemoryFile&) = delete;
     MemoryFile& operator=(const MemoryFile&) = delete;
 

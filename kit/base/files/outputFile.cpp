@@ -10,19 +10,30 @@
 #include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
+#include <random>
+#include <set>
+#include <string_view>
+#include <utility>
+#include <vector>
 
+#include "kit/base/fault.h"
 #include "kit/base/files/folder.h"
-#include "kit/base/files/outputTarget.h"
+#include "kit/base/files/outputPaths.h"
 #include "kit/base/files/readFile.h"
-#include "kit/base/systemFault.h"
 
 namespace kit {
 
 namespace {
 
-constexpr size_t BUFFER_SIZE = size_t{1} << 16U;
-constexpr size_t LONGEST_INTEGER = 20; // characters of a 64-bit integer with its sign
-constexpr int MOST_TRIES = 100;        // for a name that nobody has
+constexpr std::string_view MARK = ".part-"; // of a temporary file, before the letters
+constexpr std::string_view LETTERS = "abcdefghijklmnopqrstuvwxyz012345";
+constexpr size_t NUM_LETTERS = 6;
+constexpr size_t LONGEST_NAME = 255; // of a file, on the usual file systems
+
+constexpr size_t BUFFER_SIZE = size_t{1} << 16U; // bytes
+constexpr size_t LONGEST_INTEGER = 20;           // characters of a 64-bit integer with its sign
+constexpr int MOST_TRIES = 100;                  // for a name that nobody has
 
 /// The same open file once more.
 int duplicate(int descriptor)
@@ -31,7 +42,117 @@ int duplicate(int descriptor)
     return fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
 }
 
+/// Files that are brought to the disk one by one; of more than these the file system is as a whole, which is
+/// faster then.
+constexpr size_t MOST_ALONE = 8;
+
+/// Brings a file system to the disk.
+void syncAround(const std::string& folder)
+{
+    const int file = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const int error = file < 0 || syncfs(file) != 0 ? errno : 0;
+    if (file >= 0) {
+        close(file);
+    }
+    if (error != 0) {
+        throw systemFault("cannot write into " + folder, error);
+    }
+}
+
+/// Changes all names, or none.
+void change(const std::vector<NameChange*>& changes, const std::set<std::string>& folders)
+{
+    size_t made = 0;
+    try {
+        for (; made < changes.size(); ++made) {
+            changes[made]->keepOld();
+            changes[made]->make();
+        }
+        std::for_each(folders.begin(), folders.end(), syncFolder);
+    } catch (...) {
+        while (made > 0) {
+            changes[--made]->undo();
+        }
+        throw;
+    }
+    for (NameChange* const each : changes) {
+        each->settle();
+    }
+}
+
 } // namespace
+
+NameChange::NameChange(std::string target, std::string part)
+    : m_target(std::move(target)), m_part(std::move(part)), m_removes(m_part.empty())
+{
+}
+
+NameChange::~NameChange()
+{
+    if (!m_part.empty()) {
+        unlink(m_part.c_str());
+    }
+    settle();
+}
+
+void NameChange::make()
+{
+    const int status = m_removes ? unlink(m_target.c_str()) : std::rename(m_part.c_str(), m_target.c_str());
+    if (status != 0 && !(m_removes && errno == ENOENT)) {
+        throw systemFault("cannot write " + m_target, errno);
+    }
+    m_part.clear();
+}
+
+void NameChange::keepOld()
+{
+    const std::string backup = partNameOf(m_target);
+    if (link(m_target.c_str(), backup.c_str()) == 0) {
+        m_backup = backup;
+    } else {
+        m_isNew = errno == ENOENT;
+    }
+}
+
+void NameChange::undo() noexcept
+{
+    if (!m_backup.empty()) {
+        std::rename(m_backup.c_str(), m_target.c_str());
+    } else if (m_isNew) {
+        unlink(m_target.c_str());
+    }
+    m_backup.clear();
+}
+
+void NameChange::settle() noexcept
+{
+    if (!m_backup.empty()) {
+        unlink(m_backup.c_str());
+        m_backup.clear();
+    }
+}
+
+std::string partNameOf(const std::string& path)
+{
+    thread_local std::random_device s_device;
+    std::string letters;
+    for (size_t i = 0; i < NUM_LETTERS; ++i) {
+        letters += LETTERS[s_device() % LETTERS.size()];
+    }
+    const std::filesystem::path whole(path);
+    const std::string name = whole.filename().string().substr(0, LONGEST_NAME - MARK.size() - NUM_LETTERS);
+    return (whole.parent_path() / name).string().append(MARK).append(letters);
+}
+
+std::string nameOfPart(const std::string& name)
+{
+    const size_t size = name.size() - std::min(name.size(), MARK.size() + NUM_LETTERS);
+    const std::string_view letters =
+        std::string_view(name).substr(name.size() - std::min(name.size(), NUM_LETTERS));
+    const bool isPart = std::string_view(name).substr(size).starts_with(MARK) &&
+                        letters.find_first_not_of(LETTERS) == std::string_view::npos;
+    return isPart ? name.substr(0, size) : "";
+}
 
 OutputFile::OutputFile(std::string path)
     : m_path(std::move(path)), m_buffer(std::make_unique<char[]>(BUFFER_SIZE))
@@ -170,6 +291,52 @@ void writeFile(const std::string& path, std::string_view text)
     OutputFile file(path);
     file << text;
     file.commit();
+}
+
+void OutputSet::complete(OutputFile& file)
+{
+    file.complete(/*sync=*/m_files.size() <= MOST_ALONE);
+}
+
+void OutputSet::addCopy(const std::string& path, const std::string& from)
+{
+    add(path, [&from](OutputFile& file) { file.appendFile(from); });
+}
+
+void OutputSet::remove(const std::string& path)
+{
+    m_removed.emplace_back(path);
+}
+
+const std::string& OutputSet::partPath(const std::string& path) const
+{
+    const auto file = std::find_if(m_files.begin(), m_files.end(),
+                                   [&path](const OutputFile& other) { return other.path() == path; });
+    assert(file != m_files.end());
+    return file->partPath();
+}
+
+void OutputSet::commit()
+{
+    std::vector<NameChange*> changes;
+    for (NameChange& change : m_removed) {
+        changes.push_back(&change);
+    }
+    for (OutputFile& file : m_files) {
+        if (file.m_name) {
+            changes.push_back(&*file.m_name);
+        }
+    }
+    std::set<std::string> folders;
+    for (const NameChange* change : changes) {
+        folders.insert(folderOf(change->target()));
+    }
+    if (m_files.size() > MOST_ALONE) {
+        std::for_each(folders.begin(), folders.end(), syncAround);
+    }
+    change(changes, folders);
+    m_files.clear();
+    m_removed.clear();
 }
 
 } // namespace kit

@@ -9,7 +9,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "kit/base/systemFault.h"
+#include "kit/base/fault.h"
 
 namespace kit {
 

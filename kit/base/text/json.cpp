@@ -2,9 +2,11 @@
 #include "kit/base/text/json.h"
 
 #include <algorithm>
+#include <array>
 #include <cassert>
 #include <nlohmann/json.hpp>
 #include <ostream>
+#include <set>
 
 #include "kit/base/fault.h"
 
@@ -14,6 +16,9 @@ namespace {
 
 constexpr size_t DEEPEST = 64;       // arrays and objects in each other
 constexpr size_t LONGEST_QUOTE = 60; // bytes of a value in a message
+
+using Library = nlohmann::ordered_json;
+using Event = Library::parse_event_t;
 
 /// A value for a message.
 std::string inQuotes(const Json& value)
@@ -33,171 +38,80 @@ auto& as(const Json& json, Variant& value, const char* thing)
     return *found;
 }
 
-/// Builds a value while its text is read.
-class Builder : public nlohmann::json_sax<nlohmann::json> {
-public:
-    Json root;
-
-    bool null() override { return add(nullptr); }
-    bool boolean(bool value) override { return add(value); }
-    bool number_integer(int64_t value) override { return add(value); }
-    bool number_unsigned(uint64_t value) override
-    {
-        return value <= INT64_MAX ? add(static_cast<int64_t>(value)) : add(static_cast<double>(value));
+/// The value as the library has it.
+Library toLibrary(const Json& json)
+{
+    if (json.isArray()) {
+        Library::array_t items;
+        std::transform(json.items().begin(), json.items().end(), std::back_inserter(items), toLibrary);
+        return items;
     }
-    bool number_float(double value, const std::string& /*text*/) override { return add(value); }
-    bool string(std::string& value) override { return add(value); }
-    bool binary(nlohmann::json::binary_t& /*value*/) override { return false; } // a text has none
-    bool start_object(size_t /*size*/) override { return open(/*isObject=*/true); }
-    bool start_array(size_t /*size*/) override { return open(/*isObject=*/false); }
-
-    bool key(std::string& name) override
-    {
-        m_open.back().members.push_back({name, nullptr});
-        return true;
-    }
-
-    bool end_object() override
-    {
-        Json::Object members = std::move(m_open.back().members);
-        std::vector<std::string_view> names;
-        for (const Json::Member& member : members) {
-            names.push_back(member.name);
+    if (json.isObject()) {
+        Library::object_t members;
+        for (const auto& [name, value] : json.members()) {
+            members.emplace_back(name, toLibrary(value));
         }
-        std::sort(names.begin(), names.end());
-        const auto twice = std::adjacent_find(names.begin(), names.end());
-        if (twice != names.end()) {
-            throw Fault("an object has the member " + inQuotes(Json(*twice)) + " twice");
-        }
-        m_open.pop_back();
-        return add(Json::object(std::move(members)));
+        return members;
     }
-
-    bool end_array() override
-    {
-        Json::Array items = std::move(m_open.back().items);
-        m_open.pop_back();
-        return add(Json::array(std::move(items)));
+    if (json.isNumber()) {
+        return json.isInteger() ? Library(json.asInteger()) : Library(json.asNumber());
     }
+    return json.isString() ? Library(json.asString()) : json.isBool() ? Library(json.asBool()) : Library();
+}
 
-    bool parse_error(size_t /*position*/, const std::string& /*token*/,
-                     const nlohmann::json::exception& error) override
-    {
-        const std::string text = error.what(); // begins with the parser's own name and number
-        const size_t begin = text.find("parse error at ");
-        throw Fault(begin == std::string::npos ? "a number is too large" : text.substr(begin + 15));
-    }
-
-private:
-    /// What has begun and not ended.
-    struct Open {
-        bool isObject;
+/// The value that the library has read. Whole numbers beyond 64 bits with a sign become others.
+Json fromLibrary(const Library& value)
+{
+    if (value.is_array()) {
         Json::Array items;
-        Json::Object members; ///< the last waits for its value
-    };
-
-    bool open(bool isObject)
-    {
-        if (m_open.size() == DEEPEST) {
-            throw Fault("lists and objects are nested deeper than " + std::to_string(DEEPEST));
-        }
-        m_open.push_back({isObject, {}, {}});
-        return true;
+        std::transform(value.begin(), value.end(), std::back_inserter(items), fromLibrary);
+        return Json::array(std::move(items));
     }
-
-    bool add(Json value)
-    {
-        if (m_open.empty()) {
-            root = std::move(value);
-        } else if (m_open.back().isObject) {
-            m_open.back().members.back().value = std::move(value);
-        } else {
-            m_open.back().items.push_back(std::move(value));
+    if (value.is_object()) {
+        Json object = Json::object();
+        for (const auto& [name, member] : value.items()) {
+            object[name] = fromLibrary(member);
         }
-        return true;
+        return object;
     }
+    if (value.is_string()) {
+        return value.get_ref<const std::string&>();
+    }
+    if (value.is_boolean()) {
+        return value.get<bool>();
+    }
+    const bool huge = value.is_number_unsigned() && value.get<uint64_t>() > INT64_MAX;
+    if (value.is_number_integer() && !huge) {
+        return value.get<int64_t>();
+    }
+    return value.is_number() ? Json(value.get<double>()) : Json();
+}
 
-    std::vector<Open> m_open; ///< the outermost first
-};
-
-/// Writes a value as text. Numbers and escapes are those of the library, which is asked where they matter.
-class Writer {
+/// Checks a text while the library reads it: no object has a member twice, nothing is nested too deep.
+class Check {
 public:
-    explicit Writer(int indent) : m_indent(indent) {}
-
-    std::string text;
-
-    void write(const Json& json)
+    /// As the library calls it. @param depth  number of arrays and objects around it
+    bool operator()(int depth, Event event, const Library& value)
     {
-        if (json.isArray()) {
-            writeAll('[', json.items(), ']', [this](const Json& value) { write(value); });
-        } else if (json.isObject()) {
-            writeAll('{', json.members(), '}', [this](const Json::Member& member) {
-                writeString(member.name);
-                text += m_indent < 0 ? ":" : ": ";
-                write(member.value);
-            });
-        } else if (json.isString()) {
-            writeString(json.asString());
-        } else if (json.isInteger()) {
-            text += std::to_string(json.asInteger());
-        } else if (json.isNumber()) {
-            text += nlohmann::json(json.asNumber()).dump();
-        } else {
-            text += json.isNull() ? "null" : json.asBool() ? "true" : "false";
+        const auto level = static_cast<size_t>(depth);
+        if (event == Event::object_start || event == Event::array_start) {
+            if (level == DEEPEST) {
+                throw Fault("lists and objects are nested deeper than " + std::to_string(DEEPEST));
+            }
+            m_names[level].clear();
+        } else if (event == Event::key && !m_names[level - 1].insert(value).second) {
+            throw Fault("an object has the member " + inQuotes(fromLibrary(value)) + " twice");
         }
+        return true;
     }
 
 private:
-    template <typename List, typename WriteOne>
-    void writeAll(char begin, const List& list, char end, const WriteOne& writeOne)
-    {
-        text += begin;
-        ++m_depth;
-        const char* separator = "";
-        for (const auto& one : list) {
-            text += separator;
-            breakLine();
-            writeOne(one);
-            separator = ",";
-        }
-        --m_depth;
-        if (!list.empty()) {
-            breakLine();
-        }
-        text += end;
-    }
-
-    void breakLine()
-    {
-        if (m_indent >= 0) {
-            text.append(1, '\n').append(m_depth * static_cast<size_t>(m_indent), ' ');
-        }
-    }
-
-    void writeString(const std::string& string)
-    {
-        const bool plain = std::all_of(string.begin(), string.end(),
-                                       [](char c) { return c >= ' ' && c <= '~' && c != '"' && c != '\\'; });
-        if (plain) {
-            text.append(1, '"').append(string).append(1, '"');
-        } else {
-            text += nlohmann::json(string).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-        }
-    }
-
-    int m_indent;
-    size_t m_depth = 0;
+    std::array<std::set<std::string>, DEEPEST> m_names; ///< [level] members of the object that is open there
 };
 
 } // namespace
 
-Json::Json() = default;
-Json::Json(const Json& other) = default;
-Json::Json(Json&& other) noexcept = default;
-Json& Json::operator=(const Json& other) = default;
-Json& Json::operator=(Json&& other) noexcept = default;
-Json::~Json() = default;
+Json::Json(std::nullptr_t) {}
 
 Json::Json(std::initializer_list<Member> members) : m_value(Object(members))
 {
@@ -205,11 +119,6 @@ Json::Json(std::initializer_list<Member> members) : m_value(Object(members))
         return 1 == std::count_if(members.begin(), members.end(),
                                   [&](const Member& other) { return other.name == member.name; });
     }));
-}
-
-Json Json::array()
-{
-    return array(Array());
 }
 
 Json Json::array(Array items)
@@ -221,21 +130,20 @@ Json Json::array(Array items)
 
 Json Json::object()
 {
-    return object(Object());
-}
-
-Json Json::object(Object members)
-{
     Json json;
-    json.m_value = std::move(members);
+    json.m_value = Object();
     return json;
 }
 
 Json Json::parse(std::string_view text)
 {
-    Builder builder;
-    nlohmann::json::sax_parse(text, &builder);
-    return std::move(builder.root);
+    try {
+        return fromLibrary(Library::parse(text, Check()));
+    } catch (const nlohmann::json::exception& error) { // its text begins with the library's own number
+        const std::string why = error.what();
+        const size_t place = why.find("parse error at ");
+        throw Fault(place == std::string::npos ? "a number is too large" : why.substr(place + 15));
+    }
 }
 
 std::optional<Json> Json::tryParse(std::string_view text)
@@ -379,9 +287,7 @@ void Json::sortMembers()
 
 std::string Json::dump(int indent) const
 {
-    Writer writer(indent);
-    writer.write(*this);
-    return std::move(writer.text);
+    return toLibrary(*this).dump(indent, ' ', false, Library::error_handler_t::replace);
 }
 
 bool operator==(const Json& a, const Json& b)
@@ -402,26 +308,6 @@ bool operator==(const Json& a, const Json& b)
 std::ostream& operator<<(std::ostream& out, const Json& json)
 {
     return out << json.dump();
-}
-
-void Json::assign(bool value)
-{
-    m_value = value;
-}
-
-void Json::assign(int64_t value)
-{
-    m_value = value;
-}
-
-void Json::assign(double value)
-{
-    m_value = value;
-}
-
-void Json::assign(std::string_view text)
-{
-    m_value = std::string(text);
 }
 
 } // namespace kit

@@ -24,32 +24,27 @@ public:
     using Array = std::vector<Json>;
     using Object = std::vector<Member>;
 
-    Json(); ///< null
-    Json(std::nullptr_t) : Json() {}
-    Json(const Json& other);
-    Json(Json&& other) noexcept;
-    Json& operator=(const Json& other);
-    Json& operator=(Json&& other) noexcept;
-    ~Json();
+    Json(std::nullptr_t = nullptr); ///< null
 
     /// A flag or a number. Whole numbers have 64 bits with a sign.
     template <typename T>
-    requires std::is_arithmetic_v<T> Json(T value) : Json() { assign(static_cast<Stored<T>>(value)); }
+    requires std::is_arithmetic_v<T> Json(T value) : m_value(static_cast<Stored<T>>(value)) {}
 
     /// A text. Bytes that are no UTF-8 are replaced when it is written.
     template <typename T>
-    requires std::is_convertible_v<const T&, std::string_view> Json(const T& text) : Json()
+    requires std::is_convertible_v<const T&, std::string_view> Json(const T& text)
+        : m_value(std::string(std::string_view(text)))
     {
-        assign(std::string_view(text));
     }
 
     /// An object: {{"name", value}, {"other", value}}. @pre no name is there twice
     Json(std::initializer_list<Member> members);
 
-    static Json array();
-    static Json array(Array items);
+    /// An array of these values.
+    static Json array(Array items = {});
+
+    /// An object without members.
     static Json object();
-    static Json object(Object members);
 
     /// Reads a text in which no object has a member twice, and which is nested at most 64 deep.
     ///
@@ -59,14 +54,28 @@ public:
     /// The same, nothing if the text is not sound.
     static std::optional<Json> tryParse(std::string_view text);
 
+    /// Whether it is null.
     bool isNull() const { return std::holds_alternative<std::monostate>(m_value); }
+
+    /// Whether it is true or false.
     bool isBool() const { return std::holds_alternative<bool>(m_value); }
+
+    /// Whether it is a whole number of 64 bits with a sign.
     bool isInteger() const { return std::holds_alternative<int64_t>(m_value); }
+
+    /// Whether it is a number, whole or not.
     bool isNumber() const { return isInteger() || std::holds_alternative<double>(m_value); }
+
+    /// Whether it is a text.
     bool isString() const { return std::holds_alternative<std::string>(m_value); }
+
+    /// Whether it is a list.
     bool isArray() const { return std::holds_alternative<Array>(m_value); }
+
+    /// Whether it is an object.
     bool isObject() const { return std::holds_alternative<Object>(m_value); }
 
+    /// The value, if it is of this kind. Errors: throws Fault if it is not.
     bool asBool() const;
     int64_t asInteger() const;
     double asNumber() const; ///< of whole numbers too
@@ -76,6 +85,8 @@ public:
 
     /// Number of values in an array or an object, 0 for all else.
     size_t size() const;
+
+    /// Whether size() is 0.
     bool empty() const { return size() == 0; }
 
     /// Whether this is an object with a member of this name.
@@ -122,10 +133,6 @@ private:
     using Stored = std::conditional_t<std::is_same_v<T, bool>, bool,
                                       std::conditional_t<std::is_integral_v<T>, int64_t, double>>;
 
-    void assign(bool value);
-    void assign(int64_t value);
-    void assign(double value);
-    void assign(std::string_view text);
     const Json* find(std::string_view name) const;
 
     std::variant<std::monostate, bool, int64_t, double, std::string, Array, Object> m_value;

@@ -2,6 +2,7 @@
 // Texts, and the numbers in them.
 #pragma once
 
+#include <charconv>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -28,5 +29,14 @@ std::string lastLine(std::string_view text);
 
 /// A text in quotation marks, cut with "..." if it is long.
 std::string inQuotes(std::string_view text);
+
+/// The shortest decimal text that reads back as the same number: "1.4", not "1.3999999999999999".
+template <typename Number>
+std::string shortText(Number number)
+{
+    constexpr size_t LONGEST = 24; // of a double with sign, 17 digits, point and exponent
+    char text[LONGEST];
+    return {text, std::to_chars(text, text + LONGEST, number).ptr};
+}
 
 } // namespace kit

@@ -7,7 +7,7 @@
 #include <numeric>
 
 #include "kit/base/fault.h"
-#include "kit/base/reporter.h"
+#include "kit/base/finding.h"
 #include "kit/formats/lefdef/units.h"
 
 namespace kit::color {

@@ -7,9 +7,9 @@
 #include <ostream>
 #include <sstream>
 
-#include "kit/base/findingText.h"
+#include "kit/base/finding.h"
+#include "kit/base/text/escape.h"
 #include "kit/base/text/json.h"
-#include "kit/base/text/printable.h"
 #include "kit/base/text/text.h"
 #include "kit/design/distance.h"
 #include "kit/formats/lefdef/units.h"

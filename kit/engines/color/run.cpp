@@ -11,9 +11,9 @@
 
 #include "kit/base/fault.h"
 #include "kit/base/files/folder.h"
+#include "kit/base/files/outputFile.h"
 #include "kit/base/files/outputPaths.h"
-#include "kit/base/files/outputSet.h"
-#include "kit/base/reporter.h"
+#include "kit/base/finding.h"
 #include "kit/engines/color/picture.h"
 #include "kit/engines/color/report.h"
 #include "kit/formats/lefdef/units.h"

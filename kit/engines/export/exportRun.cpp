@@ -7,8 +7,8 @@
 #include <optional>
 
 #include "kit/base/fault.h"
-#include "kit/base/files/outputSet.h"
-#include "kit/base/findingText.h"
+#include "kit/base/files/outputFile.h"
+#include "kit/base/finding.h"
 #include "kit/base/text/json.h"
 #include "kit/base/text/text.h"
 #include "kit/engines/export/defPatch.h"

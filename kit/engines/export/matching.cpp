@@ -7,7 +7,7 @@
 #include <unordered_set>
 
 #include "kit/base/fault.h"
-#include "kit/base/reporter.h"
+#include "kit/base/finding.h"
 #include "kit/design/trueOrient.h"
 #include "kit/formats/placer/names.h"
 

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// The generated design as files.
 #pragma once
 
 #include <vector>
 
-#include "kit/base/files/outputSet.h"
 #include "kit/engines/gen/cellLibrary.h"
 #include "kit/engines/gen/netlist.h"
-#include "kit/engines/gen/options.h"
 #include "kit/engines/gen/placement.h"
 
 namespace kit::gen {
@@ -14,19 +13,10 @@ namespace kit::gen {
 /// Checks that the files of the design may be written. Errors: as of checkOutputs().
 void checkOutputsOf(const Options& options);
 
-/// Writes the cell list and the colour files, their folder as well.
+/// Writes all files of the design, with LEF and DEF if the options say so.
 ///
-/// Errors: throws Fault if something cannot be written; so do the others.
-void writeLibrary(const std::vector<LibraryCell>& library, const Options& options, OutputSet& set);
-
-/// Writes rows, components and macros.
-void writePlacement(const Placement& placement, const std::vector<LibraryCell>& library,
-                    const Options& options, OutputFile& out);
-
-/// Writes the pins.
-void writePins(const Netlist& netlist, const Options& options, OutputFile& out);
-
-/// Writes the nets.
-void writeNets(const Netlist& netlist, OutputFile& out);
+/// Errors: throws Fault if something cannot be written; then nothing is.
+void writeDesign(const std::vector<LibraryCell>& library, const Placement& placement, const Netlist& netlist,
+                 const Options& options);
 
 } // namespace kit::gen

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "kit/base/fault.h"
+#include "kit/engines/gen/cellLibrary.h"
 #include "kit/engines/gen/random.h"
 
 namespace kit::gen {
@@ -102,6 +103,11 @@ void requireHeight(int64_t rows, const Options& options)
 }
 
 } // namespace
+
+int32_t rowHeight(const Options& options)
+{
+    return options.siteStep * LIBRARY_HEIGHT / placer::LIBRARY_SITE;
+}
 
 Floorplan makeFloorplan(int32_t rows, int32_t sitesPerRow, const Options& options)
 {

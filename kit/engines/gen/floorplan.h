@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "kit/engines/gen/options.h"
+#include "kit/engines/gen/generate.h"
 
 namespace kit::gen {
 
@@ -31,6 +31,9 @@ struct Floorplan {
     std::vector<Stretch> stretches; ///< by row, then from left to right
     int64_t capacity = 0;           ///< of all stretches, sites
 };
+
+/// Height of a row, DBU: that of the library's cells at the site step of the design.
+int32_t rowHeight(const Options& options);
 
 /// A floorplan of a given size. Every macro lies in a field of its own.
 ///

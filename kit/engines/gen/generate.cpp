@@ -3,12 +3,35 @@
 
 #include <iostream>
 
+#include "kit/base/fault.h"
+#include "kit/engines/gen/cellLibrary.h"
 #include "kit/engines/gen/designWriter.h"
-#include "kit/engines/gen/lefDefWriter.h"
 
 namespace kit::gen {
 
 namespace {
+
+/// The placer takes lengths in single precision, which is exact up to here, DBU.
+constexpr int64_t LONGEST_ROW = 1 << 24;
+
+/// Cells with their solutions that a spacing table holds: the placer stops at twice as many squared.
+constexpr int64_t LARGEST_LIBRARY = 11'000;
+
+/// Checks what the ranges of the single options leave open.
+///
+/// Errors: throws Fault if a row would be longer than the placer's single-precision lengths can hold, or the
+/// library too large for its spacing table.
+void checkTogether(const Options& options)
+{
+    if (int64_t{options.sitesPerRow} * options.siteStep > LONGEST_ROW) {
+        throw Fault("--sites-per-row times --site-step is over " + std::to_string(LONGEST_ROW) +
+                    ", the longest row that the placer measures exactly");
+    }
+    if (int64_t{options.cellTypes} * (options.solutions + 1) > LARGEST_LIBRARY) {
+        throw Fault("--cell-types times one more than --solutions is over " +
+                    std::to_string(LARGEST_LIBRARY) + ", the most that the placer's spacing table holds");
+    }
+}
 
 void describe(const Options& options, const Placement& placement, const Netlist& netlist)
 {
@@ -29,20 +52,7 @@ void generate(const Options& options)
     const std::vector<LibraryCell> library = makeLibrary(options);
     const Placement placement = placeAll(chooseTypes(options), library, options);
     const Netlist netlist = connect(placement, options);
-
-    OutputSet set;
-    writeLibrary(library, options, set);
-    set.add(options.out + ".place",
-            [&](OutputFile& out) { writePlacement(placement, library, options, out); });
-    set.add(options.out + ".pins", [&](OutputFile& out) { writePins(netlist, options, out); });
-    set.add(options.out + ".netlist", [&](OutputFile& out) { writeNets(netlist, out); });
-    if (options.lefDef) {
-        set.add(options.out + ".lef",
-                [&](OutputFile& out) { writeLef(library, placement.plan, options, out); });
-        set.add(options.out + ".def",
-                [&](OutputFile& out) { writeDef(placement, library, netlist, options, out); });
-    }
-    set.commit();
+    writeDesign(library, placement, netlist, options);
     describe(options, placement, netlist);
 }
 

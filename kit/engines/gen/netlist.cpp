@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <array>
 
+#include "kit/engines/gen/random.h"
+
 namespace kit::gen {
 
 namespace {

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "kit/engines/gen/options.h"
+#include "kit/engines/gen/generate.h"
 #include "kit/engines/gen/placement.h"
 
 namespace kit::gen {

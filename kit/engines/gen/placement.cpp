@@ -7,6 +7,8 @@
 #include <numeric>
 #include <utility>
 
+#include "kit/engines/gen/random.h"
+
 namespace kit::gen {
 
 namespace {

@@ -7,7 +7,7 @@
 
 #include "kit/engines/gen/cellLibrary.h"
 #include "kit/engines/gen/floorplan.h"
-#include "kit/engines/gen/options.h"
+#include "kit/engines/gen/generate.h"
 
 namespace kit::gen {
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 
@@ -13,6 +14,7 @@ namespace kit::gen {
 /// are.
 class Random {
 public:
+    /// @param stream  one of Stream
     Random(uint64_t seed, uint64_t stream) : m_state(mix(seed + stream * GOLDEN_GAMMA)) {}
 
     /// 64 random bits.
@@ -27,6 +29,7 @@ public:
     /// @param n  from 1 to 2^31 - 1
     int32_t below(int32_t n)
     {
+        assert(n > 0);
         return static_cast<int32_t>(((next() >> 32U) * static_cast<uint64_t>(n)) >> 32U);
     }
 

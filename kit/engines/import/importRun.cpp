@@ -6,9 +6,9 @@
 #include <ostream>
 #include <set>
 
+#include "kit/base/files/outputFile.h"
 #include "kit/base/files/outputPaths.h"
-#include "kit/base/files/outputSet.h"
-#include "kit/base/findingText.h"
+#include "kit/base/finding.h"
 #include "kit/design/nameMap.h"
 #include "kit/engines/import/designFiles.h"
 #include "kit/engines/import/legalize.h"

@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "kit/base/reporter.h"
+#include "kit/base/finding.h"
 #include "kit/design/occupancy.h"
 #include "kit/design/spacing.h"
 #include "kit/engines/lint/checks.h"

@@ -2,7 +2,7 @@
 #include <string>
 #include <vector>
 
-#include "kit/base/reporter.h"
+#include "kit/base/finding.h"
 #include "kit/base/text/text.h"
 #include "kit/design/occupancy.h"
 #include "kit/engines/lint/checks.h"

@@ -5,8 +5,7 @@
 #include <utility>
 
 #include "kit/base/fault.h"
-#include "kit/base/findingText.h"
-#include "kit/base/reporter.h"
+#include "kit/base/finding.h"
 #include "kit/engines/lint/checks.h"
 #include "kit/engines/lint/report.h"
 

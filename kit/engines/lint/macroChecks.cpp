@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "kit/base/reporter.h"
+#include "kit/base/finding.h"
 #include "kit/design/stretches.h"
 #include "kit/engines/lint/checks.h"
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "kit/base/reporter.h"
+#include "kit/base/finding.h"
 #include "kit/design/spacing.h"
 #include "kit/engines/lint/checks.h"
 #include "kit/formats/placer/names.h"

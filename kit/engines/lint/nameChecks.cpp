@@ -3,7 +3,7 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "kit/base/reporter.h"
+#include "kit/base/finding.h"
 #include "kit/engines/lint/checks.h"
 #include "kit/formats/placer/names.h"
 

@@ -7,7 +7,7 @@
 #include <tuple>
 #include <unordered_map>
 
-#include "kit/base/findingText.h"
+#include "kit/base/finding.h"
 #include "kit/base/text/json.h"
 #include "kit/base/text/text.h"
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "kit/base/files/outputSet.h"
+#include "kit/base/files/outputFile.h"
 #include "kit/base/text/json.h"
 #include "kit/engines/place/options.h"
 

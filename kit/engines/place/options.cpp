@@ -3,7 +3,7 @@
 
 #include "kit/base/files/folder.h"
 #include "kit/base/files/outputPaths.h"
-#include "kit/base/text/shortText.h"
+#include "kit/base/text/text.h"
 #include "kit/formats/placer/reader.h"
 
 namespace kit::place {

@@ -8,8 +8,8 @@
 
 #include "app/driver.h"
 #include "db/design.h"
-#include "kit/base/files/outputSet.h"
-#include "kit/base/text/printable.h"
+#include "kit/base/files/outputFile.h"
+#include "kit/base/text/escape.h"
 #include "kit/engines/place/judgement.h"
 #include "kit/engines/place/placementText.h"
 #include "kit/engines/place/progressLine.h"

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "db/design.h"
+#include "kit/base/fault.h"
 #include "kit/base/files/outputFile.h"
-#include "kit/base/systemFault.h"
 
 namespace kit::place {
 

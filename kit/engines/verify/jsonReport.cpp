@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <ostream>
 
-#include "kit/base/findingText.h"
+#include "kit/base/finding.h"
 #include "kit/base/text/json.h"
 #include "kit/engines/verify/report.h"
 

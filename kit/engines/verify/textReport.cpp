@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <ostream>
 
-#include "kit/base/findingText.h"
-#include "kit/base/text/printable.h"
+#include "kit/base/finding.h"
+#include "kit/base/text/escape.h"
 #include "kit/base/text/text.h"
 #include "kit/engines/verify/report.h"
 

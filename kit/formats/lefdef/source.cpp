@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "kit/base/files/readFile.h"
-#include "kit/base/findingText.h"
+#include "kit/base/finding.h"
 
 namespace kit::lefdef {
 

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "kit/base/finding.h"
-#include "kit/base/reporter.h"
 
 namespace kit::lefdef {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "kit/base/reporter.h"
+#include "kit/base/finding.h"
 #include "kit/formats/placer/lines.h"
 
 namespace kit::placer {

@@ -8,7 +8,7 @@
 
 #include "kit/base/fault.h"
 #include "kit/base/files/readFile.h"
-#include "kit/base/reporter.h"
+#include "kit/base/finding.h"
 #include "kit/base/text/text.h"
 #include "kit/formats/placer/reader.h"
 #include "kit/formats/placer/words.h"
@@ -49,7 +49,8 @@ private:
             reportEnd(what, word.at);
         } else if (!integer.sound) {
             m_reporter.error("not-a-number", word.at,
-                             "the " + std::string(what) + ", " + inQuotes(word.text) + ", is no 32-bit integer",
+                             "the " + std::string(what) + ", " + inQuotes(word.text) +
+                                 ", is no 32-bit integer",
                              "write a whole number");
             m_unsound = true;
         }

@@ -2,7 +2,7 @@
 #include <utility>
 
 #include "kit/base/files/readFile.h"
-#include "kit/base/reporter.h"
+#include "kit/base/finding.h"
 #include "kit/base/text/text.h"
 #include "kit/formats/placer/names.h"
 #include "kit/formats/placer/reader.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/base/files/readFile.h"
-#include "kit/base/reporter.h"
+#include "kit/base/finding.h"
 #include "kit/base/text/text.h"
 #include "kit/formats/placer/reader.h"
 #include "kit/formats/placer/words.h"

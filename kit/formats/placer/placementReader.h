@@ -5,7 +5,7 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "kit/base/reporter.h"
+#include "kit/base/finding.h"
 #include "kit/formats/placer/design.h"
 #include "kit/formats/placer/fields.h"
 #include "kit/formats/placer/lines.h"

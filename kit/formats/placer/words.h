@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-#include "kit/base/reporter.h"
+#include "kit/base/finding.h"
 
 namespace kit::placer {
 

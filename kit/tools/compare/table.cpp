@@ -3,10 +3,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <cmath>
 #include <cstdio>
 
-#include "kit/base/text/csv.h"
+#include "kit/base/text/escape.h"
 
 namespace kit::compare {
 
@@ -75,11 +76,7 @@ std::vector<bool> bestOf(const Line& line)
 
 std::string escapedForMarkdown(const std::string& text)
 {
-    std::string escaped;
-    for (const char c : text) {
-        escaped += c == '|' || c == '*' || c == '_' || c == '\\' ? std::string("\\") + c : std::string(1, c);
-    }
-    return escaped;
+    return replaced(text, {{'|', "\\|"}, {'*', "\\*"}, {'_', "\\_"}, {'\\', "\\\\"}});
 }
 
 } // namespace
@@ -111,6 +108,7 @@ std::string toMarkdown(const std::vector<Run>& runs, const std::vector<Line>& li
     }
     text += "\n" + rule + "\n";
     for (const Line& line : lines) {
+        assert(line.values.size() == runs.size());
         const std::vector<bool> best = bestOf(line);
         text += "| " + line.title + " |";
         for (size_t i = 0; i < runs.size(); ++i) {

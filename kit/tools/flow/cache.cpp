@@ -12,7 +12,8 @@
 #include "kit/base/files/outputFile.h"
 #include "kit/base/files/readFile.h"
 #include "kit/base/hash.h"
-#include "kit/base/text/shortText.h"
+#include "kit/base/text/text.h"
+#include "kit/base/version.h"
 
 namespace kit::flow {
 

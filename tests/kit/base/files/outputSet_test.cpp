@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "kit/base/files/outputSet.h"
+#include "kit/base/files/outputFile.h"
 
 #include <map>
 

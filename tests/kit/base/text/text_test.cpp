@@ -6,7 +6,7 @@
 
 #include "kit/base/fault.h"
 #include "kit/base/files/readFile.h"
-#include "kit/base/text/printable.h"
+#include "kit/base/text/escape.h"
 #include "kit/base/text/text.h"
 #include "kit/kitRun.h"
 
