@@ -42,4 +42,12 @@ private:
     uint64_t m_value = 0xcbf29ce484222325;
 };
 
+/// The hash of a text.
+inline std::string hashOf(std::string_view text)
+{
+    Hash hash;
+    hash.add(text);
+    return hash.text();
+}
+
 } // namespace kit

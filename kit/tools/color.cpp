@@ -4,8 +4,7 @@
 #include <memory>
 
 #include "kit/engines/color/run.h"
-#include "kit/tools/distanceOption.h"
-#include "kit/tools/siteOption.h"
+#include "kit/tools/lengthOptions.h"
 
 namespace kit::color {
 

@@ -4,9 +4,8 @@
 #include <iostream>
 #include <memory>
 
-#include "kit/tools/distanceOption.h"
 #include "kit/tools/flow/flow.h"
-#include "kit/tools/siteOption.h"
+#include "kit/tools/lengthOptions.h"
 
 namespace kit::flow {
 
@@ -31,9 +30,7 @@ void addFiles(const Command& command, Options& options)
     command.add("--layer", options.layer, "name of metal 1").withDefault();
     command
         .add("--site", options.site, "size of a site, W,H in micrometres (default: the LEF's, or the rows')")
-        .check([](const std::string& text) {
-            return parseSite(text) ? "" : "\"" + text + "\" is not W,H in micrometres";
-        });
+        .check(faultOfSite);
     command.add("--cell-path", options.cellPath, "folder of colour files: the library is not coloured");
     command.add("--cache", options.cache,
                 "folder that keeps colourings from run to run (default: the user's cache)");

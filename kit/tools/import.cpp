@@ -5,8 +5,8 @@
 #include <memory>
 
 #include "kit/base/text/text.h"
-#include "kit/tools/siteOption.h"
 #include "kit/engines/import/importRun.h"
+#include "kit/tools/lengthOptions.h"
 
 namespace kit::importing {
 

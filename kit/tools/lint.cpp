@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "kit/engines/lint/lint.h"
-#include "kit/tools/distanceOption.h"
+#include "kit/tools/lengthOptions.h"
 
 namespace kit::lint {
 

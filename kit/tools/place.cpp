@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "kit/engines/place/placeRun.h"
-#include "kit/tools/distanceOption.h"
+#include "kit/tools/lengthOptions.h"
 
 namespace kit::place {
 

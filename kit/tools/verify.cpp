@@ -9,7 +9,7 @@
 #include "kit/design/trueOrient.h"
 #include "kit/engines/verify/report.h"
 #include "kit/engines/verify/verify.h"
-#include "kit/tools/distanceOption.h"
+#include "kit/tools/lengthOptions.h"
 
 namespace kit::verify {
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/tools/commands.h"
 
-#include <algorithm>
 #include <iostream>
 #include <memory>
 
@@ -11,9 +10,8 @@
 #include "kit/base/text/escape.h"
 #include "kit/engines/view/html.h"
 #include "kit/engines/view/inputs.h"
-#include "kit/engines/view/options.h"
 #include "kit/engines/view/svg.h"
-#include "kit/tools/distanceOption.h"
+#include "kit/tools/lengthOptions.h"
 
 namespace kit::view {
 
@@ -42,16 +40,11 @@ void reportInputs(const InputPaths& paths, const Findings& findings)
     if (paths.cellDir.empty()) {
         std::cerr << "vireloce-kit: without --cell-path, each cell is drawn one site wide\n";
     }
-    const auto errors = std::count_if(findings.begin(), findings.end(), [](const Finding& finding) {
-        return finding.severity == Severity::ERROR;
-    });
-    if (errors > 0) {
-        const auto first = std::find_if(findings.begin(), findings.end(), [](const Finding& finding) {
-            return finding.severity == Severity::ERROR;
-        });
-        std::cerr << "vireloce-kit: the picture may miss something, as the files have errors (" << errors
-                  << "), the first: " << printable(first->file) << ':' << first->line << ": "
-                  << printable(first->what) << '\n';
+    if (const Findings errors = errorsOf(findings); !errors.empty()) {
+        const Finding& first = errors.front();
+        std::cerr << "vireloce-kit: the picture may miss something, as the files have errors ("
+                  << errors.size() << "), the first: " << printable(first.file) << ':' << first.line << ": "
+                  << printable(first.what) << '\n';
     }
 }
 

@@ -19,6 +19,7 @@ std::vector<std::string> filesIn(const std::string& folder);
 /// Removes a folder with all that is in it when it goes itself.
 class FolderRemoval {
 public:
+    /// @param path  of the folder, which need not be there
     explicit FolderRemoval(std::string path) : m_path(std::move(path)) {}
     ~FolderRemoval();
     FolderRemoval(const FolderRemoval&) = delete;

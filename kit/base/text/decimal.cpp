@@ -2,6 +2,7 @@
 #include "kit/base/text/decimal.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace kit {
 
@@ -92,6 +93,7 @@ int64_t divided(int64_t mantissa, int64_t power)
 
 Decimal parseDecimal(std::string_view text, int32_t digits, int64_t limit)
 {
+    assert(limit >= 0 && limit <= LARGEST_MANTISSA / 10);
     const bool negative = text.starts_with('-');
     Form form(text.substr(negative || text.starts_with('+') ? 1 : 0));
     if (!form.read()) {

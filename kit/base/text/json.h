@@ -54,13 +54,25 @@ public:
     /// The same, nothing if the text is not sound.
     static std::optional<Json> tryParse(std::string_view text);
 
-    /// What kind of value it is. A whole number is a number as well.
+    /// Whether it is null.
     bool isNull() const { return std::holds_alternative<std::monostate>(m_value); }
+
+    /// Whether it is true or false.
     bool isBool() const { return std::holds_alternative<bool>(m_value); }
+
+    /// Whether it is a whole number of 64 bits with a sign.
     bool isInteger() const { return std::holds_alternative<int64_t>(m_value); }
+
+    /// Whether it is a number, whole or not.
     bool isNumber() const { return isInteger() || std::holds_alternative<double>(m_value); }
+
+    /// Whether it is a text.
     bool isString() const { return std::holds_alternative<std::string>(m_value); }
+
+    /// Whether it is a list.
     bool isArray() const { return std::holds_alternative<Array>(m_value); }
+
+    /// Whether it is an object.
     bool isObject() const { return std::holds_alternative<Object>(m_value); }
 
     /// The value, if it is of this kind. Errors: throws Fault if it is not.

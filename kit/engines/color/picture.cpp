@@ -5,7 +5,6 @@
 #include <array>
 #include <string>
 
-#include "kit/base/palette.h"
 #include "kit/base/svg.h"
 #include "kit/base/text/escape.h"
 #include "kit/base/text/text.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/engines/export/layerProperties.h"
 
-#include "kit/base/palette.h"
+#include "kit/base/svg.h"
 
 namespace kit::exporter {
 

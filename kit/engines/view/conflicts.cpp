@@ -2,11 +2,10 @@
 #include "kit/engines/view/conflicts.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <limits>
 #include <map>
-#include <string_view>
-#include <unordered_map>
 
 #include "kit/design/metal.h"
 #include "kit/design/standing.h"
@@ -39,29 +38,6 @@ Box gapOf(const design::FineBox& a, const design::FineBox& b)
 
 } // namespace
 
-std::vector<const placer::ColorRecord*> matchColours(const placer::Design& design,
-                                                     const std::vector<placer::ColorRecord>& records)
-{
-    std::unordered_map<std::string_view, const placer::ColorRecord*> byName; // filled when orders differ
-    std::vector<const placer::ColorRecord*> colours;
-    colours.reserve(design.components.size());
-    for (const placer::Component& comp : design.components) {
-        const size_t i = colours.size();
-        if (i < records.size() && records[i].name == comp.name) {
-            colours.push_back(&records[i]);
-            continue;
-        }
-        if (byName.empty()) {
-            for (const placer::ColorRecord& record : records) {
-                byName[record.name] = &record;
-            }
-        }
-        const auto found = byName.find(comp.name);
-        colours.push_back(found == byName.end() ? nullptr : found->second);
-    }
-    return colours;
-}
-
 std::vector<Conflict> findConflicts(const placer::Design& design,
                                     const std::vector<const placer::ColorRecord*>& colours, int32_t step,
                                     int32_t minDist)
@@ -87,6 +63,7 @@ std::vector<Conflict> findConflicts(const placer::Design& design,
 
 std::vector<ConflictMark> gathered(const std::vector<Conflict>& conflicts, int32_t side)
 {
+    assert(side > 0);
     struct Sum {
         int64_t x = 0;
         int64_t y = 0;

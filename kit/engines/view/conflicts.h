@@ -13,16 +13,10 @@ namespace kit::view {
 /// More conflicts than these are not looked for: a picture of more says nothing.
 inline constexpr size_t MOST_CONFLICTS = 200'000;
 
-/// The colours of each component, nullptr where the file has none; of two of one name the later.
-///
-/// @param records  in the order of the components, as in the file; in another, names decide
-std::vector<const placer::ColorRecord*> matchColours(const placer::Design& design,
-                                                     const std::vector<placer::ColorRecord>& records);
-
 /// Cells in one row whose metal is on one mask and closer than allowed, by geometry; one conflict per pair of
 /// cells, where they are closest.
 ///
-/// @param colours  [components] as matchColours() has them
+/// @param colours  [components] nullptr where they are unknown
 /// @param step     site width of the design, DBU
 /// @param minDist  least distance, library units
 std::vector<Conflict> findConflicts(const placer::Design& design,

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "kit/engines/view/scene.h"
@@ -26,5 +27,11 @@ struct Density {
 /// @param scene   the placement
 /// @param before  where the cells stood in the input placement
 Density densityOf(const Scene& scene, bool before);
+
+/// Colour of a density as "#rrggbb": from white for none to dark blue for 100 per cent and more. Its
+/// lightness falls all the way, so that it needs no sense of hue.
+///
+/// @param share  per cent, as in Density
+std::string rampColour(uint8_t share);
 
 } // namespace kit::view

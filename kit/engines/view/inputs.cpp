@@ -9,8 +9,8 @@
 #include "kit/base/files/folder.h"
 #include "kit/design/frame.h"
 #include "kit/design/trueOrient.h"
-#include "kit/engines/view/build.h"
 #include "kit/engines/view/conflicts.h"
+#include "kit/engines/view/scene.h"
 #include "kit/formats/placer/colors.h"
 #include "kit/formats/placer/reader.h"
 
@@ -116,7 +116,7 @@ Scene readScene(const InputPaths& paths, const design::Distance& minDist, Findin
     std::vector<placer::ColorRecord> records;
     if (!paths.colors.empty()) {
         records = placer::readColors(paths.colors, findings);
-        extras.colours = matchColours(design, records);
+        extras.colours = matchByName(design.components, records);
         checkColours(extras.colours, paths);
     }
     placer::Design before;

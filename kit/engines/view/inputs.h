@@ -11,10 +11,23 @@
 
 #include "kit/base/finding.h"
 #include "kit/design/distance.h"
-#include "kit/engines/view/options.h"
 #include "kit/engines/view/scene.h"
 
 namespace kit::view {
+
+/// What `view` is asked for. Paths are empty where none is given.
+struct Options {
+    std::string placement; ///< placement file, or path and base name of a design's files
+    std::string out;       ///< picture: its name ends in .svg or .html
+    std::string colors;    ///< colour solutions
+    std::string cellDir;   ///< folder of the colour files
+    std::string cells;     ///< cell list
+    std::string before;    ///< input placement
+    std::string netlist;
+    std::string pins;
+    design::Distance minDist; ///< of metal on one mask
+    bool force = false;       ///< replace a picture that exists
+};
 
 /// The files that were found. Paths are empty where there is none.
 struct InputPaths {

@@ -7,7 +7,12 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
+
+#include "kit/formats/placer/colors.h"
+#include "kit/formats/placer/design.h"
 
 namespace kit::view {
 
@@ -120,5 +125,48 @@ Box placed(const Scene& scene, const Cell& cell, const Box& box);
 
 /// Stitches of all cells as the colour files count them.
 int64_t countStitches(const Scene& scene);
+
+/// Where the shapes of a cell touch, one joint for each pair of shapes that do so in more than a point: the
+/// largest of their common boxes.
+std::vector<Joint> findJoints(const std::vector<Metal>& metal);
+
+/// Whether a joint is a stitch in a colouring.
+bool isStitch(const Joint& joint, const Colouring& colouring);
+
+/// [one of the first list] the one of its name in the other, nullptr if there is none; of two of one name the
+/// one in the same place, else the last.
+///
+/// @param records  in most cases in the same order; must outlive the result
+template <typename Named, typename Record>
+std::vector<const Record*> matchByName(const std::vector<Named>& named, const std::vector<Record>& records)
+{
+    std::unordered_map<std::string_view, const Record*> byName; // filled when orders differ
+    std::vector<const Record*> matches;
+    matches.reserve(named.size());
+    for (const Named& one : named) {
+        const size_t i = matches.size();
+        if (i < records.size() && records[i].name == one.name) {
+            matches.push_back(&records[i]);
+            continue;
+        }
+        if (byName.empty()) {
+            for (const Record& record : records) {
+                byName[record.name] = &record;
+            }
+        }
+        const auto found = byName.find(one.name);
+        matches.push_back(found == byName.end() ? nullptr : found->second);
+    }
+    return matches;
+}
+
+/// What to draw besides the design.
+struct Extras {
+    std::vector<const placer::ColorRecord*> colours; ///< [components] nullptr if unknown; not owned; or empty
+    const placer::Design* before = nullptr; ///< the input placement, found by names; not owned; or none
+};
+
+/// A design as it is drawn. Coordinates beyond +-500 million DBU are drawn there.
+Scene buildScene(const placer::Design& design, const Extras& extras);
 
 } // namespace kit::view

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <cmath>
 #include <cstdio>
 
@@ -107,6 +108,7 @@ std::string toMarkdown(const std::vector<Run>& runs, const std::vector<Line>& li
     }
     text += "\n" + rule + "\n";
     for (const Line& line : lines) {
+        assert(line.values.size() == runs.size());
         const std::vector<bool> best = bestOf(line);
         text += "| " + line.title + " |";
         for (size_t i = 0; i < runs.size(); ++i) {

@@ -6,7 +6,10 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <cctype>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -16,6 +19,8 @@
 #include "kit/base/fault.h"
 #include "kit/base/files/folder.h"
 #include "kit/base/files/outputFile.h"
+#include "kit/base/hash.h"
+#include "kit/base/text/json.h"
 
 namespace kit::sweep {
 
@@ -23,23 +28,58 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// The names in a folder, by name.
-std::vector<std::string> namesIn(const std::string& path)
-{
-    std::vector<std::string> names;
-    std::error_code error;
-    for (fs::directory_iterator at(path, error), end; !error && at != end; at.increment(error)) {
-        names.push_back(at->path().filename().string());
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-std::string claimTextAt(const std::string& path)
+/// What is in a file, nothing if it cannot be read.
+std::string textOf(const std::string& path)
 {
     std::ostringstream text;
     text << std::ifstream(path).rdbuf();
     return text.str();
+}
+
+std::string hostName()
+{
+    std::array<char, 256> name{};
+    gethostname(name.data(), name.size() - 1);
+    return name.data();
+}
+
+/// When a process was started, -1 if there is none of this id.
+int64_t startOf(int64_t process)
+{
+    constexpr int FIELDS_BEFORE = 19; // behind the name, which may hold anything
+    const std::string stat = textOf("/proc/" + std::to_string(process) + "/stat");
+    const size_t nameEnd = stat.rfind(')');
+    if (nameEnd == std::string::npos) {
+        return -1;
+    }
+    std::istringstream fields(stat.substr(nameEnd + 1));
+    std::string word;
+    for (int i = 0; i < FIELDS_BEFORE; ++i) {
+        fields >> word;
+        if (i == 0 && (word == "Z" || word == "X")) { // it has ended, and nobody has looked yet
+            return -1;
+        }
+    }
+    int64_t start = -1;
+    fields >> start;
+    return start;
+}
+
+const std::string& placeHere()
+{
+    static const std::string s_place = Owner::self().place;
+    return s_place;
+}
+
+/// The names in a folder, by name.
+std::vector<std::string> namesIn(const std::string& path)
+{
+    std::vector<std::string> names;
+    for (const std::string& file : filesIn(path)) {
+        names.push_back(fs::path(file).filename().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
 }
 
 /// The claim that a file is by its name, if it is one.
@@ -63,6 +103,61 @@ std::optional<double> touchedAt(const std::string& path)
 }
 
 } // namespace
+
+Owner Owner::self()
+{
+    const std::string host = hostName();
+    std::string boot;
+    std::ifstream("/proc/sys/kernel/random/boot_id") >> boot;
+    std::error_code error; // containers have a space of process ids of their own
+    const std::string space = fs::read_symlink("/proc/self/ns/pid", error).string();
+    const int64_t process = getpid();
+    return {host, host + " " + boot + " " + space, process, startOf(process)};
+}
+
+std::string Owner::name() const
+{
+    std::string safe = host;
+    std::replace_if(
+        safe.begin(), safe.end(), [](unsigned char c) { return std::isalnum(c) == 0 && c != '-'; }, '_');
+    return safe + "." + std::to_string(process) + "." + std::to_string(start) + "." + hashOf(place);
+}
+
+bool Owner::isGone(const std::string& name)
+{
+    const size_t hash = name.rfind('.');
+    const size_t start = hash == std::string::npos || hash == 0 ? hash : name.rfind('.', hash - 1);
+    const size_t process = start == std::string::npos || start == 0 ? start : name.rfind('.', start - 1);
+    if (process == std::string::npos || name.substr(hash + 1) != hashOf(placeHere())) {
+        return false;
+    }
+    const int64_t id = std::atoll(name.c_str() + process + 1);
+    return startOf(id) != std::atoll(name.c_str() + start + 1);
+}
+
+std::string Owner::text() const
+{
+    return Json{{"host", host}, {"place", place}, {"process", process}, {"start", start}}.dump() + "\n";
+}
+
+std::optional<Owner> Owner::parse(const std::string& text)
+{
+    try {
+        const Json json = Json::parse(text);
+        return Owner{json.at("host").asString(), json.at("place").asString(), json.at("process").asInteger(),
+                     json.at("start").asInteger()};
+    } catch (const Fault&) {
+        return std::nullopt;
+    }
+}
+
+std::optional<bool> Owner::isAlive() const
+{
+    if (place != placeHere()) {
+        return std::nullopt;
+    }
+    return startOf(process) == start;
+}
 
 Claims::Claims(const Folder& folder) : m_folder(folder), m_self(Owner::self())
 {
@@ -148,7 +243,7 @@ std::optional<Claim> Claims::take(const std::string& id)
 
 bool Claims::holds(const Claim& claim)
 {
-    return Owner::parse(claimTextAt(pathOf(claim))) == m_self && !othersHave(claim);
+    return Owner::parse(textOf(pathOf(claim))) == m_self && !othersHave(claim);
 }
 
 void Claims::release(const Claim& claim) noexcept
@@ -171,7 +266,7 @@ bool Claims::isOld(const std::string& path)
 
 Claims::State Claims::stateOf(const std::string& path)
 {
-    const std::string text = claimTextAt(path);
+    const std::string text = textOf(path);
     const std::optional<Owner> owner = Owner::parse(text);
     if (!owner.has_value()) {
         return !fs::exists(path) ? State::GONE : isOld(path) ? State::STALE : State::ALIVE;

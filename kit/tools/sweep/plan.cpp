@@ -14,7 +14,6 @@
 #include "kit/base/files/outputFile.h"
 #include "kit/base/files/outputPaths.h"
 #include "kit/base/text/text.h"
-#include "kit/tools/sweep/content.h"
 #include "kit/tools/sweep/shard.h"
 
 namespace kit::sweep {
@@ -47,15 +46,6 @@ std::string roughTime(double seconds)
                   : minutes >= 1.5 ? "min"
                                    : "s");
     return text.data();
-}
-
-double secondsOf(const std::vector<Task>& tasks)
-{
-    double sum = 0;
-    for (const Task& task : tasks) {
-        sum += task.seconds;
-    }
-    return sum;
 }
 
 std::string numberText(double value)
@@ -112,7 +102,7 @@ std::vector<Task> tasksOf(const Study& study, const std::string& dir)
 
 void plan(const PlanOptions& options, std::ostream& out)
 {
-    const std::string path = tasksPath(options.dir);
+    const std::string path = Folder(options.dir).tasks();
     checkOutputs({path}, {options.study}, options.force);
     const Study study = readStudy(options.study);
     makeFolder(options.dir);

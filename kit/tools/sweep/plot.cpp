@@ -5,7 +5,9 @@
 #include <filesystem>
 #include <iostream>
 #include <map>
+#include <numeric>
 #include <set>
+#include <tuple>
 
 #include "kit/base/fault.h"
 #include "kit/base/files/folder.h"
@@ -26,7 +28,7 @@ constexpr const char* BESIDE = "; marks at one place are side by side";
 
 size_t algoOf(const Task& task)
 {
-    return static_cast<size_t>(std::clamp(task.options.algo.value_or(0), 0, 4));
+    return static_cast<size_t>(std::clamp(task.options.algo.value_or(0), 0.0, 4.0));
 }
 
 /// A series per method in use, and its index by method.
@@ -85,18 +87,17 @@ public:
 
     std::string label(const Task& task) const
     {
-        constexpr std::pair<const char*, const char*> SHORT[] = {{"weight", "w "},
-                                                                 {"move_range", "M "},
-                                                                 {"mindp", "d "},
-                                                                 {"site_width", "s "},
-                                                                 {"rescue", "rescue "}};
         const Json options = toJson(task.options);
         std::string text;
-        for (const auto& [name, prefix] : SHORT) {
+        const auto add = [&](const std::string& name, const char* prefix) {
             if (m_differing.count(name) > 0 && !options[name].isNull()) {
-                text += (text.empty() ? "" : ", ") + (prefix + options[name].dump());
+                text.append(text.empty() ? "" : ", ").append(prefix).append(options[name].dump());
             }
+        };
+        for (const NumberOption& option : NUMBER_OPTIONS) {
+            add(option.name, option.label);
         }
+        add("rescue", "rescue ");
         return text;
     }
 
@@ -179,6 +180,24 @@ std::vector<Made> madeRuns(const std::string& dir)
 }
 
 } // namespace
+
+std::vector<size_t> frontOf(const std::vector<Costs>& points)
+{
+    std::vector<size_t> order(points.size());
+    std::iota(order.begin(), order.end(), size_t{0});
+    std::sort(order.begin(), order.end(), [&](size_t a, size_t b) {
+        return std::tie(points[a].x, points[a].y, a) < std::tie(points[b].x, points[b].y, b);
+    });
+    std::vector<size_t> front;
+    for (const size_t i : order) {
+        const bool first = front.empty();
+        const Costs& best = points[first ? i : front.back()];
+        if (first || points[i].y < best.y || (points[i].x == best.x && points[i].y == best.y)) {
+            front.push_back(i);
+        }
+    }
+    return front;
+}
 
 std::optional<Chart> tradeOffChart(const std::string& design, const std::vector<Made>& runs)
 {

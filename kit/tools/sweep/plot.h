@@ -18,6 +18,11 @@ struct Made {
     Result result;
 };
 
+/// The points that no other beats: none is as good in both costs and better in one. Of equal ones all.
+///
+/// @return their indices, by x, then by y, then by index
+std::vector<size_t> frontOf(const std::vector<Costs>& points);
+
 /// Wirelength against stitches for the runs of one design: the front of the clean ones is joined, and
 /// labelled with those options that differ. Nothing if no run has both figures.
 std::optional<Chart> tradeOffChart(const std::string& design, const std::vector<Made>& runs);

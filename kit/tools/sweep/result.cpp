@@ -92,28 +92,28 @@ Json metricsOf(const Json& placed)
 
 std::vector<std::string> filesOf(const std::string& dir)
 {
-    std::vector<std::string> paths = filesIn(Folder(dir).results());
-    paths.push_back(tasksPath(dir));
+    const Folder folder(dir);
+    std::vector<std::string> paths = filesIn(folder.results());
+    paths.push_back(folder.tasks());
     return paths;
 }
 
-std::string toText(const Task& task, const Result& result)
+Json toJson(const Task& task, const Result& result)
 {
-    const Json file{{"schema", "vireloce-sweep-run"},
-                    {"version", 1},
-                    {"id", task.id},
-                    {"design", task.design},
-                    {"options", toJson(task.options)},
-                    {"status", nameOf(result.status)},
-                    {"exit_status", result.ending.status},
-                    {"signal", result.ending.signal},
-                    {"message", result.message},
-                    {"seconds", rounded(result.ending.seconds)},
-                    {"cpu_seconds", rounded(result.ending.cpuSeconds)},
-                    {"peak_kib", result.ending.peakKib},
-                    {"host", result.host},
-                    {"metrics", result.metrics}};
-    return file.dump(1) + "\n";
+    return {{"schema", "vireloce-sweep-run"},
+            {"version", 1},
+            {"id", task.id},
+            {"design", task.design},
+            {"options", toJson(task.options)},
+            {"status", nameOf(result.status)},
+            {"exit_status", result.ending.status},
+            {"signal", result.ending.signal},
+            {"message", result.message},
+            {"seconds", rounded(result.ending.seconds)},
+            {"cpu_seconds", rounded(result.ending.cpuSeconds)},
+            {"peak_kib", result.ending.peakKib},
+            {"host", result.host},
+            {"metrics", result.metrics}};
 }
 
 std::optional<Result> readResult(const Folder& folder, const std::string& id)

@@ -10,7 +10,6 @@
 
 #include "kit/base/process/childProcess.h"
 #include "kit/base/text/json.h"
-#include "kit/tools/sweep/folder.h"
 #include "kit/tools/sweep/task.h"
 
 namespace kit::sweep {
@@ -45,6 +44,7 @@ struct Result {
 struct Metric {
     const char* name;
     const char* pointer; ///< in OUT.json, or, for "~" in front, in what a rescue left, if there was one
+    const char* type = "INTEGER"; ///< as SQLite names it
 };
 
 /// The metrics, of lists the length.
@@ -58,10 +58,10 @@ inline constexpr Metric METRICS[] = {
     {"dropped_cells", "~/dropped_cells"},
     {"cells_beyond_segment", "~/cells_beyond_segment"},
     {"overlapping_cells", "~/overlapping_cells"},
-    {"mean_displacement", "~/displacement/mean"},
+    {"mean_displacement", "~/displacement/mean", "REAL"},
     {"largest_displacement", "~/displacement/largest"},
     {"passes", "/passes"},
-    {"hash", "~/hash"},
+    {"hash", "~/hash", "TEXT"},
 };
 
 /// The metrics of a result of `place`; null if it has no placement.
@@ -71,7 +71,7 @@ Json metricsOf(const Json& placed);
 std::vector<std::string> filesOf(const std::string& dir);
 
 /// The whole file.
-std::string toText(const Task& task, const Result& result);
+Json toJson(const Task& task, const Result& result);
 
 /// A result file as read; nothing if there is none. One that is damaged counts as none.
 std::optional<Result> readResult(const Folder& folder, const std::string& id);

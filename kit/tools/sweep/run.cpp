@@ -2,7 +2,9 @@
 #include "kit/tools/sweep/run.h"
 
 #include <algorithm>
+#include <atomic>
 #include <condition_variable>
+#include <csignal>
 #include <exception>
 #include <filesystem>
 #include <iostream>
@@ -15,9 +17,7 @@
 #include "kit/base/fault.h"
 #include "kit/base/files/readFile.h"
 #include "kit/base/text/text.h"
-#include "kit/tools/sweep/content.h"
 #include "kit/tools/sweep/progress.h"
-#include "kit/tools/sweep/stopSignals.h"
 
 namespace kit::sweep {
 
@@ -27,6 +27,43 @@ namespace {
 
 constexpr int SOME_FAILED = 1;
 constexpr int SIGNALLED = 128;
+
+std::atomic<int> s_received = 0; // the handler runs in any thread
+static_assert(std::atomic<int>::is_always_lock_free);
+
+void receive(int signal)
+{
+    s_received = signal;
+}
+
+/// Takes SIGINT and SIGTERM while it lives, instead of ending the program. One at a time.
+class StopSignals {
+public:
+    StopSignals()
+    {
+        s_received = 0;
+        struct sigaction action {};
+        action.sa_handler = receive;
+        sigemptyset(&action.sa_mask);
+        action.sa_flags = SA_RESTART;
+        sigaction(SIGINT, &action, &m_interrupt);
+        sigaction(SIGTERM, &action, &m_terminate);
+    }
+    ~StopSignals()
+    {
+        sigaction(SIGINT, &m_interrupt, nullptr);
+        sigaction(SIGTERM, &m_terminate, nullptr);
+    }
+    StopSignals(const StopSignals&) = delete;
+    StopSignals& operator=(const StopSignals&) = delete;
+
+    /// The signal that came last, 0 if none did.
+    int received() const { return s_received; }
+
+private:
+    struct sigaction m_interrupt {};
+    struct sigaction m_terminate {};
+};
 
 /// A task on its way.
 struct Item {
@@ -38,7 +75,8 @@ class Sweep {
 public:
     explicit Sweep(const SweepOptions& options)
         : m_options(options), m_folder(options.dir), m_tasks(tasksIn(readTasks(options.dir), options.shard)),
-          m_claims(m_folder), m_progress(static_cast<int64_t>(m_tasks.size()), estimate(), options.quiet)
+          m_claims(m_folder),
+          m_progress(static_cast<int64_t>(m_tasks.size()), secondsOf(m_tasks), options.quiet)
     {
     }
 
@@ -63,15 +101,6 @@ public:
     }
 
 private:
-    double estimate() const
-    {
-        double sum = 0;
-        for (const Task& task : m_tasks) {
-            sum += task.seconds;
-        }
-        return sum;
-    }
-
     /// Without `resume`, there must be nothing to go on with.
     void requireNothing()
     {

@@ -2,6 +2,7 @@
 #include "kit/tools/sweep/shard.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <numeric>
 #include <queue>
@@ -54,6 +55,7 @@ Shard parseShard(const std::string& text)
 
 std::vector<int32_t> cut(const std::vector<Task>& tasks, int32_t count)
 {
+    assert(count >= 1);
     std::vector<size_t> order(tasks.size());
     std::iota(order.begin(), order.end(), size_t{0});
     std::stable_sort(order.begin(), order.end(),
@@ -86,11 +88,8 @@ std::vector<Task> tasksIn(const std::vector<Task>& tasks, Shard shard)
 
 int64_t shardsOf(const std::vector<Task>& tasks, double seconds)
 {
-    double sum = 0;
-    for (const Task& task : tasks) {
-        sum += task.seconds;
-    }
-    const double shards = std::ceil(sum / seconds);
+    assert(seconds > 0);
+    const double shards = std::ceil(secondsOf(tasks) / seconds);
     return static_cast<int64_t>(std::clamp(shards, 1.0, std::max(1.0, static_cast<double>(tasks.size()))));
 }
 

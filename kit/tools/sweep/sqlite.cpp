@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "kit/tools/sweep/sqlite.h"
-
+// The only source that knows the library for databases.
 #include <sqlite3.h>
 
+#include <cassert>
 #include <memory>
 
 #include "kit/base/fault.h"
+#include "kit/tools/sweep/collect.h"
 
 namespace kit::sweep {
 
@@ -84,19 +85,6 @@ private:
     sqlite3_stmt* m_statement = nullptr;
 };
 
-const char* typeOf(const Column& column)
-{
-    switch (column.kind) {
-    case Kind::INTEGER:
-        return "INTEGER";
-    case Kind::REAL:
-        return "REAL";
-    case Kind::TEXT:
-        break;
-    }
-    return "TEXT";
-}
-
 } // namespace
 
 void writeSqlite(const Table& table, const OutputFile& file)
@@ -104,7 +92,7 @@ void writeSqlite(const Table& table, const OutputFile& file)
     std::string columns;
     std::string marks;
     for (const Column& column : table.columns) {
-        columns += (columns.empty() ? "" : ", ") + column.name + " " + typeOf(column) +
+        columns += (columns.empty() ? "" : ", ") + column.name + " " + column.type +
                    (column.name == "id" ? " PRIMARY KEY" : "");
         marks += marks.empty() ? "?" : ", ?";
     }
@@ -114,6 +102,7 @@ void writeSqlite(const Table& table, const OutputFile& file)
     database.execute("BEGIN");
     database.prepare("INSERT INTO runs VALUES (" + marks + ")");
     for (const auto& row : table.rows) {
+        assert(row.size() == table.columns.size());
         for (size_t i = 0; i < row.size(); ++i) {
             database.bind(static_cast<int>(i + 1), row[i]);
         }

@@ -2,10 +2,15 @@
 #include "kit/tools/sweep/study.h"
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
+#include <string_view>
 #include <utility>
 
-#include "kit/tools/sweep/fields.h"
+#include "kit/base/fault.h"
+#include "kit/base/files/readFile.h"
+#include "kit/base/text/escape.h"
+#include "kit/base/text/json.h"
 
 namespace kit::sweep {
 
@@ -15,16 +20,154 @@ namespace {
 
 constexpr size_t LONGEST_NAME = 100; // characters; names become parts of file names
 
-bool isNameCharacter(char c)
+/// Reads a JSON file in which no object has a member twice.
+///
+/// Errors: throws Fault with path, line and column if it cannot be read or is no JSON.
+Json readJson(const std::string& path)
 {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
-           c == '-' || c == '.';
+    const std::string text = readFile(path);
+    try {
+        return Json::parse(text);
+    } catch (const Fault& fault) {
+        throw Fault(path + ": " + fault.what());
+    }
 }
+
+/// A value in a JSON file together with its place, for messages. What is not as it is asked for throws Fault.
+class Field {
+public:
+    /// @param value    must outlive the field
+    /// @param file     path of the file
+    /// @param pointer  JSON pointer to the value, empty for the whole file
+    Field(const Json& value, std::string file, std::string pointer)
+        : m_value(value), m_file(std::move(file)), m_pointer(std::move(pointer))
+    {
+    }
+
+    /// Throws Fault: file, place, and what is wrong there.
+    [[noreturn]] void fail(const std::string& what) const
+    {
+        throw Fault(m_file + ": " + (m_pointer.empty() ? "the file" : m_pointer) + " " + what);
+    }
+
+    /// Checks that this is an object with no other members than these.
+    void onlyMembers(const std::vector<std::string_view>& names) const
+    {
+        require(m_value.isObject(), "is no object");
+        for (const auto& [name, value] : m_value.members()) {
+            if (std::find(names.begin(), names.end(), name) == names.end()) {
+                std::string known;
+                for (const std::string_view other : names) {
+                    known.append(known.empty() ? "" : ", ").append(other);
+                }
+                child(value, name).fail("is not known here; known are " + known);
+            }
+        }
+    }
+
+    /// A member of an object, if it is there.
+    std::optional<Field> find(const char* name) const
+    {
+        return m_value.contains(name) ? std::optional(child(m_value.at(name), name)) : std::nullopt;
+    }
+
+    /// A member of an object.
+    Field member(const char* name) const
+    {
+        const std::optional<Field> field = find(name);
+        require(field.has_value(), "has no member \"" + std::string(name) + "\"");
+        return *field;
+    }
+
+    /// The entries of a list that is not empty.
+    std::vector<Field> entries() const
+    {
+        require(m_value.isArray(), "is no list");
+        require(!m_value.empty(), "is an empty list");
+        std::vector<Field> entries;
+        for (size_t i = 0; i < m_value.size(); ++i) {
+            entries.push_back(child(m_value[i], std::to_string(i)));
+        }
+        return entries;
+    }
+
+    /// A text that is not empty.
+    std::string text() const
+    {
+        require(m_value.isString(), "is no text");
+        const std::string& text = m_value.asString();
+        require(!text.empty(), "is an empty text");
+        require(text.find('\0') == std::string::npos, "has a character of code 0");
+        return text;
+    }
+
+    /// A whole number from one to another.
+    int64_t integer(int32_t least, int32_t most) const
+    {
+        const std::string bounds = std::to_string(least) + " to " + std::to_string(most);
+        const bool huge = m_value.isNumber() && std::fabs(m_value.asNumber()) > INT32_MAX;
+        require(huge || m_value.isInteger(), "is no whole number; " + bounds + " is possible");
+        require(!huge && m_value.asInteger() >= least && m_value.asInteger() <= most,
+                "is out of bounds; " + bounds + " is possible");
+        return m_value.asInteger();
+    }
+
+    /// A number of at most this size.
+    double number(double most) const
+    {
+        require(m_value.isNumber(), "is no number");
+        const double value = m_value.asNumber();
+        require(std::isfinite(value) && std::fabs(value) <= most, "is too large a number");
+        return value;
+    }
+
+    /// true or false.
+    bool boolean() const
+    {
+        require(m_value.isBool(), "is neither true nor false");
+        return m_value.asBool();
+    }
+
+private:
+    void require(bool good, const std::string& fault) const
+    {
+        if (!good) {
+            fail(fault);
+        }
+    }
+
+    Field child(const Json& value, const std::string& name) const
+    {
+        return {value, m_file, m_pointer + "/" + replaced(name, {{'~', "~0"}, {'/', "~1"}})};
+    }
+
+    const Json& m_value;
+    std::string m_file;
+    std::string m_pointer;
+};
 
 bool isName(const std::string& text)
 {
+    constexpr std::string_view CHARACTERS =
+        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-.";
     return !text.empty() && text.size() <= LONGEST_NAME && text[0] != '.' && text[0] != '-' &&
-           std::all_of(text.begin(), text.end(), isNameCharacter);
+           text.find_first_not_of(CHARACTERS) == std::string::npos;
+}
+
+/// The names of all options, behind some others.
+std::vector<std::string_view> optionNames(std::vector<std::string_view> names)
+{
+    for (const NumberOption& option : NUMBER_OPTIONS) {
+        names.emplace_back(option.name);
+    }
+    names.emplace_back("rescue");
+    return names;
+}
+
+double readNumber(const Field& field, const NumberOption& option)
+{
+    return option.whole ? static_cast<double>(field.integer(option.least, option.most))
+                        : field.number(option.most);
 }
 
 /// Reads the values of a grid's member, or one where there is none; `Value` is optional but for flags.
@@ -46,109 +189,57 @@ std::vector<Value> listOf(const Field& grid, const char* name, const Read& read)
     return values;
 }
 
-int32_t readAlgo(const Field& field)
+/// Makes of each run one per value.
+template <typename Value>
+void extend(std::vector<RunOptions>& runs, const std::vector<Value>& values, Value RunOptions::*member)
 {
-    return field.integer(0, 4);
-}
-
-int32_t readMoveRange(const Field& field)
-{
-    return field.integer(0, 1'000'000);
-}
-
-int32_t readMindp(const Field& field)
-{
-    return field.integer(0, 10'000);
-}
-
-int32_t readSiteWidth(const Field& field)
-{
-    return field.integer(1, 1'000'000);
-}
-
-double readWeight(const Field& field)
-{
-    return field.number(1e9);
-}
-
-bool readRescue(const Field& field)
-{
-    return field.boolean();
+    std::vector<RunOptions> extended;
+    extended.reserve(runs.size() * values.size());
+    for (const RunOptions& run : runs) {
+        for (const Value value : values) {
+            extended.push_back(run);
+            extended.back().*member = value;
+        }
+    }
+    runs = std::move(extended);
 }
 
 /// Every way to take one value of each list.
-class Grid {
-public:
-    explicit Grid(const Field& field)
-        : m_algos(listOf<std::optional<int32_t>>(field, "algo", readAlgo)),
-          m_weights(listOf<std::optional<double>>(field, "weight", readWeight)),
-          m_moveRanges(listOf<std::optional<int32_t>>(field, "move_range", readMoveRange)),
-          m_mindps(listOf<std::optional<int32_t>>(field, "mindp", readMindp)),
-          m_siteWidths(listOf<std::optional<int32_t>>(field, "site_width", readSiteWidth)),
-          m_rescues(listOf<bool>(field, "rescue", readRescue))
-    {
-        double runs = 1; // as no integer might hold it
-        for (const size_t size : {m_algos.size(), m_weights.size(), m_moveRanges.size(), m_mindps.size(),
-                                  m_siteWidths.size(), m_rescues.size()}) {
-            runs *= static_cast<double>(size);
-        }
-        if (runs > MOST_RUNS) {
-            field.fail("has more than " + std::to_string(MOST_RUNS) + " runs");
-        }
-    }
-
-    std::vector<RunOptions> runs() const
-    {
-        std::vector<RunOptions> runs{RunOptions{}};
-        extend(runs, m_algos, &RunOptions::algo);
-        extend(runs, m_weights, &RunOptions::weight);
-        extend(runs, m_moveRanges, &RunOptions::moveRange);
-        extend(runs, m_mindps, &RunOptions::mindp);
-        extend(runs, m_siteWidths, &RunOptions::siteWidth);
-        extend(runs, m_rescues, &RunOptions::rescue);
-        return runs;
-    }
-
-private:
-    /// Makes of each run one per value.
-    template <typename Value>
-    static void extend(std::vector<RunOptions>& runs, const std::vector<Value>& values,
-                       Value RunOptions::*member)
-    {
-        std::vector<RunOptions> extended;
-        extended.reserve(runs.size() * values.size());
-        for (const RunOptions& run : runs) {
-            for (const Value value : values) {
-                extended.push_back(run);
-                extended.back().*member = value;
-            }
-        }
-        runs = std::move(extended);
-    }
-
-    std::vector<std::optional<int32_t>> m_algos;
-    std::vector<std::optional<double>> m_weights;
-    std::vector<std::optional<int32_t>> m_moveRanges;
-    std::vector<std::optional<int32_t>> m_mindps;
-    std::vector<std::optional<int32_t>> m_siteWidths;
-    std::vector<bool> m_rescues;
-};
-
-template <typename Value, typename Read>
-std::optional<Value> valueOf(const Field& run, const char* name, const Read& read)
+std::vector<RunOptions> readGrid(const Field& grid)
 {
-    const std::optional<Field> field = run.find(name);
-    return field.has_value() ? std::optional<Value>(read(*field)) : std::nullopt;
+    using Number = std::optional<double>;
+    grid.onlyMembers(optionNames({}));
+    std::vector<std::vector<Number>> numbers; // [NUMBER_OPTIONS]
+    double count = 1;                         // of runs, as no integer might hold it
+    for (const NumberOption& option : NUMBER_OPTIONS) {
+        numbers.push_back(listOf<Number>(
+            grid, option.name, [&option](const Field& field) { return readNumber(field, option); }));
+        count *= static_cast<double>(numbers.back().size());
+    }
+    const std::vector<bool> rescues =
+        listOf<bool>(grid, "rescue", [](const Field& field) { return field.boolean(); });
+    if (count * static_cast<double>(rescues.size()) > MOST_RUNS) {
+        grid.fail("has more than " + std::to_string(MOST_RUNS) + " runs");
+    }
+    std::vector<RunOptions> runs{RunOptions{}};
+    for (size_t i = 0; i < numbers.size(); ++i) {
+        extend(runs, numbers[i], NUMBER_OPTIONS[i].member);
+    }
+    extend(runs, rescues, &RunOptions::rescue);
+    return runs;
 }
 
 RunOptions readRun(const Field& run)
 {
-    return {.algo = valueOf<int32_t>(run, "algo", readAlgo),
-            .weight = valueOf<double>(run, "weight", readWeight),
-            .moveRange = valueOf<int32_t>(run, "move_range", readMoveRange),
-            .mindp = valueOf<int32_t>(run, "mindp", readMindp),
-            .siteWidth = valueOf<int32_t>(run, "site_width", readSiteWidth),
-            .rescue = valueOf<bool>(run, "rescue", readRescue).value_or(false)};
+    RunOptions options;
+    for (const NumberOption& option : NUMBER_OPTIONS) {
+        if (const std::optional<Field> field = run.find(option.name)) {
+            options.*option.member = readNumber(*field, option);
+        }
+    }
+    const std::optional<Field> rescue = run.find("rescue");
+    options.rescue = rescue.has_value() && rescue->boolean();
+    return options;
 }
 
 /// Reads the parts of a study one after the other.
@@ -162,9 +253,12 @@ public:
         for (const Field& design : m_root.member("designs").entries()) {
             readDesign(design);
         }
-        readGrid();
+        const std::optional<Field> grid = m_root.find("grid");
+        if (grid.has_value()) {
+            m_grid = readGrid(*grid);
+        }
         readRuns();
-        if (!m_root.find("grid").has_value() && m_listed.empty()) {
+        if (!grid.has_value() && m_listed.empty()) {
             m_root.fail("has neither \"grid\" nor \"runs\"");
         }
         expand();
@@ -205,15 +299,6 @@ private:
         return static_cast<size_t>(at - m_study.designs.begin());
     }
 
-    void readGrid()
-    {
-        const std::optional<Field> grid = m_root.find("grid");
-        if (grid.has_value()) {
-            grid->onlyMembers({"algo", "weight", "move_range", "mindp", "site_width", "rescue"});
-            m_grid = Grid(*grid).runs();
-        }
-    }
-
     void readRuns()
     {
         const std::optional<Field> list = m_root.find("runs");
@@ -221,7 +306,7 @@ private:
             return;
         }
         for (const Field& run : list->entries()) {
-            run.onlyMembers({"design", "algo", "weight", "move_range", "mindp", "site_width", "rescue"});
+            run.onlyMembers(optionNames({"design"}));
             std::optional<size_t> design;
             if (const std::optional<Field> name = run.find("design")) {
                 design = find(name->text());

@@ -18,14 +18,34 @@ struct StudyDesign {
 
 /// The options of one run of `place`. What is not given is left to the placer's own default.
 struct RunOptions {
-    std::optional<int32_t> algo;      ///< placement method
-    std::optional<double> weight;     ///< cost of a site of wirelength against a stitch
-    std::optional<int32_t> moveRange; ///< farthest local shift, sites
-    std::optional<int32_t> mindp;     ///< colouring distance, library units
-    std::optional<int32_t> siteWidth; ///< until the rows give theirs, DBU
-    bool rescue = false;              ///< find places for the cells that the placer leaves without one
+    std::optional<double> algo;      ///< placement method, whole
+    std::optional<double> weight;    ///< cost of a site of wirelength against a stitch
+    std::optional<double> moveRange; ///< farthest local shift, sites, whole
+    std::optional<double> mindp;     ///< colouring distance, library units, whole
+    std::optional<double> siteWidth; ///< until the rows give theirs, DBU, whole
+    bool rescue = false;             ///< find places for the cells that the placer leaves without one
 
     bool operator==(const RunOptions&) const = default;
+};
+
+/// A number among the options of a run.
+struct NumberOption {
+    std::optional<double> RunOptions::*member;
+    const char* name;  ///< in studies, in tasks, and in the table of all runs
+    const char* word;  ///< option of `place`
+    const char* label; ///< in pictures
+    bool whole;        ///< it is a whole number
+    int32_t least;     ///< in a study
+    int32_t most;      ///< in a study
+};
+
+/// All of them, in the order in which they are written.
+inline constexpr NumberOption NUMBER_OPTIONS[] = {
+    {&RunOptions::algo, "algo", "--algo", "a ", true, 0, 4},
+    {&RunOptions::weight, "weight", "--weight", "w ", false, -1'000'000'000, 1'000'000'000},
+    {&RunOptions::moveRange, "move_range", "--move-range", "M ", true, 0, 1'000'000},
+    {&RunOptions::mindp, "mindp", "--mindp", "d ", true, 0, 10'000},
+    {&RunOptions::siteWidth, "site_width", "--site-width", "s ", true, 1, 1'000'000},
 };
 
 /// One run of a study.

@@ -4,12 +4,15 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <numeric>
+#include <set>
 #include <sstream>
 #include <unordered_set>
 
 #include "kit/base/fault.h"
 #include "kit/base/files/readFile.h"
 #include "kit/base/hash.h"
+#include "kit/formats/placer/reader.h"
 
 namespace kit::sweep {
 
@@ -20,39 +23,17 @@ namespace {
 /// Goes up when the same text may mean another run.
 constexpr const char* VERSION = "1";
 
-template <typename Value>
-Json jsonOf(const std::optional<Value>& value)
-{
-    return value.has_value() ? Json(*value) : Json(nullptr);
-}
-
-/// Whole numbers as such, so that 2 and 2.0 are one weight.
-Json jsonOfWeight(const std::optional<double>& weight)
-{
-    const bool whole = weight.has_value() && *weight == std::floor(*weight); // below 1e9
-    return whole ? Json(static_cast<int64_t>(*weight)) : jsonOf(weight);
-}
-
-std::optional<int32_t> integerAt(const Json& json, const char* name)
-{
-    const Json& value = json.at(name);
-    return value.isNull() ? std::nullopt : std::optional(static_cast<int32_t>(value.asInteger()));
-}
-
-std::optional<double> numberAt(const Json& json, const char* name)
-{
-    const Json& value = json.at(name);
-    return value.isNull() ? std::nullopt : std::optional(value.asNumber());
-}
-
 RunOptions optionsFrom(const Json& json)
 {
-    return {.algo = integerAt(json, "algo"),
-            .weight = numberAt(json, "weight"),
-            .moveRange = integerAt(json, "move_range"),
-            .mindp = integerAt(json, "mindp"),
-            .siteWidth = integerAt(json, "site_width"),
-            .rescue = json.at("rescue").asBool()};
+    RunOptions options;
+    for (const NumberOption& option : NUMBER_OPTIONS) {
+        const Json& value = json.at(option.name);
+        if (!value.isNull()) {
+            options.*option.member = option.whole ? static_cast<double>(value.asInteger()) : value.asNumber();
+        }
+    }
+    options.rescue = json.at("rescue").asBool();
+    return options;
 }
 
 bool isId(const std::string& text)
@@ -79,13 +60,31 @@ Task taskFrom(const Json& json, const fs::path& dir)
     return task;
 }
 
+/// Goes on with a part whose end must be told: "a" and "bc" are not "ab" and "c".
+void addPart(Hash& hash, const std::string& text)
+{
+    hash.add(std::to_string(text.size()) + ":");
+    hash.add(text);
+}
+
+/// The cells of a cell list, each once, by name.
+std::set<std::string> cellsIn(const std::string& list)
+{
+    std::istringstream words(list);
+    std::string word;
+    words >> word; // their number
+    std::set<std::string> names;
+    while (words >> word) {
+        names.insert(word);
+    }
+    return names;
+}
+
 } // namespace
 
 std::string idOf(const std::string& content, const RunOptions& options)
 {
-    Hash hash;
-    hash.add(std::string(VERSION) + " " + content + " " + toJson(options).dump());
-    return hash.text();
+    return hashOf(std::string(VERSION) + " " + content + " " + toJson(options).dump());
 }
 
 double estimatedSeconds(int64_t components, const RunOptions& options)
@@ -94,32 +93,30 @@ double estimatedSeconds(int64_t components, const RunOptions& options)
     // and fitted roughly. What counts is how they compare.
     constexpr double START = 0.05;
     constexpr double PER_COMPONENT[] = {8e-6, 7e-6, 4e-6, 9e-6, 9e-6}; // [algo]
-    const auto algo = static_cast<size_t>(std::clamp(options.algo.value_or(0), 0, 4));
+    const auto algo = static_cast<size_t>(std::clamp(options.algo.value_or(0), 0.0, 4.0));
     return START + PER_COMPONENT[algo] * static_cast<double>(components);
 }
 
 Json toJson(const RunOptions& options)
 {
-    return {{"algo", jsonOf(options.algo)},
-            {"weight", jsonOfWeight(options.weight)},
-            {"move_range", jsonOf(options.moveRange)},
-            {"mindp", jsonOf(options.mindp)},
-            {"site_width", jsonOf(options.siteWidth)},
-            {"rescue", options.rescue}};
+    Json json;
+    for (const NumberOption& option : NUMBER_OPTIONS) {
+        const std::optional<double> number = options.*option.member;
+        const bool whole = number.has_value() && *number == std::floor(*number); // below 1e9
+        // Whole numbers as such, so that 2 and 2.0 are one weight.
+        json[option.name] = whole ? Json(static_cast<int64_t>(*number)) : number ? Json(*number) : Json();
+    }
+    json["rescue"] = options.rescue;
+    return json;
 }
 
 std::vector<std::string> argumentsOf(const RunOptions& options)
 {
-    constexpr std::pair<const char*, const char*> NAMES[] = {{"algo", "--algo"},
-                                                             {"weight", "--weight"},
-                                                             {"move_range", "--move-range"},
-                                                             {"mindp", "--mindp"},
-                                                             {"site_width", "--site-width"}};
     const Json json = toJson(options);
     std::vector<std::string> words;
-    for (const auto& [member, option] : NAMES) {
-        if (!json[member].isNull()) {
-            words.emplace_back(option + ("=" + json[member].dump())); // one word: a value may be negative
+    for (const NumberOption& option : NUMBER_OPTIONS) {
+        if (!json[option.name].isNull()) { // one word: a value may be negative
+            words.push_back(std::string(option.word) + "=" + json[option.name].dump());
         }
     }
     if (options.rescue) {
@@ -143,7 +140,7 @@ std::string lineOf(const Task& task)
 
 std::vector<Task> readTasks(const std::string& dir)
 {
-    const std::string path = tasksPath(dir);
+    const std::string path = Folder(dir).tasks();
     if (!fs::exists(path)) {
         throw Fault(path + " is not there: make it with vireloce-kit sweep plan");
     }
@@ -155,9 +152,7 @@ std::vector<Task> readTasks(const std::string& dir)
     for (std::string line; std::getline(lines, line);) {
         ++number;
         const auto fail = [&](const std::string& why) {
-            std::string text = path;
-            throw Fault(
-                text.append(":").append(std::to_string(number)).append(": this is no task: ").append(why));
+            throw Fault(path + ":" + std::to_string(number) + ": this is no task: " + why);
         };
         try {
             tasks.push_back(taskFrom(Json::parse(line), folder));
@@ -171,9 +166,30 @@ std::vector<Task> readTasks(const std::string& dir)
     return tasks;
 }
 
-std::string tasksPath(const std::string& dir)
+double secondsOf(const std::vector<Task>& tasks)
 {
-    return (fs::path(dir) / "tasks.jsonl").string();
+    return std::accumulate(tasks.begin(), tasks.end(), 0.0,
+                           [](double sum, const Task& task) { return sum + task.seconds; });
+}
+
+Content contentOf(const std::string& base, const std::string& cellPath)
+{
+    Hash hash;
+    const std::string cells = readFile(base + ".cells");
+    addPart(hash, cells);
+    for (const char* extension : {".place", ".pins", ".netlist"}) {
+        addPart(hash, readFile(base + extension));
+    }
+    for (const std::string& name : cellsIn(cells)) {
+        addPart(hash, name);
+        std::string path = cellPath;
+        path.append("/").append(name).append(".color");
+        addPart(hash, readFile(path));
+    }
+    placer::Design design;
+    Findings findings; // of form; the run will tell them
+    placer::readPlacement(base + ".place", design, findings);
+    return {hash.text(), static_cast<int64_t>(design.components.size())};
 }
 
 } // namespace kit::sweep

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// A run that is to be made: a line of DIR/tasks.jsonl.
+// The folder of a study, and the runs that are to be made: the lines of DIR/tasks.jsonl.
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,37 @@
 #include "kit/tools/sweep/study.h"
 
 namespace kit::sweep {
+
+/// Where things are in DIR. Everything comes into being under another name in `work` first.
+class Folder {
+public:
+    /// @param dir  path of DIR
+    explicit Folder(std::string dir) : m_dir(std::move(dir)) {}
+
+    /// The file of tasks.
+    std::string tasks() const { return (std::filesystem::path(m_dir) / "tasks.jsonl").string(); }
+
+    /// Results, one file a run.
+    std::string results() const { return m_dir + "/results"; }
+
+    /// The result of a run.
+    std::string result(const std::string& id) const { return results() + "/" + id + ".json"; }
+
+    /// Claims: who is at work on what.
+    std::string claims() const { return m_dir + "/claims"; }
+
+    /// Folders of runs that are going on.
+    std::string work() const { return m_dir + "/work"; }
+
+    /// Placements that are kept, a folder a run.
+    std::string placements() const { return m_dir + "/placements"; }
+
+    /// The placement of a run.
+    std::string placement(const std::string& id) const { return placements() + "/" + id; }
+
+private:
+    std::string m_dir;
+};
 
 /// One run.
 struct Task {
@@ -45,7 +77,21 @@ std::string lineOf(const Task& task);
 /// Errors: throws Fault if there are none, or with the line that is wrong.
 std::vector<Task> readTasks(const std::string& dir);
 
-/// Path of the file of tasks in a folder.
-std::string tasksPath(const std::string& dir);
+/// How long runs may take together, seconds.
+double secondsOf(const std::vector<Task>& tasks);
+
+/// The bytes of a design in short, wherever its files are.
+struct Content {
+    std::string hash;       ///< of its four files, and of the colour files of the cells in its list, by name
+    int64_t components = 0; ///< placed cells
+};
+
+/// Reads a design.
+///
+/// @param base      path of the design files without extension
+/// @param cellPath  folder of the colour files
+///
+/// Errors: throws Fault if a file is missing or cannot be read.
+Content contentOf(const std::string& base, const std::string& cellPath);
 
 } // namespace kit::sweep

@@ -104,7 +104,7 @@ public:
         if (m_setting.keepPlacements && isDone(result.status)) {
             keepPlacement();
         }
-        writeFile(m_work.file("result"), toText(m_task, result));
+        writeFile(m_work.file("result"), toJson(m_task, result).dump(1) + "\n");
         move(m_work.file("result"), m_folder.result(m_task.id));
     }
 

@@ -7,7 +7,6 @@
 #include <string>
 
 #include "kit/tools/sweep/claims.h"
-#include "kit/tools/sweep/folder.h"
 #include "kit/tools/sweep/result.h"
 #include "kit/tools/sweep/task.h"
 

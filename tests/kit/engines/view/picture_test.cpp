@@ -4,10 +4,8 @@
 
 #include "kit/engines/view/conflicts.h"
 #include "kit/engines/view/html.h"
-#include "kit/engines/view/pageData.h"
 #include "kit/engines/view/scenes.h"
 #include "kit/engines/view/svg.h"
-#include "kit/engines/view/svgFrame.h"
 
 namespace {
 
@@ -244,8 +242,8 @@ TEST(ViewPage, UnknownKindsAndSolutionsAreMarked)
     Scene scene = smallScene();
     scene.cells[1].kind = scene.cells[1].colouring = -1;
     const std::string page = pictureOf(scene, writeHtml);
-    EXPECT_EQ(arrayOf<uint16_t>(page, "kind")[1], PageArrays::NONE);
-    EXPECT_EQ(arrayOf<uint16_t>(page, "colouring")[1], PageArrays::NONE);
+    EXPECT_EQ(arrayOf<uint16_t>(page, "kind")[1], NO_INDEX);
+    EXPECT_EQ(arrayOf<uint16_t>(page, "colouring")[1], NO_INDEX);
 }
 
 TEST(ViewPage, TheInputPlacementIsThereIfItIsKnown)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "kit/engines/view/ramp.h"
+#include "kit/engines/view/density.h"
 
 #include <gtest/gtest.h>
 

@@ -4,8 +4,8 @@
 #include <rapidcheck/gtest.h>
 
 #include "kit/engines/view/density.h"
-#include "kit/engines/view/index.h"
-#include "kit/engines/view/joints.h"
+#include "kit/engines/view/html.h"
+#include "kit/engines/view/scene.h"
 #include "kit/engines/view/scenes.h"
 
 namespace kit::view {

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "kit/tools/sweep/collect.h"
 #include "kit/tools/sweep/sweepCase.h"
-#include "kit/tools/sweep/table.h"
 
 namespace {
 

@@ -147,7 +147,7 @@ TEST_F(KitSweepPlan, RunsThatAreTheSameAppearOnceAndAreTold)
         << outcome.output;
     std::string order;
     for (const Task& task : readTasks(m_dir.path("b/out"))) {
-        order += task.design + std::to_string(*task.options.algo) + " ";
+        order += task.design + std::to_string(static_cast<int>(*task.options.algo)) + " ";
     }
     EXPECT_EQ(order, "d0 d1 d2 ");
 }

@@ -10,9 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "kit/tools/sweep/axis.h"
-#include "kit/tools/sweep/labels.h"
-#include "kit/tools/sweep/pareto.h"
+#include "kit/tools/sweep/chart.h"
 #include "kit/tools/sweep/plot.h"
 #include "kit/tools/sweep/sweepCase.h"
 

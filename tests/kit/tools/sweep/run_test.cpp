@@ -14,8 +14,8 @@
 
 #include "kit/base/fault.h"
 #include "kit/base/process/childProcess.h"
-#include "kit/tools/sweep/folder.h"
 #include "kit/tools/sweep/sweepCase.h"
+#include "kit/tools/sweep/task.h"
 #include "support/waiting.h"
 
 namespace {

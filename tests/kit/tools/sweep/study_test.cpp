@@ -195,7 +195,7 @@ TEST_F(KitSweepStudy, ListedRunsComeBehindTheGridOfTheirDesign)
     std::string text;
     for (const auto& run : study.runs) {
         text += std::to_string(run.design) + ":" +
-                (run.options.algo ? std::to_string(*run.options.algo) : "-") + " ";
+                (run.options.algo ? std::to_string(static_cast<int>(*run.options.algo)) : "-") + " ";
     }
     EXPECT_EQ(text, "0:1 0:- 1:1 1:2 1:- ");
     EXPECT_EQ(study.runs[1].options.mindp, 100);
