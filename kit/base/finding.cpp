@@ -62,21 +62,25 @@ std::string lineOf(const Finding& finding, PlaceText place)
     return printable(line) + " [" + finding.code + "]\n";
 }
 
+std::string textOf(const Counts& counts)
+{
+    return counted(counts.errors, "error") + ", " + counted(counts.warnings, "warning") + ", " +
+           counted(counts.notes, "note");
+}
+
 void writeText(const Findings& findings, std::ostream& out)
 {
     for (const Finding& finding : findings) {
         out << lineOf(finding);
     }
-    const Counts counts = countsOf(findings);
-    out << counted(counts.errors, "error") << ", " << counted(counts.warnings, "warning") << ", "
-        << counted(counts.notes, "note") << '\n';
+    out << textOf(countsOf(findings)) << '\n';
     out.flush();
 }
 
 void writeJson(const Findings& findings, std::ostream& out)
 {
     const Counts counts = countsOf(findings);
-    out << R"({"schema":1,"counts":)"
+    out << R"({"schema":1,"summary":)" << Json(textOf(counts)) << R"(,"counts":)"
         << Json{{"errors", counts.errors}, {"warnings", counts.warnings}, {"notes", counts.notes}}
         << R"(,"findings":[)";
     // Finding by finding: a million of them need no second copy.

@@ -53,6 +53,7 @@ void addCommand(const Command& program)
         .withDefault();
     command.flag("--svg", options->svg, "draw each cell with its solutions, too");
     command.flag("--force", options->force, "replace files that exist");
+    command.flag("--json", options->json, "write the summary as JSON");
     command.footer(FOOTER);
     command.does([options] { return run(*options); });
 }

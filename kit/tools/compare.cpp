@@ -4,13 +4,10 @@
 #include <iostream>
 #include <list>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "kit/base/fault.h"
-#include "kit/base/files/readFile.h"
-#include "kit/base/text/text.h"
+#include "kit/design/placeResult.h"
 #include "kit/tools/compare/table.h"
 
 namespace kit::compare {
@@ -21,15 +18,6 @@ struct Options {
     std::vector<std::string> paths;
     bool csv = false;
 };
-
-Json read(const std::string& path)
-{
-    const std::optional<Json> result = Json::tryParse(readFile(path));
-    if (!result || (*result)["schema"] != "vireloce-place" || (*result)["version"] != 1) {
-        throw Fault(path + " is no result of vireloce-kit place, version 1");
-    }
-    return *result;
-}
 
 /// A path without its extension.
 std::string nameOf(const std::string& path)
@@ -42,7 +30,7 @@ void run(const Options& options)
     std::list<Json> results; // which are referred to
     std::vector<Run> runs;
     for (const std::string& path : options.paths) {
-        runs.push_back({nameOf(path), results.emplace_back(read(path))});
+        runs.push_back({nameOf(path), results.emplace_back(design::readPlaceResult(path))});
     }
     const std::vector<Line> lines = linesOf(runs);
     std::cout << (options.csv ? toCsv(runs, lines) : toMarkdown(runs, lines));

@@ -33,6 +33,7 @@ void addOptions(const Command& command, Options& options)
                 "folder of the colour files (default: the one that the run had)");
     command.flag("--drop-fillers", options.dropFillers, "leave fillers out");
     command.flag("--force", options.force, "replace earlier results");
+    command.flag("--json", options.json, "tell what was written as JSON");
 }
 
 } // namespace

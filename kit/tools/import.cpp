@@ -3,7 +3,9 @@
 
 #include <iostream>
 #include <memory>
+#include <sstream>
 
+#include "kit/base/text/json.h"
 #include "kit/base/text/text.h"
 #include "kit/engines/import/importRun.h"
 #include "kit/tools/lengthOptions.h"
@@ -22,12 +24,31 @@ Example:
 
 void writeSummary(const Options& options, const Summary& summary)
 {
-    std::cout << options.out << ".place: " << counted(summary.components, "component") << " of "
-              << counted(summary.masters, "cell") << " in " << counted(summary.rows, "row") << " of sites of "
-              << summary.siteWidth << " by " << summary.siteHeight << " um, " << counted(summary.nets, "net")
-              << ", " << counted(summary.pins, "pin") << "; " << summary.kept << " fixed, "
-              << counted(summary.fillers, "filler") << " left out, " << summary.moved
-              << " put on free sites, " << summary.renamed << " renamed\n";
+    std::ostringstream text;
+    text << counted(summary.components, "component") << " of " << counted(summary.masters, "cell") << " in "
+         << counted(summary.rows, "row") << " of sites of " << summary.siteWidth << " by "
+         << summary.siteHeight << " um, " << counted(summary.nets, "net") << ", "
+         << counted(summary.pins, "pin") << "; " << summary.kept << " fixed, "
+         << counted(summary.fillers, "filler") << " left out, " << summary.moved << " put on free sites, "
+         << summary.renamed << " renamed";
+    if (!options.json) {
+        std::cout << options.out << ".place: " << text.str() << '\n';
+        return;
+    }
+    std::cout << Json{{"schema", 1},
+                      {"summary", text.str()},
+                      {"design", summary.design},
+                      {"components", summary.components},
+                      {"cells", summary.masters},
+                      {"rows", summary.rows},
+                      {"site", Json::array({summary.siteWidth, summary.siteHeight})},
+                      {"nets", summary.nets},
+                      {"pins", summary.pins},
+                      {"fixed", summary.kept},
+                      {"fillers", summary.fillers},
+                      {"moved", summary.moved},
+                      {"renamed", summary.renamed}}
+              << '\n';
 }
 
 } // namespace
@@ -44,6 +65,7 @@ void addCommand(const Command& program)
     command.flag("--legalize", options->legalize,
                  "put cells that are unplaced, off their row or over one another on free sites");
     command.flag("--force", options->force, "replace earlier files");
+    command.flag("--json", options->json, "tell what was written as JSON");
     command.footer(FOOTER);
     command.does([options] {
         Summary summary;

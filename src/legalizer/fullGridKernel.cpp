@@ -134,17 +134,8 @@ void FullGridKernel::relaxFrom(const GridProblem& problem, size_t comp, int32_t 
 
 bool FullGridKernel::makeAgain(const GridProblem& problem, size_t comp)
 {
-    if (m_store.at(comp) != nullptr) {
-        return true;
-    }
-    const size_t from = m_store.lastUpTo(comp);
-    m_store.restartBehind(from);
-    for (size_t q = from + 1; q <= comp; ++q) {
-        if (!makeLayer(problem, q)) {
-            return false;
-        }
-    }
-    return true;
+    return m_store.makeAgain(
+        comp, [](size_t) {}, [&](size_t q) { return makeLayer(problem, q); });
 }
 
 bool FullGridKernel::traceBack(const GridProblem& problem, size_t comp, int32_t solution)

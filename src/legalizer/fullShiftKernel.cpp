@@ -118,20 +118,12 @@ FullShiftKernel::Step FullShiftKernel::stepFrom(const ShiftProblem& problem, siz
 
 bool FullShiftKernel::makeAgain(const ShiftProblem& problem, size_t comp)
 {
-    if (m_store.at(comp) != nullptr) {
-        return true;
-    }
-    const size_t from = m_store.lastUpTo(comp);
-    m_store.restartBehind(from);
-    if (from != LayerStore::NONE) {
-        makeCosts(problem, from, m_costs);
-    }
-    for (size_t q = from + 1; q <= comp; ++q) {
-        if (!makeLayer(problem, q)) {
-            return false;
+    const auto begin = [&](size_t from) {
+        if (from != LayerStore::NONE) {
+            makeCosts(problem, from, m_costs);
         }
-    }
-    return true;
+    };
+    return m_store.makeAgain(comp, begin, [&](size_t q) { return makeLayer(problem, q); });
 }
 
 bool FullShiftKernel::traceBack(const ShiftProblem& problem)

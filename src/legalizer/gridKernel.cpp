@@ -266,17 +266,8 @@ bool GridKernel::hidesUnreached(const GridProblem& problem, const End& end) cons
 
 bool GridKernel::makeAgain(const GridProblem& problem, size_t comp)
 {
-    if (m_store.at(comp) != nullptr) {
-        return true;
-    }
-    const size_t from = m_store.lastUpTo(comp);
-    m_store.restartBehind(from);
-    for (size_t q = from + 1; q <= comp; ++q) {
-        if (makeLayer(problem, q) != Made::YES) {
-            return false;
-        }
-    }
-    return true;
+    return m_store.makeAgain(
+        comp, [](size_t) {}, [&](size_t q) { return makeLayer(problem, q) == Made::YES; });
 }
 
 bool GridKernel::traceBack(const GridProblem& problem, const End& end)

@@ -59,6 +59,28 @@ public:
     /// layers that come will have to go.
     void restartBehind(size_t layer);
 
+    /// Makes a layer again if it went, with those between it and the last one before it that is there.
+    ///
+    /// @param begin  called once with that last one, NONE if there is none, before layers are made
+    /// @param make   makes a layer from the one before; false if there is no memory for it
+    /// @return whether the layer is there
+    template <class Begin, class Make>
+    bool makeAgain(size_t layer, Begin begin, Make make)
+    {
+        if (at(layer) != nullptr) {
+            return true;
+        }
+        const size_t from = lastUpTo(layer);
+        restartBehind(from);
+        begin(from);
+        for (size_t next = from + 1; next <= layer; ++next) { // NONE + 1 is 0
+            if (!make(next)) {
+                return false;
+            }
+        }
+        return true;
+    }
+
     /// Entries of all layers that are there.
     size_t used() const { return m_used; }
 

@@ -364,7 +364,7 @@ END LIBRARY
         write(path("out.place"), "\n".join([
             "ROW r core 0 0 N DO 20 BY 1 STEP 380 0 ;", "COMPONENTS 1 ;", "- u INV_X1 + PLACED ( 0 0 ) N", " ;",
             "END COMPONENTS", ""]))
-        write(path("out.json"), '{"schema":"vireloce-place","placement":{},"options":{"cell_path":"%s"}}' % LIBRARY)
+        write(path("out.json"), '{"schema":"vireloce-place","version":1,"placement":{},"options":{"cell_path":"%s"}}' % LIBRARY)
         masks = kitfiles.read_color(os.path.join(LIBRARY, "INV_X1.color"))[3][0]
         write(path("out.colors"), "\n".join([
             "VIRELOCE COLORS 1", "COMPONENTS 1", "u INV_X1 0 0 " + " ".join(map(str, masks)), "END", ""]))

@@ -49,14 +49,9 @@ public:
     bool goBack()
     {
         for (size_t layer = m_entries.size(); layer-- > 0;) {
-            if (m_store.at(layer) == nullptr) {
-                const size_t from = m_store.lastUpTo(layer);
-                m_store.restartBehind(from);
-                for (size_t again = from + 1; again <= layer; ++again) {
-                    if (!make(again)) {
-                        return false;
-                    }
-                }
+            const auto noBegin = [](size_t) {};
+            if (!m_store.makeAgain(layer, noBegin, [this](size_t again) { return make(again); })) {
+                return false;
             }
             if (!isWhole(layer)) {
                 return false;
@@ -193,6 +188,27 @@ TEST(LayerStore, KeepsForGoodWhatIsThereAtARestart)
     const std::vector<size_t> left = kept(store, 4);
     EXPECT_EQ(left, (std::vector<size_t>{0, 1, 2, 3}));
     EXPECT_NE(store.at(39), nullptr);
+}
+
+TEST(LayerStore, TellsFromWhereLayersAreMadeAgain)
+{
+    LayerStore store(100);
+    Program program(store, std::vector<size_t>(9, 20)); // room for five of them
+    ASSERT_TRUE(program.makeAll());
+    size_t gone = 0;
+    while (store.at(gone) != nullptr) {
+        ++gone;
+    }
+    ASSERT_LT(gone, 9U);
+    const size_t before = store.lastUpTo(gone);
+    std::vector<size_t> begins;
+    const auto make = [&](size_t layer) { return program.make(layer); };
+    for (int i = 0; i < 2; ++i) { // the second time it is there
+        EXPECT_TRUE(store.makeAgain(
+            gone, [&](size_t from) { begins.push_back(from); }, make));
+    }
+    EXPECT_EQ(begins, std::vector<size_t>{before});
+    EXPECT_TRUE(program.isWhole(gone));
 }
 
 TEST(LayerStore, FindsTheLastLayerUpToOne)

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <set>
@@ -80,7 +82,18 @@ TEST(SlabPool, StartsAnewAfterTheLastPlaceIsGivenBack)
 
 TEST(SlabPool, NothingGivenBackIsNothing)
 {
-    vireloce::SlabPool<Record<4>>::giveBack(nullptr);
+    using Pool = vireloce::SlabPool<Record<4>>;
+    void* const stays = Pool::take();
+    std::memset(stays, 7, sizeof(Record<4>));
+    Pool::giveBack(nullptr); // were it counted, the last place would be gone
+    void* const next = Pool::take();
+    ASSERT_NE(next, nullptr);
+    EXPECT_NE(next, stays);
+    std::memset(next, 8, sizeof(Record<4>));
+    const auto* const bytes = static_cast<const unsigned char*>(stays);
+    EXPECT_EQ(std::count(bytes, bytes + sizeof(Record<4>), 7),
+              static_cast<std::ptrdiff_t>(sizeof(Record<4>)));
+    giveAllBack<Record<4>>({stays, next});
 }
 
 } // namespace

@@ -45,6 +45,12 @@ std::string counted(int64_t count, const char* thing)
     return std::to_string(count) + ' ' + thing + (count == 1 ? "" : "s");
 }
 
+std::string lastLine(std::string_view text)
+{
+    text = text.substr(0, text.find_last_not_of(" \t\r\n") + 1); // all of npos + 1 is nothing
+    return std::string(text.substr(text.rfind('\n') + 1));
+}
+
 std::string inQuotes(std::string_view text)
 {
     std::string quote = "\"";

@@ -24,6 +24,9 @@ bool isReal(std::string_view token);
 /// A number of things: "1 cell", "2 cells".
 std::string counted(int64_t count, const char* thing);
 
+/// The last line of a text that is not blank, empty if there is none.
+std::string lastLine(std::string_view text);
+
 /// A text in quotation marks, cut with "..." if it is long.
 std::string inQuotes(std::string_view text);
 

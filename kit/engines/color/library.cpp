@@ -102,15 +102,15 @@ bool standsInRows(const std::string& macroClass)
            macroClass == "ENDCAP PRE" || macroClass == "ENDCAP POST";
 }
 
-Selection selectCells(const Library& library, const std::optional<SiteSize>& site, const std::string& layer,
-                      Findings& findings)
+Selection selectCells(const Library& library, const std::optional<SiteSize>& site, Findings& findings)
 {
     const std::vector<const LefMacro*> cells = rowCellsOf(library.lef);
     if (cells.empty()) {
         throw Fault("the files have no cells of class CORE");
     }
+    requireMetal(library.lef, cells);
     if (std::none_of(cells.begin(), cells.end(), [](const LefMacro* cell) { return hasMetal(*cell); })) {
-        throw Fault("no cell has metal on the layer " + layer + ": give its name with --layer");
+        throw Fault("the cells have no metal");
     }
     Selection selection;
     selection.site = site ? *site : siteOf(library, cells, findings);

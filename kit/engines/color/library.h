@@ -48,8 +48,7 @@ bool standsInRows(const std::string& macroClass);
 /// @param site      of --site, if given
 /// @param findings  out: warnings and notes
 /// Errors: throws Fault if there are no cells, none has metal, or there is no site width.
-Selection selectCells(const Library& library, const std::optional<SiteSize>& site, const std::string& layer,
-                      Findings& findings);
+Selection selectCells(const Library& library, const std::optional<SiteSize>& site, Findings& findings);
 
 /// The place of a master in its file.
 struct MacroPlace {

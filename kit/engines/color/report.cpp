@@ -9,6 +9,7 @@
 
 #include "kit/base/finding.h"
 #include "kit/base/text/escape.h"
+#include "kit/base/text/json.h"
 #include "kit/base/text/text.h"
 #include "kit/design/distance.h"
 #include "kit/formats/lefdef/units.h"
@@ -101,13 +102,25 @@ void writeSummary(const Result& result, const Options& options, std::ostream& ou
             ++stitches[static_cast<size_t>(cell.file->solutions.front().stitches)];
         }
     }
-    out << counted(static_cast<int64_t>(result.colours.size()), "cell") << ", layer " << options.layer
-        << ", site " << lefdef::micronText(result.selection.site.width) << " x "
-        << lefdef::micronText(result.selection.site.height) << " um, distance "
-        << design::Distance::text(options.settings.rules.distance, result.selection.site.width) << '\n';
+    const std::string cells = counted(static_cast<int64_t>(result.colours.size()), "cell") + ", layer " +
+                              options.layer + ", site " + lefdef::micronText(result.selection.site.width) +
+                              " x " + lefdef::micronText(result.selection.site.height) + " um, distance " +
+                              std::to_string(options.settings.rules.distance);
+    const std::string without =
+        counted(static_cast<int64_t>(bad), "cell") + " without a colouring free of conflicts";
+    if (options.json) {
+        out << Json{{"schema", 1},
+                    {"summary", cells + "; " + without},
+                    {"cells", result.colours.size()},
+                    {"files", files},
+                    {"without_coloring", bad}}
+            << std::endl;
+        return;
+    }
+    out << cells << '\n';
     writeHistogram(solutions, "solutions", out);
     writeHistogram(stitches, "stitches", out);
-    out << '\n' << counted(static_cast<int64_t>(bad), "cell") << " without a colouring free of conflicts\n";
+    out << '\n' << without << '\n';
     writeTroubles(result, out);
     std::ostringstream seconds; // the stream's own format stays as it is
     seconds << std::fixed << std::setprecision(2) << result.seconds;

@@ -17,7 +17,8 @@ void writeMessages(const Findings& findings, std::ostream& out);
 std::string troubleText(const CellMetal& metal, const ColouredCell& cell, const Rules& rules,
                         lefdef::Length site);
 
-/// Writes the summary: how many cells, solutions and stitches, and which cells have no colouring.
+/// Writes the summary: how many cells, solutions and stitches, and which cells have no colouring. As JSON:
+/// "schema" (1), "summary", and how many "cells", "files" and cells "without_coloring" there are.
 void writeSummary(const Result& result, const Options& options, std::ostream& out);
 
 } // namespace kit::color

@@ -208,7 +208,7 @@ int run(Options options)
         writeMessages(result.findings, std::cerr);
         return BAD_INPUT;
     }
-    result.selection = selectCells(library, options.site, options.layer, result.findings);
+    result.selection = selectCells(library, options.site, result.findings);
     options.settings.rules.distance = options.minDist.unitsOn(result.selection.site.width);
     MetalReader(library, result).run();
     checkOutputsOf(options, result.metal);

@@ -26,6 +26,7 @@ struct Options {
     size_t jobs = 1;
     bool svg = false;
     bool force = false;
+    bool json = false; ///< the summary is JSON
 };
 
 /// A library with its colourings.

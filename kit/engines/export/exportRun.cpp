@@ -9,6 +9,7 @@
 #include "kit/base/fault.h"
 #include "kit/base/files/outputFile.h"
 #include "kit/base/finding.h"
+#include "kit/base/text/json.h"
 #include "kit/base/text/text.h"
 #include "kit/engines/export/defPatch.h"
 #include "kit/engines/export/layerProperties.h"
@@ -33,18 +34,25 @@ public:
     void add(const std::string& path, const std::string& line, const Write& write)
     {
         m_set.add(path, write);
-        m_lines += path + ": " + line + "\n";
+        m_told.push_back({{"path", path}, {"summary", line}});
     }
 
-    void commit()
+    void commit(bool json)
     {
         m_set.commit();
-        std::cout << m_lines << std::flush; // before the findings
+        if (json) {
+            std::cout << Json{{"schema", 1}, {"files", m_told}} << '\n';
+        } else {
+            for (const Json& file : m_told.items()) {
+                std::cout << file["path"].asString() << ": " << file["summary"].asString() << '\n';
+            }
+        }
+        std::cout << std::flush; // before the findings
     }
 
 private:
     OutputSet m_set;
-    std::string m_lines;
+    Json m_told = Json::array();
 };
 
 class ExportRun {
@@ -55,34 +63,33 @@ public:
 
     int run()
     {
-        if (hasErrors()) {
+        if (hasErrors(m_findings)) {
             return tell();
         }
         m_macros = indexMacros(m_inputs.lef);
         const Sides sides{m_inputs.design, m_inputs.files.place, m_inputs.map, m_inputs.def,
                           *m_inputs.defSource};
         m_matching = matchComponents(sides, m_findings);
+        requireLayer();
         m_fillers = findFillers(m_inputs.def, m_matching, m_macros);
         // The import left out on purpose what it did; and errors tell more.
-        if (!m_inputs.imported && !hasErrors()) {
+        if (!m_inputs.imported && !hasErrors(m_findings)) {
             tellLeftOut(sides, m_matching, m_fillers, m_findings);
         }
         if (!m_options.lefMasks.empty()) {
             m_masters = nameMasters(m_inputs, m_matching.placed, m_macros, m_findings);
         }
-        if (hasErrors()) {
+        if (hasErrors(m_findings)) {
             return tell();
         }
         writeDef();
         writeMasters();
         writeGds();
-        m_outputs.commit();
+        m_outputs.commit(m_options.json);
         return tell();
     }
 
 private:
-    bool hasErrors() const { return countsOf(m_findings).errors > 0; }
-
     /// Shows the findings. @return the exit status
     int tell()
     {
@@ -92,6 +99,19 @@ private:
         }
         const Counts counts = countsOf(m_findings);
         return counts.errors > 0 ? FAILED : counts.warnings > 0 ? WARNED : 0;
+    }
+
+    /// Of the cells in the placement, as far as the LEF files have them.
+    void requireLayer() const
+    {
+        std::vector<const lefdef::LefMacro*> macros;
+        for (const Placed& placed : m_matching.placed) {
+            const auto macro = m_macros.find(m_inputs.def.components[placed.inDef].macro);
+            if (macro != m_macros.end()) {
+                macros.push_back(macro->second);
+            }
+        }
+        requireMetal(m_inputs.lef, macros);
     }
 
     void note(const char* code, std::string what, std::string advice)

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "kit/base/files/outputPaths.h"
 #include "kit/design/coloredPlacement.h"
 #include "kit/design/matching.h"
 #include "kit/formats/placer/reader.h"
@@ -90,7 +91,7 @@ void readResult(const Options& options, Inputs& inputs, Findings& findings)
     for (const placer::Cell& cell : inputs.design.cells) {
         paths.push_back(cell.path);
     }
-    checkOutputs(options, paths);
+    checkOutputs(outputsOf(options), paths, options.force);
     if (!hasErrors(findings)) {
         matchColours(inputs, findings);
     }
@@ -159,7 +160,7 @@ Inputs readInputs(const Options& options, Findings& findings)
 {
     Inputs inputs;
     inputs.files = findResult(options.result, options.cellDir);
-    checkOutputs(options, pathsOf(options, inputs.files));
+    checkOutputs(outputsOf(options), pathsOf(options, inputs.files), options.force);
     readResult(options, inputs, findings);
     readDef(options, inputs, findings);
     findFrame(options, inputs, findings);

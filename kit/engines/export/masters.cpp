@@ -30,20 +30,13 @@ std::string freeName(const placer::Cell& cell, int32_t solution, const MacroInde
 void tellMissing(const Inputs& inputs, const MasterNames& names, const MacroIndex& macros, Findings& findings)
 {
     std::set<std::string_view> told;
-    bool anyMetal = names.empty();
     Reporter reporter(findings, inputs.files.place);
     for (const auto& [key, name] : names) {
         const placer::Cell& cell = cellOf(inputs, key.first);
-        const auto macro = macros.find(cell.name);
-        if (macro == macros.end() && told.insert(cell.name).second) {
+        if (macros.count(cell.name) == 0 && told.insert(cell.name).second) {
             reporter.error("no-macro", {}, "the cell " + cell.name + " is in none of the LEF files",
                            "give the file that has it with --lef");
         }
-        anyMetal = anyMetal || (macro != macros.end() && hasMetal(*macro->second));
-    }
-    if (!anyMetal && told.empty()) {
-        reporter.error("no-layer", {}, "no cell of the placement has metal on that layer in the LEF files",
-                       "give the name of metal 1 with --layer");
     }
 }
 

@@ -18,8 +18,7 @@ using MasterNames = std::map<std::pair<int32_t, int32_t>, std::string>;
 /// A name for every cell and solution that the placed components have: the cell's, "_S" and the solution. It
 /// gets more "_" in between if a macro of the library has it.
 ///
-/// @param findings  out: "no-macro", an error for a cell that the library does not have; "no-layer", an error
-///                  if no macro of these cells has metal on the layer
+/// @param findings  out: "no-macro", an error for a cell that the library does not have
 MasterNames nameMasters(const Inputs& inputs, const std::vector<Placed>& placed, const MacroIndex& macros,
                         Findings& findings);
 

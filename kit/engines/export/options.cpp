@@ -3,13 +3,7 @@
 
 #include <filesystem>
 
-#include "kit/base/files/outputPaths.h"
-
 namespace kit::exporter {
-
-namespace fs = std::filesystem;
-
-namespace {
 
 std::vector<std::string> outputsOf(const Options& options)
 {
@@ -25,16 +19,9 @@ std::vector<std::string> outputsOf(const Options& options)
     return outputs;
 }
 
-} // namespace
-
 std::string layerPropertiesOf(const std::string& gds)
 {
-    return fs::path(gds).replace_extension(".lyp").string();
-}
-
-void checkOutputs(const Options& options, const std::vector<std::string>& inputs)
-{
-    kit::checkOutputs(outputsOf(options), inputs, options.force);
+    return std::filesystem::path(gds).replace_extension(".lyp").string();
 }
 
 } // namespace kit::exporter

@@ -20,16 +20,13 @@ struct Options {
     std::string cellDir;           ///< folder of the colour files; empty for the one that the run had
     bool dropFillers = false;      ///< leaves fillers out
     bool force = false;            ///< replaces earlier results
+    bool json = false;             ///< JSON in place of lines
 };
 
 /// Path of the layer properties beside a GDSII file: its name with the ending ".lyp".
 std::string layerPropertiesOf(const std::string& gds);
 
-/// Checks that the files may be written, before anything is read.
-///
-/// @param inputs  all files that are read
-///
-/// Errors: throws Fault if one would replace an input or another result, or anything without `force`.
-void checkOutputs(const Options& options, const std::vector<std::string>& inputs);
+/// Paths of all files that are written.
+std::vector<std::string> outputsOf(const Options& options);
 
 } // namespace kit::exporter

@@ -18,7 +18,8 @@ struct ResultFiles {
 /// Finds the files of a result.
 ///
 /// @param json     path of OUT.json
-/// @param cellDir  folder of the colour files; empty for the one in OUT.json
+/// @param cellDir  folder of the colour files; empty for the one in OUT.json, beside which a relative one
+/// lies
 ///
 /// Errors: throws Fault if the file is no result, or one of a run without a placement; if its placement is
 /// not beside it.

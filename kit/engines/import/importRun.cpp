@@ -43,12 +43,6 @@ Lef readLefs(const Options& options, Findings& findings)
     return lef;
 }
 
-bool hasError(const Findings& findings)
-{
-    return std::any_of(findings.begin(), findings.end(),
-                       [](const Finding& finding) { return finding.severity == Severity::ERROR; });
-}
-
 /// A run from the files read to the files written.
 class Import {
 public:
@@ -62,7 +56,7 @@ public:
     bool run(Summary& summary)
     {
         requireUnits();
-        if (hasError(m_findings) || !takeRows() || !takeComponents()) {
+        if (hasErrors(m_findings) || !takeRows() || !takeComponents()) {
             return false;
         }
         bool sound = true;
@@ -70,10 +64,11 @@ public:
         const Nets nets = readNets(m_def, names, m_reporter, sound);
         giveRows(nets);
         requireMasterNames();
+        requireLayer();
         DesignFiles files{.def = m_def, .lef = m_lef, .core = m_core, .cells = m_cells};
         Renamed renamed;
         nameAll(nets, names, m_reporter, files, renamed);
-        if (hasError(m_findings)) {
+        if (hasErrors(m_findings)) {
             return false;
         }
         write(files, renamed);
@@ -167,6 +162,15 @@ private:
         }
     }
 
+    void requireLayer() const
+    {
+        std::vector<const lefdef::LefMacro*> macros;
+        for (const Cell& cell : m_cells.movable) {
+            macros.push_back(&m_lef.macros[m_cells.masterOf[cell.component]]);
+        }
+        requireMetal(m_lef, macros);
+    }
+
     void write(const DesignFiles& files, const Renamed& renamed) const
     {
         OutputSet set;
@@ -203,9 +207,6 @@ private:
         summary.masters = static_cast<int64_t>(usedMasters(files).size());
         summary.kept = static_cast<int64_t>(m_cells.blocks.size());
         summary.fillers = m_cells.fillers;
-        for (const Row& row : m_core.rows) {
-            summary.blocks += static_cast<int64_t>(row.blocks.size());
-        }
         summary.pins = static_cast<int64_t>(files.terminals.size());
         summary.nets = static_cast<int64_t>(files.numNets());
         summary.moved = m_moved;

@@ -20,7 +20,6 @@ struct Summary {
     int64_t masters = 0;    ///< in use
     int64_t kept = 0;       ///< components that stay where they are
     int64_t fillers = 0;    ///< left out
-    int64_t blocks = 0;     ///< pieces of rows that are not free
     int64_t pins = 0;
     int64_t nets = 0;
     int64_t moved = 0;     ///< components that were given a place

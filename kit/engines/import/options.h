@@ -19,6 +19,7 @@ struct Options {
     std::optional<lefdef::SiteSize> site; ///< in place of the LEF's or the rows'
     bool legalize = false;                ///< put cells without a legal place on free sites
     bool force = false;                   ///< replace earlier files
+    bool json = false;                    ///< JSON instead of a line
 };
 
 } // namespace kit::importing

@@ -65,7 +65,10 @@ public:
         const vireloce::PlaceOptions options = beginReport(m_options);
         try {
             m_run.result = vireloce::place(options, hooks());
-        } catch (const vireloce::RunError&) { // the report says why
+        } catch (const vireloce::RunError& error) {
+            const std::string place =
+                error.file.empty() ? "" : error.file + ":" + std::to_string(error.line) + ": ";
+            std::cerr << "vireloce-kit: " << printable(place + error.text) << '\n';
         }
         if (!m_run.readable) {
             return UNREADABLE;

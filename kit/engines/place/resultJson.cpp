@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <filesystem>
 
 #include "db/design.h"
 
@@ -50,7 +51,13 @@ Json reportJson(const PlacerRun& run)
 
 Json optionsJson(const Options& options, int32_t minDist)
 {
-    Json json{{"base", options.base}, {"cell_path", options.cellPath}, {"out", options.out}};
+    // Whoever reads it may be in another folder.
+    const auto absolute = [](const std::string& path) {
+        return std::filesystem::absolute(path).lexically_normal().string();
+    };
+    Json json{{"base", absolute(options.base)},
+              {"cell_path", absolute(options.cellPath)},
+              {"out", absolute(options.out)}};
     const auto addGiven = [&](const char* name, const auto& value) {
         json[name] = value.has_value() ? Json(*value) : Json(nullptr);
     };

@@ -75,7 +75,8 @@ void writeJson(const Options& options, const design::ColoredPlacement& input, co
         << ",\"colors\":" << Json(options.colors) << ",\"mindp\":" << options.minDist.unitsOn(site)
         << ",\"mindp_um\":" << (site > 0 ? Json(options.minDist.micronsOn(site)) : Json(nullptr))
         << ",\"clean\":" << (exitStatusOf(input, issues) == 0 ? "true" : "false")
-        << ",\"counts\":" << countsOf(input, issues) << ",\"findings\":[";
+        << ",\"summary\":" << Json(summaryOf(input, issues)) << ",\"counts\":" << countsOf(input, issues)
+        << ",\"findings\":[";
     const char* separator = "\n";
     for (const Finding& fault : input.faults) {
         out << separator << jsonOf(fault);

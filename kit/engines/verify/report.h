@@ -14,6 +14,9 @@ namespace kit::verify {
 /// @param minDist  the distance that shapes of one mask need, for people
 std::string textOf(const design::Issue& issue, const placer::Design& design, const std::string& minDist);
 
+/// The judgement in a few words: "not clean, 2 errors, 0 notes".
+std::string summaryOf(const design::ColoredPlacement& input, const design::Issues& issues);
+
 /// Writes issues as lines "FILE:LINE: error|note: what [kind]", the closest pairs as a table, and counts.
 ///
 /// Of the pairs in different rows, which are notes, only the closest get a line.

@@ -4,6 +4,7 @@
 
 #include "kit/base/finding.h"
 #include "kit/base/text/escape.h"
+#include "kit/base/text/text.h"
 #include "kit/engines/verify/report.h"
 
 namespace kit::verify {
@@ -15,11 +16,6 @@ std::string rounded(double value)
 {
     const auto tenths = static_cast<int64_t>(value * 10);
     return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10);
-}
-
-std::string counted(int64_t count, const char* what)
-{
-    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
 
 std::string describe(const placer::Design& design, int32_t component)
@@ -47,8 +43,7 @@ public:
     void write()
     {
         for (const Finding& fault : m_input.faults) {
-            const std::string advice = fault.advice.empty() ? "" : "; " + fault.advice;
-            writeLine(fault.file, fault.line, fault.severity, fault.what + advice, fault.code);
+            m_out << lineOf(fault);
         }
         for (const design::Issue& issue : m_issues) {
             if (issue.kind != design::Kind::ROW_CONFLICT) {
@@ -64,19 +59,15 @@ public:
     }
 
 private:
-    void writeLine(const std::string& file, int64_t line, Severity severity, const std::string& what,
-                   const std::string& kind)
-    {
-        const std::string text = file + (line > 0 ? ":" + std::to_string(line) : "") + ": " +
-                                 wordOf(severity) + ": " + what + " [" + kind + "]";
-        m_out << printable(text) << '\n';
-    }
-
     void writeIssue(const design::Issue& issue)
     {
         const design::KindInfo& info = design::infoOf(issue.kind);
-        writeLine(issue.inColors ? m_options.colors : m_options.placement, issue.line, info.severity,
-                  textOf(issue, m_input.design, m_minDist), info.name);
+        m_out << lineOf({.severity = info.severity,
+                         .code = info.name,
+                         .file = issue.inColors ? m_options.colors : m_options.placement,
+                         .line = issue.line,
+                         .what = textOf(issue, m_input.design, m_minDist),
+                         .advice = {}});
     }
 
     /// The closest pairs of a kind, as many as are asked for; of equal ones those met first.
@@ -117,18 +108,14 @@ private:
     {
         const std::vector<int64_t> counts = countKinds(m_issues);
         m_out << '\n';
-        int64_t errors = static_cast<int64_t>(m_input.faults.size());
-        int64_t notes = 0;
         for (size_t i = 0; i < counts.size(); ++i) {
             const design::KindInfo& info = design::kinds()[i];
-            (info.severity == Severity::ERROR ? errors : notes) += counts[i];
             if (counts[i] > 0) {
                 m_out << padded(std::to_string(counts[i]), 8) << "  " << info.name << ": " << info.title
                       << '\n';
             }
         }
-        m_out << printable(m_options.placement) << ": " << (errors == 0 ? "clean" : "not clean") << ", "
-              << counted(errors, "error") << ", " << counted(notes, "note") << '\n';
+        m_out << printable(m_options.placement) << ": " << summaryOf(m_input, m_issues) << '\n';
     }
 
     const Options& m_options;
@@ -152,6 +139,17 @@ std::string textOf(const design::Issue& issue, const placer::Design& design, con
     return pair + " have shapes of mask " + std::to_string(issue.mask) + " " + rounded(issue.distance) +
            " apart, " + minDist + " are needed; " + counted(issue.shapePairs, "pair") +
            " of shapes too close";
+}
+
+std::string summaryOf(const design::ColoredPlacement& input, const design::Issues& issues)
+{
+    int64_t errors = static_cast<int64_t>(input.faults.size());
+    int64_t notes = 0;
+    for (const design::Issue& issue : issues) {
+        ++(design::infoOf(issue.kind).severity == Severity::ERROR ? errors : notes);
+    }
+    return (errors == 0 ? "clean, " : "not clean, ") + counted(errors, "error") + ", " +
+           counted(notes, "note");
 }
 
 void writeText(const Options& options, const design::ColoredPlacement& input, const design::Issues& issues,

@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "kit/base/fault.h"
 #include "kit/base/text/text.h"
 #include "kit/formats/lefdef/lef.h"
 #include "kit/formats/lefdef/macroReader.h"
@@ -279,12 +280,38 @@ void LefReader::keepIfNew(Record record, std::vector<Record>& records, Index& in
                           "give each its own name");
 }
 
+/// Names with commas in between.
+template <typename Names>
+std::string listOf(const Names& names)
+{
+    std::string text;
+    for (const std::string& name : names) {
+        text += (text.empty() ? "" : ", ") + name;
+    }
+    return text;
+}
+
 } // namespace
 
 bool hasMetal(const LefMacro& macro)
 {
     return !macro.obstructions.empty() || std::any_of(macro.pins.begin(), macro.pins.end(),
                                                       [](const LefPin& pin) { return !pin.shapes.empty(); });
+}
+
+void requireMetal(const Lef& lef, const std::vector<const LefMacro*>& macros)
+{
+    std::set<std::string> others;
+    for (const LefMacro* macro : macros) {
+        if (hasMetal(*macro)) {
+            return;
+        }
+        others.insert(macro->otherLayers.begin(), macro->otherLayers.end());
+    }
+    if (!others.empty()) {
+        throw Fault("no cell in use has metal on the layer " + lef.layer + " in " + listOf(lef.paths) +
+                    ": give another with --layer; they have shapes on " + listOf(others));
+    }
 }
 
 bool isFiller(const LefMacro& macro)
@@ -294,6 +321,8 @@ bool isFiller(const LefMacro& macro)
 
 void readLef(const Source& source, const std::string& layer, int32_t number, Lef& lef, Findings& findings)
 {
+    lef.layer = layer;
+    lef.paths.push_back(source.path());
     LefReader(source, layer, number, lef, findings).run();
 }
 

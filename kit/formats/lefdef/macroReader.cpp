@@ -36,6 +36,7 @@ LefMacro MacroReader::read(size_t begin)
     while (readStatement()) {
     }
     m_macro.endOffset = m_in.takenEnd();
+    m_macro.otherLayers = m_shapes.takeOtherLayers();
     moveShapes(m_macro.obstructions);
     for (LefPin& pin : m_macro.pins) {
         moveShapes(pin.shapes);

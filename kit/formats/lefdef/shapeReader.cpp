@@ -64,7 +64,8 @@ void ShapeReader::readStatement(std::vector<LefShape>& shapes)
 void ShapeReader::readLayer()
 {
     m_anyLayer = true;
-    m_onLayer = m_in.name("name of the layer") == m_layer;
+    m_layerNow = m_in.name("name of the layer");
+    m_onLayer = m_layerNow == m_layer;
     m_in.take("EXCEPTPGNET");
     if (m_in.take("SPACING") || m_in.take("DESIGNRULEWIDTH")) {
         m_in.length("distance");
@@ -75,6 +76,7 @@ void ShapeReader::readLayer()
 void ShapeReader::readShape(std::vector<LefShape>& shapes, bool polygon, size_t begin)
 {
     if (m_anyLayer && !m_onLayer) {
+        m_otherLayers.emplace(m_layerNow);
         m_in.skipStatement();
         return;
     }

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <set>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "kit/formats/lefdef/lef.h"
@@ -24,6 +27,9 @@ public:
     ///
     /// @param kind  what it is, for the texts: "port"
     void read(std::vector<LefShape>& shapes, const char* kind);
+
+    /// The layers of the shapes that were left out since this was last asked.
+    std::set<std::string> takeOtherLayers() { return std::exchange(m_otherLayers, {}); }
 
 private:
     /// How a shape is repeated.
@@ -49,9 +55,11 @@ private:
     Parser& m_in;
     const std::string& m_layer;
     const Vias& m_vias;
-    bool m_anyLayer = false; ///< a layer has been named
-    bool m_onLayer = false;  ///< the present one is wanted
-    int64_t m_copied = 0;    ///< corners that ITERATE has made in this file
+    bool m_anyLayer = false;     ///< a layer has been named
+    std::string_view m_layerNow; ///< the last of them
+    bool m_onLayer = false;      ///< it is wanted
+    std::set<std::string> m_otherLayers;
+    int64_t m_copied = 0; ///< corners that ITERATE has made in this file
 };
 
 } // namespace kit::lefdef

@@ -13,7 +13,6 @@
 #include "kit/base/files/readFile.h"
 #include "kit/base/hash.h"
 #include "kit/base/text/text.h"
-#include "kit/base/version.h"
 
 namespace kit::flow {
 
@@ -41,13 +40,12 @@ std::string cacheRoot(const Options& options)
 
 } // namespace
 
-std::string cachedFolder(const Options& options, const std::string& site)
+std::string cachedFolder(const Options& options, const std::string& site, const std::string& version)
 {
     Hash hash;
-    hash.add(programVersion()); // another version may colour the same input otherwise
     const auto numberText = [](const auto& number) { return number ? shortText(*number) : ""; };
     for (const std::string& option :
-         {options.layer, site, options.minDist ? options.minDist->given() : "",
+         {version, options.layer, site, options.minDist ? options.minDist->given() : "",
           numberText(options.maxSolutions), std::string(options.allowConflicts ? "conflicts" : "")}) {
         hash.add(option);
         hash.add(std::string_view("\0", 1)); // "a" and "bc" are not "ab" and "c"

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "kit/base/version.h"
 #include "kit/tools/flow/options.h"
 
 namespace kit::flow {
@@ -14,10 +15,12 @@ inline constexpr const char* MARK = "made-by-flow";
 /// The folder of the colour files for a library and the options that they depend on: a name by content in
 /// Options::cache, else in $XDG_CACHE_HOME/vireloce, else in ~/.cache/vireloce.
 ///
-/// @param site  size of a site, W,H in micrometres
+/// @param site     size of a site, W,H in micrometres
+/// @param version  of the program: another may colour the same input otherwise
 ///
 /// Errors: throws Fault if a LEF file cannot be read, or no such place is known.
-std::string cachedFolder(const Options& options, const std::string& site);
+std::string cachedFolder(const Options& options, const std::string& site,
+                         const std::string& version = programVersion());
 
 /// Makes the folder in which this process makes a folder of the cache, beside it.
 ///

@@ -14,8 +14,11 @@
 #include "kit/base/files/outputFile.h"
 #include "kit/base/files/outputPaths.h"
 #include "kit/base/files/readFile.h"
+#include "kit/base/finding.h"
 #include "kit/base/process/childProcess.h"
 #include "kit/base/text/escape.h"
+#include "kit/base/text/json.h"
+#include "kit/base/text/text.h"
 #include "kit/design/nameMap.h"
 #include "kit/formats/lefdef/units.h"
 #include "kit/tools/flow/cache.h"
@@ -29,6 +32,7 @@ namespace {
 
 constexpr int NOT_CLEAN = 1;
 constexpr int FAILED = 2;
+constexpr int64_t MOST_TOLD = 20; // errors of a step
 
 class Flow {
 public:
@@ -72,46 +76,46 @@ private:
         checkOutputs(outputs, inputs, m_options.force);
         inputs.insert(inputs.end(), {m_options.cellPath, m_options.cache});
         for (const std::string& input : inputs) {
-            requireOutside(input);
+            for (const std::string& folder : {m_places.folder, m_options.out + LIBRARY}) {
+                requireOutside(input, folder);
+            }
         }
-        clearFolder();
+        requireOwn(m_options.out + LIBRARY);
+        requireOwn(m_places.folder);
+        fs::remove_all(m_places.folder);
+        makeFolder(m_places.folder);
+        writeFile(m_places.folder + "/" + MARK, "");
         m_out << "step     seconds  peak MB  result\n";
     }
 
-    /// The folder is emptied in the end.
-    void requireOutside(const std::string& input) const
+    /// The folders of the results and of what is in between are made anew.
+    static void requireOutside(const std::string& input, const std::string& name)
     {
-        const fs::path folder = fs::weakly_canonical(m_places.folder);
+        const fs::path folder = fs::weakly_canonical(name);
         const fs::path path = input.empty() ? fs::path() : fs::weakly_canonical(input);
         if (std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first == folder.end()) {
-            throw Fault(input + " is in " + m_places.folder +
-                        ", which flow fills and removes: choose another -o");
+            throw Fault(input + " is in " + name + ", which flow makes anew: choose another -o");
         }
     }
 
-    /// Makes the folder anew; one that an earlier run has left is known by its mark.
-    void clearFolder() const
+    /// A folder that an earlier run has left is known by its mark.
+    void requireOwn(const std::string& folder) const
     {
-        const std::string mark = m_places.folder + "/" + MARK;
-        if (fs::exists(m_places.folder)) {
-            if (!m_options.force || !fs::exists(mark)) {
-                throw Fault(m_places.folder + " exists" +
-                            (fs::exists(mark) ? ": choose another -o, or --force to replace it"
-                                              : ", and no run of flow has made it: choose another -o"));
-            }
-            fs::remove_all(m_places.folder);
+        const bool marked = fs::exists(folder + "/" + MARK);
+        if (fs::exists(folder) && !(m_options.force && marked)) {
+            throw Fault(folder + " exists" +
+                        (marked ? ": choose another -o, or --force to replace it"
+                                : ", and no run of flow has made it: choose another -o"));
         }
-        makeFolder(m_places.folder);
-        writeFile(mark, "");
     }
 
     int runSteps()
     {
         if (!runStep(importStep(m_options, m_places)) || !colour() ||
-            !runStep(lintStep(m_options, m_places))) {
+            !runStep(lintStep(m_options, m_places)) || !runStep(placeStep(m_options, m_places))) {
             return FAILED;
         }
-        if (!runStep(placeStep(m_options, m_places)) || !runStep(verifyStep(m_options, m_places))) {
+        if (!runStep(verifyStep(m_options, m_places))) {
             return m_ending.status == NOT_CLEAN ? NOT_CLEAN : FAILED;
         }
         if (!runStep(exportStep(m_options, m_places)) || !runStep(viewStep(m_options, m_places))) {
@@ -123,15 +127,46 @@ private:
 
     void writeResults() const
     {
-        OutputSet set;
-        for (const std::string extension : RESULTS) {
-            set.addCopy(m_options.out + extension,
-                        (extension == ".json" ? m_places.placed : m_places.result) + extension);
+        makeFolder(m_options.out + LIBRARY);
+        try {
+            OutputSet set;
+            addLibrary(set);
+            for (const std::string extension : RESULTS) {
+                if (extension != ".json") {
+                    set.addCopy(m_options.out + extension, m_places.placed + extension);
+                }
+            }
+            set.add(m_options.out + ".json", [this](OutputFile& file) { file << resultJson() << "\n"; });
+            set.commit();
+        } catch (...) {
+            std::error_code error; // of a folder that is not empty: it was there before
+            fs::remove(m_options.out + LIBRARY, error);
+            throw;
         }
-        set.commit();
-        for (const char* extension : RESULTS) {
-            fs::remove(m_places.result + extension); // once is enough
+    }
+
+    /// The colour files of the cells in use, in place of those of an earlier run.
+    void addLibrary(OutputSet& set) const
+    {
+        const std::string folder = m_options.out + LIBRARY + "/";
+        for (const std::string& path : filesIn(folder)) {
+            set.remove(path);
         }
+        set.add(folder + MARK, [](OutputFile& /*file*/) {});
+        for (const std::string& cell : m_cells) {
+            set.addCopy(folder + cell + ".color", m_places.cellDir + "/" + cell + ".color");
+        }
+    }
+
+    /// The placement's, with the paths that hold when the files in between are gone.
+    std::string resultJson() const
+    {
+        Json json = Json::parse(readFile(m_places.placed + ".json"));
+        Json& options = json["options"];
+        options["base"] = nullptr;
+        options["out"] = fs::absolute(m_options.out).lexically_normal().string();
+        options["cell_path"] = fs::path(m_options.out).filename().string() + LIBRARY;
+        return json.dump(1);
     }
 
     /// Runs a step and writes its line. @return whether to go on
@@ -143,14 +178,24 @@ private:
         words.insert(words.end(), step.words.begin(), step.words.end());
         m_ending = process::run(words, log, errors.path());
         const std::string messages = readFile(errors.path());
-        const bool good = m_ending.signal == 0 && m_ending.status <= step.goodStatus;
-        const bool finished = m_ending.signal == 0 && m_ending.status <= NOT_CLEAN;
-        const std::string summary = finished ? step.summary(readFile(log)) : "";
-        writeLine(step.name, (good ? "" : finished ? "FAILED: " : "FAILED") + summary);
-        if (good && step.tellsMessages) {
+        const std::string resultPath = step.result.empty() ? log : step.result;
+        const Json result =
+            fs::exists(resultPath) ? Json::tryParse(readFile(resultPath)).value_or(nullptr) : nullptr;
+        const bool good = m_ending.signal == 0 && m_ending.status <= step.goodStatus &&
+                          (step.needs.empty() || !result[step.needs].isNull());
+        const std::string summary = good || result.isObject() ? step.summary(result) : "";
+        writeLine(step.name, (good ? "" : summary.empty() ? "FAILED" : "FAILED: ") + summary);
+        if (!good) {
+            m_errors << "\n";
+        }
+        if (!good || step.tellsMessages) {
             m_errors << messages;
-        } else if (!good) {
-            tellFailure(step, words, messages, readFile(log));
+        }
+        if (!good) {
+            tellErrors(result["findings"], log);
+            tellFailure(step, words,
+                        messages.empty() && !summary.empty() ? step.name + ": " + summary
+                                                             : lastLine(messages));
         }
         writeFile(messagesOf(step.name), messages);
         return good;
@@ -171,20 +216,37 @@ private:
         m_out << numbers.data() << result << std::endl;
     }
 
-    void tellFailure(const Step& step, const std::vector<std::string>& words, const std::string& messages,
-                     const std::string& log)
+    /// Shows the errors among the findings of lint or verify, so many that they can be read.
+    void tellErrors(const Json& findings, const std::string& log)
     {
-        m_errors << "\n" << messages << (step.name == "place" ? "" : log);
+        int64_t errors = 0;
+        for (size_t i = 0; i < findings.size(); ++i) {
+            const Json& each = findings[i];
+            if (each["severity"] == "error" && ++errors <= MOST_TOLD) {
+                m_errors << lineOf({.code = each["code"].asString(),
+                                    .file = each["file"].asString(),
+                                    .line = each["line"].asInteger(),
+                                    .what = each["what"].asString(),
+                                    .advice = each.contains("advice") ? each["advice"].asString() : ""});
+            }
+        }
+        if (errors > MOST_TOLD) {
+            m_errors << "... and " << counted(errors - MOST_TOLD, "more error") << ", in " << log << "\n";
+        }
+    }
+
+    void tellFailure(const Step& step, const std::vector<std::string>& words, const std::string& cause)
+    {
         m_errors << "\nWhat went wrong: ";
         if (m_ending.signal != 0) {
             m_errors << "the step was ended by signal " << m_ending.signal;
+        } else if (cause.empty()) {
+            m_errors << "exit status " << m_ending.status << ", and no message";
         } else {
-            const std::string last = lastLine(messages.empty() ? log : messages);
-            m_errors << (last.empty() ? "exit status " + std::to_string(m_ending.status) + ", and no message"
-                                      : last);
+            m_errors << cause;
         }
-        m_errors << "\n";
-        m_errors << "What was run: " << process::shellText(words) << "\nWhat to do: " << step.advice << "\n";
+        m_errors << "\nWhat was run: " << process::shellText(words) << "\nWhat to do: " << step.advice
+                 << "\n";
     }
 
     /// The size of a site that import found, W,H in micrometres.
@@ -229,6 +291,7 @@ private:
         std::string name;
         std::string missing;
         for (list >> name; list >> name;) {
+            m_cells.push_back(name);
             missing += fs::exists(m_places.cellDir + "/" + name + ".color") ? "" : " " + name;
         }
         if (missing.empty()) {
@@ -250,7 +313,7 @@ private:
     std::string results() const
     {
         std::string text;
-        for (const char* extension : RESULTS) {
+        for (const char* extension : {".def", ".gds", ".lyp", ".html", ".json"}) {
             text += (text.empty() ? "" : ", ") + m_options.out + extension;
         }
         return text + (m_options.keep ? "; all other files in " + m_places.folder : "");
@@ -260,7 +323,8 @@ private:
     std::ostream& m_out;    ///< the table
     std::ostream& m_errors; ///< messages and failures
     Places m_places;
-    process::Ending m_ending; ///< of the last step
+    std::vector<std::string> m_cells; ///< names of those in use
+    process::Ending m_ending;         ///< of the last step
 };
 
 } // namespace

@@ -32,7 +32,10 @@ struct Options {
     bool force = false;                      ///< replace earlier results
 };
 
-/// The results: OUT with these extensions, in the order in which they get their names.
-inline constexpr const char* RESULTS[] = {".def", ".gds", ".lyp", ".html", ".json"};
+/// The results, and what `export` needs to make them again: OUT with these extensions, and the folder of the
+/// colour files.
+inline constexpr const char* RESULTS[] = {".place", ".colors", ".cells", ".pins", ".netlist", ".map",
+                                          ".def",   ".gds",    ".lyp",   ".html", ".json"};
+inline constexpr const char* LIBRARY = ".library";
 
 } // namespace kit::flow

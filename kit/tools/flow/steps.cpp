@@ -3,9 +3,7 @@
 
 #include <sstream>
 
-#include "kit/base/files/readFile.h"
 #include "kit/base/process/childProcess.h"
-#include "kit/base/text/json.h"
 #include "kit/base/text/text.h"
 
 namespace kit::flow {
@@ -13,6 +11,8 @@ namespace kit::flow {
 namespace {
 
 using Words = std::vector<std::string>;
+
+constexpr const char* SEE_MESSAGES = "see to what the messages say";
 
 /// Adds an option if it was given.
 void addGiven(Words& words, const char* name, const std::string& value)
@@ -44,32 +44,9 @@ void addLefs(Words& words, const Options& options)
     }
 }
 
-/// A line of a log without the path that it begins with.
-std::string withoutPath(const std::string& line, const std::string& path)
-{
-    return line.rfind(path + ": ", 0) == 0 ? line.substr(path.size() + 2) : line;
-}
-
-std::string firstLine(const std::string& log)
-{
-    return log.substr(0, log.find('\n'));
-}
-
-/// The cells of a colouring's log, and those that have no good one.
-std::string colourSummary(const std::string& log)
-{
-    std::string text = firstLine(log);
-    std::istringstream lines(log);
-    for (std::string line; std::getline(lines, line);) {
-        text += line.find(" without a colouring") != std::string::npos ? "; " + line : "";
-    }
-    return text;
-}
-
 /// The result file of a placement in a few words.
-std::string placementSummary(const std::string& path)
+std::string placementSummary(const Json& result)
 {
-    const Json result = Json::parse(readFile(path));
     if (result["placement"].isNull()) {
         return "no placement";
     }
@@ -85,11 +62,9 @@ std::string placementSummary(const std::string& path)
 
 } // namespace
 
-std::string lastLine(const std::string& log)
+std::string summaryIn(const Json& result)
 {
-    const size_t last = log.find_last_not_of(" \n");
-    const size_t before = last == std::string::npos ? last : log.rfind('\n', last);
-    return last == std::string::npos ? "" : log.substr(before + 1, last - before);
+    return result["summary"].asString();
 }
 
 Places placesOf(const Options& options)
@@ -98,29 +73,23 @@ Places placesOf(const Options& options)
     return {.folder = folder,
             .base = folder + "/design",
             .placed = folder + "/placed",
-            .result = folder + "/result",
             .cellDir = options.cellPath};
 }
 
 Step importStep(const Options& options, const Places& places)
 {
-    Words words{"import", "--def", options.def, "-o", places.base, "--layer", options.layer};
+    Words words{"import", "--def", options.def, "-o", places.base, "--layer", options.layer, "--json"};
     addLefs(words, options);
     addGiven(words, "--site", options.site);
     if (options.legalize) {
         words.emplace_back("--legalize");
     }
-    return {.name = "import",
-            .words = words,
-            .advice = "see to what the messages say",
-            .summary = [path = places.base + ".place"](const std::string& log) {
-                return withoutPath(lastLine(log), path);
-            }};
+    return {.name = "import", .words = words, .advice = SEE_MESSAGES};
 }
 
 Step colorStep(const Options& options, const std::string& site, const std::string& folder)
 {
-    Words words{"color", "-o", folder, "--layer", options.layer};
+    Words words{"color", "-o", folder, "--layer", options.layer, "--json"};
     addLefs(words, options);
     addGiven(words, "--site", site);
     addDistance(words, options);
@@ -133,20 +102,15 @@ Step colorStep(const Options& options, const std::string& site, const std::strin
     return {.name = "color",
             .words = words,
             .goodStatus = 1,
-            .advice = "see to what the messages say",
-            .tellsMessages = false, // one for each cell without a good colouring; the summary counts them
-            .summary = colourSummary};
+            .advice = SEE_MESSAGES,
+            .tellsMessages = false}; // one for each cell without a good colouring; the summary counts them
 }
 
 Step lintStep(const Options& options, const Places& places)
 {
-    Words words{"lint", places.base, "--cell-path", places.cellDir};
+    Words words{"lint", places.base, "--cell-path", places.cellDir, "--json"};
     addDistance(words, options);
-    return {.name = "lint",
-            .words = words,
-            .goodStatus = 1,
-            .advice = "see to what the messages say",
-            .summary = lastLine};
+    return {.name = "lint", .words = words, .goodStatus = 1, .advice = SEE_MESSAGES};
 }
 
 Step placeStep(const Options& options, const Places& places)
@@ -158,54 +122,57 @@ Step placeStep(const Options& options, const Places& places)
     addGiven(words, "--move-range", options.moveRange);
     return {.name = "place",
             .words = words,
-            .advice = "see what verify finds: " +
-                      process::shellText({"vireloce-kit", "verify", places.placed + ".place", "--colors",
-                                          places.placed + ".colors", "--cell-path", places.cellDir}) +
-                      "; try another --algo (0, 1, 3) or more --max-solutions",
-            .summary = [path = places.placed + ".json"](const std::string& /*log*/) {
-                return placementSummary(path);
-            }};
+            .result = places.placed + ".json",
+            .needs = "placement",
+            .goodStatus = 1, // whether the placement is good is for verify to say
+            .advice = SEE_MESSAGES,
+            .summary = placementSummary};
 }
 
 Step verifyStep(const Options& options, const Places& places)
 {
+    const std::string markers = places.folder + "/placed.lyrdb";
     Words words{"verify",      places.placed + ".place", "--colors", places.placed + ".colors",
-                "--cell-path", places.cellDir,           "--lyrdb",  places.folder + "/placed.lyrdb"};
+                "--cell-path", places.cellDir,           "--lyrdb",  markers,
+                "--json"};
     addDistance(words, options);
-    return {.name = "verify",
-            .words = words,
-            .advice = "look at " + places.folder + "/placed.lyrdb, or draw it with `vireloce-kit view`",
-            .summary = [path = places.placed + ".place"](const std::string& log) {
-                return withoutPath(lastLine(log), path);
-            }};
+    Words draw = viewStep(options, places).words;
+    draw.insert(draw.begin(), "vireloce-kit");
+    return {
+        .name = "verify",
+        .words = words,
+        .advice =
+            "try another --algo (0, 1, 3), more --max-solutions or a smaller --mindp; to see where it is, "
+            "take " +
+            markers + " into a layout viewer, or draw a page: " + process::shellText(draw)};
 }
 
 Step exportStep(const Options& options, const Places& places)
 {
-    Words words{"export", places.placed + ".json", "--def",   options.def,  "-o", places.result + ".def",
-                "--gds",  places.result + ".gds",  "--layer", options.layer};
+    Words words{"export", places.placed + ".json", "--def",   options.def,  "-o", places.placed + ".def",
+                "--gds",  places.placed + ".gds",  "--layer", options.layer};
     addLefs(words, options);
     // Fillers fill the gaps of the old placement; in the new one they would overlap cells.
-    words.insert(words.end(), {"--cell-path", places.cellDir, "--drop-fillers", "--force"});
+    words.insert(words.end(), {"--cell-path", places.cellDir, "--drop-fillers", "--force", "--json"});
     return {.name = "export",
             .words = words,
             .goodStatus = 1,
-            .advice = "see to what the messages say",
-            .summary = [path = places.result + ".def", out = options.out + ".def"](const std::string& log) {
-                return out + ": " + withoutPath(firstLine(log), path);
+            .advice = SEE_MESSAGES,
+            .summary = [out = options.out](const Json& result) {
+                return out + ".def: " + summaryIn(result["files"][0]);
             }};
 }
 
 Step viewStep(const Options& options, const Places& places)
 {
-    Words words{"view",     places.placed + ".place",  "-o",          places.result + ".html",
+    Words words{"view",     places.placed + ".place",  "-o",          places.placed + ".html",
                 "--colors", places.placed + ".colors", "--cell-path", places.cellDir,
                 "--before", places.base + ".place",    "--force"};
     addDistance(words, options);
     return {.name = "view",
             .words = words,
-            .advice = "see to what the messages say",
-            .summary = [path = options.out + ".html"](const std::string& /*log*/) { return path; }};
+            .advice = SEE_MESSAGES,
+            .summary = [path = options.out + ".html"](const Json& /*result*/) { return path; }};
 }
 
 } // namespace kit::flow

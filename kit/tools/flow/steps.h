@@ -5,32 +5,35 @@
 #include <string>
 #include <vector>
 
+#include "kit/base/text/json.h"
 #include "kit/tools/flow/options.h"
 
 namespace kit::flow {
+
+/// The member "summary" of the JSON that a subcommand tells.
+std::string summaryIn(const Json& result);
 
 /// A run of a subcommand.
 struct Step {
     std::string name;               ///< of the subcommand
     std::vector<std::string> words; ///< subcommand and arguments
+    std::string result{};           ///< path of the JSON that tells what came out; empty: it prints that
+    std::string needs{};            ///< member of the JSON without which it has failed
     int goodStatus = 0;             ///< highest exit status with which it goes on
     std::string advice;             ///< what to do if it fails
     bool tellsMessages = true;      ///< its messages are shown even if it does not fail
-    /// What came out, in a line, from its log.
-    std::function<std::string(const std::string& log)> summary;
+    /// What came out, in a line, from the JSON; null if there is none.
+    std::function<std::string(const Json& result)> summary = summaryIn;
 };
 
 /// Where the files in between are.
 struct Places {
-    std::string folder;  ///< of all of them
-    std::string base;    ///< of the imported design, without extension
-    std::string placed;  ///< of the placed design, without extension
-    std::string result;  ///< of the results until they are complete, without extension
+    std::string folder; ///< of all of them
+    std::string base;   ///< of the imported design, without extension
+    std::string
+        placed; ///< of the placed design, and of the results until all are complete, without extension
     std::string cellDir; ///< of the colour files
 };
-
-/// The last line of a text that is not blank, empty if there is none.
-std::string lastLine(const std::string& log);
 
 /// The places of a run; that of the colour files is empty if it was not given.
 Places placesOf(const Options& options);

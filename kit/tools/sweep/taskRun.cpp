@@ -4,13 +4,13 @@
 #include <csignal>
 #include <cstring>
 #include <filesystem>
-#include <sstream>
 
 #include "kit/base/fault.h"
 #include "kit/base/files/folder.h"
 #include "kit/base/files/outputFile.h"
 #include "kit/base/files/readFile.h"
 #include "kit/base/process/childProcess.h"
+#include "kit/base/text/text.h"
 
 namespace kit::sweep {
 
@@ -40,19 +40,6 @@ private:
 std::string textIn(const std::string& path)
 {
     return fs::exists(path) ? readFile(path) : "";
-}
-
-/// The last line of a text that has something on it, or of those with a word, if one is asked for.
-std::string lastLine(const std::string& text, const std::string& word = "")
-{
-    std::istringstream lines(text);
-    std::string last;
-    for (std::string line; std::getline(lines, line);) {
-        if (line.find_first_not_of(" \t\r") != std::string::npos && line.find(word) != std::string::npos) {
-            last = line;
-        }
-    }
-    return last.substr(0, LONGEST_MESSAGE);
 }
 
 std::string signalText(int signal)
@@ -140,13 +127,8 @@ private:
         default:
             break;
         }
-        for (const std::string& line :
-             {lastLine(textIn(m_work.file("messages"))), lastLine(textIn(m_work.file("report")), "ERROR|")}) {
-            if (!line.empty()) {
-                return line;
-            }
-        }
-        return "no placement, and no word why";
+        const std::string message = lastLine(textIn(m_work.file("messages")));
+        return message.empty() ? "no placement, and no word why" : message.substr(0, LONGEST_MESSAGE);
     }
 
     void keepPlacement() const

@@ -7,10 +7,12 @@
 #include "kit/base/fault.h"
 #include "kit/base/files/readFile.h"
 #include "kit/base/text/escape.h"
+#include "kit/base/text/text.h"
 #include "kit/kitRun.h"
 
 namespace {
 
+using kit::lastLine;
 using kit::printable;
 using kit::readFile;
 using test::TempDir;
@@ -78,6 +80,15 @@ TEST(KitPrintable, WhatATerminalObeysIsEscaped)
     EXPECT_EQ(printable("tab\tline\nend\r"), "tab\\x09line\\x0aend\\x0d");
     EXPECT_EQ(printable(std::string("\0\x7f", 2)), "\\x00\\x7f");
     EXPECT_EQ(printable("\u009b1m"), "\\xc2\\x9b1m") << "a control character of two bytes";
+}
+
+TEST(KitText, LastLineIsTheLastThatIsNotBlank)
+{
+    EXPECT_EQ(lastLine("a\nb\n\n \t\r\n"), "b");
+    EXPECT_EQ(lastLine("a\n  b"), "  b");
+    EXPECT_EQ(lastLine("a"), "a");
+    EXPECT_EQ(lastLine(" \n"), "");
+    EXPECT_EQ(lastLine(""), "");
 }
 
 TEST(KitPrintable, BytesThatAreNoTextAreEscaped)

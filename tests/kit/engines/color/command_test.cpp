@@ -2,6 +2,7 @@
 // The subcommand color: its messages, its exit status, and what it writes.
 #include <filesystem>
 
+#include "kit/base/text/json.h"
 #include "kit/kitRun.h"
 
 namespace {
@@ -68,6 +69,18 @@ TEST_F(KitColorCommand, WritesAColourFile)
                               "0 cells without a colouring free of conflicts\n"
                               "1 colour file in ";
     EXPECT_EQ(outcome.output.substr(0, table.size()), table);
+}
+
+TEST_F(KitColorCommand, SummaryAsJson)
+{
+    write(SITE + master("INV", BAR));
+    const KitOutcome outcome = color({"--json"});
+    const kit::Json json = kit::Json::parse(outcome.output);
+    EXPECT_EQ(json.at("cells"), 1);
+    EXPECT_EQ(json.at("files"), 1);
+    EXPECT_EQ(json.at("without_coloring"), 0);
+    EXPECT_EQ(json.at("summary"), "1 cell, layer m1, site 0.19 x 1.4 um, distance 185; 0 cells without a "
+                                  "colouring free of conflicts");
 }
 
 TEST_F(KitColorCommand, SeveralFilesAreOneLibrary)
@@ -261,7 +274,8 @@ const FaultCase FAULTS[] = {
      SITE + master("INV", BAR),
      {},
      "metal1",
-     "no cell has metal on the layer metal1: give its name with --layer"},
+     "/a.lef: give another with --layer; they have shapes on m1"},
+    {"NoMetalAtAll", SITE + master("INV", ""), {}, "m1", "the cells have no metal"},
     {"NoRowHeight",
      SITE + master("INV", BAR),
      {"--site", "0.19,2"},

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "kit/base/files/writeOutput.h"
+#include "kit/base/text/json.h"
 #include "kit/design/nameMap.h"
 #include "kit/engines/export/limit.h"
 #include "kit/engines/export/smallExport.h"
@@ -171,16 +172,19 @@ TEST_P(KitExportResult, IsOneOfPlace)
 
 INSTANTIATE_TEST_SUITE_P(
     Each, KitExportResult,
-    testing::Values(BadResult{"NoJson", "{", "is no result of vireloce-kit place"},
-                    BadResult{"List", "[]", "is no result of vireloce-kit place"},
-                    BadResult{"OtherSchema", R"({"schema":1})", "is no result of vireloce-kit place"},
-                    BadResult{"NoPlacement", R"({"schema":"vireloce-place","placement":null})",
-                              "is the result of a run that ended without a placement"},
-                    BadResult{"NoOptions", R"({"schema":"vireloce-place","placement":{}})",
-                              "does not say where the colour files are: give --cell-path"},
-                    BadResult{"PathIsNoText",
-                              R"({"schema":"vireloce-place","placement":{},"options":{"cell_path":7}})",
-                              "does not say where the colour files are: give --cell-path"}),
+    testing::Values(
+        BadResult{"NoJson", "{", "is no result of vireloce-kit place, version 1"},
+        BadResult{"List", "[]", "is no result of vireloce-kit place, version 1"},
+        BadResult{"OtherSchema", R"({"schema":1})", "is no result of vireloce-kit place, version 1"},
+        BadResult{"OtherVersion", R"({"schema":"vireloce-place","version":2,"placement":{}})",
+                  "is no result of vireloce-kit place, version 1"},
+        BadResult{"NoPlacement", R"({"schema":"vireloce-place","version":1,"placement":null})",
+                  "is the result of a run that ended without a placement"},
+        BadResult{"NoOptions", R"({"schema":"vireloce-place","version":1,"placement":{}})",
+                  "does not say where the colour files are: give --cell-path"},
+        BadResult{"PathIsNoText",
+                  R"({"schema":"vireloce-place","version":1,"placement":{},"options":{"cell_path":7}})",
+                  "does not say where the colour files are: give --cell-path"}),
     [](const auto& param) { return param.param.name; });
 
 TEST(KitExportCommand, ResultIsNamedByItsJson)
@@ -337,13 +341,22 @@ TEST(KitExportCommand, CellPathIsWhereTheColourFilesAre)
 {
     SmallExport files(U, U_IN_DEF);
     files.colors = U_COLORS;
-    files.json = R"({"schema":"vireloce-place","placement":{}})";
+    files.json = R"({"schema":"vireloce-place","version":1,"placement":{}})";
     const KitOutcome outcome = files.run({"--gds", files.path("new.gds"), "--cell-path", files.path("lib")});
     EXPECT_EQ(outcome.status, 0) << outcome.error;
     const KitOutcome other =
         files.run({"--gds", files.path("new.gds"), "--cell-path", "/nowhere", "--force"});
     EXPECT_EQ(other.status, 2);
     EXPECT_NE(other.error.find("cannot open file /nowhere/INV.color"), std::string::npos) << other.error;
+}
+
+TEST(KitExportCommand, RelativeColourFilesLieBesideTheResult)
+{
+    SmallExport files(U, U_IN_DEF); // in another folder than this process
+    files.colors = U_COLORS;
+    files.json = R"({"schema":"vireloce-place","version":1,"placement":{},"options":{"cell_path":"lib"}})";
+    const KitOutcome outcome = files.run({"--gds", files.path("new.gds")});
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
 }
 
 TEST(KitExportCommand, LayoutNeedsTheUnitsOfTheDefFile)
@@ -382,6 +395,15 @@ TEST(KitExportCommand, SaysWhatItWrote)
     EXPECT_EQ(made(files), (Words{"new.def", "new.gds", "new.lef", "new.lyp", "new2.def"}));
 }
 
+TEST(KitExportCommand, SaysWhatItWroteAsJson)
+{
+    SmallExport files(U, U_IN_DEF);
+    const KitOutcome outcome = files.run({"--json"});
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_EQ(kit::Json::parse(outcome.output), kit::Json::parse(R"({"schema": 1, "files":
+                  [{"path": "new.def", "summary": "1 component, 1 in a new place"}]})"));
+}
+
 TEST(KitExportCommand, SameInputGivesTheSameBytes)
 {
     SmallExport files(U, U_IN_DEF);
@@ -399,7 +421,8 @@ void takeAsResult(const TempDir& dir, const std::string& base)
     for (const char* extension : {".place", ".map"}) {
         std::filesystem::copy_file(base + extension, dir.path(std::string("out") + extension));
     }
-    dir.write("out.json", R"({"schema":"vireloce-place","placement":{},"options":{"cell_path":"/nowhere"}})");
+    dir.write("out.json",
+              R"({"schema":"vireloce-place","version":1,"placement":{},"options":{"cell_path":"/nowhere"}})");
 }
 
 TEST(KitExportImported, DesignThatDidNotMoveGivesTheSameBytes)

@@ -146,18 +146,18 @@ TEST(KitLefMasks, CellWithoutAMacroIsAnError)
               "it with --lef [no-macro]\n1 error, 0 warnings, 0 notes\n");
 }
 
-TEST(KitLefMasks, LayerWithoutMetalIsAnError)
+TEST(KitExportLayer, WithoutMetalIsAnErrorInALine)
 {
     SmallExport files("- a INV + PLACED ( 0 0 ) N\n ;\n", "- a INV ;\n");
     files.colors = "a INV 2 0 0 0 2 1\n";
     const KitOutcome outcome =
         files.run({"--lef", files.path("lef"), "--layer", "m1", "--lef-masks", files.path("new.lef")});
     EXPECT_EQ(outcome.status, 2);
-    EXPECT_NE(
-        outcome.error.find("no cell of the placement has metal on that layer in the LEF files; give the "
-                           "name of metal 1 with --layer [no-layer]"),
-        std::string::npos)
-        << outcome.error;
+    EXPECT_EQ(outcome.error, "vireloce-kit: no cell in use has metal on the layer m1 in lef: give another "
+                             "with --layer; they have shapes on M1, M2\n");
+    EXPECT_EQ(files.run({"--lef", files.path("lef"), "--layer", "m1"}).error, outcome.error);
+    const std::string other = files.write("none", "VERSION 5.8 ;\nEND LIBRARY\n");
+    EXPECT_EQ(files.run({"--lef", other, "--layer", "m1"}).status, 0) << "of no cell in use";
 }
 
 TEST(KitLefMasks, BareMetalIsAWarning)

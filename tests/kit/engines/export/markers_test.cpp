@@ -64,8 +64,9 @@ protected:
         }
         m_dir.write("out.colors",
                     "VIRELOCE COLORS 1\nCOMPONENTS 2\na INV 0 0 0 0 1 1\nb INV 0 0 0 0 1 1\nEND\n");
-        m_dir.write("out.json", R"({"schema":"vireloce-place","placement":{},"options":{"cell_path":")" +
-                                    m_dir.path("lib") + R"("}})");
+        m_dir.write("out.json",
+                    R"({"schema":"vireloce-place","version":1,"placement":{},"options":{"cell_path":")" +
+                        m_dir.path("lib") + R"("}})");
     }
 
     /// The boxes of mask 1 in the layout.

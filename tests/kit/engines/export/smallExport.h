@@ -49,8 +49,8 @@ public:
               SMALL_ROWS + "COMPONENTS 9 ;\n" + records + "END COMPONENTS\nEND DESIGN\n";
         write("lib/INV.color", SMALL_COLOR);
         write("lef", SMALL_LEF);
-        json =
-            R"({"schema":"vireloce-place","placement":{},"options":{"cell_path":")" + path("lib") + R"("}})";
+        json = R"({"schema":"vireloce-place","version":1,"placement":{},"options":{"cell_path":")" +
+               path("lib") + R"("}})";
     }
 
     std::string path(const std::string& name) const { return m_dir.path(name); }

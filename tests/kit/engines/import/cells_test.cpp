@@ -15,6 +15,22 @@ using KitImportNets = KitImport;
 using KitImportNames = KitImport;
 using KitLegalize = KitImport;
 
+TEST_F(KitImportCells, LayerWithoutMetalIsAnErrorInALine)
+{
+    const test::KitOutcome outcome =
+        import("COMPONENTS 2 ;\n- a A + PLACED ( 1000 0 ) N ;\n- b B + PLACED ( 1400 0 ) N ;\nEND COMPONENTS",
+               {"--layer", "M1"});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.error, "vireloce-kit: no cell in use has metal on the layer M1 in " +
+                                 m_dir.path("l.lef") +
+                                 ": give another with --layer; they have shapes on metal1\n");
+    EXPECT_FALSE(std::filesystem::exists(base() + ".place"));
+    // What others have, as the RAM, is nothing to cells without shapes.
+    importWell(
+        "COMPONENTS 2 ;\n- r RAM + FIXED ( 3000 0 ) N ;\n- b B + PLACED ( 1400 0 ) N ;\nEND COMPONENTS",
+        {"--layer", "M1"});
+}
+
 TEST_F(KitImportCells, OrientationIsMirroredOrNot)
 {
     importWell(components({"a A + PLACED ( 1000 0 ) N", "b A + PLACED ( 1400 2000 ) FS",

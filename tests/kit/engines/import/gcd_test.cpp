@@ -5,6 +5,7 @@
 #include <regex>
 #include <string>
 
+#include "kit/base/text/json.h"
 #include "kit/kitRun.h"
 #include "support/guards.h"
 
@@ -45,6 +46,24 @@ TEST_F(KitImportGcd, PinsNetsAndCellsAreTheSame)
     EXPECT_EQ(made(".pins"), known(".pins"));
     EXPECT_EQ(made(".netlist"), known(".netlist"));
     EXPECT_EQ(made(".cells"), known(".cells"));
+}
+
+TEST(KitImportJson, SaysWhatWasWritten)
+{
+    const std::string raw = VIRELOCE_KIT_EXAMPLES "/raw/";
+    const test::TempDir dir;
+    const kit::Json json =
+        kit::Json::parse(runKit({"import", "--lef", raw + "Nangate45_stdcell.lef", "--def",
+                                 raw + "gcd_nangate45.def", "-o", dir.path("gcd"), "--json"})
+                             .output);
+    EXPECT_EQ(json.at("design"), "gcd");
+    EXPECT_EQ(json.at("components"), 426);
+    EXPECT_EQ(json.at("cells"), 34);
+    EXPECT_EQ(json.at("rows"), 21);
+    EXPECT_EQ(json.at("site"), kit::Json::parse("[0.19, 1.4]"));
+    EXPECT_EQ(json.at("nets"), 497);
+    EXPECT_EQ(json.at("fillers"), 266);
+    EXPECT_EQ(json.at("summary").asString().substr(0, 40), "426 components of 34 cells in 21 rows of");
 }
 
 TEST_F(KitImportGcd, RowsAreTheSame)

@@ -53,6 +53,7 @@ TEST(LintReport, JsonHasSchemaCountsAndFindings)
     EXPECT_EQ(outcome.status, 2);
     const Json report = Json::parse(outcome.output);
     EXPECT_EQ(report.at("schema"), 1);
+    EXPECT_EQ(report.at("summary"), "1 error, 1 warning, 0 notes");
     EXPECT_EQ(report.at("counts"), Json({{"errors", 1}, {"warnings", 1}, {"notes", 0}}));
     ASSERT_EQ(report.at("findings").size(), 2U);
     EXPECT_EQ(report.at("findings")[0],

@@ -67,6 +67,20 @@ TEST_F(KitPlace, PrintsThePlacersReportToTheByte)
     }
 }
 
+TEST_F(KitPlace, ItsResultNamesItsInputsForEveryFolder)
+{
+    namespace fs = std::filesystem;
+    const fs::path here = fs::current_path();
+    fs::current_path(fs::path(m_design.base()).parent_path());
+    const KitOutcome outcome = runKit({"place", "d", "--cell-path", "./d.colors", "-o", out()});
+    fs::current_path(here);
+    ASSERT_EQ(outcome.status, 0) << outcome.error;
+    const std::string cellPath = result()["options"]["cell_path"].asString();
+    EXPECT_TRUE(fs::path(cellPath).is_absolute() && fs::equivalent(cellPath, m_design.lib())) << cellPath;
+    const std::string base = result()["options"]["base"].asString();
+    EXPECT_TRUE(fs::equivalent(base + ".place", m_design.base() + ".place")) << base;
+}
+
 TEST_F(KitPlace, ShowsNoProgressWhereThereIsNoTerminal)
 {
     EXPECT_EQ(place().error, "");
@@ -235,6 +249,17 @@ TEST_F(KitPlace, UnreadableInputIsStatus2AndWritesNothing)
     EXPECT_FALSE(std::filesystem::exists(out(".json")));
 }
 
+TEST_F(KitPlace, WhatEndsTheRunIsALineOnStandardErrorAsWell)
+{
+    EXPECT_EQ(runKit({"place", m_dir.path("none"), "--cell-path", m_design.lib(), "-o", out()}).error,
+              "vireloce-kit: cannot open file: " + m_dir.path("none") + ".place\n");
+    std::filesystem::copy(m_design.lib(), m_dir.path("lib"));
+    const std::string cell = std::filesystem::directory_iterator(m_dir.path("lib"))->path().string();
+    std::ofstream(cell) << "380 1900\nx";
+    EXPECT_EQ(runKit({"place", m_design.base(), "--cell-path", m_dir.path("lib"), "-o", out()}).error,
+              "vireloce-kit: " + cell + ":2: the number of header boxes is not a 32-bit integer\n");
+}
+
 TEST_F(KitPlace, OptionThatIsNoNumberIsStatus2)
 {
     EXPECT_EQ(place({"--algo", "first"}).status, 2);
@@ -305,6 +330,7 @@ TEST_F(KitRescue, ARunWithoutAPlacementLeavesItsSetUpAlone)
     const KitOutcome outcome = place({"--rescue", "--algo", "2"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_NE(outcome.output.find("ERROR| cannot solve the placement"), std::string::npos) << outcome.output;
+    EXPECT_EQ(outcome.error.rfind("vireloce-kit: cannot solve the placement", 0), 0U) << outcome.error;
     EXPECT_EQ(result()["complete"], false);
     EXPECT_EQ(result()["report"]["component #"], 5);
     EXPECT_EQ(result()["report"].size(), 13U) << "the figures of the set-up";

@@ -168,6 +168,7 @@ TEST(KitVerifyReport, JsonHasCountsAndFindings)
     EXPECT_EQ(json.at("placement"), "out.place");
     EXPECT_EQ(json.at("mindp"), 185);
     EXPECT_EQ(json.at("clean"), false);
+    EXPECT_EQ(json.at("summary").asString().rfind("not clean, ", 0), 0U) << json.at("summary");
     EXPECT_EQ(json.at("counts").at("conflict"), 2);
     EXPECT_EQ(json.at("counts").at("off-row"), 0);
     EXPECT_EQ(json.at("counts").size(), kit::design::kinds().size() + 1);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Each rule of the LEF reader, with what it makes of a text and says about it.
+#include "kit/base/fault.h"
 #include "kit/formats/lefdef/described.h"
 
 namespace {
@@ -362,6 +363,56 @@ TEST(LefReader, AddsToTheFilesBefore)
     EXPECT_EQ(lef.macros[0].source, 0);
     EXPECT_EQ(lef.macros[1].source, 1);
 }
+
+struct LayerCase {
+    const char* name;
+    const char* text; ///< of a LEF file
+    const char* want; ///< what is wrong with the layer M1; empty if nothing is
+};
+
+void PrintTo(const LayerCase& row, std::ostream* out)
+{
+    *out << row.name;
+}
+
+const LayerCase LAYERS[] = {
+    {"NoCells", "LAYER M2 TYPE ROUTING ; END M2", ""},
+    {"NoShapes", "MACRO A END A MACRO B OBS LAYER M2 ; END END B", ""},
+    {"Some", "MACRO A OBS LAYER M2 ; RECT 0 0 1 1 ; LAYER M1 ; RECT 0 0 1 1 ; END END A", ""},
+    {"OneOfTwo",
+     "MACRO A PIN P PORT LAYER M2 ; RECT 0 0 1 1 ; END END P END A "
+     "MACRO B PIN P PORT LAYER M1 ; RECT 0 0 1 1 ; END END P END B",
+     ""},
+    {"OthersOnly",
+     "MACRO A PIN P PORT LAYER M3 ; RECT 0 0 1 1 ; END END P END A "
+     "MACRO B OBS LAYER M2 ; POLYGON 0 0 0 1 1 1 ; LAYER M4 ; END END B",
+     "no cell in use has metal on the layer M1 in d.lef: give another with --layer; they have shapes on M2, "
+     "M3"},
+};
+
+class LefLayer : public testing::TestWithParam<LayerCase> {};
+
+TEST_P(LefLayer, MustHaveMetalIfCellsHaveAny)
+{
+    const kit::lefdef::Source source("d.lef", GetParam().text);
+    kit::Findings findings;
+    kit::lefdef::Lef lef;
+    readLef(source, "M1", 0, lef, findings);
+    std::vector<const kit::lefdef::LefMacro*> macros;
+    for (const kit::lefdef::LefMacro& macro : lef.macros) {
+        macros.push_back(&macro);
+    }
+    std::string fault;
+    try {
+        requireMetal(lef, macros);
+    } catch (const kit::Fault& thrown) {
+        fault = thrown.what();
+    }
+    EXPECT_EQ(fault, GetParam().want);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, LefLayer, testing::ValuesIn(LAYERS),
+                         [](const auto& row) { return std::string(row.param.name); });
 
 TEST(LefReader, KnowsWhereThingsStand)
 {

@@ -5,22 +5,30 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "kit/base/process/childProcess.h"
+#include "kit/base/text/json.h"
+#include "kit/engines/place/schema.h"
 #include "kit/kitRun.h"
+#include "kit/tools/flow/cache.h"
 #include "support/guards.h"
 
 namespace {
 
+using kit::Json;
 using test::contentOf;
 using test::Words;
 
-constexpr const char* EXTENSIONS[] = {".def", ".gds", ".lyp", ".html", ".json"};
+constexpr const char* EXTENSIONS[] = {".def",    ".gds",   ".lyp",  ".html",    ".json", ".place",
+                                      ".colors", ".cells", ".pins", ".netlist", ".map"};
 
 class KitFlow : public testing::Test {
 protected:
@@ -76,6 +84,56 @@ TEST_F(KitFlow, GoesFromLefAndDefToTheMasks)
     EXPECT_TRUE(says("export", "426 components")) << m_output;
     EXPECT_TRUE(says("view", "out.html")) << m_output;
     EXPECT_FALSE(exists(".flow")) << "what was in between goes";
+}
+
+TEST_F(KitFlow, ItsResultIsExportedAgainFromAnyFolder)
+{
+    namespace fs = std::filesystem;
+    const std::string lef = VIRELOCE_KIT_EXAMPLES "/raw/Nangate45_stdcell.lef";
+    const std::string def = VIRELOCE_KIT_EXAMPLES "/raw/gcd_nangate45.def";
+    const auto runIn = [this](const std::string& folder, const Words& words) {
+        Words shell{"/bin/sh", "-c", "cd " + folder + " && exec \"$0\" \"$@\"", VIRELOCE_KIT_PROGRAM};
+        shell.insert(shell.end(), words.begin(), words.end());
+        return kit::process::run(shell, m_dir.path("stdout"), m_dir.path("stderr")).status;
+    };
+    ASSERT_EQ(runIn(m_dir.path(""), {"flow", "--lef", lef, "--def", def, "-o", "out", "--cache", "cache",
+                                     "--allow-conflicts"}),
+              0)
+        << contentOf(m_dir.path("stderr"));
+    fs::remove_all(m_dir.path("cache"));
+    fs::create_directory(m_dir.path("moved"));
+    for (const auto& entry : fs::directory_iterator(m_dir.path(""))) {
+        if (entry.path().filename().string().starts_with("out.")) {
+            fs::rename(entry.path(), fs::path(m_dir.path("moved")) / entry.path().filename());
+        }
+    }
+    const std::string again = m_dir.path("again");
+    ASSERT_EQ(runIn("/", {"export", m_dir.path("moved/out.json"), "--def", def, "-o", again + ".def", "--gds",
+                          again + ".gds", "--lef", lef, "--drop-fillers"}),
+              0)
+        << contentOf(m_dir.path("stderr"));
+    for (const std::string extension : {".def", ".gds", ".lyp"}) {
+        EXPECT_EQ(contentOf(again + extension), contentOf(m_dir.path("moved/out") + extension)) << extension;
+    }
+    const Json result = Json::parse(contentOf(m_dir.path("moved/out.json")));
+    EXPECT_EQ(test::faultsOf(result, test::placeSchema()), std::vector<std::string>());
+}
+
+TEST_F(KitFlow, ReplacesTheColourFilesOfAnEarlierRunAndNoOthers)
+{
+    namespace fs = std::filesystem;
+    const fs::path library = out() + ".library";
+    ASSERT_EQ(gcd({"--allow-conflicts"}), 0) << m_error;
+    EXPECT_TRUE(fs::exists(library / "OAI22_X1.color"));
+    EXPECT_FALSE(fs::exists(library / "OAI33_X1.color")) << "gcd does not use it";
+    fs::rename(library / "OAI22_X1.color", library / "OLD.color");
+    ASSERT_EQ(gcd({"--allow-conflicts", "--force"}), 0) << m_error;
+    EXPECT_TRUE(fs::exists(library / "OAI22_X1.color"));
+    EXPECT_FALSE(fs::exists(library / "OLD.color"));
+    fs::remove(library / "made-by-flow"); // as if somebody else had made it
+    EXPECT_EQ(gcd({"--allow-conflicts", "--force"}), 2);
+    EXPECT_NE(m_error.find("out.library exists, and no run of flow has made it"), std::string::npos)
+        << m_error;
 }
 
 TEST_F(KitFlow, KeepsAllFilesIfWished)
@@ -142,6 +200,23 @@ TEST_F(KitFlow, StopsAtCellsInUseWithoutAColouring)
     EXPECT_FALSE(exists(".def"));
 }
 
+TEST_F(KitFlow, StopsAtALayerWithoutMetal)
+{
+    for (const Words& more : {Words{}, Words{"--cell-path", VIRELOCE_KIT_EXAMPLES "/nangate45_color"}}) {
+        Words words{"--layer", "M1", "--force"};
+        words.insert(words.end(), more.begin(), more.end());
+        EXPECT_EQ(gcd(words), 2);
+        EXPECT_TRUE(says("import", "FAILED")) << m_output;
+        EXPECT_NE(m_error.find("What went wrong: vireloce-kit: no cell in use has metal on the layer M1 in "),
+                  std::string::npos)
+            << m_error;
+        EXPECT_NE(
+            m_error.find("Nangate45_stdcell.lef: give another with --layer; they have shapes on metal1\n"),
+            std::string::npos)
+            << m_error;
+    }
+}
+
 TEST_F(KitFlow, ReplacesNothingWithoutForce)
 {
     m_dir.write("out.gds", "old");
@@ -202,8 +277,9 @@ protected:
     {
         m_dir.write("l.lef", LEF);
         m_dir.write("d.def", "UNITS DISTANCE MICRONS 1000 ;\nROW r0 core 1000 0 N DO 20 BY 1 STEP 200 0 ;\n"
-                             "ROW r1 core 1000 2000 FS DO 20 BY 1 STEP 200 0 ;\nCOMPONENTS 2 ;\n" +
-                                 components + "END COMPONENTS\nEND DESIGN\n");
+                             "ROW r1 core 1000 2000 FS DO 20 BY 1 STEP 200 0 ;\nCOMPONENTS " +
+                                 std::to_string(std::count(components.begin(), components.end(), '\n')) +
+                                 " ;\n" + components + "END COMPONENTS\nEND DESIGN\n");
         return flow(m_dir.path("l.lef"), m_dir.path("d.def"), more);
     }
 };
@@ -253,6 +329,36 @@ TEST_F(SmallFlow, FailedStepsCountWhereTheParentIgnoredTheEndsOfChildren)
 /// Two cells side by side.
 constexpr const char* GOOD = "- u C + PLACED ( 1000 0 ) N ;\n- v C + PLACED ( 1400 0 ) N ;\n";
 
+TEST_F(SmallFlow, NeverReadsTheCacheOfAnotherVersion)
+{
+    namespace fs = std::filesystem;
+    ASSERT_EQ(small(GOOD), 0) << m_output << m_error;
+    kit::flow::Options options;
+    options.lefs = {m_dir.path("l.lef")};
+    options.cache = m_dir.path("cache");
+    const std::string site = "0.200000,2.000000";
+    const std::string own = kit::flow::cachedFolder(options, site);
+    const std::string others = kit::flow::cachedFolder(options, site, "0.1");
+    ASSERT_TRUE(fs::exists(own));
+    fs::rename(own, others); // where another version would have put it
+    std::ofstream(others + "/C.color") << "of another version";
+    ASSERT_EQ(small(GOOD, {"--force"}), 0) << m_output << m_error;
+    EXPECT_FALSE(says("color", "known from before")) << m_output;
+    EXPECT_TRUE(fs::exists(own));
+    EXPECT_EQ(contentOf(others + "/C.color"), "of another version");
+}
+
+TEST_F(SmallFlow, TheEndOfAVersionIsNoPartOfTheLayer)
+{
+    m_dir.write("l.lef", LEF);
+    kit::flow::Options options;
+    options.lefs = {m_dir.path("l.lef")};
+    options.cache = m_dir.path("cache");
+    const std::string longer = kit::flow::cachedFolder(options, "", "0.10");
+    options.layer = "0" + options.layer;
+    EXPECT_NE(kit::flow::cachedFolder(options, "", "0.1"), longer);
+}
+
 /// A flow that has been run well, to be run again with less room.
 class FullDiskFlow : public SmallFlow {
 protected:
@@ -264,6 +370,7 @@ protected:
             EXPECT_LE(std::filesystem::file_size(out() + extension), m_page) << extension;
             std::filesystem::remove(out() + extension);
         }
+        std::filesystem::remove_all(out() + ".library");
     }
 
     /// Runs it where no file may have more than some blocks of 512 bytes. What it prints is in m_output.
@@ -292,6 +399,18 @@ TEST_F(FullDiskFlow, SaysWhatWentWrong)
     EXPECT_NE(m_output.find(": File too large\n"), std::string::npos) << m_output;
 }
 
+TEST_F(SmallFlow, AResultThatCannotBeWrittenLeavesNone)
+{
+    std::filesystem::create_symlink("/dev/full", out() + ".json");
+    EXPECT_EQ(small(GOOD), 2);
+    EXPECT_TRUE(says("view", "out.html")) << "all steps are done";
+    EXPECT_NE(m_error.find(".json: No space left on device\n"), std::string::npos) << m_error;
+    for (const std::string extension : EXTENSIONS) {
+        EXPECT_EQ(exists(extension), extension == ".json") << extension;
+    }
+    EXPECT_FALSE(exists(".library"));
+}
+
 TEST_F(FullDiskFlow, ResultsAppearTogetherOrNotAtAll)
 {
     EXPECT_EQ(again((m_page - 1) / 512), 2);
@@ -300,17 +419,70 @@ TEST_F(FullDiskFlow, ResultsAppearTogetherOrNotAtAll)
     for (const char* extension : EXTENSIONS) {
         EXPECT_FALSE(exists(extension)) << extension;
     }
+    EXPECT_FALSE(exists(".library"));
 }
+
+/// Two cells whose right edges meet, with one solution for both; the placer takes both as unmirrored.
+constexpr const char* MIRRORED = "- u C + PLACED ( 1000 0 ) N ;\n- v C + PLACED ( 1400 0 ) FN ;\n";
 
 TEST_F(SmallFlow, StopsAtAPlacementThatIsNotClean)
 {
-    // Their right edges meet, with one solution for both; the placer takes both as unmirrored.
-    const std::string pair = "- u C + PLACED ( 1000 0 ) N ;\n- v C + PLACED ( 1400 0 ) FN ;\n";
-    EXPECT_EQ(small(pair, {"--max-solutions", "1"}), 1) << m_output;
-    EXPECT_TRUE(says("place", "FAILED: HPWL ")) << m_output;
+    EXPECT_EQ(small(MIRRORED, {"--max-solutions", "1"}), 1) << m_output;
     EXPECT_TRUE(says("place", " 0 conflicts; verify finds 1 error")) << m_output;
-    EXPECT_NE(m_error.find("What to do: "), std::string::npos) << m_error;
+    EXPECT_TRUE(says("verify", "FAILED: not clean, 1 error, 0 notes")) << m_output;
+    EXPECT_FALSE(says("export", "")) << m_output;
     EXPECT_FALSE(exists(".def"));
+}
+
+TEST_F(SmallFlow, SaysWhatTheJudgeHasAgainstAPlacementAndWhatToDo)
+{
+    EXPECT_EQ(small(MIRRORED, {"--max-solutions", "1"}), 1) << m_output;
+    const std::string flow = out() + ".flow/";
+    EXPECT_EQ(m_error.substr(0, m_error.find("What was run: ")),
+              "\n" + flow +
+                  "placed.place:17: error: u (C) at (1000, 0) and v (C) at (1400, 0) have shapes of mask 0 "
+                  "18.0 apart, 185 are needed; 1 pair of shapes too close [conflict]\n\n"
+                  "What went wrong: verify: not clean, 1 error, 0 notes\n");
+    EXPECT_EQ(m_error.find("STAT |"), std::string::npos) << "the report is no message: " << m_error;
+    EXPECT_NE(m_error.find("What to do: try another --algo (0, 1, 3), more --max-solutions or"),
+              std::string::npos)
+        << m_error;
+    EXPECT_NE(m_error.find(flow + "placed.lyrdb into a layout viewer"), std::string::npos) << m_error;
+    EXPECT_TRUE(exists(".flow/placed.lyrdb"));
+    // The page that it tells of.
+    const size_t draw = m_error.find("vireloce-kit view ");
+    ASSERT_NE(draw, std::string::npos) << m_error;
+    const std::string command =
+        VIRELOCE_KIT_PROGRAM + m_error.substr(draw + 12, m_error.find('\n', draw) - draw - 12);
+    EXPECT_EQ(std::system(command.c_str()), 0) << command;
+    EXPECT_TRUE(exists(".flow/placed.html"));
+}
+
+TEST_F(SmallFlow, SaysWhyThereIsNoPlacement)
+{
+    // Cells that are wider in their colour file than in the LEF: 25 sites in a row of 20, and the method
+    // moves none.
+    std::filesystem::create_directory(m_dir.path("cells"));
+    m_dir.write("cells/C.color", "950 1900  0  1  1  0 500 5 900  1  0 1");
+    std::string cells;
+    for (int x = 1000; x < 3000; x += 400) {
+        cells += "- u" + std::to_string(x) + " C + PLACED ( " + std::to_string(x) + " 0 ) N ;\n";
+    }
+    EXPECT_EQ(small(cells, {"--cell-path", m_dir.path("cells"), "--algo", "2"}), 2);
+    EXPECT_TRUE(says("place", "FAILED: no placement")) << m_output;
+    EXPECT_NE(m_error.find("What went wrong: vireloce-kit: cannot solve the placement"), std::string::npos)
+        << m_error;
+}
+
+TEST_F(KitFlow, TellsTheFirstErrorsAndWhereTheOthersAre)
+{
+    EXPECT_EQ(gcd({"--cell-path", VIRELOCE_KIT_EXAMPLES "/nangate45_color", "--mindp", "400"}), 1);
+    size_t told = 0;
+    for (size_t at = 0; (at = m_error.find(" error: ", at)) != std::string::npos; ++at) {
+        ++told;
+    }
+    EXPECT_EQ(told, 20U) << m_error;
+    EXPECT_NE(m_error.find(" more errors, in " + out() + ".flow/verify.log\n"), std::string::npos) << m_error;
 }
 
 } // namespace

@@ -88,8 +88,6 @@ constexpr EndingCase ENDINGS[] = {
     {"Clean", "placed", "clean", 0, 0, "", 0},
     {"NotClean", "placed; exit 1", "not_clean", 1, 0, "", 0},
     {"BadInput", "echo first >&2; echo 'd.place:3: bad' >&2; exit 2", "failed", 2, 0, "d.place:3: bad", 1},
-    {"ErrorInTheReport", "echo 'ERROR| d.place:3: bad'; echo bye; exit 2", "failed", 2, 0,
-     "ERROR| d.place:3: bad", 1},
     {"NoPlacement", "echo '{\"placement\": null}' >$out.json; exit 1", "failed", 1, 0, "no placement", 1},
     {"NoResult", "exit 0", "failed", 0, 0, "no placement, and no word why", 1},
     {"DamagedResult", "echo '{' >$out.json; exit 0", "failed", 0, 0, "no placement", 1},
