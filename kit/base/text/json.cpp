@@ -121,6 +121,11 @@ Json::Json(std::initializer_list<Member> members) : m_value(Object(members))
     }));
 }
 
+Json Json::array()
+{
+    return array(Array());
+}
+
 Json Json::array(Array items)
 {
     Json json;

@@ -32,16 +32,16 @@ public:
 
     /// A text. Bytes that are no UTF-8 are replaced when it is written.
     template <typename T>
-    requires std::is_convertible_v<const T&, std::string_view> Json(const T& text)
-        : m_value(std::string(std::string_view(text)))
-    {
-    }
+    requires std::is_convertible_v<const T&, std::string_view> Json(const T& text);
 
     /// An object: {{"name", value}, {"other", value}}. @pre no name is there twice
     Json(std::initializer_list<Member> members);
 
+    /// An array without values.
+    static Json array();
+
     /// An array of these values.
-    static Json array(Array items = {});
+    static Json array(Array items);
 
     /// An object without members.
     static Json object();
@@ -145,5 +145,11 @@ struct Json::Member {
 
     bool operator==(const Member& other) const = default;
 };
+
+template <typename T>
+requires std::is_convertible_v<const T&, std::string_view> Json::Json(const T& text)
+    : m_value(std::string(std::string_view(text)))
+{
+}
 
 } // namespace kit

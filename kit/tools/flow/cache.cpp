@@ -13,7 +13,6 @@
 #include "kit/base/files/readFile.h"
 #include "kit/base/hash.h"
 #include "kit/base/text/text.h"
-#include "kit/base/version.h"
 
 namespace kit::flow {
 

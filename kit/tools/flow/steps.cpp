@@ -4,7 +4,6 @@
 #include <sstream>
 
 #include "kit/base/process/childProcess.h"
-#include "kit/base/text/json.h"
 #include "kit/base/text/text.h"
 
 namespace kit::flow {

@@ -37,8 +37,10 @@ std::vector<Column> columnsFor(bool times)
 /// All that is known of a run by the names of the columns.
 Json valuesOf(const Task& task, const std::optional<Result>& result)
 {
-    Json values = result.has_value() ? toJson(task, *result)
-                                     : Json{{"id", task.id}, {"design", task.design}, {"status", "missing"}};
+    Json values{{"id", task.id}, {"design", task.design}, {"status", "missing"}};
+    if (result.has_value()) {
+        values.update(toJson(task, *result));
+    }
     values.update(toJson(task.options));
     values["rescue"] = task.options.rescue ? 1 : 0;
     values["components"] = task.components;
