@@ -37,7 +37,8 @@ std::optional<lefdef::Orient> TrueOrients::of(const placer::Component& comp) con
     if (row == at->second.end()) {
         return {};
     }
-    const bool upsideDown = lefdef::isUpsideDown(orientNamed((*row)->orient)) != m_flipped.contains(comp.name);
+    const bool upsideDown =
+        lefdef::isUpsideDown(orientNamed((*row)->orient)) != m_flipped.contains(comp.name);
     return lefdef::upright(isMirrored(comp), upsideDown);
 }
 
