@@ -71,8 +71,8 @@ std::string replaced(std::string_view text, std::initializer_list<std::pair<char
 std::string printable(std::string_view text)
 {
     return shown(text, [](unsigned char byte) {
-        constexpr std::string_view DIGITS = "0123456789abcdef";
-        return std::string("\\x").append(1, DIGITS[byte >> 4U]).append(1, DIGITS[byte & 15U]);
+        constexpr std::string_view HEX_DIGITS = "0123456789abcdef";
+        return std::string("\\x").append(1, HEX_DIGITS[byte >> 4U]).append(1, HEX_DIGITS[byte & 15U]);
     });
 }
 
