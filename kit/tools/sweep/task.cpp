@@ -152,7 +152,9 @@ std::vector<Task> readTasks(const std::string& dir)
     for (std::string line; std::getline(lines, line);) {
         ++number;
         const auto fail = [&](const std::string& why) {
-            throw Fault(path + ":" + std::to_string(number) + ": this is no task: " + why);
+            throw Fault(
+                std::string(path).append(":").append(std::to_string(number)).append(": this is no task: ") +
+                why);
         };
         try {
             tasks.push_back(taskFrom(Json::parse(line), folder));
