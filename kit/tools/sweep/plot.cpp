@@ -274,6 +274,7 @@ int plot(const PlotOptions& options)
     }
     std::erase_if(charts, [](const auto& chart) { return !chart.second.has_value(); });
     std::vector<std::string> paths;
+    paths.reserve(charts.size());
     for (const auto& [name, chart] : charts) {
         paths.push_back(options.out + "/" + name);
     }
