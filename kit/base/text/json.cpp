@@ -14,8 +14,9 @@ namespace kit {
 
 namespace {
 
-constexpr size_t DEEPEST = 64;       // arrays and objects in each other
-constexpr size_t LONGEST_QUOTE = 60; // bytes of a value in a message
+constexpr size_t DEEPEST = 64;          // arrays and objects in each other
+constexpr size_t MOST_MEMBERS = 10'000; // of an object, whose members are looked for one by one
+constexpr size_t LONGEST_QUOTE = 60;    // bytes of a value in a message
 
 using Library = nlohmann::ordered_json;
 using Event = Library::parse_event_t;
@@ -87,7 +88,8 @@ Json fromLibrary(const Library& value)
     return value.is_number() ? Json(value.get<double>()) : Json();
 }
 
-/// Checks a text while the library reads it: no object has a member twice, nothing is nested too deep.
+/// Checks a text while the library reads it: no object has a member twice or too many,
+/// nothing is nested too deep.
 class Check {
 public:
     /// As the library calls it. @param depth  number of arrays and objects around it
@@ -99,8 +101,14 @@ public:
                 throw Fault("lists and objects are nested deeper than " + std::to_string(DEEPEST));
             }
             m_names[level].clear();
-        } else if (event == Event::key && !m_names[level - 1].insert(value).second) {
-            throw Fault("an object has the member " + inQuotes(fromLibrary(value)) + " twice");
+        } else if (event == Event::key) {
+            std::set<std::string>& names = m_names[level - 1];
+            if (!names.insert(value).second) {
+                throw Fault("an object has the member " + inQuotes(fromLibrary(value)) + " twice");
+            }
+            if (names.size() > MOST_MEMBERS) {
+                throw Fault("an object has more than " + std::to_string(MOST_MEMBERS) + " members");
+            }
         }
         return true;
     }

@@ -275,6 +275,7 @@ void writeLibrary(const std::vector<LibraryCell>& library, const Options& option
                 [&cell](OutputFile& out) { placer::writeColorFile(out, placerCell(cell)); });
     }
     std::vector<std::string> names;
+    names.reserve(library.size());
     for (const LibraryCell& cell : library) {
         names.push_back(cell.name);
     }
@@ -310,7 +311,7 @@ void writePlacement(const Placement& placement, const std::vector<LibraryCell>& 
     for (size_t i = 0; i < plan.macros.size(); ++i) {
         const MacroBox& macro = plan.macros[i];
         place.block("m" + std::to_string(i), scale.x(macro.site), scale.y(macro.row),
-                    macro.sites * scale.step, macro.rows * scale.height);
+                    int64_t{macro.sites} * scale.step, int64_t{macro.rows} * scale.height);
     }
     place.end();
 }

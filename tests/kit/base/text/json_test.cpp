@@ -133,6 +133,17 @@ TEST(KitJson, TextThatIsNotSoundIsToldWithItsPlace)
     EXPECT_TRUE(Json::tryParse(std::string(64, '[') + std::string(64, ']')).has_value());
 }
 
+TEST(KitJson, ObjectOfVeryManyMembersIsRefusedBeforeItTakesLong)
+{
+    std::string members;
+    for (int i = 1; i <= 10'000; ++i) {
+        members += "\"" + std::to_string(i) + "\":0,";
+    }
+    EXPECT_EQ(Json::parse("{" + members.substr(0, members.size() - 1) + "}").members().size(), 10'000U);
+    EXPECT_EQ(faultOf([&] { Json::parse("{" + members + "\"a\":0}"); }),
+              "an object has more than 10000 members");
+}
+
 TEST(KitJson, ReadingAsAnotherTypeSaysWhatTheValueIs)
 {
     const Json list = Json::array({1, 2});
