@@ -73,8 +73,8 @@ int32_t Distance::unitsOn(Length site) const
 
 double Distance::micronsOn(Length site) const
 {
-    const auto length = static_cast<double>(unitsOn(site) * site / placer::LIBRARY_SITE);
-    return length / static_cast<double>(lefdef::MICRON);
+    const Length length = unitsOn(site) * site / placer::LIBRARY_SITE; // picometres
+    return static_cast<double>(length) / static_cast<double>(lefdef::MICRON);
 }
 
 std::string Distance::text(int32_t units, Length site)

@@ -16,6 +16,7 @@ struct FileIdentity {
     ino_t inode = 0;
     std::string path{}; ///< empty for a file that is there
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): the check takes the 0 behind <=> for a pointer
     auto operator<=>(const FileIdentity& other) const = default;
 };
 

@@ -24,8 +24,8 @@ int32_t Fields::integer(size_t position)
     if (!number.sound) {
         m_reporter.error("not-a-number", at(position),
                          "token " + std::to_string(position) + " of the " + m_record + ", " +
-                             inQuotes(token(position).text) + ", is no 32-bit integer, and the placer takes " +
-                             std::to_string(number.value),
+                             inQuotes(token(position).text) +
+                             ", is no 32-bit integer, and the placer takes " + std::to_string(number.value),
                          "write a whole number");
     }
     return number.value;

@@ -148,7 +148,8 @@ void PlacementReader::readUnits()
     const Integer units = parseInteger(word);
     if (!units.sound || units.value <= 0) {
         m_reporter.warning("units", {m_lines.number(), 0},
-                           "UNITS DISTANCE MICRONS has " + inQuotes(word) + " where a positive integer belongs",
+                           "UNITS DISTANCE MICRONS has " + inQuotes(word) +
+                               " where a positive integer belongs",
                            "write the DBU of a micrometre: markers and pictures take 2000");
         return;
     }
