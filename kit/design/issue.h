@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "kit/base/finding.h"
+#include "kit/geometry/rect.h"
 
 namespace kit::design {
 
@@ -50,13 +51,8 @@ const std::vector<KindInfo>& kinds();
 /// The kind's entry in kinds().
 const KindInfo& infoOf(Kind kind);
 
-/// A rectangle in DBU of the placement. Shapes need not lie on whole DBU.
-struct DbuBox {
-    double xl = 0;
-    double yl = 0;
-    double xh = 0;
-    double yh = 0;
-};
+/// In DBU of the placement: shapes need not lie on whole ones.
+using DbuBox = geometry::RectOf<double>;
 
 /// An issue. Those of a pair of cells have no text of their own: there may be a million of them.
 struct Issue {

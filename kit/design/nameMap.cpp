@@ -3,10 +3,8 @@
 
 #include <algorithm>
 #include <charconv>
-#include <optional>
-#include <unordered_set>
+#include <filesystem>
 
-#include "kit/base/files/outputFile.h"
 #include "kit/base/files/readFile.h"
 #include "kit/base/hash.h"
 #include "kit/base/reporter.h"
@@ -176,6 +174,11 @@ private:
     std::unordered_set<std::string_view> m_seenFlipped;
 };
 
+lefdef::Orient orientNamed(const std::string& name)
+{
+    return lefdef::orientOf(name).value_or(lefdef::Orient::N);
+}
+
 } // namespace
 
 std::string hashOf(std::string_view bytes)
@@ -194,7 +197,7 @@ NameMap readNameMap(const std::string& path, Findings& findings)
 void writeNameMap(const NameMap& map, OutputFile& out)
 {
     std::string def = map.def;
-    std::replace(def.begin(), def.end(), '\n', '?');
+    std::ranges::replace(def, '\n', '?');
     out << HEADER << "\nDEF " << def << "\nHASH " << map.hash << "\n";
     out << "SITE " << map.siteWidth << " " << map.siteHeight << "\n";
     out << "NAMES " << map.names.size() << "\n";
@@ -206,6 +209,59 @@ void writeNameMap(const NameMap& map, OutputFile& out)
         out << name << "\n";
     }
     out << END << "\n";
+}
+
+TrueOrients::TrueOrients(const std::vector<placer::Row>& rows, const NameMap& map)
+    : m_flipped(map.flipped.begin(), map.flipped.end())
+{
+    for (const placer::Row& row : rows) {
+        m_rows[row.y].push_back(&row);
+    }
+}
+
+std::optional<lefdef::Orient> TrueOrients::of(const placer::Component& comp) const
+{
+    const auto at = m_rows.find(comp.y);
+    if (at == m_rows.end()) {
+        return {};
+    }
+    const auto row = std::ranges::find_if(at->second, [&comp](const placer::Row* candidate) {
+        const int64_t right = candidate->x + int64_t{candidate->numSites} * candidate->step;
+        return candidate->x <= comp.x && comp.x < right;
+    });
+    if (row == at->second.end()) {
+        return {};
+    }
+    const bool upsideDown =
+        lefdef::isUpsideDown(orientNamed((*row)->orient)) != m_flipped.contains(comp.name);
+    return lefdef::upright(isMirrored(comp), upsideDown);
+}
+
+bool isMirrored(const placer::Component& comp)
+{
+    return lefdef::isMirrored(orientNamed(comp.orient));
+}
+
+std::string mapOf(const std::string& placement)
+{
+    return placement.empty() ? "" : std::filesystem::path(placement).replace_extension(".map").string();
+}
+
+void restoreOrientations(const std::string& placement, placer::Design& design, Findings& findings)
+{
+    const std::string path = mapOf(placement);
+    if (!std::filesystem::exists(path)) {
+        return;
+    }
+    const NameMap map = readNameMap(path, findings);
+    const TrueOrients orients(design.rows, map);
+    for (placer::Component& comp : design.components) {
+        if (comp.orient == "N" || comp.orient == "FN") {
+            if (const std::optional<lefdef::Orient> orient = orients.of(comp)) {
+                comp.orient = std::string(nameOf(*orient));
+            }
+        }
+    }
 }
 
 } // namespace kit::design

@@ -10,7 +10,7 @@ namespace {
 
 std::vector<int32_t> ascending(std::vector<int32_t> values)
 {
-    std::sort(values.begin(), values.end());
+    std::ranges::sort(values);
     values.erase(std::unique(values.begin(), values.end()), values.end());
     return values;
 }
@@ -86,9 +86,8 @@ std::vector<Rect> Grid::slabs() const
             }
         }
         for (Rect& run : runs) {
-            const auto same = std::find_if(open.begin(), open.end(), [&run](const Rect& slab) {
-                return slab.yl == run.yl && slab.yh == run.yh;
-            });
+            const auto same = std::ranges::find_if(
+                open, [&run](const Rect& slab) { return slab.yl == run.yl && slab.yh == run.yh; });
             if (same != open.end()) {
                 run.xl = same->xl;
                 open.erase(same);
@@ -98,8 +97,7 @@ std::vector<Rect> Grid::slabs() const
         open = std::move(runs);
     }
     done.insert(done.end(), open.begin(), open.end());
-    std::sort(done.begin(), done.end(),
-              [](const Rect& a, const Rect& b) { return std::tie(a.xl, a.yl) < std::tie(b.xl, b.yl); });
+    std::ranges::sort(done, {}, [](const Rect& rect) { return std::tie(rect.xl, rect.yl); });
     return done;
 }
 

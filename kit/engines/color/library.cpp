@@ -19,6 +19,14 @@ using lefdef::LefMacro;
 using lefdef::LefSite;
 using lefdef::Length;
 
+/// Whether masters of a class stand in rows: CORE with all that follows it, also where the class is missing,
+/// and ENDCAP PRE and POST.
+bool standsInRows(const std::string& macroClass)
+{
+    return macroClass.empty() || macroClass == "CORE" || macroClass.starts_with("CORE ") ||
+           macroClass == "ENDCAP PRE" || macroClass == "ENDCAP POST";
+}
+
 std::vector<const LefMacro*> rowCellsOf(const Lef& lef)
 {
     std::vector<const LefMacro*> cells;
@@ -36,8 +44,8 @@ const LefSite* mostNamedSite(const Lef& lef, const std::vector<const LefMacro*>&
     const LefSite* best = nullptr;
     std::ptrdiff_t most = -1;
     for (const LefSite& site : lef.sites) {
-        const std::ptrdiff_t users = std::count_if(
-            cells.begin(), cells.end(), [&site](const LefMacro* cell) { return cell->site == site.name; });
+        const std::ptrdiff_t users =
+            std::ranges::count_if(cells, [&site](const LefMacro* cell) { return cell->site == site.name; });
         if (site.siteClass == "CORE" && site.width > 0 && users > most) {
             best = &site;
             most = users;
@@ -61,8 +69,7 @@ Length commonHeight(const std::vector<const LefMacro*>& cells)
     for (const LefMacro* cell : cells) {
         ++counts[cell->height];
     }
-    return std::max_element(counts.begin(), counts.end(),
-                            [](const auto& a, const auto& b) { return a.second < b.second; })
+    return std::ranges::max_element(counts, [](const auto& a, const auto& b) { return a.second < b.second; })
         ->first;
 }
 
@@ -96,12 +103,6 @@ Library readLibrary(const std::vector<std::string>& paths, const std::string& la
     return library;
 }
 
-bool standsInRows(const std::string& macroClass)
-{
-    return macroClass.empty() || macroClass == "CORE" || macroClass.starts_with("CORE ") ||
-           macroClass == "ENDCAP PRE" || macroClass == "ENDCAP POST";
-}
-
 Selection selectCells(const Library& library, const std::optional<SiteSize>& site, const std::string& layer,
                       Findings& findings)
 {
@@ -109,7 +110,7 @@ Selection selectCells(const Library& library, const std::optional<SiteSize>& sit
     if (cells.empty()) {
         throw Fault("the files have no cells of class CORE");
     }
-    if (std::none_of(cells.begin(), cells.end(), [](const LefMacro* cell) { return hasMetal(*cell); })) {
+    if (std::ranges::none_of(cells, [](const LefMacro* cell) { return hasMetal(*cell); })) {
         throw Fault("no cell has metal on the layer " + layer + ": give its name with --layer");
     }
     Selection selection;

@@ -35,10 +35,6 @@ struct Selection {
 /// Errors: throws Fault for a file that cannot be read.
 Library readLibrary(const std::vector<std::string>& paths, const std::string& layer, Findings& findings);
 
-/// Whether masters of a class stand in rows: CORE with all that follows it, also where the class is missing,
-/// and ENDCAP PRE and POST.
-bool standsInRows(const std::string& macroClass);
-
 /// Selects the cells.
 ///
 /// The site is the one given; else the one of class CORE that most cells name, of equal ones the first; else

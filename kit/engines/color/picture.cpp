@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "kit/engines/color/picture.h"
+#include "kit/engines/color/report.h"
 
 #include <algorithm>
 #include <array>
@@ -106,7 +106,8 @@ private:
             }
         }
         for (const LeftConflict& conflict : m_cell.conflicts[index]) {
-            drawConflict(closest(file.shapes[conflict.shapeA].rects, file.shapes[conflict.shapeB].rects));
+            drawConflict(
+                design::closestOf(file.shapes[conflict.shapeA].rects, file.shapes[conflict.shapeB].rects));
         }
         drawOutline();
     }
@@ -124,7 +125,7 @@ private:
                 }
             }
         }
-        return std::count(masks.begin(), masks.end(), true) > 1;
+        return std::ranges::count(masks, true) > 1;
     }
 
     void drawStitch(const Rect& box)
@@ -136,23 +137,8 @@ private:
                << " " << RADIUS << "l" << -RADIUS << " " << -RADIUS << "z\"/>\n";
     }
 
-    static std::pair<Rect, Rect> closest(const std::vector<Rect>& some, const std::vector<Rect>& others)
-    {
-        std::pair<Rect, Rect> best;
-        int64_t least = std::numeric_limits<int64_t>::max();
-        for (const Rect& rect : some) {
-            for (const Rect& other : others) {
-                if (design::squaredDistance(rect, other) < least) {
-                    least = design::squaredDistance(rect, other);
-                    best = {rect, other};
-                }
-            }
-        }
-        return best;
-    }
-
     /// A line across the gap of two rectangles.
-    void drawConflict(const std::pair<Rect, Rect>& rects)
+    void drawConflict(const design::Closest& rects)
     {
         const auto ends = [](int32_t aLow, int32_t aHigh, int32_t bLow, int32_t bHigh) {
             const int32_t low = std::max(aLow, bLow);
@@ -161,7 +147,7 @@ private:
             return low <= high ? std::pair(middle, middle)
                                : (aLow < bLow ? std::pair(high, low) : std::pair(low, high));
         };
-        const auto [a, b] = rects;
+        const auto& [a, b, squared] = rects;
         const auto [x1, x2] = ends(a.xl, a.xh, b.xl, b.xh);
         const auto [y1, y2] = ends(a.yl, a.yh, b.yl, b.yh);
         m_file << "<path class=\"conflict\" stroke=\"" << CONFLICT_COLOUR
@@ -177,8 +163,7 @@ private:
         }
         for (size_t i = 0; i < m_metal.polygons.size(); ++i) {
             const Polygon& polygon = m_metal.polygons[i];
-            const bool core = m_cell.trouble && std::count(m_cell.trouble->polygons.begin(),
-                                                           m_cell.trouble->polygons.end(), i) > 0;
+            const bool core = m_cell.trouble && std::ranges::count(m_cell.trouble->polygons, i) > 0;
             drawShape(polygon.rects, core ? DARK : NO_MASK_COLOUR, m_metal.nets[polygon.net]);
         }
         if (m_cell.trouble) {
@@ -192,10 +177,10 @@ private:
     void drawClose(const Closeness& close)
     {
         m_file << "<g opacity=\"0.8\"><title>"
-               << escapeXml(m_metal.nets[m_metal.polygons[close.a].net] + " - " +
-                            m_metal.nets[m_metal.polygons[close.b].net] + ": " + distanceText(close.squared))
+               << escapeXml(m_metal.netOf(close.a) + " - " + m_metal.netOf(close.b) + ": " +
+                            distanceText(close.rects.squared))
                << "</title>\n";
-        drawConflict({close.rectA, close.rectB});
+        drawConflict(close.rects);
         m_file << "</g>\n";
     }
 

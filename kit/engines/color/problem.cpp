@@ -35,7 +35,7 @@ std::vector<std::vector<size_t>> neighboursOf(const Graph& graph)
         }
     }
     for (std::vector<size_t>& list : neighbours) {
-        std::sort(list.begin(), list.end());
+        std::ranges::sort(list);
         list.erase(std::unique(list.begin(), list.end()), list.end());
     }
     return neighbours;
@@ -62,13 +62,10 @@ Problem::Problem(const Graph& graph, const std::vector<size_t>& parts, const Rul
     std::vector<std::vector<size_t>> neighbours = neighboursOf(graph);
     for (size_t i = 0; i < neighbours.size(); ++i) {
         std::vector<size_t>& list = neighbours[i];
-        list.erase(std::remove_if(list.begin(), list.end(),
-                                  [&](size_t other) { return m_stepOf[other] == parts.size(); }),
-                   list.end());
+        std::erase_if(list, [&](size_t other) { return m_stepOf[other] == parts.size(); });
     }
-    std::stable_sort(m_steps.begin(), m_steps.end(), [&graph](const Step& a, const Step& b) {
-        return leftOf(graph.parts[a.part]) < leftOf(graph.parts[b.part]);
-    });
+    std::ranges::stable_sort(m_steps, {},
+                             [&graph](const Step& each) { return leftOf(graph.parts[each.part]); });
     arrange(neighbours);
     assignPlaces(neighbours);
     if (m_fits) {

@@ -61,16 +61,9 @@ void writeTroubles(const Result& result, std::ostream& out)
 void writeMessages(const Findings& findings, std::ostream& out)
 {
     for (const Finding& finding : findings) {
-        std::string line = finding.file;
-        if (finding.line > 0) {
-            line += ":" + std::to_string(finding.line);
-        }
-        if (finding.line > 0 && finding.column > 0) {
-            line += ":" + std::to_string(finding.column);
-        }
-        line += std::string(": ") + wordOf(finding.severity) + ": " + finding.what;
-        line += finding.advice.empty() ? "" : "; " + finding.advice;
-        out << printable(line) << '\n';
+        std::string line = lineOf(finding, PlaceText::LINE_AND_COLUMN);
+        line.resize(line.rfind(" [")); // codes are not shown
+        out << line << '\n';
     }
 }
 

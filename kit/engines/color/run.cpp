@@ -14,7 +14,6 @@
 #include "kit/base/files/outputPaths.h"
 #include "kit/base/files/outputSet.h"
 #include "kit/base/reporter.h"
-#include "kit/engines/color/picture.h"
 #include "kit/engines/color/report.h"
 #include "kit/formats/lefdef/units.h"
 #include "kit/formats/placer/writer.h"
@@ -96,12 +95,11 @@ private:
     static bool hasMasks(const LefMacro& macro)
     {
         const auto anyMask = [](const std::vector<lefdef::LefShape>& shapes) {
-            return std::any_of(shapes.begin(), shapes.end(),
-                               [](const auto& shape) { return shape.mask != 0; });
+            return std::ranges::any_of(shapes, [](const auto& shape) { return shape.mask != 0; });
         };
-        return anyMask(macro.obstructions) ||
-               std::any_of(macro.pins.begin(), macro.pins.end(),
-                           [&](const lefdef::LefPin& pin) { return anyMask(pin.shapes); });
+        return anyMask(macro.obstructions) || std::ranges::any_of(macro.pins, [&](const lefdef::LefPin& pin) {
+                   return anyMask(pin.shapes);
+               });
     }
 
     const Library& m_library;
@@ -148,9 +146,9 @@ void tellTroubles(const Options& options, const Library& library, Result& result
         if (!cell.trouble && !cell.tooLarge) {
             continue;
         }
-        const auto macro =
-            std::find_if(result.selection.cells.begin(), result.selection.cells.end(),
-                         [&](const LefMacro* other) { return other->name == result.metal[i].name; });
+        const auto macro = std::ranges::find_if(result.selection.cells, [&](const LefMacro* other) {
+            return other->name == result.metal[i].name;
+        });
         const MacroPlace place = placeOf(library, **macro);
         Reporter(result.findings, place.file)
             .add(cell.file ? Severity::WARNING : Severity::ERROR,
@@ -161,13 +159,15 @@ void tellTroubles(const Options& options, const Library& library, Result& result
 
 int exitStatusOf(const Result& result, bool errors)
 {
-    const bool clean = std::all_of(result.colours.begin(), result.colours.end(),
-                                   [](const ColouredCell& cell) { return cell.file && !cell.trouble; });
+    const bool clean = std::ranges::all_of(
+        result.colours, [](const ColouredCell& cell) { return cell.file && !cell.trouble; });
     return errors ? BAD_INPUT : (clean ? 0 : UNCLEAN);
 }
 
-} // namespace
-
+/// Colours cells side by side. The result does not depend on the number of threads.
+///
+/// @param bottom  lowest metal in all cells of the library, at most 0
+/// @param jobs    threads, at least 1
 std::vector<ColouredCell> colourAll(const std::vector<CellMetal>& cells, const Settings& settings,
                                     int32_t bottom, size_t jobs)
 {
@@ -198,6 +198,8 @@ std::vector<ColouredCell> colourAll(const std::vector<CellMetal>& cells, const S
     }
     return results;
 }
+
+} // namespace
 
 int run(Options options)
 {

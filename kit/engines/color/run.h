@@ -37,13 +37,6 @@ struct Result {
     double seconds = 0; ///< for colouring alone
 };
 
-/// Colours cells side by side. The result does not depend on the number of threads.
-///
-/// @param bottom  lowest metal in all cells of the library, at most 0
-/// @param jobs    threads, at least 1
-std::vector<ColouredCell> colourAll(const std::vector<CellMetal>& cells, const Settings& settings,
-                                    int32_t bottom, size_t jobs);
-
 /// Writes the colour files of a library and tells how it went.
 ///
 /// Messages about the files go to standard error, the summary to standard output.

@@ -5,7 +5,6 @@
 #include <iterator>
 
 #include "kit/design/coloredPlacement.h"
-#include "kit/design/matching.h"
 #include "kit/formats/placer/reader.h"
 
 namespace kit::exporter {

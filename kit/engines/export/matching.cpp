@@ -8,8 +8,8 @@
 
 #include "kit/base/fault.h"
 #include "kit/base/reporter.h"
-#include "kit/design/trueOrient.h"
-#include "kit/formats/placer/names.h"
+#include "kit/design/nameMap.h"
+#include "kit/formats/placer/design.h"
 
 namespace kit::exporter {
 

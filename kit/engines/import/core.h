@@ -71,7 +71,4 @@ void addBlocks(Core& core, const std::vector<lefdef::DefRect>& rects);
 /// The stretches between the blocks of a row, from the left.
 std::vector<Interval> freeStretches(const Row& row);
 
-/// The piece in which a stretch lies; the stretch begins and ends on its sites.
-const Piece& pieceOf(const Row& row, const Interval& stretch);
-
 } // namespace kit::importing

@@ -4,15 +4,20 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "kit/base/files/outputFile.h"
 #include "kit/engines/import/cells.h"
 #include "kit/engines/import/core.h"
 #include "kit/engines/import/nets.h"
-#include "kit/engines/import/safeNames.h"
 
 namespace kit::importing {
+
+/// Whether the placer's files can carry a name: it has no blanks or control characters, fits its line, and
+/// does not mean the end of the components.
+bool isCarried(std::string_view name);
 
 /// A terminal of the placer: one of the design's, or a pin of a component that stays where it is.
 struct Terminal {
@@ -42,12 +47,6 @@ struct DesignFiles {
     }
 };
 
-/// Order of the rows in which the placer takes the right height from them: it compares all with the first.
-///
-/// @return indices in Core::rows; NONE for a row without sites, one height above the first, where no two rows
-/// meet
-std::vector<size_t> rowOrder(const Core& core);
-
 /// Names of the masters of the movable cells, sorted.
 std::vector<std::string> usedMasters(const DesignFiles& files);
 
@@ -57,5 +56,18 @@ void writePlace(const DesignFiles& files, OutputFile& out);
 void writePins(const DesignFiles& files, OutputFile& out);
 void writeNetlist(const DesignFiles& files, OutputFile& out);
 void writeCells(const DesignFiles& files, OutputFile& out);
+
+/// Names that had to be changed: those in the files, and those of the DEF.
+using Renamed = std::vector<std::pair<std::string, std::string>>;
+
+/// Fills in the names of the cells, the terminals and the members of the nets.
+///
+/// Terminals are the design's signal pins that have a place, then the pins of components that stay where they
+/// are, each in the middle of its metal, or else of its component. Members without a place are left out of
+/// their nets, with a warning.
+///
+/// @param renamed  out: names of cells that had to be changed
+void nameAll(const Nets& nets, const Names& names, lefdef::SourceReporter& reporter, DesignFiles& files,
+             Renamed& renamed);
 
 } // namespace kit::importing

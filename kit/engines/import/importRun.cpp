@@ -12,7 +12,6 @@
 #include "kit/design/nameMap.h"
 #include "kit/engines/import/designFiles.h"
 #include "kit/engines/import/legalize.h"
-#include "kit/engines/import/terminals.h"
 
 namespace kit::importing {
 
@@ -43,12 +42,6 @@ Lef readLefs(const Options& options, Findings& findings)
     return lef;
 }
 
-bool hasError(const Findings& findings)
-{
-    return std::any_of(findings.begin(), findings.end(),
-                       [](const Finding& finding) { return finding.severity == Severity::ERROR; });
-}
-
 /// A run from the files read to the files written.
 class Import {
 public:
@@ -62,7 +55,7 @@ public:
     bool run(Summary& summary)
     {
         requireUnits();
-        if (hasError(m_findings) || !takeRows() || !takeComponents()) {
+        if (hasErrors(m_findings) || !takeRows() || !takeComponents()) {
             return false;
         }
         bool sound = true;
@@ -73,7 +66,7 @@ public:
         DesignFiles files{.def = m_def, .lef = m_lef, .core = m_core, .cells = m_cells};
         Renamed renamed;
         nameAll(nets, names, m_reporter, files, renamed);
-        if (hasError(m_findings)) {
+        if (hasErrors(m_findings)) {
             return false;
         }
         write(files, renamed);

@@ -5,7 +5,7 @@
 
 #include "kit/base/reporter.h"
 #include "kit/engines/lint/checks.h"
-#include "kit/formats/placer/names.h"
+#include "kit/formats/placer/design.h"
 
 namespace kit::lint {
 

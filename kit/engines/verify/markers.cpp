@@ -4,8 +4,8 @@
 
 #include "kit/base/files/outputFile.h"
 #include "kit/base/text/escape.h"
-#include "kit/design/frame.h"
-#include "kit/engines/verify/report.h"
+#include "kit/design/coloredPlacement.h"
+#include "kit/engines/verify/verify.h"
 
 namespace kit::verify {
 

@@ -5,11 +5,10 @@
 #include <iterator>
 
 #include "kit/base/fault.h"
-#include "kit/design/matching.h"
-#include "kit/design/trueOrient.h"
-#include "kit/engines/verify/legality.h"
-#include "kit/engines/verify/pairs.h"
-#include "kit/formats/placer/names.h"
+#include "kit/design/coloredPlacement.h"
+#include "kit/design/nameMap.h"
+#include "kit/engines/verify/checks.h"
+#include "kit/formats/placer/design.h"
 #include "kit/formats/placer/reader.h"
 
 namespace kit::verify {
@@ -55,7 +54,7 @@ int exitStatusOf(const design::ColoredPlacement& input, const design::Issues& is
     if (!input.faults.empty()) {
         return 2;
     }
-    return std::any_of(issues.begin(), issues.end(), [](const design::Issue& issue) {
+    return std::ranges::any_of(issues, [](const design::Issue& issue) {
         return design::infoOf(issue.kind).severity != Severity::NOTE;
     });
 }

@@ -8,7 +8,6 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "kit/design/metal.h"
 #include "kit/design/standing.h"
 #include "kit/geometry/sweep.h"
 

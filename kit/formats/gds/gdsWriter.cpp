@@ -2,11 +2,11 @@
 #include "kit/formats/gds/gdsWriter.h"
 
 #include <array>
+#include <cassert>
+#include <cmath>
 #include <limits>
 
 #include "kit/base/fault.h"
-#include "kit/base/files/outputFile.h"
-#include "kit/formats/gds/real8.h"
 
 namespace kit::gds {
 
@@ -150,6 +150,20 @@ void GdsWriter::points(std::span<const GdsPoint> points, bool closed)
         appendNumber(m_data, coordinate(point.y));
     }
     record(XY, m_data);
+}
+
+uint64_t real8Of(double value)
+{
+    if (value == 0) {
+        return 0;
+    }
+    int exponentOfTwo = 0;
+    const double fraction = std::frexp(std::abs(value), &exponentOfTwo); // from 1/2 to below 1
+    const int exponent = exponentOfTwo > 0 ? (exponentOfTwo + 3) / 4 : -(-exponentOfTwo / 4);
+    assert(exponent >= -64 && exponent <= 63);
+    const auto mantissa = static_cast<uint64_t>(std::ldexp(fraction, 56 + exponentOfTwo - 4 * exponent));
+    const auto excess = static_cast<uint64_t>(exponent) + 64;
+    return (value < 0 ? uint64_t{1} << 63U : 0) | (excess << 56U) | mantissa;
 }
 
 } // namespace kit::gds

@@ -10,11 +10,8 @@
 #include <string>
 #include <string_view>
 
-#include "kit/geometry/polygon.h"
-
-namespace kit {
-class OutputFile;
-}
+#include "kit/base/files/outputFile.h"
+#include "kit/geometry/rect.h"
 
 namespace kit::gds {
 
@@ -61,5 +58,11 @@ private:
     OutputFile& m_out;
     std::string m_data; ///< of the record being made
 };
+
+/// A number as a GDSII file has it: a sign bit, 7 bits of the exponent of 16 in excess 64, and 56 bits of a
+/// fraction from 1/16 to below 1. It is exact: the fraction has more bits than a double.
+///
+/// @param value  finite; of a magnitude from 16^-65 to below 16^63, or 0 (assert)
+uint64_t real8Of(double value);
 
 } // namespace kit::gds

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// Changes of LEF and DEF texts, and where the statements begin and end that are changed.
 #pragma once
 
 #include <cstddef>
@@ -41,5 +42,26 @@ private:
 
     std::vector<Edit> m_edits;
 };
+
+/// The place of the ";" that ends a statement; the text's size if there is none. Texts in quotation marks and
+/// comments are skipped.
+///
+/// @param from  somewhere in the statement, outside of both
+size_t endOfStatement(std::string_view text, size_t from);
+
+/// What stands between the start of a place's line and the place, if that is white space alone; else empty.
+std::string_view indentationOf(std::string_view text, size_t place);
+
+/// A part of a text.
+struct Span {
+    size_t begin = 0;
+    size_t end = 0; ///< behind it
+};
+
+/// A record with the lines that it has for itself, so that nothing is left where it stood.
+///
+/// @param begin  the "-" of the record
+/// @param end    behind its ";"
+Span wholeLinesOf(std::string_view text, size_t begin, size_t end);
 
 } // namespace kit::lefdef

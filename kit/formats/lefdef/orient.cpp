@@ -20,11 +20,8 @@ std::string_view nameOf(Orient orient)
 
 std::optional<Orient> orientOf(std::string_view name)
 {
-    const auto* const at = std::find(NAMES.begin(), NAMES.end(), name);
-    if (at == NAMES.end()) {
-        return std::nullopt;
-    }
-    return static_cast<Orient>(at - NAMES.begin());
+    const auto* const at = std::ranges::find(NAMES, name);
+    return at == NAMES.end() ? std::nullopt : std::optional(static_cast<Orient>(at - NAMES.begin()));
 }
 
 bool isMirrored(Orient orient)
@@ -48,6 +45,30 @@ Orient upright(bool mirrored, bool upsideDown)
         return upsideDown ? Orient::S : Orient::FN;
     }
     return upsideDown ? Orient::FS : Orient::N;
+}
+
+geometry::Point transformed(const geometry::Point& point, int64_t width, int64_t height, Orient orient)
+{
+    const auto& [x, y] = point;
+    switch (orient) {
+    case Orient::N:
+        break;
+    case Orient::W:
+        return {height - y, x};
+    case Orient::S:
+        return {width - x, height - y};
+    case Orient::E:
+        return {y, width - x};
+    case Orient::FN:
+        return {width - x, y};
+    case Orient::FW:
+        return {y, x};
+    case Orient::FS:
+        return {x, height - y};
+    case Orient::FE:
+        return {height - y, width - x};
+    }
+    return point;
 }
 
 } // namespace kit::lefdef

@@ -5,6 +5,8 @@
 #include <optional>
 #include <string_view>
 
+#include "kit/geometry/rect.h"
+
 namespace kit::lefdef {
 
 /// How a cell lies: turned counterclockwise by 0 (N), 90 (W), 180 (S) or 270 (E) degrees; those with an F are
@@ -28,5 +30,11 @@ bool isOnItsSide(Orient orient);
 
 /// The upright orientation with these two properties.
 Orient upright(bool mirrored, bool upsideDown);
+
+/// Where a point of a master comes to lie when the master is oriented, and moved so that its lower left
+/// corner stays at the origin.
+///
+/// @param width, height  the master's, as it is drawn, in the unit of the point
+geometry::Point transformed(const geometry::Point& point, int64_t width, int64_t height, Orient orient);
 
 } // namespace kit::lefdef

@@ -30,8 +30,8 @@ void ShapeReader::read(std::vector<LefShape>& shapes, const char* kind)
     m_anyLayer = false;
     m_onLayer = false;
     while (!m_in.take("END")) {
-        const bool outer = std::any_of(OUTER_WORDS.begin(), OUTER_WORDS.end(),
-                                       [&](std::string_view word) { return m_in.is(word); });
+        const bool outer =
+            std::ranges::any_of(OUTER_WORDS, [&](std::string_view word) { return m_in.is(word); });
         if (outer || m_in.atFileEnd()) {
             m_in.missingEnd(kind, "", begin);
             return;

@@ -71,11 +71,6 @@ public:
         add(Severity::WARNING, code, offset, std::move(what), std::move(advice));
     }
 
-    void note(const char* code, size_t offset, std::string what, std::string advice)
-    {
-        add(Severity::NOTE, code, offset, std::move(what), std::move(advice));
-    }
-
     void add(Severity severity, const char* code, size_t offset, std::string what, std::string advice);
 
 private:

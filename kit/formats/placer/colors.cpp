@@ -7,6 +7,7 @@
 
 #include "kit/base/files/outputFile.h"
 #include "kit/base/files/readFile.h"
+#include "kit/base/reporter.h"
 
 namespace kit::placer {
 
@@ -63,16 +64,14 @@ std::optional<ColorRecord> recordOf(std::string_view line)
 /// Reads the text of a colours file from line to line.
 class ColorReader {
 public:
-    ColorReader(const std::string& path, std::string_view text, Findings& findings)
-        : m_path(path), m_text(text), m_findings(findings)
-    {
-    }
+    ColorReader(std::string_view text, Reporter reporter) : m_text(text), m_reporter(std::move(reporter)) {}
 
     std::vector<ColorRecord> read()
     {
         if (!nextLine() || m_line != HEADER) {
-            error("colors-header", "the file does not begin with \"" + std::string(HEADER) + "\"",
-                  "give the file that the placement was written with");
+            m_reporter.error("colors-header", {m_number, 0},
+                             "the file does not begin with \"" + std::string(HEADER) + "\"",
+                             "give the file that the placement was written with");
             return {};
         }
         readCount();
@@ -100,7 +99,7 @@ private:
             m_count = toInteger(m_line.substr(COUNT.size()));
         }
         if (!m_count) {
-            error("colors-count", "the line is not \"COMPONENTS\" and a count", "");
+            m_reporter.error("colors-count", {m_number, 0}, "the line is not \"COMPONENTS\" and a count", "");
         }
     }
 
@@ -111,8 +110,8 @@ private:
                 record->line = m_number;
                 m_records.push_back(std::move(*record));
             } else {
-                error(
-                    "colors-record",
+                m_reporter.error(
+                    "colors-record", {m_number, 0},
                     "the line is not a component, its cell, its solution, its stitches and its masks, parted "
                     "by single blanks",
                     "");
@@ -120,10 +119,10 @@ private:
             }
         }
         if (m_line != END) {
-            error("colors-end", "the file ends without \"END\"", "write it anew: something is missing");
+            m_reporter.error("colors-end", {m_number, 0}, "the file ends without \"END\"",
+                             "write it anew: something is missing");
         } else if (!m_text.empty()) {
-            ++m_number;
-            error("colors-end", "the file goes on after \"END\"", "");
+            m_reporter.error("colors-end", {m_number + 1, 0}, "the file goes on after \"END\"", "");
         }
     }
 
@@ -131,27 +130,15 @@ private:
     void checkCount()
     {
         if (m_count && !m_brokenRecords && static_cast<size_t>(*m_count) != m_records.size()) {
-            m_number = 2;
-            error("colors-count",
-                  "the file should have " + std::to_string(*m_count) + " components and has " +
-                      std::to_string(m_records.size()),
-                  "");
+            m_reporter.error("colors-count", {2, 0},
+                             "the file should have " + std::to_string(*m_count) + " components and has " +
+                                 std::to_string(m_records.size()),
+                             "");
         }
     }
 
-    void error(const char* code, std::string what, std::string advice)
-    {
-        m_findings.push_back({.severity = Severity::ERROR,
-                              .code = code,
-                              .file = m_path,
-                              .line = m_number,
-                              .what = std::move(what),
-                              .advice = std::move(advice)});
-    }
-
-    const std::string& m_path;
     std::string_view m_text; ///< after m_line
-    Findings& m_findings;
+    Reporter m_reporter;
     std::string_view m_line;
     int64_t m_number = 0; ///< of m_line, from 1
     std::optional<int32_t> m_count;
@@ -164,7 +151,7 @@ private:
 std::vector<ColorRecord> readColors(const std::string& path, Findings& findings)
 {
     const std::string text = readFile(path);
-    return ColorReader(path, text, findings).read();
+    return ColorReader(text, Reporter(findings, path)).read();
 }
 
 void writeColors(const std::vector<ColorRecord>& records, OutputFile& out)

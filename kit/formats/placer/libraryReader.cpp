@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The cell list and the colour files.
-#include <algorithm>
+// The cell list and the colour files; all files of a design.
 #include <optional>
 #include <string_view>
 #include <unordered_map>
@@ -10,6 +9,7 @@
 #include "kit/base/files/readFile.h"
 #include "kit/base/reporter.h"
 #include "kit/base/text/text.h"
+#include "kit/formats/placer/design.h"
 #include "kit/formats/placer/reader.h"
 #include "kit/formats/placer/words.h"
 
@@ -49,7 +49,8 @@ private:
             reportEnd(what, word.at);
         } else if (!integer.sound) {
             m_reporter.error("not-a-number", word.at,
-                             "the " + std::string(what) + ", " + inQuotes(word.text) + ", is no 32-bit integer",
+                             "the " + std::string(what) + ", " + inQuotes(word.text) +
+                                 ", is no 32-bit integer",
                              "write a whole number");
             m_unsound = true;
         }
@@ -99,7 +100,7 @@ private:
         const int32_t y1 = number("rectangle");
         const int32_t x2 = number("rectangle");
         const int32_t y2 = number("rectangle");
-        return {std::min(x1, x2), std::min(y1, y2), std::max(x1, x2), std::max(y1, y2)};
+        return geometry::rectBetween(x1, y1, x2, y2);
     }
 
     bool readShapes()
@@ -173,14 +174,6 @@ std::vector<Cell> readList(std::string_view text, Reporter& reporter)
     return cells;
 }
 
-/// Makes a cell that is listed twice what it was the first time.
-void copyGeometry(const Cell& first, Cell& cell)
-{
-    const int64_t line = cell.line;
-    cell = first;
-    cell.line = line;
-}
-
 std::string withoutSlashes(std::string path)
 {
     path.resize(path.find_last_not_of('/') + 1);
@@ -194,7 +187,9 @@ void readColourFiles(std::vector<Cell>& cells, const std::string& cellDir, Repor
     for (Cell& cell : cells) {
         const auto [first, isNew] = known.try_emplace(cell.name, &cell);
         if (!isNew) {
-            copyGeometry(*first->second, cell); // its findings are told
+            const int64_t line = cell.line;
+            cell = *first->second; // its findings are told
+            cell.line = line;
             continue;
         }
         cell.path = withoutSlashes(cellDir) + "/" + cell.name + ".color";
@@ -229,6 +224,36 @@ void readCells(const std::vector<std::string>& names, const std::string& cellDir
     }
     Reporter reporter(findings, cellDir);
     readColourFiles(design.cells, cellDir, reporter, findings);
+}
+
+std::vector<std::string> usedCells(const Design& design)
+{
+    std::vector<std::string> names;
+    NameIndex seen;
+    for (const Component& comp : design.components) {
+        if (seen.try_emplace(comp.cellName, 0).second) {
+            names.push_back(comp.cellName);
+        }
+    }
+    return names;
+}
+
+void findCells(Design& design)
+{
+    const NameIndex index = indexNames(design.cells);
+    for (Component& comp : design.components) {
+        comp.cell = findName(index, comp.cellName);
+    }
+}
+
+Design readDesign(const Paths& paths, Findings& findings)
+{
+    Design design;
+    readLibrary(paths, design, findings);
+    readPlacement(paths.place(), design, findings);
+    readPins(paths.pins(), design, findings);
+    readNets(paths.netlist(), design, findings);
+    return design;
 }
 
 } // namespace kit::placer

@@ -4,10 +4,9 @@
 #include <set>
 
 #include "kit/base/fault.h"
-#include "kit/design/matching.h"
+#include "kit/design/coloredPlacement.h"
+#include "kit/engines/verify/checks.h"
 #include "kit/engines/verify/judged.h"
-#include "kit/engines/verify/legality.h"
-#include "kit/engines/verify/pairs.h"
 
 namespace {
 

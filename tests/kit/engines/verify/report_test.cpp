@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // What verify writes: text, JSON, and the report database.
 #include "kit/base/text/json.h"
-#include "kit/engines/verify/report.h"
+#include "kit/engines/verify/verify.h"
 
 #include <regex>
 #include <sstream>

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// The judgement as text and as JSON.
 #include <algorithm>
 #include <ostream>
 
 #include "kit/base/findingText.h"
+#include "kit/base/text/json.h"
 #include "kit/base/text/printable.h"
-#include "kit/engines/verify/report.h"
+#include "kit/base/text/text.h"
+#include "kit/engines/verify/verify.h"
 
 namespace kit::verify {
 
@@ -15,18 +18,6 @@ std::string rounded(double value)
 {
     const auto tenths = static_cast<int64_t>(value * 10);
     return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10);
-}
-
-std::string counted(int64_t count, const char* what)
-{
-    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-}
-
-std::string describe(const placer::Design& design, int32_t component)
-{
-    const placer::Component& comp = design.components[static_cast<size_t>(component)];
-    return comp.name + " (" + comp.cellName + ") at (" + std::to_string(comp.x) + ", " +
-           std::to_string(comp.y) + ")";
 }
 
 std::string padded(const std::string& text, size_t width)
@@ -47,8 +38,7 @@ public:
     void write()
     {
         for (const Finding& fault : m_input.faults) {
-            const std::string advice = fault.advice.empty() ? "" : "; " + fault.advice;
-            writeLine(fault.file, fault.line, fault.severity, fault.what + advice, fault.code);
+            m_out << lineOf(fault);
         }
         for (const design::Issue& issue : m_issues) {
             if (issue.kind != design::Kind::ROW_CONFLICT) {
@@ -64,19 +54,15 @@ public:
     }
 
 private:
-    void writeLine(const std::string& file, int64_t line, Severity severity, const std::string& what,
-                   const std::string& kind)
-    {
-        const std::string text = file + (line > 0 ? ":" + std::to_string(line) : "") + ": " +
-                                 wordOf(severity) + ": " + what + " [" + kind + "]";
-        m_out << printable(text) << '\n';
-    }
-
     void writeIssue(const design::Issue& issue)
     {
         const design::KindInfo& info = design::infoOf(issue.kind);
-        writeLine(issue.inColors ? m_options.colors : m_options.placement, issue.line, info.severity,
-                  textOf(issue, m_input.design, m_minDist), info.name);
+        m_out << lineOf({.severity = info.severity,
+                         .code = info.name,
+                         .file = issue.inColors ? m_options.colors : m_options.placement,
+                         .line = issue.line,
+                         .what = textOf(issue, m_input.design, m_minDist),
+                         .advice = ""});
     }
 
     /// The closest pairs of a kind, as many as are asked for; of equal ones those met first.
@@ -88,9 +74,8 @@ private:
                 pairs.push_back(&issue);
             }
         }
-        std::stable_sort(pairs.begin(), pairs.end(), [](const design::Issue* a, const design::Issue* b) {
-            return a->distance < b->distance;
-        });
+        std::ranges::stable_sort(
+            pairs, [](const design::Issue* a, const design::Issue* b) { return a->distance < b->distance; });
         pairs.resize(std::min(pairs.size(), static_cast<size_t>(m_options.worst)));
         return pairs;
     }
@@ -107,10 +92,14 @@ private:
               << "distance  shape pairs  mask  cells\n";
         for (const design::Issue* pair : pairs) {
             m_out << padded(rounded(pair->distance), 8) << padded(std::to_string(pair->shapePairs), 13)
-                  << padded(std::to_string(pair->mask), 6) << "  "
-                  << printable(describe(m_input.design, pair->component)) << ", "
-                  << printable(describe(m_input.design, pair->other)) << '\n';
+                  << padded(std::to_string(pair->mask), 6) << "  " << printable(describe(pair->component))
+                  << ", " << printable(describe(pair->other)) << '\n';
         }
+    }
+
+    std::string describe(int32_t component) const
+    {
+        return design::placeText(m_input.design.component(component));
     }
 
     void writeCounts()
@@ -138,6 +127,59 @@ private:
     std::string m_minDist; ///< for people
 };
 
+constexpr int SCHEMA = 1;
+
+Json jsonOf(const design::DbuBox& box)
+{
+    return Json::array({box.xl, box.yl, box.xh, box.yh});
+}
+
+Json jsonOf(const Finding& fault)
+{
+    const std::string advice = fault.advice.empty() ? "" : "; " + fault.advice;
+    return {{"severity", wordOf(fault.severity)},
+            {"code", fault.code},
+            {"file", fault.file},
+            {"line", fault.line},
+            {"what", fault.what + advice}};
+}
+
+Json jsonOf(const design::Issue& issue, const Options& options, const placer::Design& design,
+            const std::string& minDist)
+{
+    const design::KindInfo& info = design::infoOf(issue.kind);
+    const auto nameOf = [&](int32_t component) { return design.component(component).name; };
+    Json json{{"severity", wordOf(info.severity)},
+              {"code", info.name},
+              {"file", issue.inColors ? options.colors : options.placement},
+              {"line", issue.line},
+              {"what", textOf(issue, design, minDist)}};
+    if (issue.component >= 0) {
+        json["component"] = nameOf(issue.component);
+    }
+    if (issue.other >= 0) {
+        json["other"] = nameOf(issue.other);
+        json["box"] = jsonOf(issue.box);
+    }
+    if (design::isConflict(issue)) {
+        json["other_box"] = jsonOf(issue.otherBox);
+        json["distance"] = issue.distance;
+        json["shape_pairs"] = issue.shapePairs;
+        json["mask"] = issue.mask;
+    }
+    return json;
+}
+
+Json countsOf(const design::ColoredPlacement& input, const design::Issues& issues)
+{
+    const std::vector<int64_t> counts = countKinds(issues);
+    Json json{{"input-fault", input.faults.size()}};
+    for (size_t i = 0; i < counts.size(); ++i) {
+        json[design::kinds()[i].name] = counts[i];
+    }
+    return json;
+}
+
 } // namespace
 
 std::string textOf(const design::Issue& issue, const placer::Design& design, const std::string& minDist)
@@ -145,7 +187,8 @@ std::string textOf(const design::Issue& issue, const placer::Design& design, con
     if (!issue.what.empty() || issue.other < 0) {
         return issue.what;
     }
-    const std::string pair = describe(design, issue.component) + " and " + describe(design, issue.other);
+    const std::string pair = design::placeText(design.component(issue.component)) + " and " +
+                             design::placeText(design.component(issue.other));
     if (!design::isConflict(issue)) {
         return pair + " overlap";
     }
@@ -158,6 +201,29 @@ void writeText(const Options& options, const design::ColoredPlacement& input, co
                std::ostream& out)
 {
     TextReport(options, input, issues, out).write();
+}
+
+void writeJson(const Options& options, const design::ColoredPlacement& input, const design::Issues& issues,
+               std::ostream& out)
+{
+    const lefdef::Length site = design::siteLength(input.design);
+    const std::string minDist = options.minDist.textOn(site);
+    out << "{\"schema\":" << SCHEMA << ",\"placement\":" << Json(options.placement)
+        << ",\"colors\":" << Json(options.colors) << ",\"mindp\":" << options.minDist.unitsOn(site)
+        << ",\"mindp_um\":" << (site > 0 ? Json(options.minDist.micronsOn(site)) : Json(nullptr))
+        << ",\"clean\":" << (exitStatusOf(input, issues) == 0 ? "true" : "false")
+        << ",\"counts\":" << countsOf(input, issues) << ",\"findings\":[";
+    const char* separator = "\n";
+    for (const Finding& fault : input.faults) {
+        out << separator << jsonOf(fault);
+        separator = ",\n";
+    }
+    for (const design::Issue& issue : issues) { // one by one: a million of them need no second copy
+        out << separator << jsonOf(issue, options, input.design, minDist);
+        separator = ",\n";
+    }
+    out << "\n]}\n";
+    out.flush();
 }
 
 } // namespace kit::verify

@@ -1,19 +1,18 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "kit/engines/verify/legality.h"
-
 #include <algorithm>
 #include <string>
 #include <unordered_map>
+
+#include "kit/design/coloredPlacement.h"
+#include "kit/design/standing.h"
+#include "kit/engines/verify/checks.h"
+#include "kit/geometry/sweep.h"
 
 namespace kit::verify {
 
 namespace {
 
-std::string describe(const placer::Component& comp)
-{
-    return comp.name + " (" + comp.cellName + ") at (" + std::to_string(comp.x) + ", " +
-           std::to_string(comp.y) + ")";
-}
+using design::placeText;
 
 /// Checks components one by one.
 class PlaceCheck {
@@ -38,14 +37,14 @@ private:
     void check(const placer::Component& comp)
     {
         if (comp.cell < 0) {
-            add(design::Kind::UNKNOWN_CELL, describe(comp) + ": its cell is not in the library");
+            add(design::Kind::UNKNOWN_CELL, placeText(comp) + ": its cell is not in the library");
             return;
         }
-        const placer::Cell& cell = m_design.cells[static_cast<size_t>(comp.cell)];
+        const placer::Cell& cell = *m_design.cellOf(comp);
         m_width = m_scale.ofLibrary(cell.width);
         m_height = m_scale.ofLibrary(cell.height);
         if (!design::turnOf(comp.orient).known) {
-            add(design::Kind::ORIENTATION, describe(comp) + " has the orientation " + comp.orient +
+            add(design::Kind::ORIENTATION, placeText(comp) + " has the orientation " + comp.orient +
                                                ": cells in rows have N, FN, S or FS");
         }
         checkRow(comp);
@@ -55,15 +54,15 @@ private:
     {
         const auto rows = m_rows.find(comp.y);
         if (rows == m_rows.end()) {
-            add(design::Kind::OFF_ROW, describe(comp) + " is on no row");
+            add(design::Kind::OFF_ROW, placeText(comp) + " is on no row");
             return;
         }
-        const auto holder = std::find_if(rows->second.begin(), rows->second.end(),
-                                         [&](const placer::Row* row) { return holds(*row, comp); });
+        const auto holder =
+            std::ranges::find_if(rows->second, [&](const placer::Row* row) { return holds(*row, comp); });
         if (holder == rows->second.end()) {
-            add(design::Kind::OUTSIDE_ROW, describe(comp) + " is not inside a row, " + roomOf(rows->second));
+            add(design::Kind::OUTSIDE_ROW, placeText(comp) + " is not inside a row, " + roomOf(rows->second));
         } else if ((*holder)->step > 0 && offsetIn(**holder, comp) % (*holder)->step != 0) {
-            add(design::Kind::OFF_GRID, describe(comp) + " is " +
+            add(design::Kind::OFF_GRID, placeText(comp) + " is " +
                                             std::to_string(offsetIn(**holder, comp) % (*holder)->step) +
                                             " DBU right of a site of " + (*holder)->name);
         }
@@ -91,7 +90,7 @@ private:
 
     void add(design::Kind kind, std::string what)
     {
-        const placer::Component& comp = m_design.components[static_cast<size_t>(m_component)];
+        const placer::Component& comp = m_design.component(m_component);
         const int64_t x = design::Scale::ofDbu(comp.x);
         const int64_t y = design::Scale::ofDbu(comp.y);
         const bool known = comp.cell >= 0;
@@ -123,7 +122,7 @@ void checkLeftOut(const placer::Design& design, design::Issues& issues)
         } else {
             issues.push_back({.kind = design::Kind::NOT_PLACED,
                               .line = comp.line,
-                              .what = describe(comp) + " comes behind FILLER_1: the placer leaves it out"});
+                              .what = placeText(comp) + " comes behind FILLER_1: the placer leaves it out"});
         }
     }
     if (fillers > 0) {
@@ -139,12 +138,6 @@ design::FineBox boxOf(const placer::Macro& macro)
     return {design::Scale::ofDbu(macro.x), design::Scale::ofDbu(macro.y),
             design::Scale::ofDbu(int64_t{macro.x} + macro.width),
             design::Scale::ofDbu(int64_t{macro.y} + macro.height)};
-}
-
-/// Whether two rectangles share more than an edge.
-bool overlap(const design::FineBox& a, const design::FineBox& b)
-{
-    return a.xl < b.xh && b.xl < a.xh && a.yl < b.yh && b.yl < a.yh;
 }
 
 /// Macros that a band's cells may overlap, from the left.
@@ -169,18 +162,108 @@ void checkBand(const placer::Design& design, const design::Band& band,
     }
     geometry::sweepRows(band.spans, spans, /*reach=*/0, [&](size_t cell, size_t macro) {
         const design::FineBox outline = band.cells[cell].outline();
-        if (overlap(outline, boxOf(*macros[macro]))) {
+        if (geometry::common(outline, boxOf(*macros[macro])).hasArea()) {
             const int32_t component = band.cells[cell].component;
-            const placer::Component& comp = design.components[static_cast<size_t>(component)];
+            const placer::Component& comp = design.component(component);
             issues.push_back({.kind = design::Kind::MACRO_OVERLAP,
                               .line = comp.line,
                               .component = component,
-                              .what = describe(comp) + " overlaps the macro " + macros[macro]->name,
+                              .what = placeText(comp) + " overlaps the macro " + macros[macro]->name,
                               .box = design::Scale::toDbu(outline)});
         }
         return true;
     });
 }
+
+class PairCheck {
+public:
+    PairCheck(const placer::Design& design, const design::Layout& layout, const design::Scale& scale,
+              const PairRules& rules, design::Issues& issues)
+        : m_design(design), m_layout(layout), m_scale(scale), m_reach(scale.ofLibrary(rules.minDist)),
+          m_gauge(m_reach), m_issues(issues), m_mostIssues(issues.size() + rules.mostPairs)
+    {
+    }
+
+    void run()
+    {
+        const std::vector<design::Band>& bands = m_layout.bands();
+        bool whole = true;
+        for (size_t i = 0; i < bands.size() && whole; ++i) {
+            whole = checkBand(bands[i]);
+            for (size_t j = i + 1; j < bands.size() && whole && near(bands[i], bands[j]); ++j) {
+                whole = checkBands(bands[i], bands[j]);
+            }
+        }
+        if (!whole) {
+            m_issues.push_back({.kind = design::Kind::TOO_MANY,
+                                .what = "the search for close pairs ended after " +
+                                        std::to_string(m_issues.size()) +
+                                        " issues: are the cells spread over the rows at all?"});
+        }
+    }
+
+private:
+    bool near(const design::Band& lower, const design::Band& upper) const
+    {
+        return upper.y - lower.y < 2 * m_layout.tallest() + m_reach;
+    }
+
+    bool checkBand(const design::Band& band)
+    {
+        return geometry::sweepRow(band.spans, m_reach, [&](size_t left, size_t right) {
+            return checkPair(band.cells[left], band.cells[right], design::Kind::CONFLICT);
+        });
+    }
+
+    bool checkBands(const design::Band& lower, const design::Band& upper)
+    {
+        return geometry::sweepRows(lower.spans, upper.spans, m_reach, [&](size_t first, size_t second) {
+            return checkPair(lower.cells[first], upper.cells[second], design::Kind::ROW_CONFLICT);
+        });
+    }
+
+    bool checkPair(const design::Standing& a, const design::Standing& b, design::Kind kindOfConflict)
+    {
+        checkOutlines(a, b);
+        const design::Closeness close = m_gauge.measure(a, b);
+        if (close.shapePairs > 0) {
+            design::Issue issue = issueOf(kindOfConflict, a, b);
+            issue.distance = m_scale.toLibrary(close.distance);
+            issue.shapePairs = close.shapePairs;
+            issue.mask = close.mask;
+            issue.box = design::Scale::toDbu(close.first);
+            issue.otherBox = design::Scale::toDbu(close.second);
+            m_issues.push_back(issue);
+        }
+        return m_issues.size() < m_mostIssues;
+    }
+
+    void checkOutlines(const design::Standing& a, const design::Standing& b)
+    {
+        const design::FineBox common = geometry::common(a.outline(), b.outline());
+        if (common.hasArea()) {
+            design::Issue issue = issueOf(design::Kind::CELL_OVERLAP, a, b);
+            issue.box = design::Scale::toDbu(common);
+            m_issues.push_back(issue);
+        }
+    }
+
+    design::Issue issueOf(design::Kind kind, const design::Standing& a, const design::Standing& b) const
+    {
+        return {.kind = kind,
+                .line = m_design.component(a.component).line,
+                .component = a.component,
+                .other = b.component};
+    }
+
+    const placer::Design& m_design;
+    const design::Layout& m_layout;
+    const design::Scale& m_scale;
+    int64_t m_reach; ///< distance that metal needs, fine units
+    design::MetalGauge m_gauge;
+    design::Issues& m_issues;
+    size_t m_mostIssues;
+};
 
 } // namespace
 
@@ -196,11 +279,17 @@ void checkMacros(const placer::Design& design, const design::Layout& layout, des
     for (const placer::Macro& macro : design.macros) {
         macros.push_back(&macro);
     }
-    std::stable_sort(macros.begin(), macros.end(),
-                     [](const placer::Macro* a, const placer::Macro* b) { return a->x < b->x; });
+    std::ranges::stable_sort(macros,
+                             [](const placer::Macro* a, const placer::Macro* b) { return a->x < b->x; });
     for (const design::Band& band : layout.bands()) {
         checkBand(design, band, macrosNear(band, layout.tallest(), macros), issues);
     }
+}
+
+void checkPairs(const placer::Design& design, const design::Layout& layout, const design::Scale& scale,
+                const PairRules& rules, design::Issues& issues)
+{
+    PairCheck(design, layout, scale, rules, issues).run();
 }
 
 } // namespace kit::verify

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-namespace kit::color {
+namespace kit::geometry {
 
 /// Disjoint sets of the numbers below a count.
 class Sets {
@@ -57,4 +57,4 @@ private:
     std::vector<size_t> m_parents;
 };
 
-} // namespace kit::color
+} // namespace kit::geometry
