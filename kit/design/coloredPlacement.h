@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// A placement with its colours: which belong to which component, and whether they are those of its cell.
+// A placement with its colours: which belong to which component, whether they are those of its cell, and how
+// the design is known outside of the placer's files.
 #pragma once
 
 #include <cstdint>

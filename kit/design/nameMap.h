@@ -11,7 +11,8 @@
 //     <name in BASE.place>
 //     END
 //
-// Words are parted by single blanks, and every line ends with a line feed.
+// Words are parted by single blanks, and every line ends with a line feed. With the rows, it tells how each
+// component lies.
 #pragma once
 
 #include <cstdint>

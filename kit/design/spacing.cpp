@@ -5,8 +5,6 @@
 #include <cmath>
 #include <limits>
 
-#include "kit/design/stretches.h"
-
 namespace kit::design {
 
 namespace {

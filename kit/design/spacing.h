@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <limits>
 #include <unordered_map>
-#include <utility>
 #include <vector>
 
 #include "kit/formats/placer/design.h"

@@ -12,10 +12,7 @@ namespace kit::design {
 namespace {
 
 /// A range of x, DBU. Wider than the files' numbers, since a sum of two may be.
-struct Range {
-    int64_t begin;
-    int64_t end;
-};
+using Range = geometry::RangeOf<int64_t>;
 
 /// [row] what the macros cover of it, from the left: those that overlap it by more than its edge.
 std::vector<std::vector<Range>> coverOfRows(const placer::Design& design)

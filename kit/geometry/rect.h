@@ -22,12 +22,21 @@ struct RectOf {
 
     bool operator==(const RectOf&) const = default;
 
+    /// It, moved.
     RectOf shifted(Length dx, Length dy) const { return {xl + dx, yl + dy, xh + dx, yh + dy}; }
 
+    /// Whether it is more than a line or a point.
     bool hasArea() const { return xl < xh && yl < yh; }
 };
 
 using Rect = RectOf<int64_t>;
+
+/// From `begin` to `end`.
+template <typename Length>
+struct RangeOf {
+    Length begin = 0;
+    Length end = 0;
+};
 
 /// The rectangle with two opposite corners.
 template <typename Length>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <cassert>
 #include <cstddef>
 #include <numeric>
 #include <utility>
@@ -11,6 +12,7 @@ namespace kit::geometry {
 /// Disjoint sets of the numbers below a count.
 class Sets {
 public:
+    /// Each number alone in its set.
     explicit Sets(size_t count) : m_parents(count)
     {
         std::iota(m_parents.begin(), m_parents.end(), size_t{0});
@@ -25,8 +27,10 @@ public:
         return i;
     }
 
+    /// Makes one set of those of two numbers.
     void join(size_t i, size_t j)
     {
+        assert(i < m_parents.size() && j < m_parents.size());
         size_t a = leastOf(i);
         size_t b = leastOf(j);
         if (a > b) {

@@ -13,11 +13,7 @@ namespace kit::color {
 
 namespace {
 
-/// A stretch of x.
-struct Range {
-    int32_t begin;
-    int32_t end;
-};
+using Range = geometry::RangeOf<int32_t>; ///< of x
 
 /// Where a shade begins or ends, along an arm.
 struct Event {

@@ -15,17 +15,7 @@ std::vector<int32_t> ascending(std::vector<int32_t> values)
     return values;
 }
 
-size_t indexOf(const std::vector<int32_t>& values, int32_t value)
-{
-    return static_cast<size_t>(std::lower_bound(values.begin(), values.end(), value) - values.begin());
-}
-
 } // namespace
-
-Rect transposed(const Rect& rect)
-{
-    return {rect.yl, rect.xl, rect.yh, rect.xh};
-}
 
 std::vector<Rect> transposed(const std::vector<Rect>& rects)
 {
@@ -57,16 +47,6 @@ Grid::Grid(const std::vector<Rect>& rects, const std::vector<int32_t>& moreXs,
                       column + static_cast<std::ptrdiff_t>(lineEnd), uint8_t{1});
         }
     }
-}
-
-size_t Grid::columnAt(int32_t x) const
-{
-    return indexOf(m_xs, x);
-}
-
-size_t Grid::lineAt(int32_t y) const
-{
-    return indexOf(m_ys, y);
 }
 
 std::vector<Rect> Grid::slabs() const

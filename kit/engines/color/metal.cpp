@@ -5,7 +5,6 @@
 #include <map>
 #include <utility>
 
-#include "kit/design/stretches.h"
 #include "kit/geometry/polygon.h"
 #include "kit/geometry/sets.h"
 
@@ -236,11 +235,6 @@ int32_t Scale::of(Length length) const
     const Length divisor = 2 * m_site;
     const Length quotient = doubled / divisor;
     return static_cast<int32_t>(quotient - (doubled % divisor < 0 ? 1 : 0));
-}
-
-bool Scale::isExact(Length length) const
-{
-    return length * placer::LIBRARY_SITE % m_site == 0;
 }
 
 std::string textOf(const Rect& rect)

@@ -32,7 +32,7 @@ public:
     int32_t of(lefdef::Length length) const;
 
     /// Whether a length is a whole number there.
-    bool isExact(lefdef::Length length) const;
+    bool isExact(lefdef::Length length) const { return length * placer::LIBRARY_SITE % m_site == 0; }
 
 private:
     lefdef::Length m_site;

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <deque>
-#include <limits>
 #include <map>
 
 #include "kit/design/spacing.h"

@@ -6,7 +6,6 @@
 #include <tuple>
 
 #include "kit/engines/color/frontier.h"
-#include "kit/engines/color/problem.h"
 #include "kit/geometry/sets.h"
 
 namespace kit::color {
@@ -251,26 +250,6 @@ std::vector<Colouring> chosen(const std::vector<Colouring>& all, size_t most)
         begin = end;
     }
     return chooser.result();
-}
-
-void thinOut(std::vector<Colouring>& all, size_t most)
-{
-    if (all.size() <= most) {
-        return;
-    }
-    size_t kept = 0; // of the costs that have room as a whole
-    for (size_t i = 1; i <= most; ++i) {
-        kept = all[i].cost > all[i - 1].cost ? i : kept;
-    }
-    const size_t rest = all.size() - kept;
-    const size_t room = most - kept;
-    for (size_t i = 0; i < room; ++i) {
-        const size_t from = kept + i * rest / room;
-        if (from != kept + i) {
-            all[kept + i] = std::move(all[from]);
-        }
-    }
-    all.resize(most);
 }
 
 } // namespace kit::color

@@ -8,9 +8,9 @@
 // found is proved cheapest.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "kit/engines/color/parts.h"
@@ -75,7 +75,35 @@ Colourings colouringsOf(const Graph& graph, const Rules& rules, const Limits& li
 std::vector<Colouring> chosen(const std::vector<Colouring>& all, size_t most);
 
 /// At most so many of them: all of the cheapest that have room together, the rest evenly spread over their
-/// order. @param all  by cost
-void thinOut(std::vector<Colouring>& all, size_t most);
+/// order.
+///
+/// @param all     by cost
+/// @param costOf  gives the cost of one
+template <typename Item, typename CostOf>
+void thinOut(std::vector<Item>& all, size_t most, CostOf costOf)
+{
+    if (all.size() <= most) {
+        return;
+    }
+    size_t kept = 0; // of the costs that have room as a whole
+    for (size_t i = 1; i <= most; ++i) {
+        kept = costOf(all[i]) > costOf(all[i - 1]) ? i : kept;
+    }
+    const size_t rest = all.size() - kept;
+    const size_t room = most - kept;
+    for (size_t i = 0; i < room; ++i) {
+        const size_t from = kept + i * rest / room;
+        if (from != kept + i) {
+            all[kept + i] = std::move(all[from]);
+        }
+    }
+    all.resize(most);
+}
+
+/// As thinOut() by the costs of colourings.
+inline void thinOut(std::vector<Colouring>& all, size_t most)
+{
+    thinOut(all, most, [](const Colouring& colouring) { return colouring.cost; });
+}
 
 } // namespace kit::color

@@ -298,11 +298,6 @@ void mergeBlocks(Row& row)
 
 } // namespace
 
-int64_t Row::numSites(int64_t siteWidth) const
-{
-    return (end() - begin() + siteWidth - 1) / siteWidth;
-}
-
 size_t Core::firstAbove(int64_t y) const
 {
     const auto at = std::partition_point(byHeight.begin(), byHeight.end(),

@@ -5,10 +5,10 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "kit/base/files/outputFile.h"
+#include "kit/design/nameMap.h"
 #include "kit/engines/import/cells.h"
 #include "kit/engines/import/core.h"
 #include "kit/engines/import/nets.h"
@@ -37,6 +37,7 @@ struct DesignFiles {
     std::vector<int32_t> members{};  ///< of all nets: index in Cells::movable, or -1 - index in terminals
     std::vector<size_t> netBegin{0}; ///< [net] its first member; one more at the end
 
+    /// Number of nets.
     size_t numNets() const { return netBegin.size() - 1; }
 
     /// The name of a member.
@@ -50,15 +51,14 @@ struct DesignFiles {
 /// Names of the masters of the movable cells, sorted.
 std::vector<std::string> usedMasters(const DesignFiles& files);
 
-/// Write BASE.place, BASE.pins, BASE.netlist and BASE.cells. Errors: throw Fault if
-/// one cannot be written.
+/// Writes BASE.place. Errors: throws Fault if it cannot be written, as the others do.
 void writePlace(const DesignFiles& files, OutputFile& out);
+/// Writes BASE.pins.
 void writePins(const DesignFiles& files, OutputFile& out);
+/// Writes BASE.netlist.
 void writeNetlist(const DesignFiles& files, OutputFile& out);
+/// Writes BASE.cells.
 void writeCells(const DesignFiles& files, OutputFile& out);
-
-/// Names that had to be changed: those in the files, and those of the DEF.
-using Renamed = std::vector<std::pair<std::string, std::string>>;
 
 /// Fills in the names of the cells, the terminals and the members of the nets.
 ///
@@ -68,6 +68,6 @@ using Renamed = std::vector<std::pair<std::string, std::string>>;
 ///
 /// @param renamed  out: names of cells that had to be changed
 void nameAll(const Nets& nets, const Names& names, lefdef::SourceReporter& reporter, DesignFiles& files,
-             Renamed& renamed);
+             std::vector<design::Renamed>& renamed);
 
 } // namespace kit::importing

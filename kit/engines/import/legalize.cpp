@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "kit/engines/import/legalize.h"
+#include "kit/engines/import/cells.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <limits>
 #include <map>
-#include <optional>
 #include <string>
 #include <unordered_set>
 #include <utility>
@@ -101,7 +100,7 @@ private:
 class Namer {
 public:
     Namer(const Nets& nets, const Names& names, lefdef::SourceReporter& reporter, DesignFiles& files,
-          Renamed& renamed)
+          std::vector<design::Renamed>& renamed)
         : m_nets(nets), m_reporter(reporter), m_files(files), m_renamed(renamed), m_names(names),
           m_cellOf(files.def.components.size(), -1), m_terminalOf(files.def.pins.size(), -1)
     {
@@ -135,7 +134,7 @@ private:
             m_cellOf[cells[i].component] = static_cast<int32_t>(i);
             m_files.cellNames.push_back(m_names.forComponent(name));
             if (m_files.cellNames.back() != name) {
-                m_renamed.emplace_back(m_files.cellNames.back(), std::string(name));
+                m_renamed.push_back({.name = m_files.cellNames.back(), .original = std::string(name)});
             }
         }
     }
@@ -203,7 +202,7 @@ private:
     const Nets& m_nets;
     lefdef::SourceReporter& m_reporter;
     DesignFiles& m_files;
-    Renamed& m_renamed;
+    std::vector<design::Renamed>& m_renamed;
     SafeNames m_names;
     std::vector<int32_t> m_cellOf;     ///< [component] index in Cells::movable, -1 if it is not
     std::vector<int32_t> m_terminalOf; ///< [pin] index in DesignFiles::terminals, -1 without one
@@ -244,7 +243,7 @@ Nets readNets(const lefdef::Def& def, const Names& names, lefdef::SourceReporter
 }
 
 void nameAll(const Nets& nets, const Names& names, lefdef::SourceReporter& reporter, DesignFiles& files,
-             Renamed& renamed)
+             std::vector<design::Renamed>& renamed)
 {
     Namer(nets, names, reporter, files, renamed).run();
 }

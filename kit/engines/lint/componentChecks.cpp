@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <algorithm>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "kit/base/reporter.h"

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include "kit/base/finding.h"
 #include "kit/design/distance.h"
 #include "kit/formats/placer/reader.h"
 

@@ -109,7 +109,7 @@ private:
         int64_t errors = static_cast<int64_t>(m_input.faults.size());
         int64_t notes = 0;
         for (size_t i = 0; i < counts.size(); ++i) {
-            const design::KindInfo& info = design::kinds()[i];
+            const design::KindInfo& info = design::KINDS[i];
             (info.severity == Severity::ERROR ? errors : notes) += counts[i];
             if (counts[i] > 0) {
                 m_out << padded(std::to_string(counts[i]), 8) << "  " << info.name << ": " << info.title
@@ -175,7 +175,7 @@ Json countsOf(const design::ColoredPlacement& input, const design::Issues& issue
     const std::vector<int64_t> counts = countKinds(issues);
     Json json{{"input-fault", input.faults.size()}};
     for (size_t i = 0; i < counts.size(); ++i) {
-        json[design::kinds()[i].name] = counts[i];
+        json[design::KINDS[i].name] = counts[i];
     }
     return json;
 }

@@ -60,7 +60,7 @@ GdsWriter::GdsWriter(OutputFile& out, std::string_view name, int64_t unitsPerMic
 {
     numbers(HEADER, {VERSION});
     numbers(BGNLIB, {1970, 1, 1, 0, 0, 0, 1970, 1, 1, 0, 0, 0}); // changed, accessed
-    text(LIBNAME, name);
+    record(LIBNAME, name);
     const auto units = static_cast<double>(unitsPerMicron);
     m_data.clear();
     appendNumber(m_data, real8Of(1 / units));
@@ -71,7 +71,7 @@ GdsWriter::GdsWriter(OutputFile& out, std::string_view name, int64_t unitsPerMic
 void GdsWriter::beginStructure(std::string_view name)
 {
     numbers(BGNSTR, {1970, 1, 1, 0, 0, 0, 1970, 1, 1, 0, 0, 0});
-    text(STRNAME, name);
+    record(STRNAME, name);
 }
 
 void GdsWriter::boundary(int16_t layer, std::span<const GdsPoint> corners)
@@ -97,10 +97,10 @@ void GdsWriter::rectangle(int16_t layer, const GdsBox& box)
 void GdsWriter::reference(std::string_view structure, GdsPoint at, std::string_view name)
 {
     record(SREF);
-    text(SNAME, structure);
+    record(SNAME, structure);
     points({&at, 1}, /*closed=*/false);
     numbers(PROPATTR, {INSTANCE_NAME});
-    text(PROPVALUE, name);
+    record(PROPVALUE, name);
     record(ENDEL);
 }
 
@@ -134,11 +134,6 @@ void GdsWriter::numbers(uint16_t kind, std::initializer_list<int16_t> values)
         appendNumber(m_data, static_cast<uint16_t>(value));
     }
     record(kind, m_data);
-}
-
-void GdsWriter::text(uint16_t kind, std::string_view text)
-{
-    record(kind, text);
 }
 
 void GdsWriter::points(std::span<const GdsPoint> points, bool closed)

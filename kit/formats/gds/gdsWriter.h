@@ -39,11 +39,13 @@ public:
     /// A polygon. @param corners  each once
     void boundary(int16_t layer, std::span<const GdsPoint> corners);
 
+    /// A rectangle as a polygon.
     void rectangle(int16_t layer, const GdsBox& box);
 
     /// An instance of a structure, not turned. @param name  of the instance, kept as its property 1
     void reference(std::string_view structure, GdsPoint at, std::string_view name);
 
+    /// Ends the structure.
     void endStructure();
 
     /// Ends the library.
@@ -52,7 +54,6 @@ public:
 private:
     void record(uint16_t kind, std::string_view data = {});
     void numbers(uint16_t kind, std::initializer_list<int16_t> values);
-    void text(uint16_t kind, std::string_view text);
     void points(std::span<const GdsPoint> points, bool closed);
 
     OutputFile& m_out;

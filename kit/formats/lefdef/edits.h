@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "kit/geometry/rect.h"
+
 namespace kit {
 class OutputFile;
 }
@@ -29,6 +31,7 @@ public:
     /// Writes the whole changed text without a second copy of it in memory. Precondition as for apply().
     void write(std::string_view text, OutputFile& out);
 
+    /// Whether nothing is to be changed.
     bool empty() const { return m_edits.empty(); }
 
 private:
@@ -52,11 +55,7 @@ size_t endOfStatement(std::string_view text, size_t from);
 /// What stands between the start of a place's line and the place, if that is white space alone; else empty.
 std::string_view indentationOf(std::string_view text, size_t place);
 
-/// A part of a text.
-struct Span {
-    size_t begin = 0;
-    size_t end = 0; ///< behind it
-};
+using Span = geometry::RangeOf<size_t>; ///< a part of a text
 
 /// A record with the lines that it has for itself, so that nothing is left where it stood.
 ///

@@ -24,29 +24,6 @@ std::optional<Orient> orientOf(std::string_view name)
     return at == NAMES.end() ? std::nullopt : std::optional(static_cast<Orient>(at - NAMES.begin()));
 }
 
-bool isMirrored(Orient orient)
-{
-    return orient == Orient::FN || orient == Orient::S;
-}
-
-bool isUpsideDown(Orient orient)
-{
-    return orient == Orient::FS || orient == Orient::S;
-}
-
-bool isOnItsSide(Orient orient)
-{
-    return orient == Orient::W || orient == Orient::E || orient == Orient::FW || orient == Orient::FE;
-}
-
-Orient upright(bool mirrored, bool upsideDown)
-{
-    if (mirrored) {
-        return upsideDown ? Orient::S : Orient::FN;
-    }
-    return upsideDown ? Orient::FS : Orient::N;
-}
-
 geometry::Point transformed(const geometry::Point& point, int64_t width, int64_t height, Orient orient)
 {
     const auto& [x, y] = point;

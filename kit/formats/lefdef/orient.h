@@ -20,16 +20,31 @@ std::string_view nameOf(Orient orient);
 std::optional<Orient> orientOf(std::string_view name);
 
 /// Whether left and right are exchanged against N, of an upright orientation: FN and S.
-bool isMirrored(Orient orient);
+constexpr bool isMirrored(Orient orient)
+{
+    return orient == Orient::FN || orient == Orient::S;
+}
 
 /// Whether top and bottom are exchanged against N, of an upright orientation: FS and S.
-bool isUpsideDown(Orient orient);
+constexpr bool isUpsideDown(Orient orient)
+{
+    return orient == Orient::FS || orient == Orient::S;
+}
 
 /// Whether width and height are exchanged: W, E, FW and FE.
-bool isOnItsSide(Orient orient);
+constexpr bool isOnItsSide(Orient orient)
+{
+    return orient == Orient::W || orient == Orient::E || orient == Orient::FW || orient == Orient::FE;
+}
 
 /// The upright orientation with these two properties.
-Orient upright(bool mirrored, bool upsideDown);
+constexpr Orient upright(bool mirrored, bool upsideDown)
+{
+    if (mirrored) {
+        return upsideDown ? Orient::S : Orient::FN;
+    }
+    return upsideDown ? Orient::FS : Orient::N;
+}
 
 /// Where a point of a master comes to lie when the master is oriented, and moved so that its lower left
 /// corner stays at the origin.

@@ -30,7 +30,9 @@ public:
     /// @param source, findings  must outlive the parser
     Parser(const Source& source, Findings& findings);
 
+    /// Where problems are told.
     SourceReporter& reporter() { return m_reporter; }
+    /// The file.
     const Source& source() const { return m_source; }
 
     /// Byte of the next token.
@@ -39,6 +41,7 @@ public:
     /// Byte behind the token taken last.
     size_t takenEnd() const { return m_takenEnd; }
 
+    /// Whether all tokens are taken.
     bool atFileEnd() const { return m_scanner.token().kind == Token::Kind::END; }
 
     /// Whether the next token is a word of the grammar.
@@ -92,6 +95,7 @@ public:
     {
         failAt(offset(), code, std::move(what), std::move(advice));
     }
+    /// As fail(), about the byte at an offset.
     void failAt(size_t offset, const char* code, std::string what, std::string advice);
 
     /// Ends a statement with its `;`, without one at a word END or a `-`.

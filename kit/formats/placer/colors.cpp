@@ -13,9 +13,9 @@ namespace kit::placer {
 
 namespace {
 
-constexpr std::string_view HEADER = "VIRELOCE COLORS 1";
+constexpr std::string_view FIRST_LINE = "VIRELOCE COLORS 1";
 constexpr std::string_view COUNT = "COMPONENTS ";
-constexpr std::string_view END = "END";
+constexpr std::string_view LAST_LINE = "END";
 
 /// A whole text as a decimal integer.
 std::optional<int32_t> toInteger(std::string_view text)
@@ -68,9 +68,9 @@ public:
 
     std::vector<ColorRecord> read()
     {
-        if (!nextLine() || m_line != HEADER) {
+        if (!nextLine() || m_line != FIRST_LINE) {
             m_reporter.error("colors-header", {m_number, 0},
-                             "the file does not begin with \"" + std::string(HEADER) + "\"",
+                             "the file does not begin with \"" + std::string(FIRST_LINE) + "\"",
                              "give the file that the placement was written with");
             return {};
         }
@@ -105,7 +105,7 @@ private:
 
     void readRecords()
     {
-        while (nextLine() && m_line != END) {
+        while (nextLine() && m_line != LAST_LINE) {
             if (std::optional<ColorRecord> record = recordOf(m_line)) {
                 record->line = m_number;
                 m_records.push_back(std::move(*record));
@@ -118,7 +118,7 @@ private:
                 m_brokenRecords = true;
             }
         }
-        if (m_line != END) {
+        if (m_line != LAST_LINE) {
             m_reporter.error("colors-end", {m_number, 0}, "the file ends without \"END\"",
                              "write it anew: something is missing");
         } else if (!m_text.empty()) {
@@ -156,7 +156,7 @@ std::vector<ColorRecord> readColors(const std::string& path, Findings& findings)
 
 void writeColors(const std::vector<ColorRecord>& records, OutputFile& out)
 {
-    out << HEADER << "\n" << COUNT << records.size() << "\n";
+    out << FIRST_LINE << "\n" << COUNT << records.size() << "\n";
     for (const ColorRecord& record : records) {
         out << record.name << " " << record.cell << " " << record.solution << " " << record.stitches;
         for (const int32_t mask : record.masks) {
@@ -164,7 +164,7 @@ void writeColors(const std::vector<ColorRecord>& records, OutputFile& out)
         }
         out << "\n";
     }
-    out << END << "\n";
+    out << LAST_LINE << "\n";
 }
 
 } // namespace kit::placer

@@ -244,7 +244,7 @@ TEST(KitVerify, DesignWithoutRowsHasAllCellsOffRow)
 TEST(KitVerify, KindsHaveDifferentNames)
 {
     std::set<std::string> names;
-    for (const kit::design::KindInfo& info : kit::design::kinds()) {
+    for (const kit::design::KindInfo& info : kit::design::KINDS) {
         EXPECT_TRUE(names.insert(info.name).second) << info.name;
     }
     EXPECT_EQ(names.size(), static_cast<size_t>(Kind::FILLERS) + 1);

@@ -170,7 +170,7 @@ TEST(KitVerifyReport, JsonHasCountsAndFindings)
     EXPECT_EQ(json.at("clean"), false);
     EXPECT_EQ(json.at("counts").at("conflict"), 2);
     EXPECT_EQ(json.at("counts").at("off-row"), 0);
-    EXPECT_EQ(json.at("counts").size(), kit::design::kinds().size() + 1);
+    EXPECT_EQ(json.at("counts").size(), std::size(kit::design::KINDS) + 1);
     ASSERT_EQ(json.at("findings").size(), 4U);
     const Json& conflict = json.at("findings")[2];
     EXPECT_EQ(conflict.at("severity"), "error");
