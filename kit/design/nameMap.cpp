@@ -3,10 +3,8 @@
 
 #include <algorithm>
 #include <charconv>
-#include <optional>
-#include <unordered_set>
+#include <filesystem>
 
-#include "kit/base/files/outputFile.h"
 #include "kit/base/files/readFile.h"
 #include "kit/base/finding.h"
 #include "kit/base/hash.h"
@@ -105,57 +103,54 @@ private:
         return (m_map.siteWidth > 0 && m_map.siteHeight > 0) || fail("\"SITE\" and a width and a height");
     }
 
-    std::optional<int64_t> readCount(std::string_view keyword)
+    /// Reads a count, and as many lines, each with another name.
+    ///
+    /// @param take  takes a line and gives the name in it, empty if the line is not as it should be
+    template <typename Take>
+    bool readLines(const std::string& keyword, const std::string& expected, Take take)
     {
         const std::optional<int64_t> count = numberOf(nextAfter(keyword).value_or(""));
         if (!count) {
-            fail("\"" + std::string(keyword) + "\" and a count");
+            return fail("\"" + keyword + "\" and a count");
         }
-        return count;
+        std::unordered_set<std::string_view> seen;
+        for (int64_t i = 0; i < *count; ++i) {
+            const std::string_view name = nextLine() ? take(m_line) : std::string_view();
+            if (name.empty()) {
+                return fail(expected + ", of which there should be " + std::to_string(*count));
+            }
+            if (!seen.insert(name).second) {
+                m_reporter.error("map-name", {m_number, 0}, "the name " + std::string(name) + " comes twice",
+                                 "import the design anew: this file belongs to its placement");
+                return false;
+            }
+        }
+        return true;
     }
 
     bool readNames()
     {
-        const std::optional<int64_t> count = readCount("NAMES");
-        for (int64_t i = 0; i < count.value_or(0); ++i) {
-            const size_t blank = nextLine() ? m_line.find(' ') : 0;
-            if (blank == 0 || blank == std::string_view::npos || blank + 1 == m_line.size()) {
-                return fail("a name in the placement and one in the DEF file, of which there should be " +
-                            std::to_string(*count));
-            }
-            m_map.names.push_back(
-                {std::string(m_line.substr(0, blank)), std::string(m_line.substr(blank + 1))});
-            if (!isNew(m_seenNames, m_line.substr(0, blank))) {
-                return false;
-            }
-        }
-        return count.has_value();
+        return readLines("NAMES", "a name in the placement and one in the DEF file",
+                         [this](std::string_view line) {
+                             const size_t blank = std::min(line.find(' '), line.size());
+                             if (blank == 0 || blank + 1 >= line.size()) {
+                                 return std::string_view();
+                             }
+                             m_map.names.push_back(
+                                 {std::string(line.substr(0, blank)), std::string(line.substr(blank + 1))});
+                             return line.substr(0, blank);
+                         });
     }
 
     bool readFlipped()
     {
-        const std::optional<int64_t> count = readCount("FLIPPED");
-        for (int64_t i = 0; i < count.value_or(0); ++i) {
-            if (!nextLine() || m_line.empty() || m_line.find(' ') != std::string_view::npos) {
-                return fail("the name of a flipped component, of which there should be " +
-                            std::to_string(*count));
+        return readLines("FLIPPED", "the name of a flipped component", [this](std::string_view line) {
+            if (line.empty() || line.find(' ') != std::string_view::npos) {
+                return std::string_view();
             }
-            m_map.flipped.emplace_back(m_line);
-            if (!isNew(m_seenFlipped, m_line)) {
-                return false;
-            }
-        }
-        return count.has_value();
-    }
-
-    bool isNew(std::unordered_set<std::string_view>& seen, std::string_view name)
-    {
-        const bool isNew = seen.insert(name).second;
-        if (!isNew) {
-            m_reporter.error("map-name", {m_number, 0}, "the name " + std::string(name) + " comes twice",
-                             "import the design anew: this file belongs to its placement");
-        }
-        return isNew;
+            m_map.flipped.emplace_back(line);
+            return line;
+        });
     }
 
     bool readEnd()
@@ -172,9 +167,12 @@ private:
     NameMap m_map;
     std::string_view m_line;
     int64_t m_number = 0; ///< of m_line, from 1
-    std::unordered_set<std::string_view> m_seenNames;
-    std::unordered_set<std::string_view> m_seenFlipped;
 };
+
+lefdef::Orient orientNamed(const std::string& name)
+{
+    return lefdef::orientOf(name).value_or(lefdef::Orient::N);
+}
 
 } // namespace
 
@@ -194,7 +192,7 @@ NameMap readNameMap(const std::string& path, Findings& findings)
 void writeNameMap(const NameMap& map, OutputFile& out)
 {
     std::string def = map.def;
-    std::replace(def.begin(), def.end(), '\n', '?');
+    std::ranges::replace(def, '\n', '?');
     out << HEADER << "\nDEF " << def << "\nHASH " << map.hash << "\n";
     out << "SITE " << map.siteWidth << " " << map.siteHeight << "\n";
     out << "NAMES " << map.names.size() << "\n";
@@ -206,6 +204,59 @@ void writeNameMap(const NameMap& map, OutputFile& out)
         out << name << "\n";
     }
     out << END << "\n";
+}
+
+TrueOrients::TrueOrients(const std::vector<placer::Row>& rows, const NameMap& map)
+    : m_flipped(map.flipped.begin(), map.flipped.end())
+{
+    for (const placer::Row& row : rows) {
+        m_rows[row.y].push_back(&row);
+    }
+}
+
+std::optional<lefdef::Orient> TrueOrients::of(const placer::Component& comp) const
+{
+    const auto at = m_rows.find(comp.y);
+    if (at == m_rows.end()) {
+        return {};
+    }
+    const auto row = std::ranges::find_if(at->second, [&comp](const placer::Row* candidate) {
+        const int64_t right = candidate->x + int64_t{candidate->numSites} * candidate->step;
+        return candidate->x <= comp.x && comp.x < right;
+    });
+    if (row == at->second.end()) {
+        return {};
+    }
+    const bool upsideDown =
+        lefdef::isUpsideDown(orientNamed((*row)->orient)) != m_flipped.contains(comp.name);
+    return lefdef::upright(isMirrored(comp), upsideDown);
+}
+
+bool isMirrored(const placer::Component& comp)
+{
+    return lefdef::isMirrored(orientNamed(comp.orient));
+}
+
+std::string mapOf(const std::string& placement)
+{
+    return placement.empty() ? "" : std::filesystem::path(placement).replace_extension(".map").string();
+}
+
+void restoreOrientations(const std::string& placement, placer::Design& design, Findings& findings)
+{
+    const std::string path = mapOf(placement);
+    if (!std::filesystem::exists(path)) {
+        return;
+    }
+    const NameMap map = readNameMap(path, findings);
+    const TrueOrients orients(design.rows, map);
+    for (placer::Component& comp : design.components) {
+        if (comp.orient == "N" || comp.orient == "FN") {
+            if (const std::optional<lefdef::Orient> orient = orients.of(comp)) {
+                comp.orient = std::string(nameOf(*orient));
+            }
+        }
+    }
 }
 
 } // namespace kit::design

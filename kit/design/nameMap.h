@@ -11,16 +11,22 @@
 //     <name in BASE.place>
 //     END
 //
-// Words are parted by single blanks, and every line ends with a line feed.
+// Words are parted by single blanks, and every line ends with a line feed. With the rows, it tells how each
+// component lies.
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "kit/base/files/outputFile.h"
 #include "kit/base/finding.h"
+#include "kit/formats/lefdef/orient.h"
+#include "kit/formats/placer/design.h"
 
 namespace kit::design {
 
@@ -55,5 +61,34 @@ NameMap readNameMap(const std::string& path, Findings& findings);
 ///
 /// Errors: throws Fault if the file cannot be written.
 void writeNameMap(const NameMap& map, OutputFile& out);
+
+/// How the cells of an imported design lie in the layout. The placement says only which are mirrored (FN and
+/// S); a cell is upside down as its row is (FS and S), the other way round if the map has it among the
+/// flipped.
+class TrueOrients {
+public:
+    /// Both must outlive it.
+    TrueOrients(const std::vector<placer::Row>& rows, const NameMap& map);
+
+    /// The orientation of a component by the row that its lower left corner is on; nothing if there is none.
+    std::optional<lefdef::Orient> of(const placer::Component& comp) const;
+
+private:
+    std::unordered_map<int32_t, std::vector<const placer::Row*>> m_rows; ///< by their bottom edges
+    std::unordered_set<std::string_view> m_flipped;
+};
+
+/// Whether a component is mirrored by what its placement says. The placer takes another word as N.
+bool isMirrored(const placer::Component& comp);
+
+/// Path of the map that a placement file has if it was imported; empty for no path.
+std::string mapOf(const std::string& placement);
+
+/// Gives the components of an imported design their true orientations. One that is on no row, and a placement
+/// without a map, stay as they are.
+///
+/// @param placement  path of the placement file; its map has ".map" in place of ".place"
+/// @param findings   out: problems of the map
+void restoreOrientations(const std::string& placement, placer::Design& design, Findings& findings);
 
 } // namespace kit::design

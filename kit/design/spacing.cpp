@@ -5,8 +5,6 @@
 #include <cmath>
 #include <limits>
 
-#include "kit/design/stretches.h"
-
 namespace kit::design {
 
 namespace {
@@ -22,7 +20,7 @@ constexpr int64_t FARTHEST = int64_t{1} << 30;
 /// Distance of two ranges, 0 if they touch or overlap.
 int64_t gapOf(int64_t aBegin, int64_t aEnd, int64_t bBegin, int64_t bEnd)
 {
-    return std::min(std::max({bBegin - aEnd, aBegin - bEnd, int64_t{0}}), FARTHEST);
+    return std::min(geometry::gapOf(aBegin, aEnd, bBegin, bEnd), FARTHEST);
 }
 
 int32_t bottomOf(const placer::Cell& cell)
@@ -43,20 +41,19 @@ bool isMask(int32_t mask)
 
 } // namespace
 
-int64_t squaredDistance(const placer::Rect& a, const placer::Rect& b)
+Closest closestOf(const std::vector<placer::Rect>& some, const std::vector<placer::Rect>& others)
 {
-    return square(gapOf(a.xl, a.xh, b.xl, b.xh)) + square(gapOf(a.yl, a.yh, b.yl, b.yh));
-}
-
-int64_t squaredDistance(const placer::Shape& a, const placer::Shape& b)
-{
-    int64_t least = std::numeric_limits<int64_t>::max();
-    for (const placer::Rect& rect : a.rects) {
-        for (const placer::Rect& other : b.rects) {
-            least = std::min(least, squaredDistance(rect, other));
+    Closest closest;
+    for (const placer::Rect& rect : some) {
+        for (const placer::Rect& other : others) {
+            const int64_t squared = square(gapOf(rect.xl, rect.xh, other.xl, other.xh)) +
+                                    square(gapOf(rect.yl, rect.yh, other.yl, other.yh));
+            if (squared < closest.squared) {
+                closest = {rect, other, squared};
+            }
         }
     }
-    return least;
+    return closest;
 }
 
 bool isRail(const placer::Cell& cell, size_t shape, const placer::Solution& solution)
@@ -67,8 +64,8 @@ bool isRail(const placer::Cell& cell, size_t shape, const placer::Solution& solu
     const int64_t bottom = bottomOf(cell);
     const int64_t top = bottom + cell.height;
     const std::vector<placer::Rect>& rects = cell.shapes[shape].rects;
-    return std::any_of(rects.begin(), rects.end(),
-                       [&](const placer::Rect& rect) { return rect.yl <= bottom || rect.yh >= top; });
+    return std::ranges::any_of(rects,
+                               [&](const placer::Rect& rect) { return rect.yl <= bottom || rect.yh >= top; });
 }
 
 Spacing::Spacing(const std::vector<placer::Cell>& cells, int32_t distance) : m_distance(distance)

@@ -3,19 +3,24 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <unordered_map>
-#include <utility>
 #include <vector>
 
 #include "kit/formats/placer/design.h"
 
 namespace kit::design {
 
-/// Square of the Euclidean distance of two rectangles, 0 if they touch or overlap.
-int64_t squaredDistance(const placer::Rect& a, const placer::Rect& b);
+/// Two rectangles and how far they are apart.
+struct Closest {
+    placer::Rect first;
+    placer::Rect second;
+    int64_t squared = std::numeric_limits<int64_t>::max(); ///< square of their distance
+};
 
-/// Square of the Euclidean distance of two shapes; the largest integer if one has no rectangles.
-int64_t squaredDistance(const placer::Shape& a, const placer::Shape& b);
+/// The closest rectangles of two shapes; of equal pairs the first. The distance is the largest integer if one
+/// shape has no rectangles.
+Closest closestOf(const std::vector<placer::Rect>& some, const std::vector<placer::Rect>& others);
 
 /// Whether a shape of a cell is a power rail in a solution, which never conflicts: it has mask 0, and reaches
 /// the bottom or the top edge of the cell. As in the placer, the cell's bottom is that of its lowest shape.

@@ -2,6 +2,7 @@
 #include "kit/design/standing.h"
 
 #include <algorithm>
+#include <cmath>
 #include <tuple>
 
 namespace kit::design {
@@ -12,8 +13,8 @@ constexpr size_t TURNS = 4;
 
 bool reachesEdge(const placer::Cell& cell, const placer::Shape& shape)
 {
-    return std::any_of(shape.rects.begin(), shape.rects.end(),
-                       [&](const placer::Rect& rect) { return rect.yl <= 0 || rect.yh >= cell.height; });
+    return std::ranges::any_of(
+        shape.rects, [&](const placer::Rect& rect) { return rect.yl <= 0 || rect.yh >= cell.height; });
 }
 
 FineBox turned(const placer::Rect& rect, const placer::Cell& cell, const Turn& turn, const Scale& scale)
@@ -26,9 +27,27 @@ FineBox turned(const placer::Rect& rect, const placer::Cell& cell, const Turn& t
             scale.ofLibrary(turn.mirrorY ? height - rect.yl : rect.yh)};
 }
 
-FineBox around(const FineBox& a, const FineBox& b)
+/// A distance along the axes.
+struct Gap {
+    int64_t x; ///< 0 if the two share a vertical line
+    int64_t y; ///< 0 if the two share a horizontal line
+};
+
+Gap gapOf(const FineBox& a, const FineBox& b)
 {
-    return {std::min(a.xl, b.xl), std::min(a.yl, b.yl), std::max(a.xh, b.xh), std::max(a.yh, b.yh)};
+    return {geometry::gapOf(a.xl, a.xh, b.xl, b.xh), geometry::gapOf(a.yl, a.yh, b.yl, b.yh)};
+}
+
+double squareOf(int64_t length)
+{
+    return static_cast<double>(length) * static_cast<double>(length);
+}
+
+/// Distance of two rectangles: 0 if they touch or overlap, else that of their closest points, fine units.
+double distanceOf(const FineBox& a, const FineBox& b)
+{
+    const Gap gap = gapOf(a, b);
+    return std::sqrt(squareOf(gap.x) + squareOf(gap.y));
 }
 
 } // namespace
@@ -118,8 +137,58 @@ std::vector<Standing> Layout::standings(const placer::Design& design,
     const auto key = [](const Standing& cell) {
         return std::tuple(cell.y, cell.x + cell.stencil->extent.xl, cell.component);
     };
-    std::sort(all.begin(), all.end(), [&](const Standing& a, const Standing& b) { return key(a) < key(b); });
+    std::ranges::sort(all, {}, key);
     return all;
+}
+
+bool MetalGauge::tooClose(const FineBox& a, const FineBox& b) const
+{
+    const Gap gap = gapOf(a, b);
+    // Squares of doubles are exact up to a distance of 94 million: site steps of half a million DBU.
+    return gap.x < m_least && gap.y < m_least && squareOf(gap.x) + squareOf(gap.y) < squareOf(m_least);
+}
+
+void MetalGauge::collect(const Standing& cell, const FineBox& other, std::vector<Metal>& metal) const
+{
+    metal.clear();
+    for (const Piece& piece : cell.stencil->pieces) {
+        const FineBox box = piece.box.shifted(cell.x, cell.y);
+        const int32_t mask = cell.maskOf(piece);
+        if (mask >= 0 && tooClose(box, other)) {
+            metal.push_back({box, piece.shape, mask});
+        }
+    }
+}
+
+void MetalGauge::take(const Metal& a, const Metal& b, Closeness& result)
+{
+    const double distance = distanceOf(a.box, b.box);
+    if (m_shapePairs.empty() || distance < result.distance) {
+        result.distance = distance;
+        result.mask = a.mask;
+        result.first = a.box;
+        result.second = b.box;
+    }
+    m_shapePairs.emplace_back(a.shape, b.shape);
+}
+
+Closeness MetalGauge::measure(const Standing& first, const Standing& second)
+{
+    collect(first, second.extent(), m_first);
+    collect(second, first.extent(), m_second);
+    m_shapePairs.clear();
+    Closeness result;
+    for (const Metal& a : m_first) {
+        for (const Metal& b : m_second) {
+            if (a.mask == b.mask && tooClose(a.box, b.box)) {
+                take(a, b, result);
+            }
+        }
+    }
+    std::ranges::sort(m_shapePairs);
+    const auto end = std::unique(m_shapePairs.begin(), m_shapePairs.end());
+    result.shapePairs = static_cast<int32_t>(end - m_shapePairs.begin());
+    return result;
 }
 
 } // namespace kit::design

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Cells and their metal where they stand.
+// Cells and their metal where they stand, and how close the metal of two comes.
 //
 // Lengths are "fine": an integer unit in which both DBU and library coordinates are whole. A site is 190
 // library units or `step` DBU, so a library unit is `step` fine units and a DBU is 190.
@@ -7,32 +7,30 @@
 
 #include <cstdint>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "kit/design/issue.h"
 #include "kit/formats/placer/colors.h"
 #include "kit/formats/placer/design.h"
+#include "kit/geometry/rect.h"
 #include "kit/geometry/sweep.h"
 
 namespace kit::design {
 
-/// A rectangle, fine units.
-struct FineBox {
-    int64_t xl = 0;
-    int64_t yl = 0;
-    int64_t xh = 0;
-    int64_t yh = 0;
-
-    FineBox shifted(int64_t dx, int64_t dy) const { return {xl + dx, yl + dy, xh + dx, yh + dy}; }
-};
+using FineBox = geometry::Rect; ///< fine units
 
 /// Between fine units and the others.
 struct Scale {
     int64_t step = 0; ///< site width of the design, DBU: the first row's step
 
+    /// DBU in fine units.
     static int64_t ofDbu(int64_t dbu) { return dbu * placer::LIBRARY_SITE; }
+    /// Library coordinates in fine units.
     int64_t ofLibrary(int64_t length) const { return length * step; }
+    /// Fine units in library coordinates.
     double toLibrary(double fine) const { return fine / static_cast<double>(step); }
+    /// A rectangle of fine units in DBU.
     static DbuBox toDbu(const FineBox& box);
 };
 
@@ -43,6 +41,7 @@ struct Turn {
     bool mirrorY = false; ///< bottom and top change places
 };
 
+/// The turn of an orientation by its name.
 Turn turnOf(const std::string& orient);
 
 /// A rectangle of a shape.
@@ -70,7 +69,9 @@ struct Standing {
     int64_t x = 0;                    ///< left edge, fine units
     int64_t y = 0;                    ///< bottom edge, fine units
 
+    /// The cell's outline where it stands.
     FineBox outline() const { return stencil->outline.shifted(x, y); }
+    /// Outline and metal where they stand.
     FineBox extent() const { return stencil->extent.shifted(x, y); }
 
     /// Mask of a piece, -1 if it cannot conflict: a rail, or on none of the three masks.
@@ -105,6 +106,42 @@ private:
     std::vector<std::vector<Stencil>> m_stencils; ///< [4 * cell + turn] none or one
     std::vector<Band> m_bands;
     int64_t m_tallest = 0;
+};
+
+/// Metal of one mask in two cells that is too close.
+struct Closeness {
+    int32_t shapePairs = 0; ///< pairs of shapes that are too close; 0: there is nothing to say
+    double distance = 0;    ///< least of all, fine units
+    int32_t mask = -1;      ///< of the two closest rectangles
+    FineBox first;          ///< of the first cell, the closest one
+    FineBox second;         ///< of the second cell, the closest one
+};
+
+/// Compares the metal of cells.
+class MetalGauge {
+public:
+    /// @param least  distance that shapes of one mask need, fine units
+    explicit MetalGauge(int64_t least) : m_least(least) {}
+
+    /// What is closer than it may be, over all pairs of shapes of one mask.
+    Closeness measure(const Standing& first, const Standing& second);
+
+private:
+    /// A rectangle that may be too close to the other cell's.
+    struct Metal {
+        FineBox box;
+        int32_t shape;
+        int32_t mask;
+    };
+
+    bool tooClose(const FineBox& a, const FineBox& b) const;
+    void collect(const Standing& cell, const FineBox& other, std::vector<Metal>& metal) const;
+    void take(const Metal& a, const Metal& b, Closeness& result);
+
+    int64_t m_least;
+    std::vector<Metal> m_first;
+    std::vector<Metal> m_second;
+    std::vector<std::pair<int32_t, int32_t>> m_shapePairs; ///< too close, once per pair of rectangles
 };
 
 } // namespace kit::design

@@ -2,69 +2,38 @@
 #include "kit/design/stretches.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
+#include <map>
+#include <set>
 
 namespace kit::design {
 
 namespace {
 
 /// A range of x, DBU. Wider than the files' numbers, since a sum of two may be.
-struct Range {
-    int64_t begin;
-    int64_t end;
-};
+using Range = geometry::RangeOf<int64_t>;
 
-std::vector<int32_t> ascendingYs(const placer::Design& design)
+/// [row] what the macros cover of it, from the left: those that overlap it by more than its edge.
+std::vector<std::vector<Range>> coverOfRows(const placer::Design& design)
 {
-    std::vector<int32_t> ys;
-    for (const placer::Row& row : design.rows) {
-        ys.push_back(row.y);
+    const int64_t height = rowHeight(design);
+    std::multimap<int64_t, size_t> rows; // by y
+    for (size_t i = 0; i < design.rows.size(); ++i) {
+        rows.emplace(design.rows[i].y, i);
     }
-    std::sort(ys.begin(), ys.end());
-    ys.erase(std::unique(ys.begin(), ys.end()), ys.end());
-    return ys;
-}
-
-/// What the macros cover of each row, from the left.
-class CoverOfRows {
-public:
-    explicit CoverOfRows(const placer::Design& design) : m_design(design), m_height(rowHeight(design))
-    {
-        for (size_t i = 0; i < design.rows.size(); ++i) {
-            m_byY.push_back(static_cast<int32_t>(i));
-        }
-        std::sort(m_byY.begin(), m_byY.end(), [this](int32_t a, int32_t b) { return yOf(a) < yOf(b); });
-        m_cover.resize(design.rows.size());
-        for (const placer::Macro& macro : design.macros) {
-            add(macro);
-        }
-        for (std::vector<Range>& cover : m_cover) {
-            std::sort(cover.begin(), cover.end(),
-                      [](const Range& a, const Range& b) { return a.begin < b.begin; });
-        }
-    }
-
-    const std::vector<Range>& of(size_t row) const { return m_cover[row]; }
-
-private:
-    int64_t yOf(int32_t row) const { return m_design.rows[static_cast<size_t>(row)].y; }
-
-    /// Adds a macro to the rows that it overlaps by more than their edge.
-    void add(const placer::Macro& macro)
-    {
+    std::vector<std::vector<Range>> cover(design.rows.size());
+    for (const placer::Macro& macro : design.macros) {
         const int64_t top = int64_t{macro.y} + macro.height;
-        auto at = std::upper_bound(m_byY.begin(), m_byY.end(), macro.y - m_height,
-                                   [this](int64_t y, int32_t row) { return y < yOf(row); });
-        for (; at != m_byY.end() && yOf(*at) < top; ++at) {
-            m_cover[static_cast<size_t>(*at)].push_back({macro.x, int64_t{macro.x} + macro.width});
+        for (auto at = rows.upper_bound(macro.y - height); at != rows.end() && at->first < top; ++at) {
+            cover[at->second].push_back({macro.x, int64_t{macro.x} + macro.width});
         }
     }
-
-    const placer::Design& m_design;
-    int64_t m_height;
-    std::vector<int32_t> m_byY; ///< rows from the bottom
-    std::vector<std::vector<Range>> m_cover;
-};
+    for (std::vector<Range>& ranges : cover) {
+        std::ranges::sort(ranges, {}, &Range::begin);
+    }
+    return cover;
+}
 
 void addStretch(std::vector<Stretch>& stretches, size_t row, Range range, int32_t site)
 {
@@ -75,17 +44,73 @@ void addStretch(std::vector<Stretch>& stretches, size_t row, Range range, int32_
     }
 }
 
+/// The stretches by y and x.
+class StretchMap {
+public:
+    StretchMap(const placer::Design& design, const std::vector<Stretch>& stretches)
+        : m_design(design), m_stretches(stretches), m_height(rowHeight(design)), m_site(siteWidth(design))
+    {
+        for (size_t i = 0; i < stretches.size(); ++i) {
+            const placer::Row& row = design.rows[static_cast<size_t>(stretches[i].row)];
+            m_byY[row.y].push_back(static_cast<int32_t>(i));
+        }
+        for (auto& [y, row] : m_byY) {
+            std::ranges::sort(row, {}, [this](int32_t i) { return leftOf(i); });
+        }
+    }
+
+    int32_t find(const placer::Component& comp) const
+    {
+        const auto own = m_byY.find(comp.y);
+        int32_t found = own != m_byY.end() ? findIn(own->second, comp) : -1;
+        auto other = m_byY.upper_bound(comp.y - m_height);
+        for (; found < 0 && other != m_byY.end() && other->first < comp.y + m_height; ++other) {
+            found = findIn(other->second, comp);
+        }
+        return found;
+    }
+
+private:
+    int64_t leftOf(int32_t stretch) const { return m_stretches[static_cast<size_t>(stretch)].x; }
+
+    int64_t rightOf(int32_t stretch) const
+    {
+        return leftOf(stretch) + m_stretches[static_cast<size_t>(stretch)].numSites * m_site;
+    }
+
+    int32_t findIn(const std::vector<int32_t>& row, const placer::Component& comp) const
+    {
+        const auto next =
+            std::upper_bound(row.begin(), row.end(), comp.x,
+                             [this](int32_t x, int32_t stretch) { return x < leftOf(stretch); });
+        if (next != row.begin() && comp.x < rightOf(*(next - 1))) {
+            return *(next - 1);
+        }
+        const int64_t right = comp.x + widthInSites(m_design, comp) * m_site;
+        return next != row.end() && leftOf(*next) < right ? *next : -1;
+    }
+
+    const placer::Design& m_design;
+    const std::vector<Stretch>& m_stretches;
+    int64_t m_height;
+    int64_t m_site;
+    std::map<int64_t, std::vector<int32_t>> m_byY; ///< stretches of a y from the left
+};
+
 } // namespace
 
 int32_t rowHeight(const placer::Design& design)
 {
-    const std::vector<int32_t> ys = ascendingYs(design);
-    int64_t least = std::numeric_limits<int32_t>::max();
-    for (size_t i = 1; i < ys.size(); ++i) {
-        least = std::min(least, int64_t{ys[i]} - ys[i - 1]);
+    std::set<int64_t> ys;
+    for (const placer::Row& row : design.rows) {
+        ys.insert(row.y);
     }
     if (ys.size() < 2) {
-        least = design.cells.empty() ? 1 : std::max(design.cells[0].height, 1);
+        return design.cells.empty() ? 1 : std::max(design.cells[0].height, 1);
+    }
+    int64_t least = std::numeric_limits<int32_t>::max();
+    for (auto y = std::next(ys.begin()); y != ys.end(); ++y) {
+        least = std::min(least, *y - *std::prev(y));
     }
     return static_cast<int32_t>(least);
 }
@@ -97,13 +122,13 @@ int32_t siteWidth(const placer::Design& design)
 
 std::vector<Stretch> freeStretches(const placer::Design& design)
 {
-    const CoverOfRows cover(design);
+    const std::vector<std::vector<Range>> cover = coverOfRows(design);
     const int32_t site = siteWidth(design);
     std::vector<Stretch> stretches;
     for (size_t i = 0; i < design.rows.size(); ++i) {
         int64_t begin = design.rows[i].x;
         const int64_t end = begin + int64_t{design.rows[i].numSites} * site;
-        for (const Range& macro : cover.of(i)) {
+        for (const Range& macro : cover[i]) {
             addStretch(stretches, i, {begin, std::min(macro.begin, end)}, site);
             begin = std::max(begin, macro.end);
         }
@@ -117,9 +142,29 @@ int32_t widthInSites(const placer::Design& design, const placer::Component& comp
     if (comp.cell < 0) {
         return 0;
     }
-    const int64_t width = design.cells[static_cast<size_t>(comp.cell)].width;
+    const int64_t width = design.cellOf(comp)->width;
     return static_cast<int32_t>((std::max(width, int64_t{0}) + placer::LIBRARY_SITE - 1) /
                                 placer::LIBRARY_SITE);
+}
+
+Occupancy occupancyOf(const placer::Design& design)
+{
+    Occupancy occupancy;
+    occupancy.stretches = freeStretches(design);
+    occupancy.components.resize(occupancy.stretches.size());
+    const StretchMap map(design, occupancy.stretches);
+    for (size_t i = 0; i < design.components.size(); ++i) {
+        const int32_t stretch = map.find(design.components[i]);
+        occupancy.stretchOf.push_back(stretch);
+        if (stretch >= 0) {
+            occupancy.components[static_cast<size_t>(stretch)].push_back(static_cast<int32_t>(i));
+        }
+    }
+    const auto xOf = [&design](int32_t comp) { return design.component(comp).x; };
+    for (std::vector<int32_t>& comps : occupancy.components) {
+        std::ranges::stable_sort(comps, {}, xOf);
+    }
+    return occupancy;
 }
 
 } // namespace kit::design

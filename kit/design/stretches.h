@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// The free stretches of the rows, and the components in them.
 #pragma once
 
 #include <cstdint>
@@ -29,5 +30,16 @@ std::vector<Stretch> freeStretches(const placer::Design& design);
 /// Width of a component, sites: its cell's width over the library's site width of 190, rounded up; 0 if the
 /// cell is unknown.
 int32_t widthInSites(const placer::Design& design, const placer::Component& comp);
+
+/// Which components stand in which free stretch.
+struct Occupancy {
+    std::vector<Stretch> stretches;               ///< as freeStretches()
+    std::vector<std::vector<int32_t>> components; ///< [stretch] those in it, by x
+    std::vector<int32_t> stretchOf;               ///< [component] index in stretches, -1 if it is in none
+};
+
+/// Puts each component into the stretch that its left edge stands in, or else into one that it overlaps; its
+/// row is that of its own y, or else one that it overlaps vertically. Those that overlap none are in none.
+Occupancy occupancyOf(const placer::Design& design);
 
 } // namespace kit::design

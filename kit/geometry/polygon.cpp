@@ -19,7 +19,7 @@ std::vector<int64_t> spansOf(const std::vector<Point>& corners, int64_t yl, int6
             ends.push_back(a.x);
         }
     }
-    std::sort(ends.begin(), ends.end());
+    std::ranges::sort(ends);
     return ends;
 }
 
@@ -30,7 +30,7 @@ std::vector<int64_t> heightsOf(const std::vector<Point>& corners)
     for (const Point& corner : corners) {
         heights.push_back(corner.y);
     }
-    std::sort(heights.begin(), heights.end());
+    std::ranges::sort(heights);
     heights.erase(std::unique(heights.begin(), heights.end()), heights.end());
     return heights;
 }

@@ -2,24 +2,11 @@
 // Rectilinear polygons as rectangles. Lengths are in whatever unit the caller has.
 #pragma once
 
-#include <cstdint>
 #include <vector>
 
+#include "kit/geometry/rect.h"
+
 namespace kit::geometry {
-
-struct Point {
-    int64_t x = 0;
-    int64_t y = 0;
-};
-
-struct Rect {
-    int64_t xl = 0;
-    int64_t yl = 0;
-    int64_t xh = 0;
-    int64_t yh = 0;
-
-    bool operator==(const Rect&) const = default;
-};
 
 /// Whether all edges of a polygon, the closing one too, are horizontal or vertical.
 bool isRectilinear(const std::vector<Point>& corners);

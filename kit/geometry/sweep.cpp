@@ -50,7 +50,7 @@ bool sweepRows(std::span<const Span> first, std::span<const Span> second, int64_
     View firstView(first, reach);
     View secondView(second, reach);
     const auto visitAll = [](const std::vector<size_t>& seen, const auto& visitOne) {
-        return std::all_of(seen.begin(), seen.end(), visitOne);
+        return std::ranges::all_of(seen, visitOne);
     };
     for (size_t i = 0, j = 0; i < first.size() || j < second.size();) {
         const bool takeFirst = j == second.size() || (i < first.size() && first[i].from <= second[j].from);

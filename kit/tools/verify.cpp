@@ -6,8 +6,7 @@
 
 #include "kit/base/files/folder.h"
 #include "kit/base/files/outputPaths.h"
-#include "kit/design/trueOrient.h"
-#include "kit/engines/verify/report.h"
+#include "kit/design/nameMap.h"
 #include "kit/engines/verify/verify.h"
 #include "kit/tools/lengthOptions.h"
 

@@ -2,19 +2,67 @@
 #include "kit/engines/color/cell.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
 
-#include "kit/design/spacing.h"
+#include "kit/base/text/text.h"
 #include "kit/engines/color/grid.h"
-#include "kit/engines/color/sets.h"
-#include "kit/engines/color/spread.h"
+#include "kit/geometry/sets.h"
 
 namespace kit::color {
 
 namespace {
 
+std::vector<bool> partsOf(const Graph& graph, const std::vector<bool>& polygons)
+{
+    std::vector<bool> wanted;
+    for (const Part& part : graph.parts) {
+        wanted.push_back(polygons[part.polygon]);
+    }
+    return wanted;
+}
+
+/// Polygons that cannot be coloured, none of which can be spared.
+std::vector<bool> coreOf(const CellMetal& metal, const Graph& graph, const Rules& rules, const Limits& limits)
+{
+    std::vector<bool> core(metal.polygons.size(), true);
+    for (size_t i = 0; i < core.size(); ++i) {
+        core[i] = false;
+        core[i] = isColourable(graph, partsOf(graph, core), rules, limits) != false;
+    }
+    return core;
+}
+
+int32_t goodDistanceOf(const CellMetal& metal, const std::vector<bool>& core, Rules rules, int32_t bottom,
+                       const Limits& limits)
+{
+    for (--rules.distance; rules.distance > 0; --rules.distance) {
+        const Graph graph = graphOf(metal, rules, bottom);
+        // The core is small: mostly it says no at once.
+        if (isColourable(graph, partsOf(graph, core), rules, limits) == true &&
+            isColourable(graph, std::vector<bool>(graph.parts.size(), true), rules, limits) == true) {
+            break;
+        }
+    }
+    return std::max(rules.distance, 0);
+}
+
+std::string shapesText(const Trouble& trouble, const CellMetal& metal)
+{
+    std::string text;
+    for (const size_t i : trouble.polygons) {
+        text += (text.empty() ? "" : ", ") + metal.netOf(i) + " ";
+        for (const Rect& rect : metal.polygons[i].rects) {
+            text += "(" + textOf(rect) + ")";
+        }
+    }
+    return text;
+}
+
 bool any(const std::vector<Rect>& rects, auto test)
 {
-    return std::any_of(rects.begin(), rects.end(), test);
+    return std::ranges::any_of(rects, test);
 }
 
 /// Writes what has been found as a colour file.
@@ -53,10 +101,9 @@ private:
     void joinParts()
     {
         for (const Joint& joint : m_graph.joints) {
-            const bool together =
-                std::all_of(m_colourings.begin(), m_colourings.end(), [&](const Colouring& colouring) {
-                    return colouring.masks[joint.a] == colouring.masks[joint.b];
-                });
+            const bool together = std::ranges::all_of(m_colourings, [&](const Colouring& colouring) {
+                return colouring.masks[joint.a] == colouring.masks[joint.b];
+            });
             if (together) {
                 m_sets.join(joint.a, joint.b);
             }
@@ -75,7 +122,7 @@ private:
             }
             shape.rects = tidied(shape.rects);
             m_first.push_back(parts.front());
-            m_names.push_back(m_metal.nets[m_metal.polygons[m_graph.parts[parts.front()].polygon].net]);
+            m_names.push_back(m_metal.netOf(m_graph.parts[parts.front()].polygon));
         }
     }
 
@@ -123,7 +170,7 @@ private:
     const CellMetal& m_metal;
     const Graph& m_graph;
     std::vector<Colouring> m_colourings;
-    Sets m_sets;                      ///< parts that are one shape
+    geometry::Sets m_sets;            ///< parts that are one shape
     std::vector<size_t> m_shapeOf;    ///< [part]
     std::vector<size_t> m_first;      ///< [shape but rails] its first part
     std::vector<std::string> m_names; ///< [shape]
@@ -131,6 +178,50 @@ private:
 };
 
 } // namespace
+
+std::string distanceText(int64_t squared)
+{
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%.1f", std::sqrt(static_cast<double>(squared)));
+    return text.data();
+}
+
+Trouble explain(const CellMetal& metal, const Graph& graph, const Rules& rules, int32_t bottom,
+                const Limits& limits)
+{
+    const std::vector<bool> core = coreOf(metal, graph, rules, limits);
+    Trouble trouble;
+    for (size_t i = 0; i < core.size(); ++i) {
+        for (const size_t other : trouble.polygons) {
+            const design::Closest rects =
+                design::closestOf(metal.polygons[other].rects, metal.polygons[i].rects);
+            if (core[i] && rects.squared < int64_t{rules.distance} * rules.distance) {
+                trouble.close.push_back({other, i, rects});
+            }
+        }
+        if (core[i]) {
+            trouble.polygons.push_back(i);
+        }
+    }
+    trouble.goodDistance = goodDistanceOf(metal, core, rules, bottom, limits);
+    return trouble;
+}
+
+std::string textOf(const Trouble& trouble, const CellMetal& metal, const Rules& rules)
+{
+    const size_t count = trouble.polygons.size();
+    const bool all = count > 3 && trouble.close.size() == count * (count - 1) / 2;
+    const std::string distance = std::to_string(rules.distance);
+    std::string text = counted(static_cast<int64_t>(count), "shape");
+    text += all ? " that are all closer than " + distance + " to one another: "
+                : " that three masks cannot part by " + distance + ": ";
+    text += shapesText(trouble, metal) + "; distances";
+    for (const Closeness& close : trouble.close) {
+        text += (&close == trouble.close.data() ? " " : ", ") + metal.netOf(close.a) + " - " +
+                metal.netOf(close.b) + " " + distanceText(close.rects.squared);
+    }
+    return text;
+}
 
 int32_t bottomOf(const std::vector<CellMetal>& cells)
 {

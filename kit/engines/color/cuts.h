@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Where stitches may lie.
+// Where stitches may lie, and the pieces that they part.
 //
 // Sources: stitches by projection: Kahng, Park, Xu and Yao, "Layout decomposition for double patterning
 // lithography", ICCAD 2008; what changes with three masks: Fang, Chang and Chen, "A novel layout
@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "kit/engines/color/metal.h"
@@ -35,6 +36,8 @@ struct Cut {
     bool upright = true; ///< the line is upright, the arm flat
     int32_t at = 0;      ///< x of an upright line, y of a flat one
     Rect box;            ///< what both masks cover; without overlap the line itself
+
+    bool operator==(const Cut&) const = default;
 };
 
 /// Places for stitches in a polygon.
@@ -52,5 +55,17 @@ struct Cut {
 /// @param width    of the cell
 std::vector<Cut> cutsOf(const Polygon& polygon, const std::vector<const Polygon*>& others, const Rules& rules,
                         int32_t width);
+
+/// A polygon in pieces.
+struct Pieces {
+    std::vector<std::vector<Rect>> rects;          ///< [piece] rectangles without common area
+    std::vector<std::pair<size_t, size_t>> joined; ///< [cut] the pieces on its two sides; a cut that parts
+                                                   ///< nothing has the same on both
+};
+
+/// Cuts a polygon.
+///
+/// Pieces are in the order of their leftmost, then lowest places. A piece has all of the boxes of its cuts.
+Pieces cutUp(const std::vector<Rect>& polygon, const std::vector<Cut>& cuts);
 
 } // namespace kit::color

@@ -10,22 +10,12 @@ namespace {
 
 std::vector<int32_t> ascending(std::vector<int32_t> values)
 {
-    std::sort(values.begin(), values.end());
+    std::ranges::sort(values);
     values.erase(std::unique(values.begin(), values.end()), values.end());
     return values;
 }
 
-size_t indexOf(const std::vector<int32_t>& values, int32_t value)
-{
-    return static_cast<size_t>(std::lower_bound(values.begin(), values.end(), value) - values.begin());
-}
-
 } // namespace
-
-Rect transposed(const Rect& rect)
-{
-    return {rect.yl, rect.xl, rect.yh, rect.xh};
-}
 
 std::vector<Rect> transposed(const std::vector<Rect>& rects)
 {
@@ -59,16 +49,6 @@ Grid::Grid(const std::vector<Rect>& rects, const std::vector<int32_t>& moreXs,
     }
 }
 
-size_t Grid::columnAt(int32_t x) const
-{
-    return indexOf(m_xs, x);
-}
-
-size_t Grid::lineAt(int32_t y) const
-{
-    return indexOf(m_ys, y);
-}
-
 std::vector<Rect> Grid::slabs() const
 {
     std::vector<Rect> done;
@@ -86,9 +66,8 @@ std::vector<Rect> Grid::slabs() const
             }
         }
         for (Rect& run : runs) {
-            const auto same = std::find_if(open.begin(), open.end(), [&run](const Rect& slab) {
-                return slab.yl == run.yl && slab.yh == run.yh;
-            });
+            const auto same = std::ranges::find_if(
+                open, [&run](const Rect& slab) { return slab.yl == run.yl && slab.yh == run.yh; });
             if (same != open.end()) {
                 run.xl = same->xl;
                 open.erase(same);
@@ -98,8 +77,7 @@ std::vector<Rect> Grid::slabs() const
         open = std::move(runs);
     }
     done.insert(done.end(), open.begin(), open.end());
-    std::sort(done.begin(), done.end(),
-              [](const Rect& a, const Rect& b) { return std::tie(a.xl, a.yl) < std::tie(b.xl, b.yl); });
+    std::ranges::sort(done, {}, [](const Rect& rect) { return std::tie(rect.xl, rect.yl); });
     return done;
 }
 

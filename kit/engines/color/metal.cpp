@@ -5,9 +5,8 @@
 #include <map>
 #include <utility>
 
-#include "kit/design/stretches.h"
-#include "kit/engines/color/sets.h"
 #include "kit/geometry/polygon.h"
+#include "kit/geometry/sets.h"
 
 namespace kit::color {
 
@@ -30,27 +29,19 @@ constexpr size_t NO_PIN = static_cast<size_t>(-1);
 
 /// A rectangle as the file has it.
 struct Piece {
-    Length xl;
-    Length yl;
-    Length xh;
-    Length yh;
-    size_t pin; ///< index in the macro, NO_PIN for an obstruction
+    geometry::Rect rect; ///< picometres
+    size_t pin;          ///< index in the macro, NO_PIN for an obstruction
 };
 
 bool touch(const Piece& a, const Piece& b)
 {
-    return a.xl <= b.xh && b.xl <= a.xh && a.yl <= b.yh && b.yl <= a.yh;
+    const geometry::Rect shared = geometry::common(a.rect, b.rect);
+    return shared.xl <= shared.xh && shared.yl <= shared.yh;
 }
 
 bool isSupply(const LefPin& pin)
 {
     return pin.use == lefdef::PinUse::POWER || pin.use == lefdef::PinUse::GROUND;
-}
-
-std::string textOf(const Rect& rect)
-{
-    return std::to_string(rect.xl) + " " + std::to_string(rect.yl) + " " + std::to_string(rect.xh) + " " +
-           std::to_string(rect.yh);
 }
 
 /// Builds the metal of a cell.
@@ -73,8 +64,7 @@ public:
         for (const std::vector<size_t>& group : groupsOf()) {
             add(group, netOf(group));
         }
-        std::stable_sort(m_metal.polygons.begin(), m_metal.polygons.end(),
-                         [](const Polygon& a, const Polygon& b) { return a.net < b.net; });
+        std::ranges::stable_sort(m_metal.polygons, {}, &Polygon::net);
         collectRails();
         return std::move(m_metal);
     }
@@ -109,10 +99,9 @@ private:
     /// Takes a rectangle; a line or a point is no metal.
     void takeRect(const LefPoint& a, const LefPoint& b, size_t pin)
     {
-        const auto [xl, xh] = std::minmax(a.x, b.x);
-        const auto [yl, yh] = std::minmax(a.y, b.y);
-        if (xl < xh && yl < yh) {
-            m_pieces.push_back({xl, yl, xh, yh, pin});
+        const geometry::Rect rect = geometry::rectBetween(a.x, a.y, b.x, b.y);
+        if (rect.hasArea()) {
+            m_pieces.push_back({rect, pin});
         }
         if (m_pieces.size() > MOST_RECTS) {
             throw CellFault("the cell has more than " + std::to_string(MOST_RECTS) + " rectangles of metal");
@@ -122,7 +111,7 @@ private:
     /// Pieces that hang together, in the order of the file.
     std::vector<std::vector<size_t>> groupsOf() const
     {
-        Sets sets(m_pieces.size());
+        geometry::Sets sets(m_pieces.size());
         for (size_t i = 0; i < m_pieces.size(); ++i) {
             for (size_t j = 0; j < i; ++j) {
                 if (touch(m_pieces[i], m_pieces[j])) {
@@ -160,7 +149,7 @@ private:
     {
         const std::string text =
             "metal of the pins " + a + " and " + b + " touches, and is taken for one net";
-        if (std::find(m_metal.remarks.begin(), m_metal.remarks.end(), text) == m_metal.remarks.end()) {
+        if (std::ranges::find(m_metal.remarks, text) == m_metal.remarks.end()) {
             m_metal.remarks.push_back(text);
         }
     }
@@ -173,16 +162,16 @@ private:
             return NOT_A_RAIL;
         }
         const auto any = [&](auto test) {
-            return std::any_of(group.begin(), group.end(), [&](size_t i) { return test(m_pieces[i]); });
+            return std::ranges::any_of(group, [&](size_t i) { return test(m_pieces[i].rect); });
         };
-        if (any([](const Piece& piece) { return piece.yl <= 0; })) {
+        if (any([](const geometry::Rect& piece) { return piece.yl <= 0; })) {
             return 1;
         }
-        if (any([this](const Piece& piece) { return piece.yh >= m_macro.height; })) {
+        if (any([this](const geometry::Rect& piece) { return piece.yh >= m_macro.height; })) {
             return 2;
         }
-        const bool across = any([](const Piece& piece) { return piece.xl <= 0; }) &&
-                            any([this](const Piece& piece) { return piece.xh >= m_macro.width; });
+        const bool across = any([](const geometry::Rect& piece) { return piece.xl <= 0; }) &&
+                            any([this](const geometry::Rect& piece) { return piece.xh >= m_macro.width; });
         return across ? 0 : NOT_A_RAIL;
     }
 
@@ -191,7 +180,7 @@ private:
         const int32_t place = railPlace(group, net);
         Polygon polygon{net, {}};
         for (const size_t i : group) {
-            const Piece& piece = m_pieces[i];
+            const geometry::Rect& piece = m_pieces[i].rect;
             Rect rect{toUnits(piece.xl), toUnits(piece.yl), toUnits(piece.xh), toUnits(piece.yh)};
             if (place != 3) { // a rail goes on in the neighbours
                 rect.xl = std::max(rect.xl, 0);
@@ -201,7 +190,7 @@ private:
                                 " reaches beyond the cell's left or right edge (0 to " +
                                 std::to_string(m_metal.width) + ")");
             }
-            if (rect.xl < rect.xh && rect.yl < rect.yh) {
+            if (rect.hasArea()) {
                 polygon.rects.push_back(rect);
             }
         }
@@ -222,12 +211,9 @@ private:
             m_metal.rails.push_back({key.first, std::move(rects)});
         }
         const auto bottom = [](const Polygon& rail) {
-            return std::min_element(rail.rects.begin(), rail.rects.end(),
-                                    [](const Rect& a, const Rect& b) { return a.yl < b.yl; })
-                ->yl;
+            return std::ranges::min_element(rail.rects, {}, &Rect::yl)->yl;
         };
-        std::stable_sort(m_metal.rails.begin(), m_metal.rails.end(),
-                         [&](const Polygon& a, const Polygon& b) { return bottom(a) < bottom(b); });
+        std::ranges::stable_sort(m_metal.rails, {}, bottom);
     }
 
     const LefMacro& m_macro;
@@ -251,9 +237,10 @@ int32_t Scale::of(Length length) const
     return static_cast<int32_t>(quotient - (doubled % divisor < 0 ? 1 : 0));
 }
 
-bool Scale::isExact(Length length) const
+std::string textOf(const Rect& rect)
 {
-    return length * placer::LIBRARY_SITE % m_site == 0;
+    return std::to_string(rect.xl) + " " + std::to_string(rect.yl) + " " + std::to_string(rect.xh) + " " +
+           std::to_string(rect.yh);
 }
 
 CellMetal metalOf(const LefMacro& macro, const Scale& scale)

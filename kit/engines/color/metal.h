@@ -32,7 +32,7 @@ public:
     int32_t of(lefdef::Length length) const;
 
     /// Whether a length is a whole number there.
-    bool isExact(lefdef::Length length) const;
+    bool isExact(lefdef::Length length) const { return length * placer::LIBRARY_SITE % m_site == 0; }
 
 private:
     lefdef::Length m_site;
@@ -54,7 +54,13 @@ struct CellMetal {
     std::vector<Polygon> polygons;    ///< all else, in the order of the pins, obstructions last
     bool exact = true;                ///< nothing was rounded
     std::vector<std::string> remarks; ///< what is odd about the cell, for warnings
+
+    /// Name of a polygon's net.
+    const std::string& netOf(size_t polygon) const { return nets[polygons[polygon].net]; }
 };
+
+/// A rectangle as in colour files: "0 10 190 100".
+std::string textOf(const Rect& rect);
 
 /// Sorts the metal of a master by nets.
 ///

@@ -3,29 +3,17 @@
 
 #include <algorithm>
 #include <deque>
-#include <limits>
 #include <map>
 
 #include "kit/design/spacing.h"
+#include "kit/engines/color/cuts.h"
 #include "kit/engines/color/grid.h"
-#include "kit/engines/color/pieces.h"
 
 namespace kit::color {
 
 namespace {
 
 constexpr uint8_t NOT_MASK_0 = 6;
-
-int64_t squaredDistance(const Part& a, const Part& b)
-{
-    int64_t least = std::numeric_limits<int64_t>::max();
-    for (const Rect& rect : a.rects) {
-        for (const Rect& other : b.rects) {
-            least = std::min(least, design::squaredDistance(rect, other));
-        }
-    }
-    return least;
-}
 
 /// Builds the graph of a cell.
 class Builder {
@@ -92,7 +80,7 @@ private:
 
     bool meet(size_t a, size_t b) const
     {
-        return std::any_of(m_graph.joints.begin(), m_graph.joints.end(), [a, b](const Joint& joint) {
+        return std::ranges::any_of(m_graph.joints, [a, b](const Joint& joint) {
             return (joint.a == a && joint.b == b) || (joint.a == b && joint.b == a);
         });
     }
@@ -103,7 +91,8 @@ private:
         const int64_t limit = int64_t{m_rules.distance} * m_rules.distance;
         for (size_t b = 0; b < m_graph.parts.size(); ++b) {
             for (size_t a = 0; a < b; ++a) {
-                const int64_t squared = squaredDistance(m_graph.parts[a], m_graph.parts[b]);
+                const int64_t squared =
+                    design::closestOf(m_graph.parts[a].rects, m_graph.parts[b].rects).squared;
                 if (squared >= limit) {
                     continue;
                 }
@@ -150,7 +139,7 @@ private:
         while (way.back() != a) {
             way.push_back(cameFrom.at(way.back()));
         }
-        std::sort(way.begin(), way.end());
+        std::ranges::sort(way);
         return way;
     }
 
@@ -171,13 +160,10 @@ private:
             if (useless && !touched[polygon]) {
                 touched[polygon] = true;
                 std::vector<Cut>& cuts = m_cuts[polygon];
-                cuts.erase(std::find_if(cuts.begin(), cuts.end(), [&joint](const Cut& cut) {
-                    return cut.upright == joint.cut.upright && cut.at == joint.cut.at &&
-                           cut.box.xl == joint.cut.box.xl && cut.box.yl == joint.cut.box.yl;
-                }));
+                cuts.erase(std::ranges::find(cuts, joint.cut));
             }
         }
-        return std::find(touched.begin(), touched.end(), true) != touched.end();
+        return std::ranges::find(touched, true) != touched.end();
     }
 
     /// Whether a part at an end can always take the mask of the part that it hangs on.
@@ -188,8 +174,8 @@ private:
             return false;
         }
         const std::vector<Close>& bodys = m_close[body];
-        return std::all_of(m_close[end].begin(), m_close[end].end(), [&](const Close& close) {
-            return close.part == body || std::any_of(bodys.begin(), bodys.end(), [&](const Close& other) {
+        return std::ranges::all_of(m_close[end], [&](const Close& close) {
+            return close.part == body || std::ranges::any_of(bodys, [&](const Close& other) {
                        return other.part == close.part && (other.hard || !close.hard);
                    });
         });

@@ -69,12 +69,12 @@ bool joined(const std::vector<Joint>& joints, size_t from, size_t to, IsOnMask i
             const size_t here = reached[i];
             const size_t next = joint.a == here ? joint.b : joint.a;
             const bool meets = joint.a == here || joint.b == here;
-            if (meets && isOnMask(next) && std::find(reached.begin(), reached.end(), next) == reached.end()) {
+            if (meets && isOnMask(next) && std::ranges::find(reached, next) == reached.end()) {
                 reached.push_back(next);
             }
         }
     }
-    return std::find(reached.begin(), reached.end(), to) != reached.end();
+    return std::ranges::find(reached, to) != reached.end();
 }
 
 } // namespace kit::color

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/engines/color/run.h"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <exception>
 #include <filesystem>
 #include <iostream>
+#include <map>
 #include <mutex>
+#include <numeric>
 #include <thread>
 
 #include "kit/base/fault.h"
@@ -14,7 +17,6 @@
 #include "kit/base/files/outputFile.h"
 #include "kit/base/files/outputPaths.h"
 #include "kit/base/finding.h"
-#include "kit/engines/color/picture.h"
 #include "kit/engines/color/report.h"
 #include "kit/formats/lefdef/units.h"
 #include "kit/formats/placer/writer.h"
@@ -22,7 +24,82 @@
 namespace kit::color {
 
 namespace {
+
+using lefdef::Lef;
 using lefdef::LefMacro;
+using lefdef::LefSite;
+using lefdef::Length;
+
+/// Whether masters of a class stand in rows: CORE with all that follows it, also where the class is missing,
+/// and ENDCAP PRE and POST.
+bool standsInRows(const std::string& macroClass)
+{
+    return macroClass.empty() || macroClass == "CORE" || macroClass.starts_with("CORE ") ||
+           macroClass == "ENDCAP PRE" || macroClass == "ENDCAP POST";
+}
+
+std::vector<const LefMacro*> rowCellsOf(const Lef& lef)
+{
+    std::vector<const LefMacro*> cells;
+    for (const LefMacro& macro : lef.macros) {
+        if (standsInRows(macro.macroClass)) {
+            cells.push_back(&macro);
+        }
+    }
+    return cells;
+}
+
+/// The site of class CORE that most cells name.
+const LefSite* mostNamedSite(const Lef& lef, const std::vector<const LefMacro*>& cells)
+{
+    const LefSite* best = nullptr;
+    std::ptrdiff_t most = -1;
+    for (const LefSite& site : lef.sites) {
+        const std::ptrdiff_t users =
+            std::ranges::count_if(cells, [&site](const LefMacro* cell) { return cell->site == site.name; });
+        if (site.siteClass == "CORE" && site.width > 0 && users > most) {
+            best = &site;
+            most = users;
+        }
+    }
+    return best;
+}
+
+Length commonWidth(const std::vector<const LefMacro*>& cells)
+{
+    Length width = 0;
+    for (const LefMacro* cell : cells) {
+        width = std::gcd(width, cell->width);
+    }
+    return width;
+}
+
+Length commonHeight(const std::vector<const LefMacro*>& cells)
+{
+    std::map<Length, size_t> counts;
+    for (const LefMacro* cell : cells) {
+        ++counts[cell->height];
+    }
+    return std::ranges::max_element(counts, [](const auto& a, const auto& b) { return a.second < b.second; })
+        ->first;
+}
+
+SiteSize siteOf(const Library& library, const std::vector<const LefMacro*>& cells, Findings& findings)
+{
+    if (const LefSite* const site = mostNamedSite(library.lef, cells)) {
+        return {site->width, site->height > 0 ? site->height : commonHeight(cells)};
+    }
+    const SiteSize site{commonWidth(cells), commonHeight(cells)};
+    if (site.width <= 0) {
+        throw Fault("the files have neither a site of class CORE nor a cell with a width: give --site W,H");
+    }
+    Reporter(findings, library.sources.front().path())
+        .note("no-site", {},
+              "there is no site of class CORE, and the cells' widths are multiples of " +
+                  lefdef::micronText(site.width) + " um, which is taken for its width",
+              "give --site W,H if it is another");
+    return site;
+}
 
 constexpr int UNCLEAN = 1;
 constexpr int BAD_INPUT = 2;
@@ -53,35 +130,35 @@ public:
 private:
     void read(const LefMacro& macro)
     {
-        const MacroPlace place = placeOf(m_library, macro);
-        Reporter reporter(m_result.findings, place.file);
+        lefdef::SourceReporter reporter(m_result.findings, sourceOf(m_library, macro));
         try {
             if (!isFileName(macro.name)) {
                 throw CellFault("its name cannot be that of a file");
             }
             CellMetal metal = metalOf(macro, Scale(m_result.selection.site.width));
-            tellOddities(macro, metal, reporter, place.at);
+            tellOddities(macro, metal, reporter);
             m_result.metal.push_back(std::move(metal));
         } catch (const CellFault& fault) {
-            reporter.error("bad-cell", place.at, macro.name + " gets no colour file: " + fault.what(), "");
+            reporter.error("bad-cell", macro.offset, macro.name + " gets no colour file: " + fault.what(),
+                           "");
         }
     }
 
-    void tellOddities(const LefMacro& macro, const CellMetal& metal, Reporter& reporter, Place at)
+    void tellOddities(const LefMacro& macro, const CellMetal& metal, lefdef::SourceReporter& reporter)
     {
         for (const std::string& remark : metal.remarks) {
-            reporter.warning("touching-pins", at, macro.name + ": " + remark, "");
+            reporter.warning("touching-pins", macro.offset, macro.name + ": " + remark, "");
         }
         if (!metal.exact && !m_inexactTold) {
             m_inexactTold = true;
-            reporter.warning("rounded", at,
+            reporter.warning("rounded", macro.offset,
                              "lengths of " + macro.name + " are rounded, as a site of " +
                                  lefdef::micronText(m_result.selection.site.width) +
                                  " um is 190 wide in colour files",
                              "others may be as well");
         }
         if (macro.width % m_result.selection.site.width != 0) {
-            reporter.warning("cell-width", at,
+            reporter.warning("cell-width", macro.offset,
                              macro.name + " is " + lefdef::micronText(macro.width) +
                                  " um wide, no whole number of sites of " +
                                  lefdef::micronText(m_result.selection.site.width) + " um",
@@ -89,19 +166,19 @@ private:
         }
         if (!m_masksTold && hasMasks(macro)) {
             m_masksTold = true;
-            reporter.note("masks", at, macro.name + " has shapes with masks, which are ignored", "");
+            reporter.add(Severity::NOTE, "masks", macro.offset,
+                         macro.name + " has shapes with masks, which are ignored", "");
         }
     }
 
     static bool hasMasks(const LefMacro& macro)
     {
         const auto anyMask = [](const std::vector<lefdef::LefShape>& shapes) {
-            return std::any_of(shapes.begin(), shapes.end(),
-                               [](const auto& shape) { return shape.mask != 0; });
+            return std::ranges::any_of(shapes, [](const auto& shape) { return shape.mask != 0; });
         };
-        return anyMask(macro.obstructions) ||
-               std::any_of(macro.pins.begin(), macro.pins.end(),
-                           [&](const lefdef::LefPin& pin) { return anyMask(pin.shapes); });
+        return anyMask(macro.obstructions) || std::ranges::any_of(macro.pins, [&](const lefdef::LefPin& pin) {
+                   return anyMask(pin.shapes);
+               });
     }
 
     const Library& m_library;
@@ -148,26 +225,27 @@ void tellTroubles(const Options& options, const Library& library, Result& result
         if (!cell.trouble && !cell.tooLarge) {
             continue;
         }
-        const auto macro =
-            std::find_if(result.selection.cells.begin(), result.selection.cells.end(),
-                         [&](const LefMacro* other) { return other->name == result.metal[i].name; });
-        const MacroPlace place = placeOf(library, **macro);
-        Reporter(result.findings, place.file)
+        const auto macro = std::ranges::find_if(result.selection.cells, [&](const LefMacro* other) {
+            return other->name == result.metal[i].name;
+        });
+        lefdef::SourceReporter(result.findings, sourceOf(library, **macro))
             .add(cell.file ? Severity::WARNING : Severity::ERROR,
-                 cell.tooLarge ? "too-intricate" : "no-coloring", place.at,
+                 cell.tooLarge ? "too-intricate" : "no-coloring", (*macro)->offset,
                  troubleText(result.metal[i], cell, options.settings.rules, result.selection.site.width), "");
     }
 }
 
 int exitStatusOf(const Result& result, bool errors)
 {
-    const bool clean = std::all_of(result.colours.begin(), result.colours.end(),
-                                   [](const ColouredCell& cell) { return cell.file && !cell.trouble; });
+    const bool clean = std::ranges::all_of(
+        result.colours, [](const ColouredCell& cell) { return cell.file && !cell.trouble; });
     return errors ? BAD_INPUT : (clean ? 0 : UNCLEAN);
 }
 
-} // namespace
-
+/// Colours cells side by side. The result does not depend on the number of threads.
+///
+/// @param bottom  lowest metal in all cells of the library, at most 0
+/// @param jobs    threads, at least 1
 std::vector<ColouredCell> colourAll(const std::vector<CellMetal>& cells, const Settings& settings,
                                     int32_t bottom, size_t jobs)
 {
@@ -197,6 +275,56 @@ std::vector<ColouredCell> colourAll(const std::vector<CellMetal>& cells, const S
         std::rethrow_exception(failure);
     }
     return results;
+}
+
+} // namespace
+
+Library readLibrary(const std::vector<std::string>& paths, const std::string& layer, Findings& findings)
+{
+    Library library;
+    for (const std::string& path : paths) {
+        library.sources.emplace_back(path);
+        lefdef::readLef(library.sources.back(), layer, static_cast<int32_t>(library.sources.size() - 1),
+                        library.lef, findings);
+    }
+    return library;
+}
+
+Selection selectCells(const Library& library, const std::optional<SiteSize>& site, Findings& findings)
+{
+    const std::vector<const LefMacro*> cells = rowCellsOf(library.lef);
+    if (cells.empty()) {
+        throw Fault("the files have no cells of class CORE");
+    }
+    requireMetal(library.lef, cells);
+    if (std::ranges::none_of(cells, [](const LefMacro* cell) { return hasMetal(*cell); })) {
+        throw Fault("the cells have no metal");
+    }
+    Selection selection;
+    selection.site = site ? *site : siteOf(library, cells, findings);
+    for (const LefMacro* cell : cells) {
+        if (cell->height == selection.site.height) {
+            selection.cells.push_back(cell);
+            continue;
+        }
+        ++selection.otherHeights;
+        lefdef::SourceReporter(findings, sourceOf(library, *cell))
+            .warning("cell-height", cell->offset,
+                     cell->name + " is " + lefdef::micronText(cell->height) + " um high and the rows " +
+                         lefdef::micronText(selection.site.height) +
+                         " um: the placer takes every cell to be one row "
+                         "high, and it gets no colour file",
+                     "make it a macro in the design");
+    }
+    if (selection.cells.empty()) {
+        throw Fault("no cell is as high as the site, " + lefdef::micronText(selection.site.height) + " um");
+    }
+    return selection;
+}
+
+const lefdef::Source& sourceOf(const Library& library, const LefMacro& macro)
+{
+    return *std::next(library.sources.begin(), macro.source);
 }
 
 int run(Options options)

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <list>
 #include <optional>
 #include <string>
 #include <vector>
@@ -10,10 +11,46 @@
 #include "kit/base/finding.h"
 #include "kit/design/distance.h"
 #include "kit/engines/color/cell.h"
-#include "kit/engines/color/library.h"
 #include "kit/engines/color/metal.h"
+#include "kit/formats/lefdef/lef.h"
+#include "kit/formats/lefdef/source.h"
 
 namespace kit::color {
+
+using lefdef::SiteSize;
+
+/// LEF files that are one library.
+struct Library {
+    std::list<lefdef::Source> sources; ///< in the order of reading
+    lefdef::Lef lef;
+};
+
+/// What of a library is coloured.
+struct Selection {
+    SiteSize site;
+    std::vector<const lefdef::LefMacro*> cells; ///< in the order of the files
+    size_t otherHeights = 0;                    ///< cells that are not one row high, and are left out
+};
+
+/// Reads LEF files.
+///
+/// @param findings  out: problems
+/// Errors: throws Fault for a file that cannot be read.
+Library readLibrary(const std::vector<std::string>& paths, const std::string& layer, Findings& findings);
+
+/// Selects the cells.
+///
+/// The site is the one given; else the one of class CORE that most cells name, of equal ones the first; else
+/// as wide as the greatest common divisor of the cells' widths, with a note. A cell of another height than
+/// the site's, or than most cells where there is no site, is left out with a warning.
+///
+/// @param site      of --site, if given
+/// @param findings  out: warnings and notes
+/// Errors: throws Fault if there are no cells, none has metal, or there is no site width.
+Selection selectCells(const Library& library, const std::optional<SiteSize>& site, Findings& findings);
+
+/// The file that a master is in.
+const lefdef::Source& sourceOf(const Library& library, const lefdef::LefMacro& macro);
 
 /// Everything the user can choose.
 struct Options {
@@ -37,13 +74,6 @@ struct Result {
     Findings findings;
     double seconds = 0; ///< for colouring alone
 };
-
-/// Colours cells side by side. The result does not depend on the number of threads.
-///
-/// @param bottom  lowest metal in all cells of the library, at most 0
-/// @param jobs    threads, at least 1
-std::vector<ColouredCell> colourAll(const std::vector<CellMetal>& cells, const Settings& settings,
-                                    int32_t bottom, size_t jobs);
 
 /// Writes the colour files of a library and tells how it went.
 ///

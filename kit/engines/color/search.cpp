@@ -2,13 +2,11 @@
 #include "kit/engines/color/search.h"
 
 #include <algorithm>
+#include <limits>
 #include <tuple>
 
 #include "kit/engines/color/frontier.h"
-#include "kit/engines/color/problem.h"
-#include "kit/engines/color/sets.h"
-#include "kit/engines/color/sides.h"
-#include "kit/engines/color/spread.h"
+#include "kit/geometry/sets.h"
 
 namespace kit::color {
 
@@ -17,7 +15,7 @@ namespace {
 /// Parts that do not depend on each other, some of them left out.
 std::vector<std::vector<size_t>> componentsOf(const Graph& graph, const std::vector<bool>& wanted)
 {
-    Sets sets(graph.parts.size());
+    geometry::Sets sets(graph.parts.size());
     const auto join = [&](size_t a, size_t b) {
         if (wanted[a] && wanted[b]) {
             sets.join(a, b);
@@ -30,9 +28,7 @@ std::vector<std::vector<size_t>> componentsOf(const Graph& graph, const std::vec
         join(pair.a, pair.b);
     }
     std::vector<std::vector<size_t>> components = sets.all();
-    components.erase(std::remove_if(components.begin(), components.end(),
-                                    [&](const auto& parts) { return !wanted[parts.front()]; }),
-                     components.end());
+    std::erase_if(components, [&](const auto& parts) { return !wanted[parts.front()]; });
     return components;
 }
 
@@ -84,8 +80,7 @@ Colourings solve(const Graph& graph, const std::vector<size_t>& parts, const Rul
     }
     const uint32_t least = frontiers.least();
     uint32_t most = least;
-    const bool seen =
-        std::any_of(parts.begin(), parts.end(), [&](size_t i) { return graph.parts[i].atSide; });
+    const bool seen = std::ranges::any_of(parts, [&](size_t i) { return graph.parts[i].atSide; });
     if (seen) {
         // Where those with more stitches are too many to look at, those with the fewest have to do.
         if (frontiers.search(least + limits.moreStitches, limits) == Outcome::FOUND) {
@@ -104,8 +99,8 @@ Colourings solve(const Graph& graph, const std::vector<size_t>& parts, const Rul
 
 void sort(std::vector<Colouring>& all)
 {
-    std::sort(all.begin(), all.end(), [](const Colouring& a, const Colouring& b) {
-        return std::tie(a.cost, a.sides, a.masks) < std::tie(b.cost, b.sides, b.masks);
+    std::ranges::sort(all, {}, [](const Colouring& colouring) {
+        return std::tie(colouring.cost, colouring.sides, colouring.masks);
     });
 }
 
@@ -138,6 +133,57 @@ void fillSides(const Graph& graph, Colouring& colouring)
         }
     }
 }
+
+size_t differing(const Masks& a, const Masks& b)
+{
+    size_t count = 0;
+    for (size_t i = 0; i < a.size(); ++i) {
+        count += a[i] != b[i] ? 1 : 0;
+    }
+    return count;
+}
+
+/// Chooses colourings that differ.
+class Chooser {
+public:
+    explicit Chooser(const std::vector<Colouring>& all)
+        : m_all(all), m_distances(all.size(), std::numeric_limits<size_t>::max()), m_isChosen(all.size())
+    {
+    }
+
+    /// Chooses some of a range.
+    void choose(size_t begin, size_t end, size_t count)
+    {
+        for (size_t i = 0; i < count; ++i) {
+            size_t best = end;
+            for (size_t k = begin; k < end; ++k) {
+                if (!m_isChosen[k] && (best == end || m_distances[k] > m_distances[best])) {
+                    best = k;
+                }
+            }
+            m_isChosen[best] = true;
+            for (size_t k = 0; k < m_all.size(); ++k) {
+                m_distances[k] = std::min(m_distances[k], differing(m_all[k].sides, m_all[best].sides));
+            }
+        }
+    }
+
+    std::vector<Colouring> result() const
+    {
+        std::vector<Colouring> result;
+        for (size_t i = 0; i < m_all.size(); ++i) {
+            if (m_isChosen[i]) {
+                result.push_back(m_all[i]);
+            }
+        }
+        return result;
+    }
+
+private:
+    const std::vector<Colouring>& m_all;
+    std::vector<size_t> m_distances; ///< to the chosen one that is most alike
+    std::vector<bool> m_isChosen;
+};
 
 } // namespace
 
@@ -180,6 +226,30 @@ Colourings colouringsOf(const Graph& graph, const Rules& rules, const Limits& li
         thinOut(result.all, limits.results);
     }
     return result;
+}
+
+std::vector<Colouring> chosen(const std::vector<Colouring>& all, size_t most)
+{
+    const auto endOf = [&all](size_t begin) { // of those that cost the same
+        size_t end = begin;
+        while (end < all.size() && all[end].cost == all[begin].cost) {
+            ++end;
+        }
+        return end;
+    };
+    const size_t least = endOf(0);
+    const size_t reserved = std::min(most / 4, all.size() - least);
+    size_t places = most - std::min(least, most - reserved);
+    Chooser chooser(all);
+    chooser.choose(0, least, most - places);
+    for (size_t begin = least; begin < all.size() && places > 0;) {
+        const size_t end = endOf(begin);
+        const size_t count = std::min(end - begin, places);
+        chooser.choose(begin, end, count);
+        places -= count;
+        begin = end;
+    }
+    return chooser.result();
 }
 
 } // namespace kit::color

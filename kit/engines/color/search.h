@@ -8,9 +8,9 @@
 // found is proved cheapest.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "kit/engines/color/parts.h"
@@ -61,5 +61,49 @@ std::optional<bool> isColourable(const Graph& graph, const std::vector<bool>& wa
 ///
 /// If there are more than the limits allow, evenly spread ones of them are left, the cheapest among them.
 Colourings colouringsOf(const Graph& graph, const Rules& rules, const Limits& limits);
+
+/// The colourings of a cell that its file gets.
+///
+/// Three quarters of the places go to colourings of the least cost, the others to ones with more stitches,
+/// the cheaper first, as far as there are; what either leaves free the other gets. Among equally good ones
+/// each place goes to the one whose sides differ most from the chosen ones, counted in parts, from the one
+/// that is most like it: so the placer can choose. Of equals the one that comes first is taken.
+///
+/// @param all   by cost, then by sides
+/// @param most  places, at least 1
+/// @return in the order of `all`
+std::vector<Colouring> chosen(const std::vector<Colouring>& all, size_t most);
+
+/// At most so many of them: all of the cheapest that have room together, the rest evenly spread over their
+/// order.
+///
+/// @param all     by cost
+/// @param costOf  gives the cost of one
+template <typename Item, typename CostOf>
+void thinOut(std::vector<Item>& all, size_t most, CostOf costOf)
+{
+    if (all.size() <= most) {
+        return;
+    }
+    size_t kept = 0; // of the costs that have room as a whole
+    for (size_t i = 1; i <= most; ++i) {
+        kept = costOf(all[i]) > costOf(all[i - 1]) ? i : kept;
+    }
+    const size_t rest = all.size() - kept;
+    const size_t room = most - kept;
+    for (size_t i = 0; i < room; ++i) {
+        const size_t from = kept + i * rest / room;
+        if (from != kept + i) {
+            all[kept + i] = std::move(all[from]);
+        }
+    }
+    all.resize(most);
+}
+
+/// As thinOut() by the costs of colourings.
+inline void thinOut(std::vector<Colouring>& all, size_t most)
+{
+    thinOut(all, most, [](const Colouring& colouring) { return colouring.cost; });
+}
 
 } // namespace kit::color

@@ -4,8 +4,8 @@
 #include <optional>
 #include <unordered_map>
 
+#include "kit/formats/lefdef/edits.h"
 #include "kit/formats/lefdef/scanner.h"
-#include "kit/formats/lefdef/statement.h"
 
 namespace kit::exporter {
 

@@ -6,7 +6,6 @@
 
 #include "kit/base/files/outputPaths.h"
 #include "kit/design/coloredPlacement.h"
-#include "kit/design/matching.h"
 #include "kit/formats/placer/reader.h"
 
 namespace kit::exporter {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "kit/base/finding.h"
-#include "kit/design/frame.h"
+#include "kit/design/coloredPlacement.h"
 #include "kit/design/nameMap.h"
 #include "kit/engines/export/options.h"
 #include "kit/engines/export/result.h"

@@ -9,7 +9,8 @@
 
 #include "kit/engines/export/layerProperties.h"
 #include "kit/formats/gds/gdsNames.h"
-#include "kit/formats/lefdef/transform.h"
+#include "kit/formats/lefdef/orient.h"
+#include "kit/geometry/polygon.h"
 
 namespace kit::exporter {
 

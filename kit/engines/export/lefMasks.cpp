@@ -9,7 +9,6 @@
 #include "kit/engines/export/pieces.h"
 #include "kit/formats/lefdef/edits.h"
 #include "kit/formats/lefdef/scanner.h"
-#include "kit/formats/lefdef/statement.h"
 #include "kit/formats/lefdef/units.h"
 
 namespace kit::exporter {

@@ -8,8 +8,8 @@
 
 #include "kit/base/fault.h"
 #include "kit/base/finding.h"
-#include "kit/design/trueOrient.h"
-#include "kit/formats/placer/names.h"
+#include "kit/design/nameMap.h"
+#include "kit/formats/placer/design.h"
 
 namespace kit::exporter {
 

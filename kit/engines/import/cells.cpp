@@ -5,7 +5,7 @@
 #include <string>
 
 #include "kit/formats/lefdef/units.h"
-#include "kit/formats/placer/names.h"
+#include "kit/formats/placer/design.h"
 
 namespace kit::importing {
 
@@ -27,8 +27,8 @@ bool hasWord(const std::string& words, std::string_view word)
 bool staysByClass(const LefMacro& macro)
 {
     const std::string& words = macro.macroClass;
-    return words.rfind("BLOCK", 0) == 0 || words.rfind("PAD", 0) == 0 || words.rfind("RING", 0) == 0 ||
-           words.rfind("ENDCAP", 0) == 0 || hasWord(words, "WELLTAP");
+    return words.starts_with("BLOCK") || words.starts_with("PAD") || words.starts_with("RING") ||
+           words.starts_with("ENDCAP") || hasWord(words, "WELLTAP");
 }
 
 class CellSorter {
@@ -114,11 +114,7 @@ private:
         if (isOnItsSide(comp.orient)) {
             std::swap(width, height);
         }
-        const auto cut = [](int64_t value) {
-            return static_cast<int32_t>(std::min<int64_t>(value, INT32_MAX));
-        };
-        m_cells.blocks.push_back(
-            {.xl = comp.x, .yl = comp.y, .xh = cut(comp.x + width), .yh = cut(comp.y + height)});
+        m_cells.blocks.push_back({.xl = comp.x, .yl = comp.y, .xh = comp.x + width, .yh = comp.y + height});
     }
 
     int64_t wholeSites(const LefMacro& macro) const

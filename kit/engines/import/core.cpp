@@ -26,8 +26,7 @@ std::string textOf(std::string_view name)
 
 const LefSite* findSite(const Lef& lef, std::string_view name)
 {
-    const auto at = std::find_if(lef.sites.begin(), lef.sites.end(),
-                                 [&](const LefSite& site) { return site.name == name; });
+    const auto at = std::ranges::find_if(lef.sites, [&](const LefSite& site) { return site.name == name; });
     return at != lef.sites.end() ? &*at : nullptr;
 }
 
@@ -36,8 +35,8 @@ std::optional<SiteSize> lowestSite(const Def& def, const Lef& lef)
 {
     std::optional<SiteSize> lowest;
     for (const LefSite& site : lef.sites) {
-        const bool used = std::any_of(def.rows.begin(), def.rows.end(),
-                                      [&](const DefRow& row) { return row.site == site.name; });
+        const bool used =
+            std::ranges::any_of(def.rows, [&](const DefRow& row) { return row.site == site.name; });
         if (used && (!lowest || site.height < lowest->height)) {
             lowest = {.width = site.width, .height = site.height};
         }
@@ -53,7 +52,7 @@ int64_t leastPitch(const std::vector<DefRow>& rows)
     for (const DefRow& row : rows) {
         heights.push_back(row.y);
     }
-    std::sort(heights.begin(), heights.end());
+    std::ranges::sort(heights);
     int64_t least = 0;
     for (size_t i = 1; i < heights.size(); ++i) {
         const int64_t pitch = heights[i] - heights[i - 1];
@@ -108,8 +107,8 @@ private:
             setSiteSize(*size);
             return;
         }
-        const auto stepped = std::find_if(m_def.rows.begin(), m_def.rows.end(),
-                                          [](const DefRow& row) { return row.columns > 1 && row.stepX > 0; });
+        const auto stepped = std::ranges::find_if(
+            m_def.rows, [](const DefRow& row) { return row.columns > 1 && row.stepX > 0; });
         m_core.siteWidth = stepped != m_def.rows.end() ? stepped->stepX : 0;
         m_core.siteHeight = leastPitch(m_def.rows);
         if (m_core.siteWidth <= 0 || m_core.siteHeight <= 0) {
@@ -201,8 +200,7 @@ private:
     void joinPieces()
     {
         for (Row& row : m_core.rows) {
-            std::sort(row.pieces.begin(), row.pieces.end(),
-                      [](const Piece& a, const Piece& b) { return a.begin < b.begin; });
+            std::ranges::sort(row.pieces, {}, &Piece::begin);
             std::vector<Piece> joined;
             for (const Piece& piece : row.pieces) {
                 join(row, piece, joined);
@@ -231,8 +229,7 @@ private:
         std::vector<size_t>& order = m_core.byHeight;
         order.resize(m_core.rows.size());
         std::iota(order.begin(), order.end(), size_t{0});
-        std::sort(order.begin(), order.end(),
-                  [&](size_t a, size_t b) { return m_core.rows[a].y < m_core.rows[b].y; });
+        std::ranges::sort(order, {}, [&](size_t i) { return m_core.rows[i].y; });
         for (size_t i = 1; i < order.size(); ++i) {
             const Row& lower = m_core.rows[order[i - 1]];
             const Row& upper = m_core.rows[order[i]];
@@ -287,8 +284,7 @@ void blockGaps(Row& row, int64_t siteWidth)
 
 void mergeBlocks(Row& row)
 {
-    std::sort(row.blocks.begin(), row.blocks.end(),
-              [](const Interval& a, const Interval& b) { return a.begin < b.begin; });
+    std::ranges::sort(row.blocks, {}, &Interval::begin);
     std::vector<Interval> merged;
     for (const Interval& block : row.blocks) {
         if (!merged.empty() && block.begin <= merged.back().end) {
@@ -301,11 +297,6 @@ void mergeBlocks(Row& row)
 }
 
 } // namespace
-
-int64_t Row::numSites(int64_t siteWidth) const
-{
-    return (end() - begin() + siteWidth - 1) / siteWidth;
-}
 
 size_t Core::firstAbove(int64_t y) const
 {
@@ -366,12 +357,6 @@ std::vector<Interval> freeStretches(const Row& row)
         stretches.push_back({.begin = begin, .end = row.end()});
     }
     return stretches;
-}
-
-const Piece& pieceOf(const Row& row, const Interval& stretch)
-{
-    return *std::prev(std::upper_bound(row.pieces.begin(), row.pieces.end(), stretch.begin,
-                                       [](int64_t x, const Piece& piece) { return x < piece.begin; }));
 }
 
 } // namespace kit::importing

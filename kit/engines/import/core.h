@@ -9,17 +9,14 @@
 
 #include "kit/formats/lefdef/def.h"
 #include "kit/formats/lefdef/lef.h"
+#include "kit/geometry/rect.h"
 
 namespace kit::importing {
 
 /// In place of an index, where there is nothing.
 inline constexpr size_t NONE = SIZE_MAX;
 
-/// From `begin` up to and without `end`, DBU.
-struct Interval {
-    int64_t begin = 0;
-    int64_t end = 0;
-};
+using Interval = geometry::RangeOf<int64_t>; ///< of x, DBU
 
 /// A part of a row without gaps: sites from its begin on.
 using Piece = Interval;
@@ -34,11 +31,13 @@ struct Row {
     std::vector<Piece> pieces{};    ///< from the left, disjoint
     std::vector<Interval> blocks{}; ///< what is not free: from the left, disjoint, each between two sites
 
+    /// Left end, DBU.
     int64_t begin() const { return pieces.front().begin; }
+    /// Right end, DBU.
     int64_t end() const { return pieces.back().end; }
 
     /// Sites from the begin on that hold all pieces.
-    int64_t numSites(int64_t siteWidth) const;
+    int64_t numSites(int64_t siteWidth) const { return (end() - begin() + siteWidth - 1) / siteWidth; }
 };
 
 /// The rows, and the size of their sites.
@@ -70,8 +69,5 @@ void addBlocks(Core& core, const std::vector<lefdef::DefRect>& rects);
 
 /// The stretches between the blocks of a row, from the left.
 std::vector<Interval> freeStretches(const Row& row);
-
-/// The piece in which a stretch lies; the stretch begins and ends on its sites.
-const Piece& pieceOf(const Row& row, const Interval& stretch);
 
 } // namespace kit::importing

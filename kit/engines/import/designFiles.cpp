@@ -6,7 +6,7 @@
 #include <numeric>
 #include <set>
 
-#include "kit/formats/gds/gdsName.h"
+#include "kit/formats/gds/gdsNames.h"
 #include "kit/formats/placer/writer.h"
 
 namespace kit::importing {
@@ -43,6 +43,26 @@ std::array<int64_t, 4> boundsOf(const Core& core)
     }
     return {left, core.rows[core.byHeight.front()].y, right,
             core.rows[core.byHeight.back()].y + core.siteHeight};
+}
+
+/// Order of the rows in which the placer takes the right height from them: it compares all with the first.
+///
+/// @return indices in Core::rows; NONE for a row without sites, one height above the first, where no two rows
+/// meet
+std::vector<size_t> rowOrder(const Core& core)
+{
+    std::vector<size_t> order(core.rows.size());
+    std::iota(order.begin(), order.end(), size_t{0});
+    auto first = std::ranges::find_if(order, [&](size_t row) { return hasNeighbour(core, core.rows[row]); });
+    const bool noneMeet = first == order.end();
+    if (noneMeet) { // above the highest there is room for a row without sites
+        first = std::ranges::find(order, core.byHeight.back());
+    }
+    std::rotate(order.begin(), first, std::next(first));
+    if (noneMeet) {
+        order.push_back(NONE);
+    }
+    return order;
 }
 
 void writeRows(placer::PlaceWriter& out, const Core& core)
@@ -89,23 +109,6 @@ void writeBlocks(placer::PlaceWriter& out, const Core& core)
 }
 
 } // namespace
-
-std::vector<size_t> rowOrder(const Core& core)
-{
-    std::vector<size_t> order(core.rows.size());
-    std::iota(order.begin(), order.end(), size_t{0});
-    auto first = std::find_if(order.begin(), order.end(),
-                              [&](size_t row) { return hasNeighbour(core, core.rows[row]); });
-    const bool noneMeet = first == order.end();
-    if (noneMeet) { // above the highest there is room for a row without sites
-        first = std::find(order.begin(), order.end(), core.byHeight.back());
-    }
-    std::rotate(order.begin(), first, std::next(first));
-    if (noneMeet) {
-        order.push_back(NONE);
-    }
-    return order;
-}
 
 std::vector<std::string> usedMasters(const DesignFiles& files)
 {

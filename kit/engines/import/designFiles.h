@@ -4,15 +4,20 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "kit/base/files/outputFile.h"
+#include "kit/design/nameMap.h"
 #include "kit/engines/import/cells.h"
 #include "kit/engines/import/core.h"
 #include "kit/engines/import/nets.h"
-#include "kit/engines/import/safeNames.h"
 
 namespace kit::importing {
+
+/// Whether the placer's files can carry a name: it has no blanks or control characters, fits its line, and
+/// does not mean the end of the components.
+bool isCarried(std::string_view name);
 
 /// A terminal of the placer: one of the design's, or a pin of a component that stays where it is.
 struct Terminal {
@@ -32,6 +37,7 @@ struct DesignFiles {
     std::vector<int32_t> members{};  ///< of all nets: index in Cells::movable, or -1 - index in terminals
     std::vector<size_t> netBegin{0}; ///< [net] its first member; one more at the end
 
+    /// Number of nets.
     size_t numNets() const { return netBegin.size() - 1; }
 
     /// The name of a member.
@@ -42,20 +48,26 @@ struct DesignFiles {
     }
 };
 
-/// Order of the rows in which the placer takes the right height from them: it compares all with the first.
-///
-/// @return indices in Core::rows; NONE for a row without sites, one height above the first, where no two rows
-/// meet
-std::vector<size_t> rowOrder(const Core& core);
-
 /// Names of the masters of the movable cells, sorted.
 std::vector<std::string> usedMasters(const DesignFiles& files);
 
-/// Write BASE.place, BASE.pins, BASE.netlist and BASE.cells. Errors: throw Fault if
-/// one cannot be written.
+/// Writes BASE.place. Errors: throws Fault if it cannot be written, as the others do.
 void writePlace(const DesignFiles& files, OutputFile& out);
+/// Writes BASE.pins.
 void writePins(const DesignFiles& files, OutputFile& out);
+/// Writes BASE.netlist.
 void writeNetlist(const DesignFiles& files, OutputFile& out);
+/// Writes BASE.cells.
 void writeCells(const DesignFiles& files, OutputFile& out);
+
+/// Fills in the names of the cells, the terminals and the members of the nets.
+///
+/// Terminals are the design's signal pins that have a place, then the pins of components that stay where they
+/// are, each in the middle of its metal, or else of its component. Members without a place are left out of
+/// their nets, with a warning.
+///
+/// @param renamed  out: names of cells that had to be changed
+void nameAll(const Nets& nets, const Names& names, lefdef::SourceReporter& reporter, DesignFiles& files,
+             std::vector<design::Renamed>& renamed);
 
 } // namespace kit::importing

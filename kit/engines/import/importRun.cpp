@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/engines/import/importRun.h"
 
-#include <algorithm>
-#include <memory>
 #include <ostream>
 #include <set>
 
@@ -10,9 +8,8 @@
 #include "kit/base/files/outputPaths.h"
 #include "kit/base/finding.h"
 #include "kit/design/nameMap.h"
+#include "kit/engines/import/cells.h"
 #include "kit/engines/import/designFiles.h"
-#include "kit/engines/import/legalize.h"
-#include "kit/engines/import/terminals.h"
 
 namespace kit::importing {
 
@@ -66,7 +63,7 @@ public:
         requireMasterNames();
         requireLayer();
         DesignFiles files{.def = m_def, .lef = m_lef, .core = m_core, .cells = m_cells};
-        Renamed renamed;
+        std::vector<design::Renamed> renamed;
         nameAll(nets, names, m_reporter, files, renamed);
         if (hasErrors(m_findings)) {
             return false;
@@ -171,7 +168,7 @@ private:
         requireMetal(m_lef, macros);
     }
 
-    void write(const DesignFiles& files, const Renamed& renamed) const
+    void write(const DesignFiles& files, const std::vector<design::Renamed>& renamed) const
     {
         OutputSet set;
         const auto add = [&](const char* extension, void (*writeOne)(const DesignFiles&, OutputFile&)) {
@@ -184,10 +181,8 @@ private:
         design::NameMap map{.def = m_options.def,
                             .hash = design::hashOf(m_source.text()),
                             .siteWidth = inPicometres(m_core.siteWidth),
-                            .siteHeight = inPicometres(m_core.siteHeight)};
-        for (const auto& [name, original] : renamed) {
-            map.names.push_back({.name = name, .original = original});
-        }
+                            .siteHeight = inPicometres(m_core.siteHeight),
+                            .names = renamed};
         for (size_t i = 0; i < m_cells.movable.size(); ++i) {
             if (m_cells.movable[i].flipped) {
                 map.flipped.push_back(files.cellNames[i]);
@@ -199,7 +194,8 @@ private:
 
     lefdef::Length inPicometres(int64_t dbu) const { return dbu * lefdef::MICRON / m_def.databaseMicrons; }
 
-    void summarize(const DesignFiles& files, const Renamed& renamed, Summary& summary) const
+    void summarize(const DesignFiles& files, const std::vector<design::Renamed>& renamed,
+                   Summary& summary) const
     {
         summary.design = std::string(m_def.design);
         summary.rows = static_cast<int64_t>(m_core.rows.size());

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "kit/engines/import/legalize.h"
+#include "kit/engines/import/cells.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -16,10 +16,7 @@ using lefdef::Def;
 
 constexpr size_t LARGE_NET = 100; ///< members
 
-struct Point {
-    int64_t x = 0;
-    int64_t y = 0;
-};
+using geometry::Point; ///< DBU
 
 /// The free sites of a row.
 class FreeSites {
@@ -112,7 +109,7 @@ public:
         const std::vector<Point> targets = targetsOf(homeless);
         std::vector<size_t> order(homeless.size());
         std::iota(order.begin(), order.end(), size_t{0});
-        std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) {
+        std::ranges::stable_sort(order, [&](size_t a, size_t b) {
             return m_cells.movable[homeless[a]].width > m_cells.movable[homeless[b]].width;
         });
         std::vector<size_t> left;
@@ -130,8 +127,7 @@ private:
     {
         std::vector<size_t> order(m_cells.movable.size());
         std::iota(order.begin(), order.end(), size_t{0});
-        std::stable_sort(order.begin(), order.end(),
-                         [&](size_t a, size_t b) { return m_cells.movable[a].x < m_cells.movable[b].x; });
+        std::ranges::stable_sort(order, {}, [&](size_t i) { return m_cells.movable[i].x; });
         std::vector<size_t> homeless;
         for (const size_t index : order) {
             Cell& cell = m_cells.movable[index];
@@ -140,7 +136,7 @@ private:
                 homeless.push_back(index);
             }
         }
-        std::sort(homeless.begin(), homeless.end());
+        std::ranges::sort(homeless);
         return homeless;
     }
 

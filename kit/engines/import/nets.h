@@ -2,6 +2,7 @@
 // The signal nets of a DEF, their members found by name.
 #pragma once
 
+#include <cassert>
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -24,11 +25,13 @@ struct Nets {
     std::vector<Member> members;  ///< of all nets
     std::vector<size_t> begin{0}; ///< [net] its first member; one more at the end
 
+    /// Number of nets.
     size_t size() const { return begin.size() - 1; }
 
     /// The members of a net.
     std::span<const Member> of(size_t net) const
     {
+        assert(net < size());
         return std::span(members).subspan(begin[net], begin[net + 1] - begin[net]);
     }
 };

@@ -5,7 +5,8 @@
 #include <vector>
 
 #include "kit/base/finding.h"
-#include "kit/engines/lint/options.h"
+#include "kit/design/stretches.h"
+#include "kit/engines/lint/lint.h"
 #include "kit/formats/placer/design.h"
 
 namespace kit::lint {
@@ -13,6 +14,7 @@ namespace kit::lint {
 /// What the checks look at.
 struct Subject {
     const placer::Design& design;
+    const design::Occupancy& occupancy; ///< of the design
     const Options& options;
     Findings& findings;
 };

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include <algorithm>
 #include <string>
 #include <vector>
 
 #include "kit/base/finding.h"
 #include "kit/base/text/text.h"
-#include "kit/design/occupancy.h"
+#include "kit/design/spacing.h"
 #include "kit/engines/lint/checks.h"
 
 namespace kit::lint {
@@ -15,10 +16,11 @@ using design::Stretch;
 using placer::Component;
 using placer::Row;
 
+/// Where the components stand, and how they lie.
 class ComponentCheck {
 public:
     explicit ComponentCheck(const Subject& subject)
-        : m_design(subject.design), m_occupancy(design::occupancyOf(subject.design)),
+        : m_design(subject.design), m_occupancy(subject.occupancy),
           m_reporter(subject.findings, subject.options.paths.place()), m_site(design::siteWidth(m_design))
     {
     }
@@ -41,11 +43,6 @@ public:
 
 private:
     const Stretch& stretch(int32_t index) const { return m_occupancy.stretches[static_cast<size_t>(index)]; }
-
-    const Component& component(int32_t index) const
-    {
-        return m_design.components[static_cast<size_t>(index)];
-    }
 
     int64_t rightOf(const Component& comp) const
     {
@@ -117,7 +114,7 @@ private:
     {
         const Component* farthest = nullptr;
         for (const int32_t index : comps) {
-            const Component& comp = component(index);
+            const Component& comp = m_design.component(index);
             if (farthest != nullptr && comp.x < rightOf(*farthest) && rightOf(comp) > comp.x) {
                 reportOverlap(comp, *farthest);
             }
@@ -137,9 +134,117 @@ private:
     }
 
     const placer::Design& m_design;
-    design::Occupancy m_occupancy;
+    const design::Occupancy& m_occupancy;
     Reporter m_reporter;
     int64_t m_site;
+};
+
+/// Whether the components have room in the rows.
+class CapacityCheck {
+public:
+    explicit CapacityCheck(const Subject& subject)
+        : m_design(subject.design), m_occupancy(subject.occupancy),
+          m_spacing(subject.design.cells,
+                    subject.options.minDist.unitsOn(design::siteLength(subject.design))),
+          m_tableFits(tableFits(subject.design.cells)),
+          m_reporter(subject.findings, subject.options.paths.place())
+    {
+    }
+
+    void run()
+    {
+        int64_t sites = 0;
+        for (size_t i = 0; i < m_occupancy.stretches.size(); ++i) {
+            checkStretch(m_occupancy.stretches[i], m_occupancy.components[i]);
+            sites += m_occupancy.stretches[i].numSites;
+        }
+        int64_t used = 0;
+        for (const Component& comp : m_design.components) {
+            used += design::widthInSites(m_design, comp);
+        }
+        if (used > sites && sites > 0) {
+            m_reporter.error("overfull-design", {},
+                             "the components take " + std::to_string(used) + " sites of the " +
+                                 std::to_string(sites) + " in all rows, and no placement is legal",
+                             "add rows, or remove cells");
+        }
+    }
+
+private:
+    void checkStretch(const Stretch& stretch, const std::vector<int32_t>& comps)
+    {
+        int64_t used = 0;
+        for (const int32_t comp : comps) {
+            used += design::widthInSites(m_design, m_design.component(comp));
+        }
+        const int64_t gaps = std::max<int64_t>(static_cast<int64_t>(comps.size()) - 1, 0);
+        if (used > stretch.numSites) {
+            report("overfull-row", stretch, used, "which fits only if others leave the row",
+                   "move some of them to other rows");
+        } else if (m_tableFits &&
+                   used + gaps * m_spacing.largest() > stretch.numSites) { // or any spacings fit
+            const int64_t coloured = used + leastSpacing(comps);
+            if (coloured > stretch.numSites) {
+                report("overfull-colors", stretch, coloured,
+                       "spacings included, whatever the colour solutions, in the order in which they stand",
+                       "leave more room in the row, or add solutions to its cells");
+            }
+        }
+    }
+
+    void report(const char* code, const Stretch& stretch, int64_t used, const char* how, const char* advice)
+    {
+        const placer::Row& row = m_design.rows[static_cast<size_t>(stretch.row)];
+        const int64_t perCent = (100 * used + stretch.numSites - 1) / stretch.numSites;
+        m_reporter.warning(code, {row.line, 0},
+                           "the components in row " + row.name + " from x " + std::to_string(stretch.x) +
+                               " on take " + std::to_string(used) + " sites of " +
+                               std::to_string(stretch.numSites) + " (" + std::to_string(perCent) + " %), " +
+                               how,
+                           advice);
+    }
+
+    bool isSpaced(const Component& comp) const
+    {
+        return comp.cell >= 0 && !m_design.cellOf(comp)->solutions.empty();
+    }
+
+    /// Sites that the components need between them in their order, with the best choice of solutions.
+    int64_t leastSpacing(const std::vector<int32_t>& comps)
+    {
+        const Component* left = nullptr;
+        std::vector<int64_t> least; // [solution of left] sites needed up to it
+        for (const int32_t index : comps) {
+            const Component& comp = m_design.component(index);
+            if (!isSpaced(comp)) {
+                continue;
+            }
+            const size_t solutions = m_design.cellOf(comp)->solutions.size();
+            least = left == nullptr ? std::vector<int64_t>(solutions) : step(least, *left, comp, solutions);
+            left = &comp;
+        }
+        return least.empty() ? 0 : *std::ranges::min_element(least);
+    }
+
+    std::vector<int64_t> step(const std::vector<int64_t>& before, const Component& left,
+                              const Component& right, size_t solutions)
+    {
+        const std::vector<int32_t>& sites = m_spacing.between(left.cell, right.cell);
+        std::vector<int64_t> after(solutions);
+        for (size_t t = 0; t < solutions; ++t) {
+            after[t] = before[0] + sites[t];
+            for (size_t s = 1; s < before.size(); ++s) {
+                after[t] = std::min(after[t], before[s] + sites[s * solutions + t]);
+            }
+        }
+        return after;
+    }
+
+    const placer::Design& m_design;
+    const design::Occupancy& m_occupancy;
+    design::Spacing m_spacing;
+    bool m_tableFits;
+    Reporter m_reporter;
 };
 
 void checkFillers(const Subject& subject)
@@ -168,6 +273,11 @@ void checkComponents(const Subject& subject)
 {
     ComponentCheck(subject).run();
     checkFillers(subject);
+}
+
+void checkCapacity(const Subject& subject)
+{
+    CapacityCheck(subject).run();
 }
 
 } // namespace kit::lint

@@ -1,14 +1,17 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <algorithm>
+#include <cmath>
+#include <functional>
 #include <limits>
 #include <string>
 #include <vector>
 
 #include "kit/base/finding.h"
 #include "kit/base/text/text.h"
-#include "kit/design/stretches.h"
+#include "kit/design/spacing.h"
 #include "kit/engines/lint/checks.h"
-#include "kit/formats/placer/names.h"
+#include "kit/formats/placer/design.h"
+#include "kit/geometry/sets.h"
 
 namespace kit::lint {
 
@@ -149,11 +152,89 @@ private:
     Reporter m_reporter;
 };
 
+/// The pairs of a cell's shapes that are closer than the colouring distance, and the metal they form.
+class MaskCheck {
+public:
+    MaskCheck(const Cell& cell, int32_t distance, lefdef::Length site, Findings& findings)
+        : m_cell(cell), m_reporter(findings, cell.path), m_distance(design::Distance::text(distance, site))
+    {
+        for (size_t a = 0; a < cell.shapes.size(); ++a) {
+            for (size_t b = a + 1; b < cell.shapes.size(); ++b) {
+                const int64_t square = design::closestOf(cell.shapes[a].rects, cell.shapes[b].rects).squared;
+                if (square < int64_t{distance} * distance) {
+                    m_pairs.push_back({a, b, square});
+                }
+            }
+        }
+    }
+
+    void run()
+    {
+        for (const placer::Solution& solution : m_cell.solutions) {
+            check(solution);
+        }
+    }
+
+private:
+    struct Pair {
+        size_t a;
+        size_t b;
+        int64_t square; ///< of their distance
+    };
+
+    void check(const placer::Solution& solution)
+    {
+        geometry::Sets metal(m_cell.shapes.size()); // shapes of one mask that touch, directly or by others
+        for (const Pair& pair : m_pairs) {
+            if (pair.square == 0 && solution.masks[pair.a] == solution.masks[pair.b]) {
+                metal.join(pair.a, pair.b);
+            }
+        }
+        for (const Pair& pair : m_pairs) {
+            if (metal.leastOf(pair.a) != metal.leastOf(pair.b) && conflicts(pair, solution)) {
+                report(pair, solution);
+            }
+        }
+    }
+
+    bool conflicts(const Pair& pair, const placer::Solution& solution) const
+    {
+        const int32_t mask = solution.masks[pair.a];
+        return mask == solution.masks[pair.b] && mask >= 0 && mask <= 2 &&
+               !design::isRail(m_cell, pair.a, solution) && !design::isRail(m_cell, pair.b, solution);
+    }
+
+    void report(const Pair& pair, const placer::Solution& solution)
+    {
+        const auto distance = static_cast<int64_t>(std::sqrt(static_cast<double>(pair.square)));
+        m_reporter.warning("same-mask", {solution.line, 0},
+                           "shapes " + std::to_string(pair.a + 1) + " and " + std::to_string(pair.b + 1) +
+                               " are on mask " + std::to_string(solution.masks[pair.a]) + " and only " +
+                               std::to_string(distance) + " apart, less than " + m_distance,
+                           "colour them differently: the placer does not look inside a cell");
+    }
+
+    const Cell& m_cell;
+    Reporter m_reporter;
+    std::string m_distance;    ///< for messages
+    std::vector<Pair> m_pairs; ///< closer than the colouring distance
+};
+
+/// Visits the cells that could be read; of a name the last, which is the one that components have.
+void forEachCell(const std::vector<Cell>& cells, const std::function<void(size_t)>& visit)
+{
+    const placer::NameIndex last = placer::indexNames(cells);
+    for (size_t i = 0; i < cells.size(); ++i) {
+        if (cells[i].complete && placer::findName(last, cells[i].name) == static_cast<int32_t>(i)) {
+            visit(i);
+        }
+    }
+}
+
 void checkHeights(const Subject& subject)
 {
     const std::vector<Cell>& cells = subject.design.cells;
-    const auto first =
-        std::find_if(cells.begin(), cells.end(), [](const Cell& cell) { return cell.complete; });
+    const auto first = std::ranges::find_if(cells, [](const Cell& cell) { return cell.complete; });
     for (auto cell = first; cell != cells.end(); ++cell) {
         if (cell->complete && cell->height != first->height) {
             Reporter(subject.findings, cell->path)
@@ -179,25 +260,28 @@ bool tableFits(const std::vector<Cell>& cells)
 
 void checkLibrary(const Subject& subject)
 {
+    const std::vector<Cell>& cells = subject.design.cells;
     Reporter list(subject.findings, subject.options.paths.cells());
-    if (subject.design.cells.empty() && !subject.design.components.empty()) {
+    if (cells.empty() && !subject.design.components.empty()) {
         list.error("no-cells", {}, "there are no cells, and the placer ends at the first component",
                    "list the cells of the components");
     }
-    const std::vector<Cell>& cells = subject.design.cells;
     const std::vector<int64_t> users = usersOf(subject.design);
-    const placer::NameIndex last = placer::indexNames(cells); // components have the last cell of a name
-    for (size_t i = 0; i < cells.size(); ++i) {
-        if (cells[i].complete && placer::findName(last, cells[i].name) == static_cast<int32_t>(i)) {
-            CellCheck(cells[i], users[i], subject.findings).run();
-        }
-    }
+    forEachCell(cells, [&](size_t i) { CellCheck(cells[i], users[i], subject.findings).run(); });
     if (!tableFits(cells)) {
         list.error("large-library", {},
                    "the cells and their solutions are too many for the placer's spacing table",
                    "list only the cells in use, with fewer solutions");
     }
     checkHeights(subject);
+}
+
+void checkMasks(const Subject& subject)
+{
+    const std::vector<Cell>& cells = subject.design.cells;
+    const lefdef::Length site = design::siteLength(subject.design);
+    const int32_t distance = subject.options.minDist.unitsOn(site);
+    forEachCell(cells, [&](size_t i) { MaskCheck(cells[i], distance, site, subject.findings).run(); });
 }
 
 } // namespace kit::lint

@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/engines/lint/lint.h"
 
+#include <algorithm>
 #include <iostream>
-#include <utility>
+#include <string>
+#include <tuple>
+#include <unordered_map>
 
 #include "kit/base/fault.h"
 #include "kit/base/finding.h"
 #include "kit/engines/lint/checks.h"
-#include "kit/engines/lint/report.h"
 
 namespace kit::lint {
 
@@ -28,6 +30,38 @@ bool readFile(const std::string& path, Findings& findings, Read read)
     return true;
 }
 
+/// Ranks of files by their paths.
+using Ranks = std::unordered_map<std::string, size_t>;
+
+/// The cell list comes first, then the colour files as they were met, then the rest.
+Ranks ranksOf(const Findings& findings, const placer::Paths& paths)
+{
+    Ranks ranks{{paths.cells(), 0}};
+    const Ranks last{{paths.place(), 0}, {paths.pins(), 1}, {paths.netlist(), 2}};
+    for (const Finding& finding : findings) {
+        if (last.count(finding.file) == 0) {
+            ranks.try_emplace(finding.file, ranks.size());
+        }
+    }
+    const size_t firstOfLast = ranks.size();
+    for (const auto& [file, rank] : last) {
+        ranks.try_emplace(file, firstOfLast + rank);
+    }
+    return ranks;
+}
+
+/// Sorts findings by file, in the order in which the placer reads them, then by line and column. Findings of
+/// one place keep their order.
+void sortFindings(Findings& findings, const placer::Paths& paths)
+{
+    const Ranks ranks = ranksOf(findings, paths);
+    std::ranges::stable_sort(findings, [&ranks](const Finding& a, const Finding& b) {
+        const size_t aRank = a.file == b.file ? 0 : ranks.at(a.file);
+        const size_t bRank = a.file == b.file ? 0 : ranks.at(b.file);
+        return std::tie(aRank, a.line, a.column) < std::tie(bRank, b.line, b.column);
+    });
+}
+
 /// The checks of what the files mean; they need the library and the placement.
 void check(const Subject& subject)
 {
@@ -43,8 +77,9 @@ int exitStatusOf(const Findings& findings)
     return counts.errors > 0 ? 2 : counts.warnings > 0 ? 1 : 0;
 }
 
-} // namespace
-
+/// Reads a design and checks all of it. A file that cannot be read is a finding, too.
+///
+/// @return every problem, sorted by file and line; warnings are errors if the options say so
 Findings findingsOf(const Options& options)
 {
     Design design;
@@ -59,7 +94,7 @@ Findings findingsOf(const Options& options)
         readFile(paths.netlist(), findings, [&] { readNets(paths.netlist(), design, findings); });
     }
     if (whole) {
-        check({design, options, findings});
+        check({design, design::occupancyOf(design), options, findings});
     }
     for (Finding& finding : findings) {
         const bool worse = options.strict && finding.severity == Severity::WARNING;
@@ -68,6 +103,8 @@ Findings findingsOf(const Options& options)
     sortFindings(findings, paths);
     return findings;
 }
+
+} // namespace
 
 int run(const Options& options)
 {

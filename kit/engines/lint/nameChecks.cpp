@@ -5,7 +5,7 @@
 
 #include "kit/base/finding.h"
 #include "kit/engines/lint/checks.h"
-#include "kit/formats/placer/names.h"
+#include "kit/formats/placer/design.h"
 
 namespace kit::lint {
 

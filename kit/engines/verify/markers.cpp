@@ -4,8 +4,8 @@
 
 #include "kit/base/files/outputFile.h"
 #include "kit/base/text/escape.h"
-#include "kit/design/frame.h"
-#include "kit/engines/verify/report.h"
+#include "kit/design/coloredPlacement.h"
+#include "kit/engines/verify/verify.h"
 
 namespace kit::verify {
 
@@ -114,8 +114,8 @@ private:
         m_out << " <categories>\n";
         for (size_t i = 0; i < counts.size(); ++i) {
             if (counts[i] > 0) {
-                m_out << "  <category>\n   <name>" << design::kinds()[i].name << "</name>\n   <description>"
-                      << design::kinds()[i].title << "</description>\n  </category>\n";
+                m_out << "  <category>\n   <name>" << design::KINDS[i].name << "</name>\n   <description>"
+                      << design::KINDS[i].title << "</description>\n  </category>\n";
             }
         }
         m_out << " </categories>\n";

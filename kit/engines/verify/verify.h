@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// A strict judge of a placement and its colours. It shares no code with the placer.
+// A strict judge of a placement and its colours, which shares no code with the placer, and its reports.
 #pragma once
 
 #include <cstdint>
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -30,5 +31,29 @@ std::vector<int64_t> countKinds(const design::Issues& issues);
 
 /// The exit status of the subcommand: 2 if the inputs have faults of form, 1 if an issue is more than a note.
 int exitStatusOf(const design::ColoredPlacement& input, const design::Issues& issues);
+
+/// What an issue says, without its place.
+///
+/// @param minDist  the distance that shapes of one mask need, for people
+std::string textOf(const design::Issue& issue, const placer::Design& design, const std::string& minDist);
+
+/// The judgement in a few words: "not clean, 2 errors, 0 notes".
+std::string summaryOf(const design::ColoredPlacement& input, const design::Issues& issues);
+
+/// Writes issues as lines "FILE:LINE: error|note: what [kind]", the closest pairs as a table, and counts.
+///
+/// Of the pairs in different rows, which are notes, only the closest get a line.
+void writeText(const Options& options, const design::ColoredPlacement& input, const design::Issues& issues,
+               std::ostream& out);
+
+/// Writes everything as one JSON object.
+void writeJson(const Options& options, const design::ColoredPlacement& input, const design::Issues& issues,
+               std::ostream& out);
+
+/// Writes a report database with a marker for each issue that has a place in the layout, micrometres.
+///
+/// Errors: throws Fault if the file cannot be written.
+void writeMarkers(const Options& options, const design::ColoredPlacement& input,
+                  const design::Issues& issues);
 
 } // namespace kit::verify

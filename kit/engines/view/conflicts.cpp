@@ -7,7 +7,6 @@
 #include <limits>
 #include <map>
 
-#include "kit/design/metal.h"
 #include "kit/design/standing.h"
 #include "kit/geometry/sweep.h"
 

@@ -7,8 +7,8 @@
 
 #include "kit/base/fault.h"
 #include "kit/base/files/folder.h"
-#include "kit/design/frame.h"
-#include "kit/design/trueOrient.h"
+#include "kit/design/coloredPlacement.h"
+#include "kit/design/nameMap.h"
 #include "kit/engines/view/conflicts.h"
 #include "kit/engines/view/scene.h"
 #include "kit/formats/placer/colors.h"

@@ -3,9 +3,25 @@
 
 #include <algorithm>
 
-#include "kit/formats/gds/gdsName.h"
-
 namespace kit::gds {
+
+namespace {
+
+bool isAllowed(char c)
+{
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' ||
+           c == '?' || c == '$';
+}
+
+} // namespace
+
+std::string gdsName(std::string_view name)
+{
+    std::string clean(name.substr(0, LONGEST_GDS_NAME));
+    std::ranges::replace_if(
+        clean, [](char c) { return !isAllowed(c); }, '_');
+    return clean.empty() ? "_" : clean;
+}
 
 std::string GdsNames::take(std::string_view stem, std::string_view suffix)
 {

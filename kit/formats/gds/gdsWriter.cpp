@@ -2,11 +2,11 @@
 #include "kit/formats/gds/gdsWriter.h"
 
 #include <array>
+#include <cassert>
+#include <cmath>
 #include <limits>
 
 #include "kit/base/fault.h"
-#include "kit/base/files/outputFile.h"
-#include "kit/formats/gds/real8.h"
 
 namespace kit::gds {
 
@@ -60,7 +60,7 @@ GdsWriter::GdsWriter(OutputFile& out, std::string_view name, int64_t unitsPerMic
 {
     numbers(HEADER, {VERSION});
     numbers(BGNLIB, {1970, 1, 1, 0, 0, 0, 1970, 1, 1, 0, 0, 0}); // changed, accessed
-    text(LIBNAME, name);
+    record(LIBNAME, name);
     const auto units = static_cast<double>(unitsPerMicron);
     m_data.clear();
     appendNumber(m_data, real8Of(1 / units));
@@ -71,7 +71,7 @@ GdsWriter::GdsWriter(OutputFile& out, std::string_view name, int64_t unitsPerMic
 void GdsWriter::beginStructure(std::string_view name)
 {
     numbers(BGNSTR, {1970, 1, 1, 0, 0, 0, 1970, 1, 1, 0, 0, 0});
-    text(STRNAME, name);
+    record(STRNAME, name);
 }
 
 void GdsWriter::boundary(int16_t layer, std::span<const GdsPoint> corners)
@@ -97,10 +97,10 @@ void GdsWriter::rectangle(int16_t layer, const GdsBox& box)
 void GdsWriter::reference(std::string_view structure, GdsPoint at, std::string_view name)
 {
     record(SREF);
-    text(SNAME, structure);
+    record(SNAME, structure);
     points({&at, 1}, /*closed=*/false);
     numbers(PROPATTR, {INSTANCE_NAME});
-    text(PROPVALUE, name);
+    record(PROPVALUE, name);
     record(ENDEL);
 }
 
@@ -136,11 +136,6 @@ void GdsWriter::numbers(uint16_t kind, std::initializer_list<int16_t> values)
     record(kind, m_data);
 }
 
-void GdsWriter::text(uint16_t kind, std::string_view text)
-{
-    record(kind, text);
-}
-
 void GdsWriter::points(std::span<const GdsPoint> points, bool closed)
 {
     m_data.clear();
@@ -150,6 +145,20 @@ void GdsWriter::points(std::span<const GdsPoint> points, bool closed)
         appendNumber(m_data, coordinate(point.y));
     }
     record(XY, m_data);
+}
+
+uint64_t real8Of(double value)
+{
+    if (value == 0) {
+        return 0;
+    }
+    int exponentOfTwo = 0;
+    const double fraction = std::frexp(std::abs(value), &exponentOfTwo); // from 1/2 to below 1
+    const int exponent = exponentOfTwo > 0 ? (exponentOfTwo + 3) / 4 : -(-exponentOfTwo / 4);
+    assert(exponent >= -64 && exponent <= 63);
+    const auto mantissa = static_cast<uint64_t>(std::ldexp(fraction, 56 + exponentOfTwo - 4 * exponent));
+    const auto excess = static_cast<uint64_t>(exponent) + 64;
+    return (value < 0 ? uint64_t{1} << 63U : 0) | (excess << 56U) | mantissa;
 }
 
 } // namespace kit::gds

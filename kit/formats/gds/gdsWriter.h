@@ -10,11 +10,8 @@
 #include <string>
 #include <string_view>
 
-#include "kit/geometry/polygon.h"
-
-namespace kit {
-class OutputFile;
-}
+#include "kit/base/files/outputFile.h"
+#include "kit/geometry/rect.h"
 
 namespace kit::gds {
 
@@ -42,11 +39,13 @@ public:
     /// A polygon. @param corners  each once
     void boundary(int16_t layer, std::span<const GdsPoint> corners);
 
+    /// A rectangle as a polygon.
     void rectangle(int16_t layer, const GdsBox& box);
 
     /// An instance of a structure, not turned. @param name  of the instance, kept as its property 1
     void reference(std::string_view structure, GdsPoint at, std::string_view name);
 
+    /// Ends the structure.
     void endStructure();
 
     /// Ends the library.
@@ -55,11 +54,16 @@ public:
 private:
     void record(uint16_t kind, std::string_view data = {});
     void numbers(uint16_t kind, std::initializer_list<int16_t> values);
-    void text(uint16_t kind, std::string_view text);
     void points(std::span<const GdsPoint> points, bool closed);
 
     OutputFile& m_out;
     std::string m_data; ///< of the record being made
 };
+
+/// A number as a GDSII file has it: a sign bit, 7 bits of the exponent of 16 in excess 64, and 56 bits of a
+/// fraction from 1/16 to below 1. It is exact: the fraction has more bits than a double.
+///
+/// @param value  finite; of a magnitude from 16^-65 to below 16^63, or 0 (assert)
+uint64_t real8Of(double value);
 
 } // namespace kit::gds

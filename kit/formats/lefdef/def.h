@@ -9,16 +9,11 @@
 #include "kit/base/finding.h"
 #include "kit/formats/lefdef/orient.h"
 #include "kit/formats/lefdef/source.h"
+#include "kit/geometry/rect.h"
 
 namespace kit::lefdef {
 
-/// A rectangle, DBU.
-struct DefRect {
-    int32_t xl = 0;
-    int32_t yl = 0;
-    int32_t xh = 0;
-    int32_t yh = 0;
-};
+using DefRect = geometry::Rect; ///< DBU
 
 struct DefRow {
     std::string_view name;

@@ -11,7 +11,7 @@
 
 #include "kit/base/finding.h"
 #include "kit/formats/lefdef/source.h"
-#include "kit/geometry/polygon.h"
+#include "kit/geometry/rect.h"
 
 namespace kit::lefdef {
 

@@ -2,196 +2,445 @@
 #include "kit/formats/lefdef/macroReader.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <set>
+#include <span>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "kit/base/text/text.h"
 #include "kit/formats/lefdef/statements.h"
 
 namespace kit::lefdef {
 
-const std::array<MacroReader::Rule, 10> MacroReader::RULES = {{
-    {"PIN", &MacroReader::readPin},
-    {"OBS", &MacroReader::readObstructions},
-    {"CLASS", &MacroReader::readClass},
-    {"ORIGIN", &MacroReader::readOrigin},
-    {"SIZE", &MacroReader::readSize},
-    {"SYMMETRY", &MacroReader::readSymmetry},
-    {"SITE", &MacroReader::readSite},
-    {"DENSITY", &MacroReader::skipDensity},
-    {"TIMING", &MacroReader::skipTiming},
-    {"BEGINEXT", &MacroReader::skipExtension},
-}};
+namespace {
 
-LefMacro MacroReader::read(size_t begin)
-{
-    m_macro = {};
-    m_origin = {};
-    m_pins.clear();
-    m_macro.offset = begin;
-    m_macro.name = m_in.name("name of the macro");
-    if (m_macro.name.empty()) {
-        m_in.finish();
-    }
-    while (readStatement()) {
-    }
-    m_macro.endOffset = m_in.takenEnd();
-    m_macro.otherLayers = m_shapes.takeOtherLayers();
-    moveShapes(m_macro.obstructions);
-    for (LefPin& pin : m_macro.pins) {
-        moveShapes(pin.shapes);
-    }
-    return std::move(m_macro);
-}
+/// ITERATE makes no more corners of a file: a few words of it could else fill the memory.
+constexpr int64_t MOST_COPIED = 1'000'000;
 
-/// Returns whether the master goes on.
-bool MacroReader::readStatement()
-{
-    if (m_in.is("END")) {
-        m_in.takeEnd("macro", m_macro.name, "LIBRARY");
-        return false;
-    }
-    if (m_in.atFileEnd() || m_in.is("MACRO")) {
-        m_in.missingEnd("macro", m_macro.name, m_macro.offset);
-        return false;
-    }
-    m_begin = m_in.offset();
-    const std::string_view word = m_in.start();
-    const auto* const rule =
-        std::find_if(RULES.begin(), RULES.end(), [&](const Rule& each) { return each.keyword == word; });
-    if (rule != RULES.end()) {
-        (this->*rule->read)();
-    } else if (word == m_macro.name) {
-        // The END before it was taken for that of a part, which has none.
-        m_in.missingEnd("last part of the macro", m_macro.name, m_macro.offset);
-        return false;
-    } else if (word != ";") {
-        m_in.skipStatement();
-    }
-    return true;
-}
+/// The copies of a shape stand no further apart, picometres.
+constexpr Length LONGEST_REACH = 1'000'000'000 * MICRON;
 
-void MacroReader::readClass()
-{
-    std::string words;
-    while (m_in.more()) {
-        words += (words.empty() ? "" : " ") + std::string(m_in.keyword("class"));
-    }
-    if (m_in.finish()) {
-        m_macro.macroClass = words;
-    }
-}
+constexpr int32_t MASKS = 3;
 
-void MacroReader::readOrigin()
-{
-    const Length x = m_in.length("x of the origin");
-    const Length y = m_in.length("y of the origin");
-    if (m_in.finish()) {
-        m_origin = {x, y};
-    }
-}
+/// Where one of these stands, the END before it is missing.
+constexpr std::array<std::string_view, 4> OUTER_WORDS = {"PIN", "OBS", "MACRO", "PORT"};
 
-void MacroReader::readSize()
-{
-    m_in.size(m_macro.name, m_macro.width, m_macro.height);
-}
+/// Reads the shapes of ports and obstructions.
+class ShapeReader {
+public:
+    /// @param in     at the file
+    /// @param layer  whose shapes are kept; must outlive the reader, as must the others
+    /// @param vias   known so far, by name: whether they have metal of that layer
+    ShapeReader(Parser& in, const std::string& layer, const Vias& vias)
+        : m_in(in), m_layer(layer), m_vias(vias)
+    {
+    }
 
-void MacroReader::readSymmetry()
-{
-    bool x = false;
-    bool y = false;
-    while (m_in.more()) {
-        const std::string_view word = m_in.keyword("symmetry");
-        x = x || word == "X";
-        y = y || word == "Y";
-    }
-    if (m_in.finish()) {
-        m_macro.symmetryX = x;
-        m_macro.symmetryY = y;
-    }
-}
-
-void MacroReader::readSite()
-{
-    const std::string_view site = m_in.name("name of the site");
-    m_in.skipWords(); // where sites are in a master of several
-    if (m_in.finish()) {
-        m_macro.site = site;
-    }
-}
-
-void MacroReader::readPin()
-{
-    LefPin pin;
-    pin.offset = m_begin;
-    pin.name = m_in.name("name of the pin");
-    if (pin.name.empty()) {
-        m_in.finish();
-    }
-    while (readPinStatement(pin)) {
-    }
-    const auto [same, isNew] = m_pins.emplace(pin.name, pin.offset);
-    if (isNew) {
-        m_macro.pins.push_back(std::move(pin));
-        return;
-    }
-    m_in.reporter().error("name-twice", pin.offset,
-                          "pin " + inQuotes(pin.name) + " of " + inQuotes(m_macro.name) + " stands in line " +
-                              m_in.lineOf(same->second) + " already, and that one stays",
-                          "give each its own name");
-}
-
-/// Returns whether the pin goes on.
-bool MacroReader::readPinStatement(LefPin& pin)
-{
-    if (m_in.is("END")) {
-        m_in.takeEnd("pin", pin.name, m_macro.name);
-        return false;
-    }
-    if (m_in.atFileEnd() || m_in.is("MACRO") || m_in.is("PIN") || m_in.is("OBS")) {
-        m_in.missingEnd("pin", pin.name, pin.offset);
-        return false;
-    }
-    const std::string_view word = m_in.start();
-    if (word == "PORT") {
-        m_shapes.read(pin.shapes, "port");
-    } else if (word == "USE") {
-        const PinUse use = readUse(m_in);
-        if (m_in.finish()) {
-            pin.use = use;
+    /// Reads statements up to END, which is taken, and appends the shapes of the wanted layer.
+    ///
+    /// @param kind  what it is, for the texts: "port"
+    void read(std::vector<LefShape>& shapes, const char* kind)
+    {
+        const size_t begin = m_in.offset();
+        m_anyLayer = false;
+        m_onLayer = false;
+        while (!m_in.take("END")) {
+            const bool outer =
+                std::ranges::any_of(OUTER_WORDS, [&](std::string_view word) { return m_in.is(word); });
+            if (outer || m_in.atFileEnd()) {
+                m_in.missingEnd(kind, "", begin);
+                return;
+            }
+            readStatement(shapes);
         }
-    } else if (word == pin.name) {
-        // The END before it was taken for that of the port, which has none.
-        m_in.missingEnd("last port of the pin", pin.name, pin.offset);
-        return false;
-    } else if (word != ";") {
-        m_in.skipStatement();
     }
-    return true;
-}
 
-/// Rectangles with densities, up to an END without a name.
-void MacroReader::skipDensity()
-{
-    while (!m_in.take("END")) {
-        if (m_in.atFileEnd()) {
-            m_in.missingEnd("density", "", m_begin);
+    /// The layers of the shapes that were left out since this was last asked.
+    std::set<std::string> takeOtherLayers() { return std::exchange(m_otherLayers, {}); }
+
+private:
+    /// How a shape is repeated.
+    struct Grid {
+        int32_t columns = 1;
+        int32_t rows = 1;
+        Length stepX = 0;
+        Length stepY = 0;
+    };
+
+    void readStatement(std::vector<LefShape>& shapes)
+    {
+        const size_t begin = m_in.offset();
+        const std::string_view word = m_in.start();
+        if (word == "LAYER") {
+            readLayer();
+        } else if (word == "RECT" || word == "POLYGON") {
+            readShape(shapes, word == "POLYGON", begin);
+        } else if (word == "PATH") {
+            readPath(begin);
+        } else if (word == "VIA") {
+            readVia(begin);
+        } else if (word == "WIDTH" || word == "CLASS" || word == "PROPERTY") {
+            m_in.skipStatement();
+        } else if (word != ";") {
+            m_in.failAt(begin, "syntax", inQuotes(word) + " stands where a shape or END belongs",
+                        "correct the statement");
+            m_in.finish();
+        }
+    }
+
+    void readLayer()
+    {
+        m_anyLayer = true;
+        m_layerNow = m_in.name("name of the layer");
+        m_onLayer = m_layerNow == m_layer;
+        m_in.take("EXCEPTPGNET");
+        if (m_in.take("SPACING") || m_in.take("DESIGNRULEWIDTH")) {
+            m_in.length("distance");
+        }
+        m_in.finish();
+    }
+
+    void readShape(std::vector<LefShape>& shapes, bool polygon, size_t begin)
+    {
+        if (m_anyLayer && !m_onLayer) {
+            m_otherLayers.emplace(m_layerNow);
+            m_in.skipStatement();
             return;
         }
-        if (m_in.start() != ";") {
+        if (!m_anyLayer) {
+            m_in.failAt(begin, "no-layer", "a shape stands before the first LAYER", "name its layer first");
+        }
+        LefShape shape;
+        shape.polygon = polygon;
+        shape.mask = readMask();
+        shape.offset = begin;
+        const bool iterate = m_in.take("ITERATE");
+        shape.points = polygon ? readPolygon() : readRect();
+        const Grid grid = iterate ? readGrid(shape.points.size()) : Grid();
+        if (m_in.finish()) {
+            keepCopies(shape, grid, shapes);
+        }
+    }
+
+    void readPath(size_t begin)
+    {
+        if (m_onLayer) {
+            m_in.reporter().warning("not-read", begin,
+                                    "this path on layer " + inQuotes(m_layer) + " is not read",
+                                    "write it as a RECT or POLYGON");
+        }
+        m_in.skipStatement();
+    }
+
+    void readVia(size_t begin)
+    {
+        readMask();
+        m_in.take("ITERATE");
+        readMask();
+        readPoint();
+        const std::string_view name = m_in.name("name of the via");
+        m_in.skipWords(); // DO and STEP
+        if (!m_in.finish()) {
+            return;
+        }
+        const auto via = m_vias.find(name);
+        if (via == m_vias.end() || via->second) {
+            m_in.reporter().warning(
+                "not-read", begin,
+                "this via, " + inQuotes(name) + ", " +
+                    (via == m_vias.end() ? "which is defined in no file before, may have" : "has") +
+                    " metal of layer " + inQuotes(m_layer) + ", which is not read",
+                "write its metal of that layer as a RECT");
+        }
+    }
+
+    /// `DO columns BY rows STEP x y`
+    Grid readGrid(size_t corners)
+    {
+        Grid grid;
+        m_in.expect("DO");
+        const size_t at = m_in.offset();
+        grid.columns = m_in.count("number of columns");
+        m_in.expect("BY");
+        grid.rows = m_in.count("number of rows");
+        m_in.expect("STEP");
+        grid.stepX = m_in.length("step in x");
+        grid.stepY = m_in.length("step in y");
+        const int64_t copies = int64_t{grid.columns} * grid.rows;
+        const int64_t most = (MOST_COPIED - m_copied) / static_cast<int64_t>(std::max<size_t>(corners, 1));
+        if (copies > most) {
+            m_in.failAt(at, "iterate",
+                        "all copies of shapes in the file have more than " + std::to_string(MOST_COPIED) +
+                            " corners",
+                        "copy less");
+        } else if (std::abs(grid.stepX) > LONGEST_REACH / grid.columns ||
+                   std::abs(grid.stepY) > LONGEST_REACH / grid.rows) {
+            m_in.failAt(at, "range", "the copies reach beyond 1000000000 micrometres", "correct the steps");
+        }
+        return grid;
+    }
+
+    void keepCopies(const LefShape& shape, const Grid& grid, std::vector<LefShape>& shapes)
+    {
+        for (int32_t row = 0; row < grid.rows; ++row) {
+            for (int32_t column = 0; column < grid.columns; ++column) {
+                shapes.push_back(shape);
+                for (LefPoint& point : shapes.back().points) {
+                    point.x += column * grid.stepX;
+                    point.y += row * grid.stepY;
+                }
+            }
+        }
+        const int64_t copies = int64_t{grid.columns} * grid.rows - 1;
+        m_copied += copies * static_cast<int64_t>(shape.points.size());
+    }
+
+    std::vector<LefPoint> readRect()
+    {
+        const LefPoint a = readPoint();
+        const LefPoint b = readPoint();
+        return {{std::min(a.x, b.x), std::min(a.y, b.y)}, {std::max(a.x, b.x), std::max(a.y, b.y)}};
+    }
+
+    std::vector<LefPoint> readPolygon()
+    {
+        const size_t at = m_in.offset();
+        std::vector<LefPoint> corners;
+        while (m_in.more() && !m_in.is("DO")) {
+            corners.push_back(readPoint());
+        }
+        if (corners.size() < 3) {
+            m_in.failAt(at, "polygon", "the polygon has fewer than three corners", "give three or more");
+        }
+        return corners;
+    }
+
+    int32_t readMask()
+    {
+        if (!m_in.take("MASK")) {
+            return 0;
+        }
+        const size_t at = m_in.offset();
+        const int32_t mask = m_in.count("mask");
+        if (mask > MASKS) {
+            m_in.failAt(at, "mask", "the mask is " + std::to_string(mask), "the masks are 1, 2 and 3");
+        }
+        return mask;
+    }
+
+    LefPoint readPoint()
+    {
+        const bool inParentheses = m_in.take("(");
+        const Length x = m_in.length("x coordinate");
+        const Length y = m_in.length("y coordinate");
+        if (inParentheses) {
+            m_in.expect(")");
+        }
+        return {x, y};
+    }
+
+    Parser& m_in;
+    const std::string& m_layer;
+    const Vias& m_vias;
+    bool m_anyLayer = false;     ///< a layer has been named
+    std::string_view m_layerNow; ///< the last of them
+    bool m_onLayer = false;      ///< it is wanted
+    std::set<std::string> m_otherLayers;
+    int64_t m_copied = 0; ///< corners that ITERATE has made in this file
+};
+
+/// Reads cell masters.
+class MacroReader {
+public:
+    /// @param in, layer, vias  as for ShapeReader
+    MacroReader(Parser& in, const std::string& layer, const Vias& vias) : m_in(in), m_shapes(in, layer, vias)
+    {
+    }
+
+    /// Reads a master behind its word MACRO, to the end of it. What is wrong in it is left out.
+    ///
+    /// @param begin  byte of that word
+    LefMacro read(size_t begin)
+    {
+        m_macro = {};
+        m_origin = {};
+        m_pins.clear();
+        m_macro.offset = begin;
+        m_macro.name = m_in.name("name of the macro");
+        if (m_macro.name.empty()) {
+            m_in.finish();
+        }
+        while (m_in.goesOn({"macro", m_macro.name, "LIBRARY", begin}, {"MACRO"}) && readStatement()) {
+        }
+        m_macro.endOffset = m_in.takenEnd();
+        m_macro.otherLayers = m_shapes.takeOtherLayers();
+        moveShapes(m_macro.obstructions);
+        for (LefPin& pin : m_macro.pins) {
+            moveShapes(pin.shapes);
+        }
+        return std::move(m_macro);
+    }
+
+private:
+    static std::span<const Rule<MacroReader>> rules()
+    {
+        static constexpr Rule<MacroReader> RULES[] = {
+            {"PIN", &MacroReader::readPin},       {"OBS", &MacroReader::readObstructions},
+            {"CLASS", &MacroReader::readClass},   {"ORIGIN", &MacroReader::readOrigin},
+            {"SIZE", &MacroReader::readSize},     {"SYMMETRY", &MacroReader::readSymmetry},
+            {"SITE", &MacroReader::readSite},     {"DENSITY", &MacroReader::skipDensity},
+            {"TIMING", &MacroReader::skipTiming}, {"BEGINEXT", &MacroReader::skipExtension},
+        };
+        return RULES;
+    }
+
+    /// @return false if the master's end was taken for that of a part
+    bool readStatement()
+    {
+        m_begin = m_in.offset();
+        const std::string_view word = m_in.start();
+        if (const auto* const rule = findRule(rules(), [&](std::string_view each) { return each == word; })) {
+            (this->*rule->read)();
+        } else if (word == m_macro.name) {
+            m_in.missingEnd("last part of the macro", m_macro.name, m_macro.offset);
+            return false;
+        } else if (word != ";") {
             m_in.skipStatement();
         }
+        return true;
     }
-}
 
-void MacroReader::moveShapes(std::vector<LefShape>& shapes) const
-{
-    for (LefShape& shape : shapes) {
-        for (LefPoint& point : shape.points) {
-            point.x += m_origin.x;
-            point.y += m_origin.y;
+    void readObstructions() { m_shapes.read(m_macro.obstructions, "obstruction"); }
+    void skipTiming() { m_in.skipToEnd("section", "TIMING", m_macro.name); }
+    void skipExtension() { m_in.skipExtension(); }
+    void readSize() { m_in.size(m_macro.name, m_macro.width, m_macro.height); }
+
+    void readClass()
+    {
+        std::string words;
+        while (m_in.more()) {
+            words += (words.empty() ? "" : " ") + std::string(m_in.keyword("class"));
+        }
+        if (m_in.finish()) {
+            m_macro.macroClass = words;
         }
     }
+
+    void readOrigin()
+    {
+        const Length x = m_in.length("x of the origin");
+        const Length y = m_in.length("y of the origin");
+        if (m_in.finish()) {
+            m_origin = {x, y};
+        }
+    }
+
+    void readSymmetry()
+    {
+        bool x = false;
+        bool y = false;
+        while (m_in.more()) {
+            const std::string_view word = m_in.keyword("symmetry");
+            x = x || word == "X";
+            y = y || word == "Y";
+        }
+        if (m_in.finish()) {
+            m_macro.symmetryX = x;
+            m_macro.symmetryY = y;
+        }
+    }
+
+    void readSite()
+    {
+        const std::string_view site = m_in.name("name of the site");
+        m_in.skipWords(); // where sites are in a master of several
+        if (m_in.finish()) {
+            m_macro.site = site;
+        }
+    }
+
+    void readPin()
+    {
+        LefPin pin;
+        pin.offset = m_begin;
+        pin.name = m_in.name("name of the pin");
+        if (pin.name.empty()) {
+            m_in.finish();
+        }
+        while (m_in.goesOn({"pin", pin.name, m_macro.name, pin.offset}, {"MACRO", "PIN", "OBS"}) &&
+               readPinStatement(pin)) {
+        }
+        const auto [same, isNew] = m_pins.emplace(pin.name, pin.offset);
+        if (isNew) {
+            m_macro.pins.push_back(std::move(pin));
+        } else {
+            m_in.nameTwice(pin.offset, "pin " + inQuotes(pin.name) + " of " + inQuotes(m_macro.name),
+                           "line " + m_in.lineOf(same->second));
+        }
+    }
+
+    /// @return false if the pin's end was taken for that of its last port
+    bool readPinStatement(LefPin& pin)
+    {
+        const std::string_view word = m_in.start();
+        if (word == "PORT") {
+            m_shapes.read(pin.shapes, "port");
+        } else if (word == "USE") {
+            const PinUse use = readUse(m_in);
+            if (m_in.finish()) {
+                pin.use = use;
+            }
+        } else if (word == pin.name) {
+            m_in.missingEnd("last port of the pin", pin.name, pin.offset);
+            return false;
+        } else if (word != ";") {
+            m_in.skipStatement();
+        }
+        return true;
+    }
+
+    /// Rectangles with densities, up to an END without a name.
+    void skipDensity()
+    {
+        while (!m_in.take("END")) {
+            if (m_in.atFileEnd()) {
+                m_in.missingEnd("density", "", m_begin);
+                return;
+            }
+            if (m_in.start() != ";") {
+                m_in.skipStatement();
+            }
+        }
+    }
+
+    void moveShapes(std::vector<LefShape>& shapes) const
+    {
+        for (LefShape& shape : shapes) {
+            for (LefPoint& point : shape.points) {
+                point.x += m_origin.x;
+                point.y += m_origin.y;
+            }
+        }
+    }
+
+    Parser& m_in;
+    ShapeReader m_shapes;
+    LefMacro m_macro;
+    LefPoint m_origin;
+    std::unordered_map<std::string, size_t> m_pins; ///< byte of each by name
+    size_t m_begin = 0;                             ///< byte of the present statement
+};
+
+} // namespace
+
+ReadMacro macroReader(Parser& in, const std::string& layer, const Vias& vias)
+{
+    return [reader = MacroReader(in, layer, vias)](size_t begin) mutable { return reader.read(begin); };
 }
 
 } // namespace kit::lefdef

@@ -20,34 +20,32 @@ std::string_view nameOf(Orient orient)
 
 std::optional<Orient> orientOf(std::string_view name)
 {
-    const auto* const at = std::find(NAMES.begin(), NAMES.end(), name);
-    if (at == NAMES.end()) {
-        return std::nullopt;
+    const auto* const at = std::ranges::find(NAMES, name);
+    return at == NAMES.end() ? std::nullopt : std::optional(static_cast<Orient>(at - NAMES.begin()));
+}
+
+geometry::Point transformed(const geometry::Point& point, int64_t width, int64_t height, Orient orient)
+{
+    const auto& [x, y] = point;
+    switch (orient) {
+    case Orient::N:
+        break;
+    case Orient::W:
+        return {height - y, x};
+    case Orient::S:
+        return {width - x, height - y};
+    case Orient::E:
+        return {y, width - x};
+    case Orient::FN:
+        return {width - x, y};
+    case Orient::FW:
+        return {y, x};
+    case Orient::FS:
+        return {x, height - y};
+    case Orient::FE:
+        return {height - y, width - x};
     }
-    return static_cast<Orient>(at - NAMES.begin());
-}
-
-bool isMirrored(Orient orient)
-{
-    return orient == Orient::FN || orient == Orient::S;
-}
-
-bool isUpsideDown(Orient orient)
-{
-    return orient == Orient::FS || orient == Orient::S;
-}
-
-bool isOnItsSide(Orient orient)
-{
-    return orient == Orient::W || orient == Orient::E || orient == Orient::FW || orient == Orient::FE;
-}
-
-Orient upright(bool mirrored, bool upsideDown)
-{
-    if (mirrored) {
-        return upsideDown ? Orient::S : Orient::FN;
-    }
-    return upsideDown ? Orient::FS : Orient::N;
+    return point;
 }
 
 } // namespace kit::lefdef

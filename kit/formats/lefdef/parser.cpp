@@ -246,6 +246,21 @@ bool Parser::takeEnd(const char* kind, std::string_view name, std::string_view o
     return false;
 }
 
+bool Parser::goesOn(const Part& part, std::initializer_list<std::string_view> outside)
+{
+    while (take(";")) {
+    }
+    if (is("END")) {
+        takeEnd(part.kind, part.name, part.outer);
+        return false;
+    }
+    if (atFileEnd() || std::ranges::any_of(outside, [this](std::string_view word) { return is(word); })) {
+        missingEnd(part.kind, part.name, part.begin);
+        return false;
+    }
+    return true;
+}
+
 void Parser::missingEnd(const char* kind, std::string_view name, size_t begin)
 {
     const std::string named = name.empty() ? "" : " " + inQuotes(name);
@@ -300,6 +315,12 @@ void Parser::skipExtension()
 std::string Parser::nextText() const
 {
     return atFileEnd() ? "the end of the file" : inQuotes(m_scanner.token().text);
+}
+
+void Parser::nameTwice(size_t offset, const std::string& what, const std::string& where)
+{
+    m_reporter.error("name-twice", offset, what + " stands in " + where + " already, and that one stays",
+                     "give each its own name");
 }
 
 std::string Parser::lineOf(size_t offset) const

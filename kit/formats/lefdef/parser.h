@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -10,6 +11,14 @@
 #include "kit/formats/lefdef/source.h"
 
 namespace kit::lefdef {
+
+/// A part of a file that ends with END and a name.
+struct Part {
+    const char* kind;       ///< for the texts: "macro"
+    std::string_view name;  ///< behind its END
+    std::string_view outer; ///< name behind the END of what is around
+    size_t begin;           ///< byte where it starts
+};
 
 /// Takes a LEF or DEF file apart, statement by statement.
 ///
@@ -21,7 +30,9 @@ public:
     /// @param source, findings  must outlive the parser
     Parser(const Source& source, Findings& findings);
 
+    /// Where problems are told.
     SourceReporter& reporter() { return m_reporter; }
+    /// The file.
     const Source& source() const { return m_source; }
 
     /// Byte of the next token.
@@ -30,6 +41,7 @@ public:
     /// Byte behind the token taken last.
     size_t takenEnd() const { return m_takenEnd; }
 
+    /// Whether all tokens are taken.
     bool atFileEnd() const { return m_scanner.token().kind == Token::Kind::END; }
 
     /// Whether the next token is a word of the grammar.
@@ -83,6 +95,7 @@ public:
     {
         failAt(offset(), code, std::move(what), std::move(advice));
     }
+    /// As fail(), about the byte at an offset.
     void failAt(size_t offset, const char* code, std::string what, std::string advice);
 
     /// Ends a statement with its `;`, without one at a word END or a `-`.
@@ -106,6 +119,13 @@ public:
     /// @return whether it is the name
     bool takeEnd(const char* kind, std::string_view name, std::string_view outer);
 
+    /// Whether a part of the file goes on; empty statements are taken. Its END is taken, and the name behind
+    /// it.
+    ///
+    /// @param outside  words that belong outside of it: where one stands, the END before it is missing, an
+    /// error
+    bool goesOn(const Part& part, std::initializer_list<std::string_view> outside);
+
     /// Tells that the end of something is missing: "no-end".
     ///
     /// @param name   empty if it has none
@@ -122,6 +142,12 @@ public:
 
     /// Passes over an extension up to its ENDEXT.
     void skipExtension();
+
+    /// Tells that another record has the name of one: "name-twice".
+    ///
+    /// @param what   kind and name of the record
+    /// @param where  the other one stands: "line 3"
+    void nameTwice(size_t offset, const std::string& what, const std::string& where);
 
     /// Line of a byte, for texts.
     std::string lineOf(size_t offset) const;

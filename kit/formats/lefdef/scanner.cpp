@@ -44,8 +44,7 @@ bool isNumberOrKeyword(std::string_view word)
 {
     const auto isDigit = [](char c) { return (c >= '0' && c <= '9') || c == '-' || c == '.'; };
     const auto isCapital = [](char c) { return c >= 'A' && c <= 'Z'; };
-    return word == ")" || std::all_of(word.begin(), word.end(), isDigit) ||
-           std::all_of(word.begin(), word.end(), isCapital);
+    return word == ")" || std::ranges::all_of(word, isDigit) || std::ranges::all_of(word, isCapital);
 }
 
 } // namespace

@@ -23,7 +23,9 @@ public:
     Source(const Source&) = delete; ///< views into the text must stay good
     Source& operator=(const Source&) = delete;
 
+    /// Path as the user gave it.
     const std::string& path() const { return m_path; }
+    /// The whole text, good as long as the source.
     std::string_view text() const { return m_text; }
 
     /// Line and column of a byte, both from 1; of the end of the text for an offset beyond it.
@@ -60,21 +62,19 @@ public:
     {
     }
 
+    /// Tells of an error at a byte.
     void error(const char* code, size_t offset, std::string what, std::string advice)
     {
         add(Severity::ERROR, code, offset, std::move(what), std::move(advice));
     }
 
+    /// Tells of a warning at a byte.
     void warning(const char* code, size_t offset, std::string what, std::string advice)
     {
         add(Severity::WARNING, code, offset, std::move(what), std::move(advice));
     }
 
-    void note(const char* code, size_t offset, std::string what, std::string advice)
-    {
-        add(Severity::NOTE, code, offset, std::move(what), std::move(advice));
-    }
-
+    /// Tells of a problem at a byte. @param code, what, advice  as in Finding
     void add(Severity severity, const char* code, size_t offset, std::string what, std::string advice);
 
 private:

@@ -49,7 +49,7 @@ PinUse readUse(Parser& in)
 {
     const size_t at = in.offset();
     const std::string_view word = in.keyword("use");
-    const auto* const use = std::find(USES.begin(), USES.end(), word);
+    const auto* const use = std::ranges::find(USES, word);
     if (use == USES.end()) {
         in.failAt(at, "use", inQuotes(word) + " is no use of a pin or net",
                   "write SIGNAL, ANALOG, CLOCK, POWER, GROUND, SCAN, TIEOFF or RESET");

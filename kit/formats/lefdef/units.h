@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdlib>
 #include <string>
 
 #include "kit/formats/lefdef/lef.h"
@@ -25,14 +26,20 @@ constexpr int64_t dbuUp(Length length, int32_t databaseMicrons)
     return -dbuDown(-length, databaseMicrons);
 }
 
-/// A length in micrometres, as short as it is exact.
-std::string micronText(Length length);
-
 /// A length, not negative, in micrometres with six digits.
 inline std::string micrometres(Length length)
 {
     const std::string digits = std::to_string(MICRON + length % MICRON).substr(1);
     return std::to_string(length / MICRON) + "." + digits;
+}
+
+/// A length in micrometres, as short as it is exact.
+inline std::string micronText(Length length)
+{
+    std::string text = micrometres(std::abs(length));
+    text.resize(text.find_last_not_of('0') + 1);
+    text.resize(text.find_last_not_of('.') + 1);
+    return (length < 0 ? "-" : "") + text;
 }
 
 } // namespace kit::lefdef

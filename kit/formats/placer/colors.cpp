@@ -7,14 +7,15 @@
 
 #include "kit/base/files/outputFile.h"
 #include "kit/base/files/readFile.h"
+#include "kit/base/finding.h"
 
 namespace kit::placer {
 
 namespace {
 
-constexpr std::string_view HEADER = "VIRELOCE COLORS 1";
+constexpr std::string_view FIRST_LINE = "VIRELOCE COLORS 1";
 constexpr std::string_view COUNT = "COMPONENTS ";
-constexpr std::string_view END = "END";
+constexpr std::string_view LAST_LINE = "END";
 
 /// A whole text as a decimal integer.
 std::optional<int32_t> toInteger(std::string_view text)
@@ -63,16 +64,14 @@ std::optional<ColorRecord> recordOf(std::string_view line)
 /// Reads the text of a colours file from line to line.
 class ColorReader {
 public:
-    ColorReader(const std::string& path, std::string_view text, Findings& findings)
-        : m_path(path), m_text(text), m_findings(findings)
-    {
-    }
+    ColorReader(std::string_view text, Reporter reporter) : m_text(text), m_reporter(std::move(reporter)) {}
 
     std::vector<ColorRecord> read()
     {
-        if (!nextLine() || m_line != HEADER) {
-            error("colors-header", "the file does not begin with \"" + std::string(HEADER) + "\"",
-                  "give the file that the placement was written with");
+        if (!nextLine() || m_line != FIRST_LINE) {
+            m_reporter.error("colors-header", {m_number, 0},
+                             "the file does not begin with \"" + std::string(FIRST_LINE) + "\"",
+                             "give the file that the placement was written with");
             return {};
         }
         readCount();
@@ -100,30 +99,30 @@ private:
             m_count = toInteger(m_line.substr(COUNT.size()));
         }
         if (!m_count) {
-            error("colors-count", "the line is not \"COMPONENTS\" and a count", "");
+            m_reporter.error("colors-count", {m_number, 0}, "the line is not \"COMPONENTS\" and a count", "");
         }
     }
 
     void readRecords()
     {
-        while (nextLine() && m_line != END) {
+        while (nextLine() && m_line != LAST_LINE) {
             if (std::optional<ColorRecord> record = recordOf(m_line)) {
                 record->line = m_number;
                 m_records.push_back(std::move(*record));
             } else {
-                error(
-                    "colors-record",
+                m_reporter.error(
+                    "colors-record", {m_number, 0},
                     "the line is not a component, its cell, its solution, its stitches and its masks, parted "
                     "by single blanks",
                     "");
                 m_brokenRecords = true;
             }
         }
-        if (m_line != END) {
-            error("colors-end", "the file ends without \"END\"", "write it anew: something is missing");
+        if (m_line != LAST_LINE) {
+            m_reporter.error("colors-end", {m_number, 0}, "the file ends without \"END\"",
+                             "write it anew: something is missing");
         } else if (!m_text.empty()) {
-            ++m_number;
-            error("colors-end", "the file goes on after \"END\"", "");
+            m_reporter.error("colors-end", {m_number + 1, 0}, "the file goes on after \"END\"", "");
         }
     }
 
@@ -131,27 +130,15 @@ private:
     void checkCount()
     {
         if (m_count && !m_brokenRecords && static_cast<size_t>(*m_count) != m_records.size()) {
-            m_number = 2;
-            error("colors-count",
-                  "the file should have " + std::to_string(*m_count) + " components and has " +
-                      std::to_string(m_records.size()),
-                  "");
+            m_reporter.error("colors-count", {2, 0},
+                             "the file should have " + std::to_string(*m_count) + " components and has " +
+                                 std::to_string(m_records.size()),
+                             "");
         }
     }
 
-    void error(const char* code, std::string what, std::string advice)
-    {
-        m_findings.push_back({.severity = Severity::ERROR,
-                              .code = code,
-                              .file = m_path,
-                              .line = m_number,
-                              .what = std::move(what),
-                              .advice = std::move(advice)});
-    }
-
-    const std::string& m_path;
     std::string_view m_text; ///< after m_line
-    Findings& m_findings;
+    Reporter m_reporter;
     std::string_view m_line;
     int64_t m_number = 0; ///< of m_line, from 1
     std::optional<int32_t> m_count;
@@ -164,12 +151,12 @@ private:
 std::vector<ColorRecord> readColors(const std::string& path, Findings& findings)
 {
     const std::string text = readFile(path);
-    return ColorReader(path, text, findings).read();
+    return ColorReader(text, Reporter(findings, path)).read();
 }
 
 void writeColors(const std::vector<ColorRecord>& records, OutputFile& out)
 {
-    out << HEADER << "\n" << COUNT << records.size() << "\n";
+    out << FIRST_LINE << "\n" << COUNT << records.size() << "\n";
     for (const ColorRecord& record : records) {
         out << record.name << " " << record.cell << " " << record.solution << " " << record.stitches;
         for (const int32_t mask : record.masks) {
@@ -177,7 +164,7 @@ void writeColors(const std::vector<ColorRecord>& records, OutputFile& out)
         }
         out << "\n";
     }
-    out << END << "\n";
+    out << LAST_LINE << "\n";
 }
 
 } // namespace kit::placer

@@ -6,9 +6,14 @@
 // cells in library coordinates, as in the files.
 #pragma once
 
+#include <cassert>
 #include <cstdint>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
+
+#include "kit/geometry/rect.h"
 
 namespace kit::placer {
 
@@ -68,13 +73,7 @@ struct Net {
     int64_t line = 0;            ///< in the netlist
 };
 
-/// A rectangle, library coordinates.
-struct Rect {
-    int32_t xl = 0;
-    int32_t yl = 0;
-    int32_t xh = 0;
-    int32_t yh = 0;
-};
+using Rect = geometry::RectOf<int32_t>; ///< library coordinates
 
 /// A metal-1 shape of a cell.
 struct Shape {
@@ -113,6 +112,42 @@ struct Design {
     std::vector<Pin> pins;
     std::vector<Net> nets;
     std::vector<Cell> cells;
+
+    /// A component by its index in components.
+    const Component& component(int32_t index) const
+    {
+        assert(index >= 0 && static_cast<size_t>(index) < components.size());
+        return components[static_cast<size_t>(index)];
+    }
+
+    /// The cell of a component, nullptr if there is none of that name.
+    const Cell* cellOf(const Component& comp) const
+    {
+        return comp.cell < 0 ? nullptr : &cells[static_cast<size_t>(comp.cell)];
+    }
 };
+
+/// Index of the last record of each name; the records must outlive it, and keep their place.
+using NameIndex = std::unordered_map<std::string_view, int32_t>;
+
+/// The index of some named records.
+template <typename Records>
+NameIndex indexNames(const Records& records)
+{
+    NameIndex index;
+    index.reserve(records.size());
+    int32_t next = 0;
+    for (const auto& record : records) {
+        index[record.name] = next++;
+    }
+    return index;
+}
+
+/// Index of a record by its name, -1 if there is none.
+inline int32_t findName(const NameIndex& index, std::string_view name)
+{
+    const auto at = index.find(name);
+    return at != index.end() ? at->second : -1;
+}
 
 } // namespace kit::placer

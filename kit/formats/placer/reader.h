@@ -14,10 +14,16 @@ struct Paths {
     std::string base;    ///< of BASE.place, .pins, .netlist and .cells; one trailing dot does not count
     std::string cellDir; ///< folder of the colour files
 
-    std::string place() const;
-    std::string pins() const;
-    std::string netlist() const;
-    std::string cells() const;
+    std::string place() const { return with(".place"); }
+    std::string pins() const { return with(".pins"); }
+    std::string netlist() const { return with(".netlist"); }
+    std::string cells() const { return with(".cells"); }
+
+private:
+    std::string with(const char* extension) const
+    {
+        return (base.ends_with('.') ? base.substr(0, base.size() - 1) : base) + extension;
+    }
 };
 
 /// Reads a design to the end, whatever is wrong with it: what cannot be read is left out.

@@ -25,24 +25,22 @@ struct PlaceHeader {
 /// Writes a placement file part by part: the header, rows, then components, then blocks.
 class PlaceWriter {
 public:
-    /// Writes the header. @param out  must outlive this
+    /// Writes the header. @param out  must outlive the writer
     PlaceWriter(const PlaceHeader& header, OutputFile& out);
 
-    /// Writes a row of sites. @param step  site width
+    /// Writes a row. @param step  distance of two sites
     void row(std::string_view name, std::string_view site, int64_t x, int64_t y, std::string_view orient,
              int64_t sites, int64_t step);
 
-    /// Ends the rows.
+    /// Ends the rows. @param count  of the components
     void beginComponents(size_t count);
-
-    /// Writes a placed component by its lower left corner.
+    /// Writes a component by its lower left corner.
     void component(std::string_view name, std::string_view cell, int64_t x, int64_t y,
                    std::string_view orient);
 
-    /// Ends the components.
+    /// Ends the components. @param count  of the blocks
     void beginBlocks(size_t count);
-
-    /// Writes a fixed block by its lower left corner.
+    /// Writes a fixed block by its lower left corner and its size.
     void block(std::string_view name, int64_t x, int64_t y, int64_t width, int64_t height);
 
     /// Ends the blocks and the file.

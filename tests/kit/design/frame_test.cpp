@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "kit/design/frame.h"
+#include "kit/design/coloredPlacement.h"
 
 #include <gtest/gtest.h>
 
-#include "kit/formats/gds/gdsName.h"
+#include "kit/formats/gds/gdsNames.h"
 #include "kit/formats/placer/reader.h"
 #include "support/guards.h"
 

@@ -6,8 +6,8 @@
 
 #include <map>
 
+#include "kit/engines/color/cuts.h"
 #include "kit/engines/color/judge.h"
-#include "kit/engines/color/pieces.h"
 #include "kit/engines/color/smallCell.h"
 
 namespace {

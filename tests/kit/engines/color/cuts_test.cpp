@@ -6,7 +6,6 @@
 
 #include "kit/engines/color/judge.h"
 #include "kit/engines/color/parts.h"
-#include "kit/engines/color/pieces.h"
 #include "kit/engines/color/smallCell.h"
 
 namespace {

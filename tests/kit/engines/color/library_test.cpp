@@ -6,7 +6,7 @@
 
 #include "kit/base/text/text.h"
 #include "kit/engines/color/judge.h"
-#include "kit/engines/color/library.h"
+#include "kit/engines/color/run.h"
 #include "kit/formats/placer/reader.h"
 #include "kit/kitRun.h"
 

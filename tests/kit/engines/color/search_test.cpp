@@ -7,8 +7,6 @@
 
 #include <map>
 
-#include "kit/engines/color/spread.h"
-
 namespace {
 
 using kit::color::Bond;

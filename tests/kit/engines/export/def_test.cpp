@@ -7,7 +7,6 @@
 #include "kit/design/nameMap.h"
 #include "kit/engines/export/smallExport.h"
 #include "kit/formats/lefdef/edits.h"
-#include "kit/formats/lefdef/statement.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Components, pins, nets and names of a DEF in the placer's files.
-#include "kit/design/trueOrient.h"
+#include "kit/design/nameMap.h"
 #include "kit/engines/import/importCase.h"
 #include "kit/formats/placer/reader.h"
 

@@ -9,7 +9,7 @@
 #include <set>
 #include <tuple>
 
-#include "kit/design/metal.h"
+#include "kit/design/standing.h"
 #include "kit/engines/verify/judged.h"
 #include "kit/geometry/sweep.h"
 

@@ -4,10 +4,9 @@
 #include <set>
 
 #include "kit/base/fault.h"
-#include "kit/design/matching.h"
+#include "kit/design/coloredPlacement.h"
+#include "kit/engines/verify/checks.h"
 #include "kit/engines/verify/judged.h"
-#include "kit/engines/verify/legality.h"
-#include "kit/engines/verify/pairs.h"
 
 namespace {
 
@@ -245,7 +244,7 @@ TEST(KitVerify, DesignWithoutRowsHasAllCellsOffRow)
 TEST(KitVerify, KindsHaveDifferentNames)
 {
     std::set<std::string> names;
-    for (const kit::design::KindInfo& info : kit::design::kinds()) {
+    for (const kit::design::KindInfo& info : kit::design::KINDS) {
         EXPECT_TRUE(names.insert(info.name).second) << info.name;
     }
     EXPECT_EQ(names.size(), static_cast<size_t>(Kind::FILLERS) + 1);

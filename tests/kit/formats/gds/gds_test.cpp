@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The GDSII writer, its numbers and its names.
-#include "kit/formats/gds/gdsName.h"
+#include "kit/formats/gds/gdsNames.h"
 #include "kit/formats/gds/gdsReader.h"
 
 #include <gtest/gtest.h>
@@ -11,9 +11,7 @@
 
 #include "kit/base/fault.h"
 #include "kit/base/files/outputFile.h"
-#include "kit/formats/gds/gdsNames.h"
 #include "kit/formats/gds/gdsWriter.h"
-#include "kit/formats/gds/real8.h"
 #include "kit/kitRun.h"
 
 namespace {

@@ -182,7 +182,7 @@ TEST(SourceReporter, StopsAfterAThousandOfASeverity)
     for (int i = 0; i < 1000; ++i) {
         reporter.warning("w", 2, "what", "advice");
     }
-    reporter.note("n", 3, "what", "advice");
+    reporter.add(kit::Severity::NOTE, "n", 3, "what", "advice");
     ASSERT_EQ(findings.size(), 2002U);
     EXPECT_EQ(test::describe(findings[999]), "error e 1:2: what; advice");
     EXPECT_EQ(

@@ -2,7 +2,7 @@
 // Where points of masters come to lie.
 #include <gtest/gtest.h>
 
-#include "kit/formats/lefdef/transform.h"
+#include "kit/formats/lefdef/orient.h"
 
 namespace {
 

@@ -9,7 +9,6 @@
 #include "db/row.h"
 #include "db/segment.h"
 #include "kit/base/fault.h"
-#include "kit/design/occupancy.h"
 #include "kit/design/spacing.h"
 #include "kit/design/stretches.h"
 #include "kit/kitRun.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// What can be wrong with where cells stand. Each check appends to the issues.
 #pragma once
 
 #include <cstddef>
@@ -8,6 +9,17 @@
 #include "kit/formats/placer/design.h"
 
 namespace kit::verify {
+
+/// Checks every component by itself: that its cell is known, its orientation one of a row, and that it is
+/// inside a row, on its sites.
+///
+/// @param issues  out: what is not so; also components that the placer leaves out
+void checkPlaces(const placer::Design& design, const design::Scale& scale, design::Issues& issues);
+
+/// Checks that no cell overlaps a macro.
+///
+/// @param issues  out: an issue for each pair of a cell and a macro
+void checkMacros(const placer::Design& design, const design::Layout& layout, design::Issues& issues);
 
 /// Pairs of cells with an issue after which the search is given up: cells in a heap have too many.
 inline constexpr size_t MOST_PAIRS = 1'000'000;

@@ -1,16 +1,18 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <cassert>
 #include <cstddef>
 #include <numeric>
 #include <utility>
 #include <vector>
 
-namespace kit::color {
+namespace kit::geometry {
 
 /// Disjoint sets of the numbers below a count.
 class Sets {
 public:
+    /// Each number alone in its set.
     explicit Sets(size_t count) : m_parents(count)
     {
         std::iota(m_parents.begin(), m_parents.end(), size_t{0});
@@ -25,8 +27,10 @@ public:
         return i;
     }
 
+    /// Makes one set of those of two numbers.
     void join(size_t i, size_t j)
     {
+        assert(i < m_parents.size() && j < m_parents.size());
         size_t a = leastOf(i);
         size_t b = leastOf(j);
         if (a > b) {
@@ -57,4 +61,4 @@ private:
     std::vector<size_t> m_parents;
 };
 
-} // namespace kit::color
+} // namespace kit::geometry

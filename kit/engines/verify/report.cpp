@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// The judgement as text and as JSON.
 #include <algorithm>
 #include <ostream>
 
 #include "kit/base/finding.h"
 #include "kit/base/text/escape.h"
+#include "kit/base/text/json.h"
 #include "kit/base/text/text.h"
-#include "kit/engines/verify/report.h"
+#include "kit/engines/verify/verify.h"
 
 namespace kit::verify {
 
@@ -16,13 +18,6 @@ std::string rounded(double value)
 {
     const auto tenths = static_cast<int64_t>(value * 10);
     return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10);
-}
-
-std::string describe(const placer::Design& design, int32_t component)
-{
-    const placer::Component& comp = design.components[static_cast<size_t>(component)];
-    return comp.name + " (" + comp.cellName + ") at (" + std::to_string(comp.x) + ", " +
-           std::to_string(comp.y) + ")";
 }
 
 std::string padded(const std::string& text, size_t width)
@@ -67,7 +62,7 @@ private:
                          .file = issue.inColors ? m_options.colors : m_options.placement,
                          .line = issue.line,
                          .what = textOf(issue, m_input.design, m_minDist),
-                         .advice = {}});
+                         .advice = ""});
     }
 
     /// The closest pairs of a kind, as many as are asked for; of equal ones those met first.
@@ -79,9 +74,8 @@ private:
                 pairs.push_back(&issue);
             }
         }
-        std::stable_sort(pairs.begin(), pairs.end(), [](const design::Issue* a, const design::Issue* b) {
-            return a->distance < b->distance;
-        });
+        std::ranges::stable_sort(
+            pairs, [](const design::Issue* a, const design::Issue* b) { return a->distance < b->distance; });
         pairs.resize(std::min(pairs.size(), static_cast<size_t>(m_options.worst)));
         return pairs;
     }
@@ -98,10 +92,14 @@ private:
               << "distance  shape pairs  mask  cells\n";
         for (const design::Issue* pair : pairs) {
             m_out << padded(rounded(pair->distance), 8) << padded(std::to_string(pair->shapePairs), 13)
-                  << padded(std::to_string(pair->mask), 6) << "  "
-                  << printable(describe(m_input.design, pair->component)) << ", "
-                  << printable(describe(m_input.design, pair->other)) << '\n';
+                  << padded(std::to_string(pair->mask), 6) << "  " << printable(describe(pair->component))
+                  << ", " << printable(describe(pair->other)) << '\n';
         }
+    }
+
+    std::string describe(int32_t component) const
+    {
+        return design::placeText(m_input.design.component(component));
     }
 
     void writeCounts()
@@ -109,7 +107,7 @@ private:
         const std::vector<int64_t> counts = countKinds(m_issues);
         m_out << '\n';
         for (size_t i = 0; i < counts.size(); ++i) {
-            const design::KindInfo& info = design::kinds()[i];
+            const design::KindInfo& info = design::KINDS[i];
             if (counts[i] > 0) {
                 m_out << padded(std::to_string(counts[i]), 8) << "  " << info.name << ": " << info.title
                       << '\n';
@@ -125,6 +123,59 @@ private:
     std::string m_minDist; ///< for people
 };
 
+constexpr int SCHEMA = 1;
+
+Json jsonOf(const design::DbuBox& box)
+{
+    return Json::array({box.xl, box.yl, box.xh, box.yh});
+}
+
+Json jsonOf(const Finding& fault)
+{
+    const std::string advice = fault.advice.empty() ? "" : "; " + fault.advice;
+    return {{"severity", wordOf(fault.severity)},
+            {"code", fault.code},
+            {"file", fault.file},
+            {"line", fault.line},
+            {"what", fault.what + advice}};
+}
+
+Json jsonOf(const design::Issue& issue, const Options& options, const placer::Design& design,
+            const std::string& minDist)
+{
+    const design::KindInfo& info = design::infoOf(issue.kind);
+    const auto nameOf = [&](int32_t component) { return design.component(component).name; };
+    Json json{{"severity", wordOf(info.severity)},
+              {"code", info.name},
+              {"file", issue.inColors ? options.colors : options.placement},
+              {"line", issue.line},
+              {"what", textOf(issue, design, minDist)}};
+    if (issue.component >= 0) {
+        json["component"] = nameOf(issue.component);
+    }
+    if (issue.other >= 0) {
+        json["other"] = nameOf(issue.other);
+        json["box"] = jsonOf(issue.box);
+    }
+    if (design::isConflict(issue)) {
+        json["other_box"] = jsonOf(issue.otherBox);
+        json["distance"] = issue.distance;
+        json["shape_pairs"] = issue.shapePairs;
+        json["mask"] = issue.mask;
+    }
+    return json;
+}
+
+Json countsOf(const design::ColoredPlacement& input, const design::Issues& issues)
+{
+    const std::vector<int64_t> counts = countKinds(issues);
+    Json json{{"input-fault", input.faults.size()}};
+    for (size_t i = 0; i < counts.size(); ++i) {
+        json[design::KINDS[i].name] = counts[i];
+    }
+    return json;
+}
+
 } // namespace
 
 std::string textOf(const design::Issue& issue, const placer::Design& design, const std::string& minDist)
@@ -132,7 +183,8 @@ std::string textOf(const design::Issue& issue, const placer::Design& design, con
     if (!issue.what.empty() || issue.other < 0) {
         return issue.what;
     }
-    const std::string pair = describe(design, issue.component) + " and " + describe(design, issue.other);
+    const std::string pair = design::placeText(design.component(issue.component)) + " and " +
+                             design::placeText(design.component(issue.other));
     if (!design::isConflict(issue)) {
         return pair + " overlap";
     }
@@ -156,6 +208,30 @@ void writeText(const Options& options, const design::ColoredPlacement& input, co
                std::ostream& out)
 {
     TextReport(options, input, issues, out).write();
+}
+
+void writeJson(const Options& options, const design::ColoredPlacement& input, const design::Issues& issues,
+               std::ostream& out)
+{
+    const lefdef::Length site = design::siteLength(input.design);
+    const std::string minDist = options.minDist.textOn(site);
+    out << "{\"schema\":" << SCHEMA << ",\"placement\":" << Json(options.placement)
+        << ",\"colors\":" << Json(options.colors) << ",\"mindp\":" << options.minDist.unitsOn(site)
+        << ",\"mindp_um\":" << (site > 0 ? Json(options.minDist.micronsOn(site)) : Json(nullptr))
+        << ",\"clean\":" << (exitStatusOf(input, issues) == 0 ? "true" : "false")
+        << ",\"summary\":" << Json(summaryOf(input, issues)) << ",\"counts\":" << countsOf(input, issues)
+        << ",\"findings\":[";
+    const char* separator = "\n";
+    for (const Finding& fault : input.faults) {
+        out << separator << jsonOf(fault);
+        separator = ",\n";
+    }
+    for (const design::Issue& issue : issues) { // one by one: a million of them need no second copy
+        out << separator << jsonOf(issue, options, input.design, minDist);
+        separator = ",\n";
+    }
+    out << "\n]}\n";
+    out.flush();
 }
 
 } // namespace kit::verify
