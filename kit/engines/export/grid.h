@@ -26,8 +26,11 @@ public:
     /// Whether library units are rounded.
     bool isRounded() const { return m_rounded; }
 
+    /// A length of the DEF on the grid, exact.
     int64_t ofDbu(int64_t dbu) const { return dbu * m_perDbu; }
+    /// A length in library units on the grid, rounded where isRounded().
     int64_t ofLibrary(int64_t length) const;
+    /// A length of the LEF on the grid, rounded.
     int64_t ofLength(lefdef::Length length) const;
 
 private:

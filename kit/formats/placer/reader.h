@@ -14,9 +14,13 @@ struct Paths {
     std::string base;    ///< of BASE.place, .pins, .netlist and .cells; one trailing dot does not count
     std::string cellDir; ///< folder of the colour files
 
+    /// Rows, components and blocks.
     std::string place() const { return with(".place"); }
+    /// Terminals of the chip.
     std::string pins() const { return with(".pins"); }
+    /// Nets with their members.
     std::string netlist() const { return with(".netlist"); }
+    /// Names of the cells that have colour files.
     std::string cells() const { return with(".cells"); }
 
 private:

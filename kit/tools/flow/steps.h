@@ -28,25 +28,37 @@ struct Step {
 
 /// Where the files in between are.
 struct Places {
-    std::string folder; ///< of all of them
-    std::string base;   ///< of the imported design, without extension
-    std::string
-        placed; ///< of the placed design, and of the results until all are complete, without extension
+    std::string folder;  ///< of all of them
+    std::string base;    ///< of the imported design, without extension
+    std::string placed;  ///< of the placed design, and of results until all are complete, without extension
     std::string cellDir; ///< of the colour files
 };
 
 /// The places of a run; that of the colour files is empty if it was not given.
 Places placesOf(const Options& options);
 
+/// Reads LEF and DEF into a design of the placer.
 Step importStep(const Options& options, const Places& places);
 
+/// Makes the colour files of the library.
+///
 /// @param site    size of a site, W,H in micrometres
 /// @param folder  where the colour files are made
 Step colorStep(const Options& options, const std::string& site, const std::string& folder);
+
+/// Looks for problems of the design.
 Step lintStep(const Options& options, const Places& places);
+
+/// Places and colours the design.
 Step placeStep(const Options& options, const Places& places);
+
+/// Judges the placed design.
 Step verifyStep(const Options& options, const Places& places);
+
+/// Writes DEF and GDSII of the placed design.
 Step exportStep(const Options& options, const Places& places);
+
+/// Draws the placed design as a page.
 Step viewStep(const Options& options, const Places& places);
 
 } // namespace kit::flow
