@@ -3,7 +3,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <tuple>
+
+#include "kit/design/stretches.h"
 
 namespace kit::design {
 
@@ -15,16 +18,6 @@ bool reachesEdge(const placer::Cell& cell, const placer::Shape& shape)
 {
     return std::ranges::any_of(
         shape.rects, [&](const placer::Rect& rect) { return rect.yl <= 0 || rect.yh >= cell.height; });
-}
-
-FineBox turned(const placer::Rect& rect, const placer::Cell& cell, const Turn& turn, const Scale& scale)
-{
-    const int64_t width = cell.width;
-    const int64_t height = cell.height;
-    return {scale.ofLibrary(turn.mirrorX ? width - rect.xh : rect.xl),
-            scale.ofLibrary(turn.mirrorY ? height - rect.yh : rect.yl),
-            scale.ofLibrary(turn.mirrorX ? width - rect.xl : rect.xh),
-            scale.ofLibrary(turn.mirrorY ? height - rect.yl : rect.yh)};
 }
 
 /// A distance along the axes.
@@ -69,6 +62,12 @@ Turn turnOf(const std::string& orient)
     return {};
 }
 
+placer::Rect turned(const placer::Rect& rect, const placer::Cell& cell, const Turn& turn)
+{
+    return {turn.mirrorX ? cell.width - rect.xh : rect.xl, turn.mirrorY ? cell.height - rect.yh : rect.yl,
+            turn.mirrorX ? cell.width - rect.xl : rect.xh, turn.mirrorY ? cell.height - rect.yl : rect.yh};
+}
+
 Stencil stencilOf(const placer::Cell& cell, const Turn& turn, const Scale& scale)
 {
     Stencil stencil;
@@ -77,7 +76,9 @@ Stencil stencilOf(const placer::Cell& cell, const Turn& turn, const Scale& scale
     for (size_t k = 0; k < cell.shapes.size(); ++k) {
         const bool atEdge = reachesEdge(cell, cell.shapes[k]);
         for (const placer::Rect& rect : cell.shapes[k].rects) {
-            const FineBox box = turned(rect, cell, turn, scale);
+            const placer::Rect lying = turned(rect, cell, turn);
+            const FineBox box{scale.ofLibrary(lying.xl), scale.ofLibrary(lying.yl), scale.ofLibrary(lying.xh),
+                              scale.ofLibrary(lying.yh)};
             stencil.pieces.push_back({box, static_cast<int32_t>(k), atEdge});
             stencil.extent = around(stencil.extent, box);
         }
@@ -94,7 +95,7 @@ int32_t Standing::maskOf(const Piece& piece) const
 
 Layout::Layout(const placer::Design& design, const std::vector<const placer::ColorRecord*>& records,
                Scale scale)
-    : m_scale(scale), m_stencils(TURNS * design.cells.size())
+    : m_scale(scale), m_rowHeight(Scale::ofDbu(rowHeight(design))), m_stencils(TURNS * design.cells.size())
 {
     for (const Standing& cell : standings(design, records)) {
         if (m_bands.empty() || m_bands.back().y != cell.y) {
@@ -113,6 +114,9 @@ const Stencil* Layout::findStencil(const placer::Cell& cell, size_t index, const
         m_stencils[TURNS * index + (turn.mirrorX ? 1U : 0U) + (turn.mirrorY ? 2U : 0U)];
     if (slot.empty()) {
         slot.push_back(stencilOf(cell, turn, m_scale));
+        // A row that is no whole number of library units high has cells that are not rounded.
+        int64_t& height = slot.back().outline.yh;
+        height = std::abs(height - m_rowHeight) < m_scale.step ? m_rowHeight : height;
     }
     return slot.data();
 }

@@ -44,6 +44,9 @@ struct Turn {
 /// The turn of an orientation by its name.
 Turn turnOf(const std::string& orient);
 
+/// A rectangle of a cell as a component of that orientation has it, library coordinates.
+placer::Rect turned(const placer::Rect& rect, const placer::Cell& cell, const Turn& turn);
+
 /// A rectangle of a shape.
 struct Piece {
     FineBox box;         ///< from the cell's lower-left corner
@@ -103,6 +106,7 @@ private:
                                     const std::vector<const placer::ColorRecord*>& records);
 
     Scale m_scale;
+    int64_t m_rowHeight;                          ///< fine units
     std::vector<std::vector<Stencil>> m_stencils; ///< [4 * cell + turn] none or one
     std::vector<Band> m_bands;
     int64_t m_tallest = 0;

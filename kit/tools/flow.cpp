@@ -15,8 +15,8 @@ constexpr int64_t MOST_JOBS = 256;
 
 constexpr const char* FOOTER =
     R"(Writes OUT.def, OUT.gds with OUT.lyp, OUT.html and OUT.json, and beside it what export needs to make them again:
-OUT.place, .colors, .cells, .pins, .netlist, .map and the colour files in OUT.library. It stops at the first step that
-fails.
+OUT.place, .colors, .cells, .pins, .netlist, .map and the colour files in OUT.library. OUT.lyrdb has a marker for each
+error that is left. It stops at the first step that cannot do its work.
 
 Exit status: 0 done; 1 the placement is not clean; 2 a step could not do its work.
 
@@ -38,6 +38,8 @@ void addFiles(const Command& command, Options& options)
                 "folder that keeps colourings from run to run (default: the user's cache)");
     command.flag("--legalize", options.legalize,
                  "put cells that are unplaced, off their row or over one another on free sites");
+    command.flag("--no-true-orientation", options.asDrawn,
+                 "take mirrored cells as they are drawn, as the placer alone does");
     command.flag("--allow-conflicts", options.allowConflicts,
                  "take the least bad colouring of a cell that has no good one");
     command.flag("--keep", options.keep, "keep all files in between, in OUT.flow");

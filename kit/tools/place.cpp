@@ -28,6 +28,8 @@ void addFileOptions(const Command& command, Options& options)
     command.add("BASE", options.base, "path of the design files without extension").required();
     command.add("--cell-path", options.cellPath, "folder of the colour files").required();
     command.add("-o,--output", options.out, "path of the result files without extension").required();
+    command.flag("--true-orientation", options.trueOrientation,
+                 "take mirrored cells as they lie; the placer takes them as they are drawn");
     command.flag("--rescue", options.rescue, "find places for the cells that the placer leaves without one");
     command.flag("--force", options.force, "replace earlier results");
     command.flag("--quiet", options.quiet, "no progress line");

@@ -38,6 +38,18 @@ std::vector<std::string> filesIn(const std::string& folder)
     return paths;
 }
 
+std::string makeTemporaryFolder()
+{
+    std::error_code error; // where TMPDIR names no folder
+    fs::path name = fs::temp_directory_path(error);
+    name = (error ? fs::path("/tmp") : name) / "vireloce-XXXXXX";
+    std::string path = name.string();
+    if (mkdtemp(path.data()) == nullptr) {
+        throw systemFault("cannot make the folder " + path, errno);
+    }
+    return path;
+}
+
 FolderRemoval::~FolderRemoval()
 {
     std::error_code error; // of what is not there

@@ -10,6 +10,11 @@ namespace kit {
 /// Makes a folder and those above it, where they are not there yet. Errors: throws Fault if it cannot.
 void makeFolder(const std::string& path);
 
+/// Makes a folder of a new name where temporary files belong. Errors: throws Fault if it cannot.
+///
+/// @return its path
+std::string makeTemporaryFolder();
+
 /// The folder that a file lies in: "." for a name alone.
 std::string folderOf(const std::string& path);
 
@@ -22,6 +27,9 @@ public:
     /// @param path  of the folder, which need not be there
     explicit FolderRemoval(std::string path) : m_path(std::move(path)) {}
     ~FolderRemoval();
+    /// The path.
+    const std::string& path() const { return m_path; }
+
     FolderRemoval(const FolderRemoval&) = delete;
     FolderRemoval& operator=(const FolderRemoval&) = delete;
 

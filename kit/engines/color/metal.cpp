@@ -70,9 +70,9 @@ public:
     }
 
 private:
-    int32_t toUnits(Length length)
+    int32_t toUnits(Length length, Rounding rounding = Rounding::NEAREST)
     {
-        const int32_t units = m_scale.of(length); // first, as it tells lengths that are too large
+        const int32_t units = m_scale.of(length, rounding); // first, as it tells lengths that are too large
         m_metal.exact = m_metal.exact && m_scale.isExact(length);
         return units;
     }
@@ -181,21 +181,22 @@ private:
         Polygon polygon{net, {}};
         for (const size_t i : group) {
             const geometry::Rect& piece = m_pieces[i].rect;
-            Rect rect{toUnits(piece.xl), toUnits(piece.yl), toUnits(piece.xh), toUnits(piece.yh)};
-            if (place != 3) { // a rail goes on in the neighbours
-                rect.xl = std::max(rect.xl, 0);
-                rect.xh = std::min(rect.xh, m_metal.width);
-            } else if (rect.xl < 0 || rect.xh > m_metal.width) {
+            // What is far enough apart in rounded lengths must be so in true ones.
+            Rect rect{toUnits(piece.xl, Rounding::DOWN), toUnits(piece.yl, Rounding::DOWN),
+                      toUnits(piece.xh, Rounding::UP), toUnits(piece.yh, Rounding::UP)};
+            if (place == 3 && (piece.xl < 0 || piece.xh > m_macro.width)) {
                 throw CellFault("metal of " + m_metal.nets[net] + " at " + textOf(rect) +
                                 " reaches beyond the cell's left or right edge (0 to " +
                                 std::to_string(m_metal.width) + ")");
             }
+            rect.xl = std::max(rect.xl, 0); // a rail goes on in the neighbours
+            rect.xh = std::min(rect.xh, m_metal.width);
             if (rect.hasArea()) {
                 polygon.rects.push_back(rect);
             }
         }
         if (polygon.rects.empty()) {
-            return; // thinner than half a unit
+            return; // beyond the outline
         }
         if (place == 3) {
             m_metal.polygons.push_back(std::move(polygon));
@@ -225,13 +226,14 @@ private:
 
 } // namespace
 
-int32_t Scale::of(Length length) const
+int32_t Scale::of(Length length, Rounding rounding) const
 {
     const Length limit = FARTHEST / placer::LIBRARY_SITE * std::min(m_site, lefdef::MICRON * 1000);
     if (length > limit || length < -limit) {
         throw CellFault("a coordinate of the cell is too large");
     }
-    const Length doubled = 2 * length * placer::LIBRARY_SITE + m_site;
+    const Length added = rounding == Rounding::DOWN ? 0 : rounding == Rounding::UP ? 2 * m_site - 2 : m_site;
+    const Length doubled = 2 * length * placer::LIBRARY_SITE + added;
     const Length divisor = 2 * m_site;
     const Length quotient = doubled / divisor;
     return static_cast<int32_t>(quotient - (doubled % divisor < 0 ? 1 : 0));

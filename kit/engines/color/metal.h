@@ -20,16 +20,19 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// How a length between two whole units becomes one of them.
+enum class Rounding { NEAREST, DOWN, UP };
+
 /// Lengths of a LEF file in library coordinates.
 class Scale {
 public:
     /// @param site  width of the site that the rows have, picometres, positive
     explicit Scale(lefdef::Length site) : m_site(site) {}
 
-    /// A length, rounded to the nearest integer, halves upwards.
+    /// A length, rounded to an integer; halves go up where it is the nearest.
     ///
     /// Errors: throws CellFault if it is beyond what a colour file may hold.
-    int32_t of(lefdef::Length length) const;
+    int32_t of(lefdef::Length length, Rounding rounding = Rounding::NEAREST) const;
 
     /// Whether a length is a whole number there.
     bool isExact(lefdef::Length length) const { return length * placer::LIBRARY_SITE % m_site == 0; }

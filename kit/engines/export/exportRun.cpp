@@ -133,6 +133,10 @@ private:
         } else {
             tellFillers();
         }
+        if (m_inputs.files.errors > 0) { // whoever goes on with the file alone would not know
+            edits.replace(0, 0,
+                          "# Not clean: verify finds " + counted(m_inputs.files.errors, "error") + "\n");
+        }
         const auto write = [&](OutputFile& file) { edits.write(m_inputs.defSource->text(), file); };
         m_outputs.add(m_options.out, line, write);
         if (!m_options.defMasks.empty()) {

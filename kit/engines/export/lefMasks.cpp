@@ -46,7 +46,7 @@ Statements statementsOf(const LefMacro& macro)
 class Snap {
 public:
     Snap(const Statements& statements, Length siteWidth)
-        : m_siteWidth(siteWidth), m_tolerance(siteWidth / placer::LIBRARY_SITE / 2 + 1)
+        : m_siteWidth(siteWidth), m_tolerance(siteWidth / placer::LIBRARY_SITE)
     {
         for (const auto& [offset, shapes] : statements) {
             for (const LefShape* shape : shapes) {
@@ -81,7 +81,7 @@ private:
     }
 
     Length m_siteWidth;
-    Length m_tolerance; ///< half a library unit
+    Length m_tolerance; ///< a library unit: colour files are rounded outward
     std::vector<Length> m_xs;
     std::vector<Length> m_ys;
 };

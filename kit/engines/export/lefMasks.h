@@ -31,7 +31,7 @@ struct MaskedMacro {
 /// changes; all other text stays as it is.
 ///
 /// Corners of the colour file, which are whole library units, are taken to be those of the macro that are
-/// nearest within half a unit.
+/// nearest within a unit.
 MaskedMacro maskedMacro(const lefdef::Source& source, const lefdef::LefMacro& macro,
                         const Colouring& colouring, std::string_view name);
 

@@ -41,6 +41,8 @@ ResultFiles findResult(const std::string& json, const std::string& cellDir)
     }
     files.map = fs::exists(base + ".map") ? base + ".map" : "";
     files.cellDir = cellDir.empty() ? cellDirOf(result, json) : cellDir;
+    const Json& errors = result.atPointer("/judge/errors");
+    files.errors = errors.isNull() ? 0 : errors.asInteger();
     return files;
 }
 

@@ -2,6 +2,7 @@
 // The result of `place`, as it is found beside its OUT.json.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace kit::exporter {
@@ -13,6 +14,7 @@ struct ResultFiles {
     std::string colors;
     std::string map{}; ///< empty if there is none: the design was not imported
     std::string cellDir{};
+    int64_t errors = 0; ///< that the judge found in the placement
 };
 
 /// Finds the files of a result.

@@ -14,6 +14,7 @@
 #include "kit/engines/place/placementText.h"
 #include "kit/engines/place/progressLine.h"
 #include "kit/engines/place/resultJson.h"
+#include "kit/engines/place/unturned.h"
 #include "kit/formats/placer/colors.h"
 
 namespace kit::place {
@@ -23,24 +24,6 @@ namespace {
 constexpr int CLEAN = 0;
 constexpr int NOT_CLEAN = 1;
 constexpr int UNREADABLE = 2;
-
-std::vector<placer::ColorRecord> colorsOf(const Design& design)
-{
-    std::vector<placer::ColorRecord> records;
-    records.reserve(design.components.size());
-    for (const Component* comp : design.components) {
-        const Cell& cell = design.cellOf(*comp);
-        placer::ColorRecord& record = records.emplace_back();
-        record.name = comp->name;
-        record.cell = comp->cellName;
-        if (comp->solution >= 0 && static_cast<size_t>(comp->solution) < cell.colors.size()) {
-            record.solution = comp->solution;
-            record.stitches = cell.stitchesOf(comp->solution);
-            record.masks = cell.colors[static_cast<size_t>(comp->solution)];
-        }
-    }
-    return records;
-}
 
 /// Prints what the report begins with; gives the options of the placer.
 vireloce::PlaceOptions beginReport(const Options& options)
@@ -62,7 +45,14 @@ public:
     int run()
     {
         const auto begin = std::chrono::steady_clock::now();
-        const vireloce::PlaceOptions options = beginReport(m_options);
+        vireloce::PlaceOptions options = beginReport(m_options);
+        if (m_options.trueOrientation) {
+            m_unturned = UnturnedDesign::of(m_options);
+        }
+        if (m_unturned) {
+            options.placePath = m_unturned->base();
+            options.cellPath = m_unturned->cellPath();
+        }
         try {
             m_run.result = vireloce::place(options, hooks());
         } catch (const vireloce::RunError& error) {
@@ -142,10 +132,36 @@ private:
         }
     }
 
+    std::vector<placer::ColorRecord> colorsOf(const Design& design) const
+    {
+        std::vector<placer::ColorRecord> records;
+        records.reserve(design.components.size());
+        for (const Component* comp : design.components) {
+            const Cell& cell = design.cellOf(*comp);
+            placer::ColorRecord& record = records.emplace_back();
+            record.name = comp->name;
+            record.cell = m_unturned ? m_unturned->cellOf(comp->cellName) : comp->cellName;
+            if (comp->solution >= 0 && static_cast<size_t>(comp->solution) < cell.colors.size()) {
+                record.solution = comp->solution;
+                record.stitches = cell.stitchesOf(comp->solution);
+                record.masks = cell.colors[static_cast<size_t>(comp->solution)];
+            }
+        }
+        return records;
+    }
+
+    void writePlacement(const Design& design, OutputFile& out) const
+    {
+        const auto changesOf = [&design](size_t index, RecordChanges& changes) {
+            const Component& comp = *design.components[index];
+            changes = {.name = comp.name, .at = Point{comp.x, comp.y}};
+        };
+        rewritePlacement(m_options.base + ".place", design.components.size(), changesOf, out);
+    }
+
     void addFiles(const Design& design)
     {
-        m_files.add(m_options.out + ".place",
-                    [&](OutputFile& out) { rewritePlacement(m_options.base + ".place", design, out); });
+        m_files.add(m_options.out + ".place", [&](OutputFile& out) { writePlacement(design, out); });
         m_files.add(m_options.out + ".colors",
                     [&](OutputFile& out) { placer::writeColors(colorsOf(design), out); });
         for (const char* extension : COPIED) {
@@ -161,7 +177,8 @@ private:
 
     const Options& m_options;
     ProgressLine m_line;
-    std::vector<Point> m_start; ///< [component] positions before the placement
+    std::unique_ptr<UnturnedDesign> m_unturned; ///< what the placer gets, if not the design itself
+    std::vector<Point> m_start;                 ///< [component] positions before the placement
     Json m_placement;
     Json m_rescue;
     PlacerRun m_run;

@@ -7,7 +7,6 @@
 #include <string_view>
 #include <vector>
 
-#include "db/design.h"
 #include "kit/base/fault.h"
 #include "kit/base/files/outputFile.h"
 
@@ -17,8 +16,10 @@ namespace {
 
 /// Tokens of a component record, from 0: "- NAME CELL + PLACED ( X Y ) ORIENT".
 constexpr size_t NAME_TOKEN = 1;
+constexpr size_t CELL_TOKEN = 2;
 constexpr size_t X_TOKEN = 6;
 constexpr size_t Y_TOKEN = 7;
+constexpr size_t ORIENT_TOKEN = 9;
 
 /// The words of a line between blanks.
 std::vector<std::string_view> tokensOf(std::string_view line)
@@ -33,11 +34,11 @@ std::vector<std::string_view> tokensOf(std::string_view line)
     return tokens;
 }
 
-/// Copies a placement file line by line, with new positions.
+/// Copies a placement file line by line, with changed records.
 class Rewriter {
 public:
-    Rewriter(const std::string& path, const Design& design, OutputFile& out)
-        : m_path(path), m_in(path, std::ios::binary), m_design(design), m_out(out)
+    Rewriter(const std::string& path, size_t count, const ChangesOf& changesOf, OutputFile& out)
+        : m_path(path), m_in(path, std::ios::binary), m_count(count), m_changesOf(changesOf), m_out(out)
     {
         if (!m_in.is_open()) {
             throw systemFault("cannot open file " + path, errno);
@@ -54,7 +55,7 @@ public:
                 rewriteRecords(std::strtol(std::string(tokens[1]).c_str(), nullptr, 10));
             }
         }
-        if (m_written != m_design.components.size()) {
+        if (m_written != m_count) {
             fail("the file does not hold all components");
         }
     }
@@ -86,20 +87,31 @@ private:
 
     void rewriteRecord(const std::vector<std::string_view>& tokens)
     {
-        if (tokens.size() <= Y_TOKEN || m_written == m_design.components.size() ||
-            tokens[NAME_TOKEN] != m_design.components[m_written]->name) {
+        m_changes = {};
+        if (tokens.size() > ORIENT_TOKEN && m_written < m_count) {
+            m_changesOf(m_written++, m_changes);
+        }
+        if (tokens.size() <= ORIENT_TOKEN || tokens[NAME_TOKEN] != m_changes.name) {
             fail("the record is not that of the component that was placed");
         }
-        const Component& comp = *m_design.components[m_written++];
-        const auto offset = [this](std::string_view token) {
-            return static_cast<size_t>(token.data() - m_line.data());
-        };
+        size_t done = 0; // bytes of the line
         const std::string_view line = m_line;
-        const size_t behindX = offset(tokens[X_TOKEN]) + tokens[X_TOKEN].size();
-        const size_t behindY = offset(tokens[Y_TOKEN]) + tokens[Y_TOKEN].size();
-        m_out << line.substr(0, offset(tokens[X_TOKEN])) << comp.x;
-        m_out << line.substr(behindX, offset(tokens[Y_TOKEN]) - behindX) << comp.y;
-        m_out << line.substr(behindY) << (m_in.eof() ? "" : "\n");
+        const auto put = [&](size_t token, std::string_view text) {
+            const auto begin = static_cast<size_t>(tokens[token].data() - line.data());
+            m_out << line.substr(done, begin - done) << text;
+            done = begin + tokens[token].size();
+        };
+        if (!m_changes.cell.empty()) {
+            put(CELL_TOKEN, m_changes.cell);
+        }
+        if (m_changes.at) {
+            put(X_TOKEN, std::to_string(m_changes.at->x));
+            put(Y_TOKEN, std::to_string(m_changes.at->y));
+        }
+        if (!m_changes.orient.empty()) {
+            put(ORIENT_TOKEN, m_changes.orient);
+        }
+        m_out << line.substr(done) << (m_in.eof() ? "" : "\n");
     }
 
     [[noreturn]] void fail(const std::string& what)
@@ -109,18 +121,20 @@ private:
 
     const std::string& m_path;
     std::ifstream m_in;
-    const Design& m_design;
+    size_t m_count; ///< components
+    const ChangesOf& m_changesOf;
     OutputFile& m_out;
     std::string m_line;
-    int64_t m_number = 0; ///< of m_line
-    size_t m_written = 0; ///< components so far
+    RecordChanges m_changes; ///< of the record at hand
+    int64_t m_number = 0;    ///< of m_line
+    size_t m_written = 0;    ///< components so far
 };
 
 } // namespace
 
-void rewritePlacement(const std::string& path, const Design& design, OutputFile& out)
+void rewritePlacement(const std::string& path, size_t count, const ChangesOf& changesOf, OutputFile& out)
 {
-    Rewriter(path, design, out).run();
+    Rewriter(path, count, changesOf, out).run();
 }
 
 } // namespace kit::place

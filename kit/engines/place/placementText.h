@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <cstddef>
+#include <functional>
+#include <optional>
 #include <string>
+#include <string_view>
 
-class Design;
+#include "kit/engines/place/state.h"
 
 namespace kit {
 class OutputFile;
@@ -11,14 +15,25 @@ class OutputFile;
 
 namespace kit::place {
 
-/// Writes a placement file anew with the positions that its components have now; every other byte is kept:
-/// order, names, orientations, all sections.
+/// What a component's record gets in place of what stood there. What is empty stays.
+struct RecordChanges {
+    std::string_view name;     ///< that the record must have
+    std::string_view cell{};   ///< name of the cell
+    std::optional<Point> at{}; ///< lower left corner, DBU
+    std::string_view orient{}; ///< orientation
+};
+
+/// Gives the changes of a component's record, by its index.
+using ChangesOf = std::function<void(size_t component, RecordChanges& changes)>;
+
+/// Writes a placement file anew with changes of its components; every other byte is kept: order, names, all
+/// sections.
 ///
-/// @param path    the placement file that the design was read from
-/// @param design  its components
-/// @param out     where to; not committed
+/// @param path   the placement file
+/// @param count  components that it has, without those that are not placed
+/// @param out    where to; not committed
 ///
-/// Errors: throws Fault if the file cannot be read, or its records are not those of the design.
-void rewritePlacement(const std::string& path, const Design& design, OutputFile& out);
+/// Errors: throws Fault if the file cannot be read, or its records are not those of the components.
+void rewritePlacement(const std::string& path, size_t count, const ChangesOf& changesOf, OutputFile& out);
 
 } // namespace kit::place

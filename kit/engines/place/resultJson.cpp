@@ -66,6 +66,7 @@ Json optionsJson(const Options& options, int32_t minDist)
     addGiven("site_width", options.siteWidth);
     addGiven("move_range", options.moveRange);
     addGiven("weight", options.weight);
+    json["true_orientation"] = options.trueOrientation;
     json["rescue"] = options.rescue;
     return json;
 }

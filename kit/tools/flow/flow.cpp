@@ -19,6 +19,7 @@
 #include "kit/base/text/escape.h"
 #include "kit/base/text/json.h"
 #include "kit/base/text/text.h"
+#include "kit/design/issue.h"
 #include "kit/design/nameMap.h"
 #include "kit/formats/lefdef/units.h"
 #include "kit/tools/flow/cache.h"
@@ -50,12 +51,12 @@ public:
         } catch (const std::exception& error) {
             m_errors << "vireloce-kit: " << printable(error.what()) << "\n";
         }
-        if (status == 0) {
-            m_out << "Done: " << results() << "\n";
-        } else {
+        if (status == FAILED) {
             m_errors << "Stopped; the files so far are in " << m_places.folder << "\n";
+        } else {
+            m_out << "Done: " << results() << "\n";
         }
-        if (status == 0 && !m_options.keep) {
+        if (status != FAILED && !m_options.keep) {
             fs::remove_all(m_places.folder);
         }
         m_out.flush();
@@ -116,13 +117,36 @@ private:
             return FAILED;
         }
         if (!runStep(verifyStep(m_options, m_places))) {
-            return m_ending.status == NOT_CLEAN ? NOT_CLEAN : FAILED;
+            return FAILED;
         }
+        m_status = m_ending.status;
+        const Json judgement = std::move(m_result);
         if (!runStep(exportStep(m_options, m_places)) || !runStep(viewStep(m_options, m_places))) {
             return FAILED;
         }
         writeResults();
-        return 0;
+        if (m_status == NOT_CLEAN) {
+            tellUnclean(judgement);
+        }
+        return m_status;
+    }
+
+    /// Says how many errors a written placement has, which, and what to do.
+    void tellUnclean(const Json& judgement)
+    {
+        m_errors << "\n";
+        tellErrors(judgement["findings"], m_options.out + ".lyrdb");
+        m_errors << "\nNot clean:\n";
+        for (const design::KindInfo& info : design::KINDS) {
+            const Json& count = judgement["counts"][info.name];
+            if (info.severity == Severity::ERROR && count != Json(0)) {
+                m_errors << "  " << count << "  " << info.name << ": " << info.title << "\n";
+            }
+        }
+        m_errors << "What to do: try another --algo (0, 1, 3), more --max-solutions or a smaller --mindp; to "
+                    "see where it is, open "
+                 << m_options.out << ".html, or take " << m_options.out
+                 << ".lyrdb into a layout viewer with the layout\n";
     }
 
     void writeResults() const
@@ -166,6 +190,7 @@ private:
         options["base"] = nullptr;
         options["out"] = fs::absolute(m_options.out).lexically_normal().string();
         options["cell_path"] = fs::path(m_options.out).filename().string() + LIBRARY;
+        json["flow"] = Json{{"status", m_status}, {"steps", m_steps}};
         return json.dump(1);
     }
 
@@ -179,11 +204,10 @@ private:
         m_ending = process::run(words, log, errors.path());
         const std::string messages = readFile(errors.path());
         const std::string resultPath = step.result.empty() ? log : step.result;
-        const Json result =
-            fs::exists(resultPath) ? Json::tryParse(readFile(resultPath)).value_or(nullptr) : nullptr;
+        m_result = fs::exists(resultPath) ? Json::tryParse(readFile(resultPath)).value_or(nullptr) : nullptr;
         const bool good = m_ending.signal == 0 && m_ending.status <= step.goodStatus &&
-                          (step.needs.empty() || !result[step.needs].isNull());
-        const std::string summary = good || result.isObject() ? step.summary(result) : "";
+                          (step.needs.empty() || !m_result[step.needs].isNull());
+        const std::string summary = good || m_result.isObject() ? step.summary(m_result) : "";
         writeLine(step.name, (good ? "" : summary.empty() ? "FAILED" : "FAILED: ") + summary);
         if (!good) {
             m_errors << "\n";
@@ -192,7 +216,7 @@ private:
             m_errors << messages;
         }
         if (!good) {
-            tellErrors(result["findings"], log);
+            tellErrors(m_result["findings"], log);
             tellFailure(step, words,
                         messages.empty() && !summary.empty() ? step.name + ": " + summary
                                                              : lastLine(messages));
@@ -214,6 +238,20 @@ private:
         std::snprintf(numbers.data(), numbers.size(), "%-8s %7.2f %8.1f  ", name.c_str(), m_ending.seconds,
                       static_cast<double>(m_ending.peakKib) / 1024);
         m_out << numbers.data() << result << std::endl;
+        m_steps.push_back({{"name", name},
+                           {"status", m_ending.status},
+                           {"seconds", m_ending.seconds},
+                           {"peak_memory_kib", m_ending.peakKib},
+                           {"result", result}});
+    }
+
+    /// Where a file is that a step has named: results have their own names by the time they are told of.
+    std::string placeNow(std::string file) const
+    {
+        if (m_status == NOT_CLEAN && file.starts_with(m_places.placed)) {
+            file.replace(0, m_places.placed.size(), m_options.out);
+        }
+        return file;
     }
 
     /// Shows the errors among the findings of lint or verify, so many that they can be read.
@@ -224,7 +262,7 @@ private:
             const Json& each = findings[i];
             if (each["severity"] == "error" && ++errors <= MOST_TOLD) {
                 m_errors << lineOf({.code = each["code"].asString(),
-                                    .file = each["file"].asString(),
+                                    .file = placeNow(each["file"].asString()),
                                     .line = each["line"].asInteger(),
                                     .what = each["what"].asString(),
                                     .advice = each.contains("advice") ? each["advice"].asString() : ""});
@@ -313,7 +351,7 @@ private:
     std::string results() const
     {
         std::string text;
-        for (const char* extension : {".def", ".gds", ".lyp", ".html", ".json"}) {
+        for (const char* extension : {".def", ".gds", ".lyp", ".lyrdb", ".html", ".json"}) {
             text += (text.empty() ? "" : ", ") + m_options.out + extension;
         }
         return text + (m_options.keep ? "; all other files in " + m_places.folder : "");
@@ -325,6 +363,9 @@ private:
     Places m_places;
     std::vector<std::string> m_cells; ///< names of those in use
     process::Ending m_ending;         ///< of the last step
+    Json m_result;                    ///< of the last step, null if it gave none
+    Json m_steps = Json::array();     ///< what each took and gave
+    int m_status = 0;                 ///< of the placement
 };
 
 } // namespace

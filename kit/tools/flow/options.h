@@ -26,6 +26,7 @@ struct Options {
     std::optional<int32_t> algo;             ///< placement method
     std::optional<double> weight;            ///< cost of a site of wirelength against a stitch
     std::optional<int32_t> moveRange;        ///< of local shifts, sites
+    bool asDrawn = false;                    ///< take turned cells as they are drawn, as the placer does
     bool legalize = false;                   ///< put cells without a legal place on free sites
     bool allowConflicts = false;             ///< take the least bad colouring of a cell that has no good one
     bool keep = false;                       ///< keep all files in between
@@ -34,8 +35,8 @@ struct Options {
 
 /// The results, and what `export` needs to make them again: OUT with these extensions, and the folder of the
 /// colour files.
-inline constexpr const char* RESULTS[] = {".place", ".colors", ".cells", ".pins", ".netlist", ".map",
-                                          ".def",   ".gds",    ".lyp",   ".html", ".json"};
+inline constexpr const char* RESULTS[] = {".place", ".colors", ".cells", ".pins",  ".netlist", ".map",
+                                          ".def",   ".gds",    ".lyp",   ".lyrdb", ".html",    ".json"};
 inline constexpr const char* LIBRARY = ".library";
 
 } // namespace kit::flow

@@ -116,6 +116,9 @@ Step lintStep(const Options& options, const Places& places)
 Step placeStep(const Options& options, const Places& places)
 {
     Words words{"place", places.base, "--cell-path", places.cellDir, "-o", places.placed, "--rescue"};
+    if (!options.asDrawn) {
+        words.emplace_back("--true-orientation");
+    }
     addDistance(words, options);
     addGiven(words, "--algo", options.algo);
     addGiven(words, "--weight", options.weight);
@@ -136,15 +139,11 @@ Step verifyStep(const Options& options, const Places& places)
                 "--cell-path", places.cellDir,           "--lyrdb",  markers,
                 "--json"};
     addDistance(words, options);
-    Words draw = viewStep(options, places).words;
-    draw.insert(draw.begin(), "vireloce-kit");
-    return {
-        .name = "verify",
-        .words = words,
-        .advice =
-            "try another --algo (0, 1, 3), more --max-solutions or a smaller --mindp; to see where it is, "
-            "take " +
-            markers + " into a layout viewer, or draw a page: " + process::shellText(draw)};
+    return {.name = "verify",
+            .words = words,
+            .goodStatus = 1, // what is not clean is written and told
+            .advice = SEE_MESSAGES,
+            .tellsMessages = false};
 }
 
 Step exportStep(const Options& options, const Places& places)

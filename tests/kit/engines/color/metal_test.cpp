@@ -13,6 +13,7 @@ namespace {
 
 using namespace test;
 using kit::color::CellFault;
+using kit::color::Rounding;
 using kit::color::Scale;
 
 /// Nets and rectangles of polygons: "A: 0 0 1 1, 2 2 3 3; B: ...".
@@ -179,13 +180,23 @@ TEST(KitColorScale, ASiteIs190Wide)
     EXPECT_EQ(scale.of(0), 0);
 }
 
-TEST(KitColorScale, RoundsToTheNearest)
+TEST(KitColorScale, RoundsToTheNearestOrAsTold)
 {
     const Scale scale(380 * NM);    // a unit is 2 nm
     EXPECT_EQ(scale.of(3 * NM), 2); // halves go up
     EXPECT_EQ(scale.of(-3 * NM), -1);
     EXPECT_EQ(scale.of(3 * NM - 1), 1);
     EXPECT_EQ(scale.of(-3 * NM - 1), -2);
+    EXPECT_EQ(scale.of(3 * NM, Rounding::DOWN), 1);
+    EXPECT_EQ(scale.of(3 * NM, Rounding::UP), 2);
+    EXPECT_EQ(scale.of(-3 * NM, Rounding::DOWN), -2);
+    EXPECT_EQ(scale.of(-3 * NM, Rounding::UP), -1);
+    EXPECT_EQ(scale.of(2 * NM + 1, Rounding::UP), 2);
+    EXPECT_EQ(scale.of(4 * NM - 1, Rounding::DOWN), 1);
+    for (const Rounding rounding : {Rounding::NEAREST, Rounding::DOWN, Rounding::UP}) {
+        EXPECT_EQ(scale.of(4 * NM, rounding), 2);
+        EXPECT_EQ(scale.of(-4 * NM, rounding), -2);
+    }
     EXPECT_TRUE(scale.isExact(4 * NM));
     EXPECT_FALSE(scale.isExact(3 * NM));
 }
@@ -196,6 +207,15 @@ TEST(KitColorMetal, SaysWhetherItWasRounded)
     const LefMacro odd = macro(380, {pin("A", {rectShape(21, 40, 60, 80)})});
     EXPECT_TRUE(kit::color::metalOf(even, Scale(380 * NM)).exact);
     EXPECT_FALSE(kit::color::metalOf(odd, Scale(380 * NM)).exact);
+}
+
+// What is apart by the distance in the colour file is so in truth.
+TEST(KitColorMetal, ShapesAreRoundedOutward)
+{
+    const LefMacro odd = macro(380, {pin("A", {rectShape(21, 41, 61, 81)})});
+    const kit::color::CellMetal metal = kit::color::metalOf(odd, Scale(380 * NM));
+    ASSERT_EQ(metal.polygons.size(), 1U);
+    EXPECT_EQ(metal.polygons[0].rects, (Rects{{10, 20, 31, 41}}));
 }
 
 TEST(KitColorMicron, TextHasNoZerosAtItsEnd)

@@ -162,6 +162,58 @@ TEST(KitPlaceJudge, MirroredCellsTooCloseAreToldThoughThePlacerCountsNone)
     EXPECT_EQ(result["judge"]["errors"], result["judge"]["conflicts"]);
 }
 
+TEST(KitPlaceTrueOrientation, TurnedCellsKeepTheirDistanceUnderEveryMethod)
+{
+    const test::GeneratedDesign design({"--mirrored", "30"});
+    const test::TempDir dir;
+    const std::string out = dir.path("out");
+    for (const char* algo : {"0", "1", "2", "3", "4"}) {
+        const KitOutcome outcome = runKit({"place", design.base(), "--cell-path", design.lib(), "-o", out,
+                                           "--algo", algo, "--true-orientation", "--force"});
+        EXPECT_LE(outcome.status, 1) << algo << outcome.error; // greedily, a cell may be left without a place
+        const Json result = Json::parse(contentOf(out + ".json"));
+        EXPECT_EQ(result["judge"]["conflicts"], 0) << algo;
+        EXPECT_EQ(result["placement"]["conflicts"], 0) << algo;
+        EXPECT_EQ(test::faultsOf(result, test::placeSchema()), Words{});
+    }
+}
+
+TEST(KitPlaceTrueOrientation, ResultHasTheCellsAndOrientationsOfTheDesign)
+{
+    const test::GeneratedDesign design({"--mirrored", "30"});
+    const test::TempDir dir;
+    const std::string out = dir.path("out");
+    ASSERT_EQ(
+        runKit({"place", design.base(), "--cell-path", design.lib(), "-o", out, "--true-orientation"}).status,
+        0);
+    static const std::regex s_point("\\( -?[0-9]+ -?[0-9]+ \\)");
+    EXPECT_EQ(std::regex_replace(contentOf(out + ".place"), s_point, ""),
+              std::regex_replace(contentOf(design.base() + ".place"), s_point, ""));
+    EXPECT_EQ(contentOf(out + ".cells"), contentOf(design.base() + ".cells"));
+    EXPECT_EQ(
+        runKit({"verify", out + ".place", "--colors", out + ".colors", "--cell-path", design.lib()}).status,
+        0);
+}
+
+TEST_F(KitPlace, WithoutTurnedCellsTrueOrientationChangesNothing)
+{
+    ASSERT_EQ(place().status, 0);
+    const std::string plain = contentOf(out(".place")) + contentOf(out(".colors"));
+    const KitOutcome outcome = place({"--true-orientation", "--force"});
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_EQ(contentOf(out(".place")) + contentOf(out(".colors")), plain);
+}
+
+TEST(KitPlaceTrueOrientation, TheReportNamesTheDesignThatWasGiven)
+{
+    const test::GeneratedDesign design({"--mirrored", "30"});
+    const test::TempDir dir;
+    const KitOutcome outcome = runKit(
+        {"place", design.base(), "--cell-path", design.lib(), "-o", dir.path("out"), "--true-orientation"});
+    EXPECT_NE(outcome.output.find(design.base()), std::string::npos) << outcome.output;
+    EXPECT_EQ(outcome.output.find("/design"), std::string::npos) << outcome.output;
+}
+
 TEST_F(KitPlace, JudgeHasNothingAgainstACleanResult)
 {
     ASSERT_EQ(place().status, 0);

@@ -200,6 +200,17 @@ TEST(KitVerify, OverlapWithACellBetweenTheRowsIsFound)
     EXPECT_EQ(kindsOf(judged.judge()), "");
 }
 
+TEST(KitVerify, CellsRoundedUpToAUnitAreAsHighAsTheirRow)
+{
+    Judged judged({makeCell("EMPTY", 380, {}, {})},
+                  /*step=*/200); // rows are 1473 DBU apart, the cell is 1473.68 high
+    judged.add(0, 1, 0);
+    judged.add(0, 1, 1);
+    EXPECT_EQ(kindsOf(judged.judge()), "");
+    judged.input.design.cells[0].height = CELL_HEIGHT + 1;
+    EXPECT_EQ(kindsOf(judged.judge()), "cell-overlap");
+}
+
 TEST(KitVerify, OverlapUnderALongCellIsFoundBehindAShortOne)
 {
     Judged judged({makeCell("LONG", 1900, {}, {}), makeCell("SHORT", 190, {}, {})});

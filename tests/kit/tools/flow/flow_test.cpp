@@ -27,8 +27,8 @@ using kit::Json;
 using test::contentOf;
 using test::Words;
 
-constexpr const char* EXTENSIONS[] = {".def",    ".gds",   ".lyp",  ".html",    ".json", ".place",
-                                      ".colors", ".cells", ".pins", ".netlist", ".map"};
+constexpr const char* EXTENSIONS[] = {".def",   ".gds",    ".lyp",   ".lyrdb", ".html",    ".json",
+                                      ".place", ".colors", ".cells", ".pins",  ".netlist", ".map"};
 
 class KitFlow : public testing::Test {
 protected:
@@ -425,37 +425,48 @@ TEST_F(FullDiskFlow, ResultsAppearTogetherOrNotAtAll)
 /// Two cells whose right edges meet, with one solution for both; the placer takes both as unmirrored.
 constexpr const char* MIRRORED = "- u C + PLACED ( 1000 0 ) N ;\n- v C + PLACED ( 1400 0 ) FN ;\n";
 
-TEST_F(SmallFlow, StopsAtAPlacementThatIsNotClean)
+TEST_F(SmallFlow, MirroredCellsKeepTheirDistance)
 {
-    EXPECT_EQ(small(MIRRORED, {"--max-solutions", "1"}), 1) << m_output;
+    EXPECT_EQ(small(MIRRORED, {"--max-solutions", "1"}), 0) << m_output << m_error;
+    EXPECT_TRUE(says("verify", "clean, 0 errors, 0 notes")) << m_output;
+    const Json result = Json::parse(test::contentOf(out() + ".json"));
+    EXPECT_EQ(result["judge"]["conflicts"], Json(0));
+    EXPECT_EQ(result["options"]["true_orientation"], Json(true));
+}
+
+TEST_F(SmallFlow, WritesWhatItHasOfAPlacementThatIsNotClean)
+{
+    EXPECT_EQ(small(MIRRORED, {"--max-solutions", "1", "--no-true-orientation"}), 1) << m_output;
     EXPECT_TRUE(says("place", " 0 conflicts; verify finds 1 error")) << m_output;
-    EXPECT_TRUE(says("verify", "FAILED: not clean, 1 error, 0 notes")) << m_output;
-    EXPECT_FALSE(says("export", "")) << m_output;
-    EXPECT_FALSE(exists(".def"));
+    EXPECT_TRUE(says("verify", "not clean, 1 error, 0 notes")) << m_output;
+    EXPECT_TRUE(test::contentOf(out() + ".def").starts_with("# Not clean: verify finds 1 error\n"));
+    for (const char* extension : {".gds", ".lyp", ".lyrdb", ".html", ".place", ".colors", ".library"}) {
+        EXPECT_TRUE(exists(extension)) << extension;
+    }
+    EXPECT_FALSE(exists(".flow"));
+    const Json flow = Json::parse(test::contentOf(out() + ".json"))["flow"];
+    EXPECT_EQ(flow["status"], Json(1));
+    std::string names;
+    for (const Json& step : flow["steps"].items()) {
+        names += step["name"].asString() + " ";
+        EXPECT_GE(step["seconds"].asNumber(), 0);
+    }
+    EXPECT_EQ(names, "import color lint place verify export view ");
+    EXPECT_EQ(flow["steps"][4]["result"], Json("not clean, 1 error, 0 notes"));
 }
 
 TEST_F(SmallFlow, SaysWhatTheJudgeHasAgainstAPlacementAndWhatToDo)
 {
-    EXPECT_EQ(small(MIRRORED, {"--max-solutions", "1"}), 1) << m_output;
-    const std::string flow = out() + ".flow/";
-    EXPECT_EQ(m_error.substr(0, m_error.find("What was run: ")),
-              "\n" + flow +
-                  "placed.place:17: error: u (C) at (1000, 0) and v (C) at (1400, 0) have shapes of mask 0 "
-                  "18.0 apart, 185 (0.194736 um) are needed; 1 pair of shapes too close [conflict]\n\n"
-                  "What went wrong: verify: not clean, 1 error, 0 notes\n");
-    EXPECT_EQ(m_error.find("STAT |"), std::string::npos) << "the report is no message: " << m_error;
+    EXPECT_EQ(small(MIRRORED, {"--max-solutions", "1", "--no-true-orientation"}), 1) << m_output;
+    EXPECT_EQ(m_error.substr(0, m_error.find("What to do: ")),
+              "\n" + out() +
+                  ".place:17: error: u (C) at (1000, 0) and v (C) at (1400, 0) have shapes of mask "
+                  "0 18.0 apart, 185 (0.194736 um) are needed; 1 pair of shapes too close [conflict]\n\n"
+                  "Not clean:\n  1  conflict: pairs of cells in a row with metal of one mask too close\n");
     EXPECT_NE(m_error.find("What to do: try another --algo (0, 1, 3), more --max-solutions or"),
               std::string::npos)
         << m_error;
-    EXPECT_NE(m_error.find(flow + "placed.lyrdb into a layout viewer"), std::string::npos) << m_error;
-    EXPECT_TRUE(exists(".flow/placed.lyrdb"));
-    // The page that it tells of.
-    const size_t draw = m_error.find("vireloce-kit view ");
-    ASSERT_NE(draw, std::string::npos) << m_error;
-    const std::string command =
-        VIRELOCE_KIT_PROGRAM + m_error.substr(draw + 12, m_error.find('\n', draw) - draw - 12);
-    EXPECT_EQ(std::system(command.c_str()), 0) << command;
-    EXPECT_TRUE(exists(".flow/placed.html"));
+    EXPECT_NE(m_error.find(out() + ".lyrdb into a layout viewer"), std::string::npos) << m_error;
 }
 
 TEST_F(SmallFlow, SaysWhyThereIsNoPlacement)
@@ -482,7 +493,7 @@ TEST_F(KitFlow, TellsTheFirstErrorsAndWhereTheOthersAre)
         ++told;
     }
     EXPECT_EQ(told, 20U) << m_error;
-    EXPECT_NE(m_error.find(" more errors, in " + out() + ".flow/verify.log\n"), std::string::npos) << m_error;
+    EXPECT_NE(m_error.find(" more errors, in " + out() + ".lyrdb\n"), std::string::npos) << m_error;
 }
 
 } // namespace
