@@ -35,6 +35,7 @@ enum class Kind {
     CONFLICT,
     TOO_MANY,
     ROW_CONFLICT,
+    RAIL_CONFLICT,
     FILLERS,
 };
 
@@ -67,6 +68,7 @@ inline constexpr KindInfo KINDS[] = {
     {"conflict", Severity::ERROR, "pairs of cells in a row with metal of one mask too close"},
     {"too-many", Severity::ERROR, "searches given up: counts are too low"},
     {"row-conflict", Severity::NOTE, "pairs of cells in different rows with metal of one mask too close"},
+    {"rail-conflict", Severity::NOTE, "pairs of cells with metal of mask 0 too close to a rail"},
     {"fillers", Severity::NOTE, "fillers, which are not judged"},
 };
 
@@ -86,13 +88,20 @@ struct Issue {
     int64_t line = 0;       ///< from 1, 0 for the file as a whole
     int32_t component = -1; ///< index in Design::components, -1 if it is about none
     int32_t other = -1;     ///< the other cell of a pair, -1 if there is none
-    std::string what{};     ///< what is wrong; empty for CELL_OVERLAP, CONFLICT and ROW_CONFLICT
-    double distance = 0;    ///< CONFLICT, ROW_CONFLICT: least distance of two shapes, library coordinates
-    int32_t shapePairs = 0; ///< CONFLICT, ROW_CONFLICT: pairs of shapes that are too close
-    int32_t mask = -1;      ///< CONFLICT, ROW_CONFLICT: of the two closest shapes
+    std::string what{};     ///< what is wrong; empty for pairs but those with a macro
+    double distance = 0;    ///< of conflicts: least distance of two shapes, library coordinates
+    int32_t shapePairs = 0; ///< of conflicts: pairs of shapes that are too close
+    int32_t mask = -1;      ///< of conflicts: mask of the two closest shapes
     DbuBox box{};           ///< where it is: the cell, or one of the two closest rectangles
     DbuBox otherBox{};      ///< the other of the two closest rectangles
+    bool isError = false;   ///< more than its kind usually is
 };
+
+/// How much an issue weighs.
+inline Severity severityOf(const Issue& issue)
+{
+    return issue.isError ? Severity::ERROR : infoOf(issue.kind).severity;
+}
 
 /// Issues in the order in which they were met.
 using Issues = std::vector<Issue>;
@@ -100,7 +109,8 @@ using Issues = std::vector<Issue>;
 /// Whether an issue is about two rectangles that are too close.
 inline bool isConflict(const Issue& issue)
 {
-    return issue.kind == Kind::CONFLICT || issue.kind == Kind::ROW_CONFLICT;
+    return issue.kind == Kind::CONFLICT || issue.kind == Kind::ROW_CONFLICT ||
+           issue.kind == Kind::RAIL_CONFLICT;
 }
 
 } // namespace kit::design

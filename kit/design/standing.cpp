@@ -90,7 +90,7 @@ int32_t Standing::maskOf(const Piece& piece) const
 {
     const auto shape = static_cast<size_t>(piece.shape);
     const int32_t mask = shape < masks.size() ? masks[shape] : -1;
-    return mask < 0 || mask >= MASKS || (mask == 0 && piece.atEdge) ? -1 : mask;
+    return mask < 0 || mask >= MASKS ? -1 : mask;
 }
 
 Layout::Layout(const placer::Design& design, const std::vector<const placer::ColorRecord*>& records,
@@ -159,40 +159,46 @@ void MetalGauge::collect(const Standing& cell, const FineBox& other, std::vector
         const FineBox box = piece.box.shifted(cell.x, cell.y);
         const int32_t mask = cell.maskOf(piece);
         if (mask >= 0 && tooClose(box, other)) {
-            metal.push_back({box, piece.shape, mask});
+            metal.push_back({box, piece.shape, mask, mask == 0 && piece.atEdge});
         }
     }
 }
 
-void MetalGauge::take(const Metal& a, const Metal& b, Closeness& result)
+void MetalGauge::Finds::take(const Metal& a, const Metal& b)
 {
     const double distance = distanceOf(a.box, b.box);
-    if (m_shapePairs.empty() || distance < result.distance) {
-        result.distance = distance;
-        result.mask = a.mask;
-        result.first = a.box;
-        result.second = b.box;
+    if (shapes.empty() || distance < closest.distance) {
+        closest = {.distance = distance, .mask = a.mask, .first = a.box, .second = b.box};
     }
-    m_shapePairs.emplace_back(a.shape, b.shape);
+    shapes.emplace_back(a.shape, b.shape);
 }
 
-Closeness MetalGauge::measure(const Standing& first, const Standing& second)
+Closeness MetalGauge::Finds::result()
+{
+    std::ranges::sort(shapes);
+    const auto end = std::unique(shapes.begin(), shapes.end());
+    closest.shapePairs = static_cast<int32_t>(end - shapes.begin());
+    shapes.clear();
+    return std::exchange(closest, {});
+}
+
+ClosePair MetalGauge::measure(const Standing& first, const Standing& second)
 {
     collect(first, second.extent(), m_first);
     collect(second, first.extent(), m_second);
-    m_shapePairs.clear();
-    Closeness result;
     for (const Metal& a : m_first) {
         for (const Metal& b : m_second) {
-            if (a.mask == b.mask && tooClose(a.box, b.box)) {
-                take(a, b, result);
+            if (a.mask != b.mask || (a.isRail && b.isRail) || !tooClose(a.box, b.box)) {
+                continue;
+            }
+            if (!a.isRail && !b.isRail) {
+                m_metal.take(a, b);
+            } else if (distanceOf(a.box, b.box) > 0) { // what touches a rail is one with it
+                m_rails.take(a, b);
             }
         }
     }
-    std::ranges::sort(m_shapePairs);
-    const auto end = std::unique(m_shapePairs.begin(), m_shapePairs.end());
-    result.shapePairs = static_cast<int32_t>(end - m_shapePairs.begin());
-    return result;
+    return {m_metal.result(), m_rails.result()};
 }
 
 } // namespace kit::design

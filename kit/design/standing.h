@@ -77,7 +77,7 @@ struct Standing {
     /// Outline and metal where they stand.
     FineBox extent() const { return stencil->extent.shifted(x, y); }
 
-    /// Mask of a piece, -1 if it cannot conflict: a rail, or on none of the three masks.
+    /// Mask of a piece, -1 if it is on none of the three.
     int32_t maskOf(const Piece& piece) const;
 };
 
@@ -121,14 +121,20 @@ struct Closeness {
     FineBox second;         ///< of the second cell, the closest one
 };
 
+/// What is too close between two cells.
+struct ClosePair {
+    Closeness metal; ///< without rails
+    Closeness rails; ///< rails of one to other metal of mask 0 of the other, which they do not touch
+};
+
 /// Compares the metal of cells.
 class MetalGauge {
 public:
     /// @param least  distance that shapes of one mask need, fine units
     explicit MetalGauge(int64_t least) : m_least(least) {}
 
-    /// What is closer than it may be, over all pairs of shapes of one mask.
-    Closeness measure(const Standing& first, const Standing& second);
+    /// What is closer than it may be, over all pairs of shapes of one mask. Two rails never are.
+    ClosePair measure(const Standing& first, const Standing& second);
 
 private:
     /// A rectangle that may be too close to the other cell's.
@@ -136,16 +142,26 @@ private:
         FineBox box;
         int32_t shape;
         int32_t mask;
+        bool isRail;
+    };
+
+    /// What was found so far.
+    struct Finds {
+        Closeness closest;
+        std::vector<std::pair<int32_t, int32_t>> shapes; ///< too close, once per pair of rectangles
+
+        void take(const Metal& a, const Metal& b);
+        Closeness result();
     };
 
     bool tooClose(const FineBox& a, const FineBox& b) const;
     void collect(const Standing& cell, const FineBox& other, std::vector<Metal>& metal) const;
-    void take(const Metal& a, const Metal& b, Closeness& result);
 
     int64_t m_least;
     std::vector<Metal> m_first;
     std::vector<Metal> m_second;
-    std::vector<std::pair<int32_t, int32_t>> m_shapePairs; ///< too close, once per pair of rectangles
+    Finds m_metal;
+    Finds m_rails;
 };
 
 } // namespace kit::design

@@ -25,7 +25,10 @@ Example:
 int run(const Options& options)
 {
     const design::ColoredPlacement input = design::readColoredPlacement(options);
-    const design::Issues issues = judge(input, options.minDist.unitsOn(design::siteLength(input.design)));
+    const design::Issues issues =
+        judge(input, {.minDist = options.minDist.unitsOn(design::siteLength(input.design)),
+                      .acrossRows = options.acrossRows,
+                      .rails = options.rails});
     if (!options.lyrdb.empty()) {
         std::vector<std::string> inputs = filesIn(options.cellDir);
         inputs.insert(inputs.end(),
@@ -48,6 +51,9 @@ void addCommand(const Command& program)
     command.add("--cell-path", options->cellDir, "folder of the colour files of the cells").required();
     command.add("--cells", options->cells, "cell list (default: the cells that the placement names)");
     addDistanceOption(command, options->minDist);
+    command.flag("--across-rows", options->acrossRows, "conflicts of cells in different rows are errors");
+    command.flag("--rails", options->rails,
+                 "metal of mask 0 too close to a rail is an error: to the placer, rails never conflict");
     command.flag("--json", options->json, "write JSON");
     command.add("--lyrdb", options->lyrdb, "write markers for a layout viewer to this file");
     command.add("--worst", options->worst, "most rows of the tables").between(0, MOST_ROWS).withDefault();

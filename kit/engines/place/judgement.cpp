@@ -16,8 +16,8 @@ Judgement judge(const Options& options, int32_t minDist, const OutputSet& files)
                                           .mapOf = options.base + ".place",
                                           .cellDir = options.cellPath,
                                           .cells = options.base + ".cells"});
-        for (const design::Issue& issue : verify::judge(input, minDist)) {
-            const bool isError = infoOf(issue.kind).severity == Severity::ERROR;
+        for (const design::Issue& issue : verify::judge(input, {.minDist = minDist})) {
+            const bool isError = severityOf(issue) == Severity::ERROR;
             judgement.errors += isError ? 1 : 0;
             judgement.notes += isError ? 0 : 1;
             judgement.conflicts += issue.kind == design::Kind::CONFLICT ? 1 : 0;

@@ -2,10 +2,9 @@
 // What can be wrong with where cells stand. Each check appends to the issues.
 #pragma once
 
-#include <cstddef>
-
 #include "kit/design/issue.h"
 #include "kit/design/standing.h"
+#include "kit/engines/verify/verify.h"
 #include "kit/formats/placer/design.h"
 
 namespace kit::verify {
@@ -21,20 +20,11 @@ void checkPlaces(const placer::Design& design, const design::Scale& scale, desig
 /// @param issues  out: an issue for each pair of a cell and a macro
 void checkMacros(const placer::Design& design, const design::Layout& layout, design::Issues& issues);
 
-/// Pairs of cells with an issue after which the search is given up: cells in a heap have too many.
-inline constexpr size_t MOST_PAIRS = 1'000'000;
-
-/// What the search for pairs needs to know.
-struct PairRules {
-    int32_t minDist = 185;         ///< distance that shapes of one mask need, library coordinates
-    size_t mostPairs = MOST_PAIRS; ///< issues after which it ends
-};
-
 /// Checks every pair of cells: that they do not overlap, and that metal of one mask keeps its distance.
 ///
 /// @param issues  out: one CELL_OVERLAP and one CONFLICT (ROW_CONFLICT, if their bottom edges are not at one
-///                height) at most for a pair
+///                height) at most for a pair; one RAIL_CONFLICT for a pair if they are errors, else for all
 void checkPairs(const placer::Design& design, const design::Layout& layout, const design::Scale& scale,
-                const PairRules& rules, design::Issues& issues);
+                const Rules& rules, design::Issues& issues);
 
 } // namespace kit::verify

@@ -41,12 +41,14 @@ public:
             m_out << lineOf(fault);
         }
         for (const design::Issue& issue : m_issues) {
-            if (issue.kind != design::Kind::ROW_CONFLICT) {
+            if (issue.kind != design::Kind::ROW_CONFLICT || issue.isError) {
                 writeIssue(issue);
             }
         }
-        for (const design::Issue* issue : closest(design::Kind::ROW_CONFLICT)) {
-            writeIssue(*issue);
+        if (!m_options.acrossRows) {
+            for (const design::Issue* issue : closest(design::Kind::ROW_CONFLICT)) {
+                writeIssue(*issue);
+            }
         }
         writeTable();
         writeCounts();
@@ -57,7 +59,7 @@ private:
     void writeIssue(const design::Issue& issue)
     {
         const design::KindInfo& info = design::infoOf(issue.kind);
-        m_out << lineOf({.severity = info.severity,
+        m_out << lineOf({.severity = severityOf(issue),
                          .code = info.name,
                          .file = issue.inColors ? m_options.colors : m_options.placement,
                          .line = issue.line,
@@ -145,7 +147,7 @@ Json jsonOf(const design::Issue& issue, const Options& options, const placer::De
 {
     const design::KindInfo& info = design::infoOf(issue.kind);
     const auto nameOf = [&](int32_t component) { return design.component(component).name; };
-    Json json{{"severity", wordOf(info.severity)},
+    Json json{{"severity", wordOf(severityOf(issue))},
               {"code", info.name},
               {"file", issue.inColors ? options.colors : options.placement},
               {"line", issue.line},
@@ -198,7 +200,7 @@ std::string summaryOf(const design::ColoredPlacement& input, const design::Issue
     int64_t errors = static_cast<int64_t>(input.faults.size());
     int64_t notes = 0;
     for (const design::Issue& issue : issues) {
-        ++(design::infoOf(issue.kind).severity == Severity::ERROR ? errors : notes);
+        ++(severityOf(issue) == Severity::ERROR ? errors : notes);
     }
     return (errors == 0 ? "clean, " : "not clean, ") + counted(errors, "error") + ", " +
            counted(notes, "note");

@@ -6,6 +6,7 @@
 #include <unordered_map>
 
 #include "kit/base/fault.h"
+#include "kit/base/text/text.h"
 #include "kit/design/nameMap.h"
 #include "kit/design/standing.h"
 #include "kit/engines/verify/checks.h"
@@ -183,9 +184,9 @@ void checkBand(const placer::Design& design, const design::Band& band,
 class PairCheck {
 public:
     PairCheck(const placer::Design& design, const design::Layout& layout, const design::Scale& scale,
-              const PairRules& rules, design::Issues& issues)
+              const Rules& rules, design::Issues& issues)
         : m_design(design), m_layout(layout), m_scale(scale), m_reach(scale.ofLibrary(rules.minDist)),
-          m_gauge(m_reach), m_issues(issues), m_mostIssues(issues.size() + rules.mostPairs)
+          m_gauge(m_reach), m_rules(rules), m_issues(issues), m_mostIssues(issues.size() + rules.mostPairs)
     {
     }
 
@@ -198,6 +199,9 @@ public:
             for (size_t j = i + 1; j < bands.size() && whole && near(bands[i], bands[j]); ++j) {
                 whole = checkBands(bands[i], bands[j]);
             }
+        }
+        if (m_railPairs > 0) {
+            tellRails();
         }
         if (!whole) {
             m_issues.push_back({.kind = design::Kind::TOO_MANY,
@@ -230,17 +234,48 @@ private:
     bool checkPair(const design::Standing& a, const design::Standing& b, design::Kind kindOfConflict)
     {
         checkOutlines(a, b);
-        const design::Closeness close = m_gauge.measure(a, b);
-        if (close.shapePairs > 0) {
-            design::Issue issue = issueOf(kindOfConflict, a, b);
-            issue.distance = m_scale.toLibrary(close.distance);
-            issue.shapePairs = close.shapePairs;
-            issue.mask = close.mask;
-            issue.box = design::Scale::toDbu(close.first);
-            issue.otherBox = design::Scale::toDbu(close.second);
-            m_issues.push_back(issue);
+        const design::ClosePair close = m_gauge.measure(a, b);
+        if (close.metal.shapePairs > 0) {
+            m_issues.push_back(conflictOf(kindOfConflict, a, b, close.metal));
+            m_issues.back().isError = m_rules.acrossRows;
+        }
+        if (close.rails.shapePairs > 0) {
+            takeRails(conflictOf(design::Kind::RAIL_CONFLICT, a, b, close.rails));
         }
         return m_issues.size() < m_mostIssues;
+    }
+
+    design::Issue conflictOf(design::Kind kind, const design::Standing& a, const design::Standing& b,
+                             const design::Closeness& close) const
+    {
+        design::Issue issue = issueOf(kind, a, b);
+        issue.distance = m_scale.toLibrary(close.distance);
+        issue.shapePairs = close.shapePairs;
+        issue.mask = close.mask;
+        issue.box = design::Scale::toDbu(close.first);
+        issue.otherBox = design::Scale::toDbu(close.second);
+        return issue;
+    }
+
+    /// Rails are near most cells: as notes, their conflicts are counted.
+    void takeRails(design::Issue issue)
+    {
+        if (m_rules.rails) {
+            issue.isError = true;
+            m_issues.push_back(std::move(issue));
+        } else if (m_railPairs++ == 0 || issue.distance < m_closestToRail.distance) {
+            m_closestToRail = std::move(issue);
+        }
+    }
+
+    void tellRails()
+    {
+        const auto textOf = [this](int32_t component) { return placeText(m_design.component(component)); };
+        m_closestToRail.what =
+            counted(m_railPairs, "pair") + " of cells " + (m_railPairs == 1 ? "has" : "have") +
+            " metal of mask 0 too close to a rail, which the placer leaves out; the closest: " +
+            textOf(m_closestToRail.component) + " and " + textOf(m_closestToRail.other);
+        m_issues.push_back(m_closestToRail);
     }
 
     void checkOutlines(const design::Standing& a, const design::Standing& b)
@@ -266,8 +301,11 @@ private:
     const design::Scale& m_scale;
     int64_t m_reach; ///< distance that metal needs, fine units
     design::MetalGauge m_gauge;
+    const Rules& m_rules;
     design::Issues& m_issues;
     size_t m_mostIssues;
+    int64_t m_railPairs = 0;       ///< pairs of cells
+    design::Issue m_closestToRail; ///< of those pairs
 };
 
 /// The scale of a design; without rows that of the library.
@@ -302,12 +340,12 @@ void checkMacros(const placer::Design& design, const design::Layout& layout, des
 }
 
 void checkPairs(const placer::Design& design, const design::Layout& layout, const design::Scale& scale,
-                const PairRules& rules, design::Issues& issues)
+                const Rules& rules, design::Issues& issues)
 {
     PairCheck(design, layout, scale, rules, issues).run();
 }
 
-design::Issues judge(const design::ColoredPlacement& input, int32_t minDist)
+design::Issues judge(const design::ColoredPlacement& input, const Rules& rules)
 {
     const design::Scale scale = scaleOf(input.design);
     design::Issues issues;
@@ -316,7 +354,7 @@ design::Issues judge(const design::ColoredPlacement& input, int32_t minDist)
     checkPlaces(input.design, scale, issues);
     const design::Layout layout(input.design, matching, scale);
     checkMacros(input.design, layout, issues);
-    checkPairs(input.design, layout, scale, {.minDist = minDist}, issues);
+    checkPairs(input.design, layout, scale, rules, issues);
     return issues;
 }
 
@@ -334,9 +372,8 @@ int exitStatusOf(const design::ColoredPlacement& input, const design::Issues& is
     if (!input.faults.empty()) {
         return 2;
     }
-    return std::ranges::any_of(issues, [](const design::Issue& issue) {
-        return design::infoOf(issue.kind).severity != Severity::NOTE;
-    });
+    return std::ranges::any_of(
+        issues, [](const design::Issue& issue) { return severityOf(issue) != Severity::NOTE; });
 }
 
 } // namespace kit::verify

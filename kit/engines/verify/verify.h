@@ -2,6 +2,7 @@
 // A strict judge of a placement and its colours, which shares no code with the placer, and its reports.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <iosfwd>
 #include <string>
@@ -16,15 +17,28 @@ namespace kit::verify {
 /// What is judged, and how.
 struct Options : design::PlacementPaths {
     design::Distance minDist; ///< what shapes of one mask need
+    bool acrossRows = false;  ///< conflicts of cells in different rows are errors
+    bool rails = false;       ///< metal of mask 0 too close to a rail is an error
     bool json = false;        ///< JSON in place of text on standard output
     std::string lyrdb;        ///< path of a report database to be written, empty for none
     int32_t worst = 20;       ///< rows of the tables of the closest pairs
 };
 
+/// Pairs of cells with an issue after which the search is given up: cells in a heap have too many.
+inline constexpr size_t MOST_PAIRS = 1'000'000;
+
+/// What a placement is judged by.
+struct Rules {
+    int32_t minDist = 185;         ///< distance that shapes of one mask need, library coordinates
+    bool acrossRows = false;       ///< conflicts of cells in different rows are errors
+    bool rails = false;            ///< metal of mask 0 too close to a rail is an error
+    size_t mostPairs = MOST_PAIRS; ///< pairs with an issue after which the search ends
+};
+
 /// All issues of a placement.
 ///
 /// Errors: throws Fault if the first row's step is not positive.
-design::Issues judge(const design::ColoredPlacement& input, int32_t minDist);
+design::Issues judge(const design::ColoredPlacement& input, const Rules& rules);
 
 /// Issues per kind, the index is the Kind.
 std::vector<int64_t> countKinds(const design::Issues& issues);

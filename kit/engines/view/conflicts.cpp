@@ -50,7 +50,7 @@ std::vector<Conflict> findConflicts(const placer::Design& design,
         geometry::sweepRow(band.spans, least, [&](size_t left, size_t right) {
             const design::Standing& first = band.cells[left];
             const design::Standing& second = band.cells[right];
-            const design::Closeness found = gauge.measure(first, second);
+            const design::Closeness found = gauge.measure(first, second).metal;
             if (found.shapePairs > 0) {
                 conflicts.push_back({first.component, second.component, gapOf(found.first, found.second)});
             }

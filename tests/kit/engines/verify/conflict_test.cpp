@@ -248,6 +248,22 @@ TEST(KitVerifyConflict, ShapesOfAbuttingRowsAreANote)
     EXPECT_EQ(issue.component, 0);
     EXPECT_EQ(issue.other, 1);
     EXPECT_EQ(kit::verify::exitStatusOf(judged.input, judged.judge()), 0);
+    const Issues asked = kit::verify::judge(judged.input, {.acrossRows = true});
+    EXPECT_EQ(onlyIssue(asked).kind, Kind::ROW_CONFLICT);
+    EXPECT_EQ(kit::verify::exitStatusOf(judged.input, asked), 1);
+}
+
+TEST(KitVerifyConflict, TheCellAfterNextIsSeen)
+{
+    Judged judged({makeCell("A", 380, {{300, 400, 370, 800}}, {1}), makeCell("EMPTY", 190, {}, {}),
+                   makeCell("B", 380, {{-20, 400, 40, 800}}, {1})});
+    judged.add(0, 0, 0);
+    judged.add(1, 2, 0);
+    judged.add(2, 3, 0);
+    const Issue issue = onlyIssue(judged.judge(185));
+    EXPECT_EQ(issue.kind, Kind::CONFLICT);
+    EXPECT_EQ(issue.other, 2);
+    EXPECT_DOUBLE_EQ(issue.distance, 180);
 }
 
 /// All pairs of spans with a gap below reach, the slow way.
@@ -321,9 +337,10 @@ struct SlowBox {
     double xl, yl, xh, yh;
     int32_t mask;
     size_t shape;
+    bool rail;
 };
 
-/// The metal of a component that can conflict, worked out anew: in library coordinates, by a matrix.
+/// The metal of a component, worked out anew: in library coordinates, by a matrix.
 std::vector<SlowBox> slowMetal(const Judged& judged, size_t index, double step)
 {
     const Component& comp = judged.input.design.components[index];
@@ -344,10 +361,8 @@ std::vector<SlowBox> slowMetal(const Judged& judged, size_t index, double step)
                                 flipY ? cell.height - static_cast<double>(rect.yh) : rect.yh};
             const double dx = comp.x * 190.0 / step;
             const double dy = comp.y * 190.0 / step;
-            if (!(rail && mask == 0)) {
-                boxes.push_back({dx + std::min(x[0], x[1]), dy + std::min(y[0], y[1]),
-                                 dx + std::max(x[0], x[1]), dy + std::max(y[0], y[1]), mask, k});
-            }
+            boxes.push_back({dx + std::min(x[0], x[1]), dy + std::min(y[0], y[1]), dx + std::max(x[0], x[1]),
+                             dy + std::max(y[0], y[1]), mask, k, rail && mask == 0});
         }
     }
     return boxes;
@@ -358,28 +373,35 @@ double slowDistance(const SlowBox& a, const SlowBox& b)
     return std::hypot(std::max({0.0, b.xl - a.xh, a.xl - b.xh}), std::max({0.0, b.yl - a.yh, a.yl - b.yh}));
 }
 
-using Found = std::map<std::tuple<int32_t, int32_t, bool>, std::pair<int32_t, int64_t>>;
+using Found = std::map<std::tuple<int32_t, int32_t, Kind>, std::pair<int32_t, int64_t>>;
 
-/// [components, same height] pairs of shapes, and the least distance in millionths.
+/// [components, kind] pairs of shapes, and the least distance in millionths.
 Found slowConflicts(const Judged& judged, double step)
 {
     Found found;
     const auto& comps = judged.input.design.components;
     for (size_t i = 0; i < comps.size(); ++i) {
         for (size_t j = i + 1; j < comps.size(); ++j) {
-            std::set<std::pair<size_t, size_t>> shapes;
-            double least = 1e9;
+            std::map<Kind, std::set<std::pair<size_t, size_t>>> shapes;
+            std::map<Kind, double> least;
             for (const SlowBox& a : slowMetal(judged, i, step)) {
                 for (const SlowBox& b : slowMetal(judged, j, step)) {
-                    if (a.mask == b.mask && slowDistance(a, b) < 185 - 1e-7) {
-                        shapes.emplace(a.shape, b.shape);
-                        least = std::min(least, slowDistance(a, b));
+                    const double distance = slowDistance(a, b);
+                    const bool touchesRail = (a.rail || b.rail) && distance < 1e-7;
+                    if (a.mask != b.mask || (a.rail && b.rail) || touchesRail || distance >= 185 - 1e-7) {
+                        continue;
                     }
+                    const Kind kind = a.rail || b.rail           ? Kind::RAIL_CONFLICT
+                                      : comps[i].y == comps[j].y ? Kind::CONFLICT
+                                                                 : Kind::ROW_CONFLICT;
+                    shapes[kind].emplace(a.shape, b.shape);
+                    least.try_emplace(kind, distance);
+                    least[kind] = std::min(least[kind], distance);
                 }
             }
-            if (!shapes.empty()) {
-                found[{static_cast<int32_t>(i), static_cast<int32_t>(j), comps[i].y == comps[j].y}] = {
-                    static_cast<int32_t>(shapes.size()), std::llround(least * 1e6)};
+            for (const auto& [kind, pairs] : shapes) {
+                found[{static_cast<int32_t>(i), static_cast<int32_t>(j), kind}] = {
+                    static_cast<int32_t>(pairs.size()), std::llround(least[kind] * 1e6)};
             }
         }
     }
@@ -415,15 +437,64 @@ RC_GTEST_PROP(KitVerifyConflict, AgreesWithAllPairsOnRandomRows, ())
                    *rc::gen::element<std::string>("N", "FN", "S", "FS"));
     }
     Found found;
-    for (const Issue& issue : judged.judge()) {
+    for (const Issue& issue : kit::verify::judge(judged.input, {.rails = true})) {
         if (kit::design::isConflict(issue)) {
             const auto [low, high] = std::minmax(issue.component, issue.other);
-            const auto [at, isNew] = found.try_emplace({low, high, issue.kind == Kind::CONFLICT},
-                                                       issue.shapePairs, std::llround(issue.distance * 1e6));
+            const auto [at, isNew] = found.try_emplace({low, high, issue.kind}, issue.shapePairs,
+                                                       std::llround(issue.distance * 1e6));
             RC_ASSERT(isNew);
         }
     }
     RC_ASSERT(found == slowConflicts(judged, step));
+}
+
+/// Two cells side by side, the left one with metal of mask 0 that is 30 from the right one's rail.
+Judged nearARail()
+{
+    const Rect rail{0, -85, 380, 85};
+    Judged judged(
+        {makeCell("METAL", 380, {rail, {300, 115, 380, 600}}, {0, 0}), makeCell("RAIL", 380, {rail}, {0})});
+    judged.add(0, 0, 0);
+    judged.add(1, 2, 0);
+    return judged;
+}
+
+TEST(KitVerifyRails, MetalTooCloseToARailIsCountedInANote)
+{
+    const Judged judged = nearARail();
+    const Issue issue = onlyIssue(judged.judge());
+    EXPECT_EQ(issue.kind, Kind::RAIL_CONFLICT);
+    EXPECT_EQ(severityOf(issue), kit::Severity::NOTE);
+    EXPECT_EQ(issue.what,
+              "1 pair of cells has metal of mask 0 too close to a rail, which the placer leaves out; "
+              "the closest: u0 (METAL) at (0, 0) and u1 (RAIL) at (380, 0)");
+    EXPECT_EQ(kit::verify::exitStatusOf(judged.input, judged.judge()), 0);
+    EXPECT_EQ(kindsOf(judged.judge(30)), "");
+}
+
+TEST(KitVerifyRails, EachPairIsAnErrorWhereAsked)
+{
+    const Judged judged = nearARail();
+    const Issue issue = onlyIssue(kit::verify::judge(judged.input, {.rails = true}));
+    EXPECT_EQ(severityOf(issue), kit::Severity::ERROR);
+    EXPECT_EQ(issue.distance, 30);
+    EXPECT_EQ(issue.component, 0);
+    EXPECT_EQ(issue.other, 1);
+}
+
+TEST(KitVerifyRails, WhatTouchesARailIsOneWithIt)
+{
+    Judged judged = nearARail();
+    judged.input.design.cells[0].shapes[1].rects[0].yl = 85;
+    EXPECT_EQ(kindsOf(judged.judge()), "");
+}
+
+TEST(KitVerifyRails, OtherMasksMayBeNearARail)
+{
+    Judged judged = nearARail();
+    judged.input.colors[0].masks[1] = 1;
+    judged.input.design.cells[0].solutions[0].masks[1] = 1;
+    EXPECT_EQ(kindsOf(judged.judge()), "");
 }
 
 } // namespace

@@ -95,7 +95,7 @@ public:
     Component& component(size_t i) { return input.design.components[i]; }
     ColorRecord& colors(size_t i) { return input.colors[i]; }
 
-    Issues judge(int32_t minDist = 185) const { return kit::verify::judge(input, minDist); }
+    Issues judge(int32_t minDist = 185) const { return kit::verify::judge(input, {.minDist = minDist}); }
 
     kit::design::ColoredPlacement input;
 
