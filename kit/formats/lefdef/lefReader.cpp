@@ -23,9 +23,9 @@ constexpr std::string_view LEF_STATEMENTS[] = {
     "ANTENNAINOUTDIFFAREA", "ANTENNAINPUTGATEAREA", "ANTENNAOUTPUTDIFFAREA", "INOUTPINANTENNASIZE",
     "INPUTPINANTENNASIZE", "OUTPUTPINANTENNASIZE",
     // others
-    "BUSBITCHARS", "CLEARANCEMEASURE", "DIELECTRIC", "DIVIDERCHAR", "EDGERATESCALEFACTOR",
-    "EDGERATETHRESHOLD1", "EDGERATETHRESHOLD2", "FIXEDMASK", "MANUFACTURINGGRID", "MAXVIASTACK", "MINFEATURE",
-    "NOWIREEXTENSIONATPIN", "UNIVERSALNOISEMARGIN", "USEMINSPACING"};
+    "&DEFINE", "&DEFINEB", "&DEFINES", "BUSBITCHARS", "CLEARANCEMEASURE", "DIELECTRIC", "DIVIDERCHAR",
+    "EDGERATESCALEFACTOR", "EDGERATETHRESHOLD1", "EDGERATETHRESHOLD2", "FIXEDMASK", "MANUFACTURINGGRID",
+    "MAXVIASTACK", "MINFEATURE", "NOWIREEXTENSIONATPIN", "UNIVERSALNOISEMARGIN", "USEMINSPACING"};
 
 /// What is skipped up to its END.
 constexpr std::string_view LEF_SECTIONS[] = {"CORRECTIONTABLE", "IRDROP", "NOISETABLE", "PROPERTYDEFINITIONS",
@@ -62,6 +62,7 @@ private:
             {"NAMESCASESENSITIVE", &LefReader::readNamesCase},
             {"VIA", &LefReader::readVia},
             {"BEGINEXT", &LefReader::skipExtension},
+            {"&ALIAS", &LefReader::skipAlias},
             {"LAYER", &LefReader::skipNamed},
             {"VIARULE", &LefReader::skipNamed},
             {"ARRAY", &LefReader::skipNested},
@@ -71,8 +72,11 @@ private:
     }
 
     void skipUnknown() { m_in.skipStatement(); }
-    void skipNamed() { skipBlock(/*nested=*/false); }
-    void skipNested() { skipBlock(/*nested=*/true); }
+    void skipNamed() { skipBlock(nullptr); }
+    void skipNested()
+    {
+        skipBlock([this] { return startsStatement(); });
+    }
 
     template <typename Record>
     static Index indexOf(const std::vector<Record>& records)
@@ -84,13 +88,13 @@ private:
         return index;
     }
 
-    void skipBlock(bool nested)
+    void skipBlock(const std::function<bool()>& startsStatement)
     {
         const std::string_view name = m_in.name("name");
         if (name.empty()) {
             m_in.finish();
         } else {
-            m_in.skipToEnd("section", name, "LIBRARY", nested);
+            m_in.skipToEnd("section", name, "LIBRARY", startsStatement);
         }
     }
 
@@ -120,7 +124,7 @@ private:
         m_in.take("TOPOFSTACKONLY");
         bool onLayer = false;
         while (blockGoesOn("via", name)) {
-            const std::string_view word = m_in.start();
+            const Word word = m_in.start();
             while ((word == "LAYER" || word == "LAYERS") && m_in.more()) {
                 onLayer = m_in.name("name of the layer") == m_layer || onLayer;
             }
@@ -155,11 +159,11 @@ private:
 
     void readSiteStatement(LefSite& site)
     {
-        const std::string_view word = m_in.start();
+        const Word word = m_in.start();
         if (word == "CLASS") {
-            const std::string_view siteClass = m_in.keyword("class");
+            const Word siteClass = m_in.keyword("class");
             if (m_in.finish()) {
-                site.siteClass = siteClass;
+                site.siteClass = siteClass.inCapitals();
             }
         } else if (word == "SIZE") {
             m_in.size(site.name, site.width, site.height);

@@ -75,7 +75,7 @@ private:
     void readStatement(std::vector<LefShape>& shapes)
     {
         const size_t begin = m_in.offset();
-        const std::string_view word = m_in.start();
+        const Word word = m_in.start();
         if (word == "LAYER") {
             readLayer();
         } else if (word == "RECT" || word == "POLYGON") {
@@ -84,10 +84,11 @@ private:
             readPath(begin);
         } else if (word == "VIA") {
             readVia(begin);
-        } else if (word == "WIDTH" || word == "CLASS" || word == "PROPERTY") {
+        } else if (word == "WIDTH" || word == "CLASS" || word == "PROPERTY" ||
+                   (m_in.allowsUnknown() && word != ";")) {
             m_in.skipStatement();
         } else if (word != ";") {
-            m_in.failAt(begin, "syntax", inQuotes(word) + " stands where a shape or END belongs",
+            m_in.failAt(begin, "syntax", inQuotes(word.text) + " stands where a shape or END belongs",
                         "correct the statement");
             m_in.finish();
         }
@@ -139,9 +140,9 @@ private:
 
     void readVia(size_t begin)
     {
-        readMask();
+        skipViaMask();
         m_in.take("ITERATE");
-        readMask();
+        skipViaMask();
         readPoint();
         const std::string_view name = m_in.name("name of the via");
         m_in.skipWords(); // DO and STEP
@@ -233,6 +234,14 @@ private:
         return mask;
     }
 
+    /// A digit for each layer of the via.
+    void skipViaMask()
+    {
+        if (m_in.take("MASK")) {
+            m_in.integer("masks");
+        }
+    }
+
     LefPoint readPoint()
     {
         const bool inParentheses = m_in.take("(");
@@ -303,10 +312,10 @@ private:
     bool readStatement()
     {
         m_begin = m_in.offset();
-        const std::string_view word = m_in.start();
-        if (const auto* const rule = findRule(rules(), [&](std::string_view each) { return each == word; })) {
+        const Word word = m_in.start();
+        if (const auto* const rule = findRule(rules(), [&](std::string_view each) { return word == each; })) {
             (this->*rule->read)();
-        } else if (word == m_macro.name) {
+        } else if (word.text == m_macro.name) {
             m_in.missingEnd("last part of the macro", m_macro.name, m_macro.offset);
             return false;
         } else if (word != ";") {
@@ -317,14 +326,14 @@ private:
 
     void readObstructions() { m_shapes.read(m_macro.obstructions, "obstruction"); }
     void skipTiming() { m_in.skipToEnd("section", "TIMING", m_macro.name); }
-    void skipExtension() { m_in.skipExtension(); }
+    void skipExtension() { m_in.skipPast("extension", "ENDEXT"); }
     void readSize() { m_in.size(m_macro.name, m_macro.width, m_macro.height); }
 
     void readClass()
     {
         std::string words;
         while (m_in.more()) {
-            words += (words.empty() ? "" : " ") + std::string(m_in.keyword("class"));
+            words += (words.empty() ? "" : " ") + m_in.keyword("class").inCapitals();
         }
         if (m_in.finish()) {
             m_macro.macroClass = words;
@@ -345,7 +354,7 @@ private:
         bool x = false;
         bool y = false;
         while (m_in.more()) {
-            const std::string_view word = m_in.keyword("symmetry");
+            const Word word = m_in.keyword("symmetry");
             x = x || word == "X";
             y = y || word == "Y";
         }
@@ -387,7 +396,7 @@ private:
     /// @return false if the pin's end was taken for that of its last port
     bool readPinStatement(LefPin& pin)
     {
-        const std::string_view word = m_in.start();
+        const Word word = m_in.start();
         if (word == "PORT") {
             m_shapes.read(pin.shapes, "port");
         } else if (word == "USE") {
@@ -395,7 +404,7 @@ private:
             if (m_in.finish()) {
                 pin.use = use;
             }
-        } else if (word == pin.name) {
+        } else if (word.text == pin.name) {
             m_in.missingEnd("last port of the pin", pin.name, pin.offset);
             return false;
         } else if (word != ";") {

@@ -238,6 +238,16 @@ TEST_F(KitImportNets, PinsWithoutAPlaceAreLeftOutWithAWarning)
     EXPECT_EQ(fileOf(".netlist"), "1\n1\n a\n");
 }
 
+TEST_F(KitImportNets, WordPinIsATerminalInAnyCaseUnlessAComponentHasThatName)
+{
+    const std::string pins = "PINS 1 ; - p + NET n + PLACED ( 10 20 ) N ; END PINS\n";
+    const std::string nets = "NETS 1 ; - n ( u Z ) ( Pin p ) ; END NETS\n";
+    importWell(components({"u A + PLACED ( 1000 0 ) N"}) + pins + nets);
+    EXPECT_EQ(fileOf(".netlist"), "1\n2\n u p\n");
+    importWell(components({"u A + PLACED ( 1000 0 ) N", "Pin A + PLACED ( 1600 0 ) N"}) + pins + nets);
+    EXPECT_EQ(fileOf(".netlist"), "1\n2\n u Pin\n");
+}
+
 TEST_F(KitImportNets, UnknownMembersAreErrors)
 {
     const auto outcome = import("NETS 1 ;\n- n ( PIN p ) ( a Z ) ;\nEND NETS\n");
