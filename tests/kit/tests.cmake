@@ -1,4 +1,6 @@
 find_package(SQLite3 REQUIRED)
+set(VIRELOCE_SHARED ${PROJECT_SOURCE_DIR}/../shared CACHE PATH
+    "Folder of real designs for tests, in data/designs; those tests are skipped where it is not there")
 vireloce_test(kit SHARDS 4
     kit/base/files/outputFile_test.cpp
     kit/base/files/outputPaths_test.cpp
@@ -50,7 +52,9 @@ vireloce_test(kit SHARDS 4
     kit/engines/view/ramp_test.cpp
     kit/formats/lefdef/def_test.cpp
     kit/formats/lefdef/example_test.cpp
+    kit/formats/lefdef/grammar_test.cpp
     kit/formats/lefdef/lef_test.cpp
+    kit/formats/lefdef/library_test.cpp
     kit/formats/lefdef/parts_test.cpp
     kit/formats/lefdef/transform_test.cpp
     kit/formats/placer/colors_test.cpp
@@ -72,6 +76,7 @@ target_compile_definitions(test_kit PRIVATE
     VIRELOCE_KIT_SOURCES="${PROJECT_SOURCE_DIR}/kit"
     VIRELOCE_KIT_PROGRAM="$<TARGET_FILE:vireloce-kit>"
     VIRELOCE_KIT_EXAMPLES="${PROJECT_SOURCE_DIR}/examples"
+    VIRELOCE_DESIGNS="${VIRELOCE_SHARED}/data/designs"
     VIRELOCE_PLACE_SCHEMA="${PROJECT_SOURCE_DIR}/kit/engines/place/result.schema.json"
     VIRELOCE_STUDY_SCHEMA="${PROJECT_SOURCE_DIR}/kit/tools/sweep/study.schema.json")
 target_link_libraries(test_kit PRIVATE vireloce_kit SQLite::SQLite3)

@@ -10,6 +10,7 @@
 
 #include "kit/engines/import/designFiles.h"
 #include "kit/formats/lefdef/orient.h"
+#include "kit/formats/lefdef/scanner.h"
 #include "kit/formats/lefdef/units.h"
 
 namespace kit::importing {
@@ -223,8 +224,10 @@ Nets readNets(const lefdef::Def& def, const Names& names, lefdef::SourceReporter
         }
         for (size_t i = from.firstMember; i < from.firstMember + from.numMembers; ++i) {
             const lefdef::DefMember& member = def.members[i];
-            const bool terminal = member.component == TERMINAL;
-            const Member found{.component = terminal ? -1 : names.components.indexOf(member.component),
+            const int32_t component =
+                member.component == TERMINAL ? -1 : names.components.indexOf(member.component);
+            const bool terminal = component < 0 && lefdef::isKeyword(member.component, TERMINAL);
+            const Member found{.component = component,
                                .pin = terminal ? names.pins.indexOf(member.pin) : -1,
                                .name = member.pin};
             if (found.component < 0 && found.pin < 0) {

@@ -81,6 +81,7 @@ private:
             {"NAMESCASESENSITIVE", &DefReader::readNamesCase},
             {"BEGINEXT", &DefReader::skipExtension},
             {"HISTORY", &DefReader::skipHistory},
+            {"&ALIAS", &DefReader::skipAlias},
         };
         return RULES;
     }
@@ -168,7 +169,7 @@ private:
     template <typename Record>
     void readSection(std::vector<Record>& records, Read read)
     {
-        const std::string keyword(m_keyword);
+        const std::string keyword = m_keyword.inCapitals();
         const size_t begin = m_begin;
         const int32_t count = m_in.integer("number of records");
         const bool counts = m_in.finish();
@@ -194,12 +195,12 @@ private:
         int64_t seen = 0;
         while (!m_in.atFileEnd() && !m_in.is("END") && !startsStatement()) {
             const size_t at = m_in.offset();
-            const std::string_view word = m_in.start();
+            const Word word = m_in.start();
             if (word == "-") {
                 ++seen;
                 (this->*read)();
             } else if (word != ";") {
-                m_in.failAt(at, "syntax", inQuotes(word) + " stands where a record or END belongs",
+                m_in.failAt(at, "syntax", inQuotes(word.text) + " stands where a record or END belongs",
                             "start each record with a \"-\" that has a blank behind it");
                 m_in.finish();
             }
@@ -428,10 +429,10 @@ private:
     Orient readOrient()
     {
         const size_t at = m_in.offset();
-        const std::string_view word = m_in.keyword("orientation");
-        const std::optional<Orient> orient = orientOf(word);
+        const Word word = m_in.keyword("orientation");
+        const std::optional<Orient> orient = orientOf(word.inCapitals());
         if (!orient) {
-            m_in.failAt(at, "orient", inQuotes(word) + " is no orientation",
+            m_in.failAt(at, "orient", inQuotes(word.text) + " is no orientation",
                         "write N, S, W, E, FN, FS, FW or FE");
         }
         return orient.value_or(Orient::N);

@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <algorithm>
-#include <set>
 #include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
 
-#include "kit/base/fault.h"
 #include "kit/base/text/text.h"
 #include "kit/formats/lefdef/lef.h"
 #include "kit/formats/lefdef/macroReader.h"
@@ -23,9 +21,9 @@ constexpr std::string_view LEF_STATEMENTS[] = {
     "ANTENNAINOUTDIFFAREA", "ANTENNAINPUTGATEAREA", "ANTENNAOUTPUTDIFFAREA", "INOUTPINANTENNASIZE",
     "INPUTPINANTENNASIZE", "OUTPUTPINANTENNASIZE",
     // others
-    "BUSBITCHARS", "CLEARANCEMEASURE", "DIELECTRIC", "DIVIDERCHAR", "EDGERATESCALEFACTOR",
-    "EDGERATETHRESHOLD1", "EDGERATETHRESHOLD2", "FIXEDMASK", "MANUFACTURINGGRID", "MAXVIASTACK", "MINFEATURE",
-    "NOWIREEXTENSIONATPIN", "UNIVERSALNOISEMARGIN", "USEMINSPACING"};
+    "&DEFINE", "&DEFINEB", "&DEFINES", "BUSBITCHARS", "CLEARANCEMEASURE", "DIELECTRIC", "DIVIDERCHAR",
+    "EDGERATESCALEFACTOR", "EDGERATETHRESHOLD1", "EDGERATETHRESHOLD2", "FIXEDMASK", "MANUFACTURINGGRID",
+    "MAXVIASTACK", "MINFEATURE", "NOWIREEXTENSIONATPIN", "UNIVERSALNOISEMARGIN", "USEMINSPACING"};
 
 /// What is skipped up to its END.
 constexpr std::string_view LEF_SECTIONS[] = {"CORRECTIONTABLE", "IRDROP", "NOISETABLE", "PROPERTYDEFINITIONS",
@@ -62,7 +60,8 @@ private:
             {"NAMESCASESENSITIVE", &LefReader::readNamesCase},
             {"VIA", &LefReader::readVia},
             {"BEGINEXT", &LefReader::skipExtension},
-            {"LAYER", &LefReader::skipNamed},
+            {"&ALIAS", &LefReader::skipAlias},
+            {"LAYER", &LefReader::readLayer},
             {"VIARULE", &LefReader::skipNamed},
             {"ARRAY", &LefReader::skipNested},
             {"NONDEFAULTRULE", &LefReader::skipNested},
@@ -71,8 +70,21 @@ private:
     }
 
     void skipUnknown() { m_in.skipStatement(); }
-    void skipNamed() { skipBlock(/*nested=*/false); }
-    void skipNested() { skipBlock(/*nested=*/true); }
+    void skipNamed() { skipBlock(m_in.name("name"), nullptr); }
+    void skipNested()
+    {
+        skipBlock(m_in.name("name"), [this] { return startsStatement(); });
+    }
+
+    void readLayer()
+    {
+        const std::string_view name = m_in.name("name");
+        std::vector<std::string>& layers = m_lef.routingLayers;
+        if (m_in.take("TYPE") && m_in.is("ROUTING") && std::ranges::find(layers, name) == layers.end()) {
+            layers.emplace_back(name);
+        }
+        skipBlock(name, nullptr);
+    }
 
     template <typename Record>
     static Index indexOf(const std::vector<Record>& records)
@@ -84,13 +96,12 @@ private:
         return index;
     }
 
-    void skipBlock(bool nested)
+    void skipBlock(std::string_view name, const std::function<bool()>& startsStatement)
     {
-        const std::string_view name = m_in.name("name");
         if (name.empty()) {
             m_in.finish();
         } else {
-            m_in.skipToEnd("section", name, "LIBRARY", nested);
+            m_in.skipToEnd("section", name, "LIBRARY", startsStatement);
         }
     }
 
@@ -120,7 +131,7 @@ private:
         m_in.take("TOPOFSTACKONLY");
         bool onLayer = false;
         while (blockGoesOn("via", name)) {
-            const std::string_view word = m_in.start();
+            const Word word = m_in.start();
             while ((word == "LAYER" || word == "LAYERS") && m_in.more()) {
                 onLayer = m_in.name("name of the layer") == m_layer || onLayer;
             }
@@ -155,11 +166,11 @@ private:
 
     void readSiteStatement(LefSite& site)
     {
-        const std::string_view word = m_in.start();
+        const Word word = m_in.start();
         if (word == "CLASS") {
-            const std::string_view siteClass = m_in.keyword("class");
+            const Word siteClass = m_in.keyword("class");
             if (m_in.finish()) {
-                site.siteClass = siteClass;
+                site.siteClass = siteClass.inCapitals();
             }
         } else if (word == "SIZE") {
             m_in.size(site.name, site.width, site.height);
@@ -204,38 +215,12 @@ private:
     Index m_macros;
 };
 
-/// Names with commas in between.
-template <typename Names>
-std::string listOf(const Names& names)
-{
-    std::string text;
-    for (const std::string& name : names) {
-        text += (text.empty() ? "" : ", ") + name;
-    }
-    return text;
-}
-
 } // namespace
 
 bool hasMetal(const LefMacro& macro)
 {
     return !macro.obstructions.empty() ||
            std::ranges::any_of(macro.pins, [](const LefPin& pin) { return !pin.shapes.empty(); });
-}
-
-void requireMetal(const Lef& lef, const std::vector<const LefMacro*>& macros)
-{
-    std::set<std::string> others;
-    for (const LefMacro* macro : macros) {
-        if (hasMetal(*macro)) {
-            return;
-        }
-        others.insert(macro->otherLayers.begin(), macro->otherLayers.end());
-    }
-    if (!others.empty()) {
-        throw Fault("no cell in use has metal on the layer " + lef.layer + " in " + listOf(lef.paths) +
-                    ": give another with --layer; they have shapes on " + listOf(others));
-    }
 }
 
 bool isFiller(const LefMacro& macro)

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -43,10 +42,12 @@ public:
 
     /// Reads statements up to END, which is taken, and appends the shapes of the wanted layer.
     ///
-    /// @param kind  what it is, for the texts: "port"
-    void read(std::vector<LefShape>& shapes, const char* kind)
+    /// @param layers  out: names of the layers of its shapes, the wanted one too, are appended to it
+    /// @param kind    what it is, for the texts: "port"
+    void read(std::vector<LefShape>& shapes, std::vector<std::string>& layers, const char* kind)
     {
         const size_t begin = m_in.offset();
+        m_layers = &layers;
         m_anyLayer = false;
         m_onLayer = false;
         while (!m_in.take("END")) {
@@ -60,9 +61,6 @@ public:
         }
     }
 
-    /// The layers of the shapes that were left out since this was last asked.
-    std::set<std::string> takeOtherLayers() { return std::exchange(m_otherLayers, {}); }
-
 private:
     /// How a shape is repeated.
     struct Grid {
@@ -75,7 +73,7 @@ private:
     void readStatement(std::vector<LefShape>& shapes)
     {
         const size_t begin = m_in.offset();
-        const std::string_view word = m_in.start();
+        const Word word = m_in.start();
         if (word == "LAYER") {
             readLayer();
         } else if (word == "RECT" || word == "POLYGON") {
@@ -84,10 +82,11 @@ private:
             readPath(begin);
         } else if (word == "VIA") {
             readVia(begin);
-        } else if (word == "WIDTH" || word == "CLASS" || word == "PROPERTY") {
+        } else if (word == "WIDTH" || word == "CLASS" || word == "PROPERTY" ||
+                   (m_in.allowsUnknown() && word != ";")) {
             m_in.skipStatement();
         } else if (word != ";") {
-            m_in.failAt(begin, "syntax", inQuotes(word) + " stands where a shape or END belongs",
+            m_in.failAt(begin, "syntax", inQuotes(word.text) + " stands where a shape or END belongs",
                         "correct the statement");
             m_in.finish();
         }
@@ -98,6 +97,7 @@ private:
         m_anyLayer = true;
         m_layerNow = m_in.name("name of the layer");
         m_onLayer = m_layerNow == m_layer;
+        m_layerIsTold = false;
         m_in.take("EXCEPTPGNET");
         if (m_in.take("SPACING") || m_in.take("DESIGNRULEWIDTH")) {
             m_in.length("distance");
@@ -107,8 +107,13 @@ private:
 
     void readShape(std::vector<LefShape>& shapes, bool polygon, size_t begin)
     {
+        if (m_anyLayer && !m_layerIsTold) {
+            m_layerIsTold = true;
+            if (std::ranges::find(*m_layers, m_layerNow) == m_layers->end()) {
+                m_layers->emplace_back(m_layerNow);
+            }
+        }
         if (m_anyLayer && !m_onLayer) {
-            m_otherLayers.emplace(m_layerNow);
             m_in.skipStatement();
             return;
         }
@@ -139,9 +144,9 @@ private:
 
     void readVia(size_t begin)
     {
-        readMask();
+        skipViaMask();
         m_in.take("ITERATE");
-        readMask();
+        skipViaMask();
         readPoint();
         const std::string_view name = m_in.name("name of the via");
         m_in.skipWords(); // DO and STEP
@@ -233,6 +238,14 @@ private:
         return mask;
     }
 
+    /// A digit for each layer of the via.
+    void skipViaMask()
+    {
+        if (m_in.take("MASK")) {
+            m_in.integer("masks");
+        }
+    }
+
     LefPoint readPoint()
     {
         const bool inParentheses = m_in.take("(");
@@ -247,11 +260,12 @@ private:
     Parser& m_in;
     const std::string& m_layer;
     const Vias& m_vias;
-    bool m_anyLayer = false;     ///< a layer has been named
-    std::string_view m_layerNow; ///< the last of them
-    bool m_onLayer = false;      ///< it is wanted
-    std::set<std::string> m_otherLayers;
-    int64_t m_copied = 0; ///< corners that ITERATE has made in this file
+    bool m_anyLayer = false;                      ///< a layer has been named
+    std::string_view m_layerNow;                  ///< the last of them
+    bool m_onLayer = false;                       ///< it is wanted
+    bool m_layerIsTold = false;                   ///< it is among the layers that read() tells
+    std::vector<std::string>* m_layers = nullptr; ///< not owned
+    int64_t m_copied = 0;                         ///< corners that ITERATE has made in this file
 };
 
 /// Reads cell masters.
@@ -278,7 +292,6 @@ public:
         while (m_in.goesOn({"macro", m_macro.name, "LIBRARY", begin}, {"MACRO"}) && readStatement()) {
         }
         m_macro.endOffset = m_in.takenEnd();
-        m_macro.otherLayers = m_shapes.takeOtherLayers();
         moveShapes(m_macro.obstructions);
         for (LefPin& pin : m_macro.pins) {
             moveShapes(pin.shapes);
@@ -303,10 +316,10 @@ private:
     bool readStatement()
     {
         m_begin = m_in.offset();
-        const std::string_view word = m_in.start();
-        if (const auto* const rule = findRule(rules(), [&](std::string_view each) { return each == word; })) {
+        const Word word = m_in.start();
+        if (const auto* const rule = findRule(rules(), [&](std::string_view each) { return word == each; })) {
             (this->*rule->read)();
-        } else if (word == m_macro.name) {
+        } else if (word.text == m_macro.name) {
             m_in.missingEnd("last part of the macro", m_macro.name, m_macro.offset);
             return false;
         } else if (word != ";") {
@@ -315,16 +328,16 @@ private:
         return true;
     }
 
-    void readObstructions() { m_shapes.read(m_macro.obstructions, "obstruction"); }
+    void readObstructions() { m_shapes.read(m_macro.obstructions, m_macro.otherLayers, "obstruction"); }
     void skipTiming() { m_in.skipToEnd("section", "TIMING", m_macro.name); }
-    void skipExtension() { m_in.skipExtension(); }
+    void skipExtension() { m_in.skipPast("extension", "ENDEXT"); }
     void readSize() { m_in.size(m_macro.name, m_macro.width, m_macro.height); }
 
     void readClass()
     {
         std::string words;
         while (m_in.more()) {
-            words += (words.empty() ? "" : " ") + std::string(m_in.keyword("class"));
+            words += (words.empty() ? "" : " ") + m_in.keyword("class").inCapitals();
         }
         if (m_in.finish()) {
             m_macro.macroClass = words;
@@ -345,7 +358,7 @@ private:
         bool x = false;
         bool y = false;
         while (m_in.more()) {
-            const std::string_view word = m_in.keyword("symmetry");
+            const Word word = m_in.keyword("symmetry");
             x = x || word == "X";
             y = y || word == "Y";
         }
@@ -387,15 +400,15 @@ private:
     /// @return false if the pin's end was taken for that of its last port
     bool readPinStatement(LefPin& pin)
     {
-        const std::string_view word = m_in.start();
+        const Word word = m_in.start();
         if (word == "PORT") {
-            m_shapes.read(pin.shapes, "port");
+            m_shapes.read(pin.shapes, m_macro.pinLayers, "port");
         } else if (word == "USE") {
             const PinUse use = readUse(m_in);
             if (m_in.finish()) {
                 pin.use = use;
             }
-        } else if (word == pin.name) {
+        } else if (word.text == pin.name) {
             m_in.missingEnd("last port of the pin", pin.name, pin.offset);
             return false;
         } else if (word != ";") {

@@ -61,14 +61,16 @@ void Parser::advance()
     m_scanner.advance();
 }
 
-std::string_view Parser::start()
+Word Parser::start()
 {
-    const Token token = m_scanner.token();
+    const Token& token = m_scanner.token();
     const std::string_view word = withoutSemicolon(token.text);
-    if (token.kind != Token::Kind::WORD || !take(word)) {
+    if (token.kind == Token::Kind::WORD && !m_failed) {
+        takeFirst(word.size());
+    } else {
         advance();
     }
-    return word;
+    return {word};
 }
 
 bool Parser::take(std::string_view word)
@@ -76,13 +78,19 @@ bool Parser::take(std::string_view word)
     if (!is(word)) {
         return false;
     }
-    if (m_scanner.token().text.size() == word.size()) {
+    takeFirst(word.size());
+    return true;
+}
+
+/// Takes so many bytes of the next token.
+void Parser::takeFirst(size_t size)
+{
+    if (m_scanner.token().text.size() == size) {
         advance();
     } else {
-        m_takenEnd = m_scanner.offset() + word.size();
-        m_scanner.cut(word.size());
+        m_takenEnd = m_scanner.offset() + size;
+        m_scanner.cut(size);
     }
-    return true;
 }
 
 void Parser::expect(std::string_view word)
@@ -92,14 +100,14 @@ void Parser::expect(std::string_view word)
     }
 }
 
-std::string_view Parser::keyword(const char* what)
+Word Parser::keyword(const char* what)
 {
     if (!standsFor(what, Token::Kind::WORD)) {
         return {};
     }
     const std::string_view word = withoutSemicolon(m_scanner.token().text);
-    take(word);
-    return word;
+    takeFirst(word.size());
+    return {word};
 }
 
 std::string_view Parser::name(const char* what)
@@ -142,7 +150,7 @@ int64_t Parser::number(const char* what, const char* limits, Read read)
         fail("range", "the " + std::string(what) + ", " + inQuotes(text) + ", is out of range",
              std::string("give a number between ") + limits);
     } else {
-        take(text);
+        takeFirst(text.size());
         return number.value;
     }
     return 0;
@@ -209,6 +217,9 @@ void Parser::failAt(size_t offset, const char* code, std::string what, std::stri
 
 bool Parser::finish()
 {
+    if (m_allowsUnknown) {
+        skipWords();
+    }
     if (!m_failed && !take(";")) {
         fail("no-semicolon", nextText() + " stands where a \";\" ends the statement",
              "end it with a \";\" that has a blank before it");
@@ -222,18 +233,29 @@ bool Parser::finish()
     return sound;
 }
 
+bool Parser::endsWith(std::string_view name)
+{
+    const size_t at = offset();
+    bool ends = matches("END");
+    if (ends) {
+        m_scanner.advance();
+        ends = isKeyword(m_scanner.token().text, name);
+        m_scanner.rewind(at);
+    }
+    return ends;
+}
+
 bool Parser::takeEnd(const char* kind, std::string_view name, std::string_view outer)
 {
     const size_t at = offset();
     advance();
     const std::string_view found = m_scanner.token().text;
-    if (found == name && !atFileEnd()) {
+    const bool isOuter = found == outer && found != name;
+    if (!isOuter && !atFileEnd() && Word{found}.inCapitals() == Word{name}.inCapitals()) {
         advance();
         return true;
     }
-    // A word on another line belongs to what follows.
-    const std::string_view between = m_source.text().substr(at, offset() - at);
-    const bool bare = atFileEnd() || between.find('\n') != std::string_view::npos;
+    const bool bare = atFileEnd() || !isOnOneLine(at); // a word on another line belongs to what follows
     m_reporter.error("wrong-end", at,
                      (bare ? "END" : "END " + inQuotes(found)) + " stands where the " + kind + " " +
                          inQuotes(name) + " ends",
@@ -269,7 +291,14 @@ void Parser::missingEnd(const char* kind, std::string_view name, size_t begin)
                      "write " + end + " behind it");
 }
 
-void Parser::skipToEnd(const char* kind, std::string_view name, std::string_view outer, bool nested)
+/// Whether no line ends between a byte and the next token.
+bool Parser::isOnOneLine(size_t from) const
+{
+    return m_source.text().substr(from, offset() - from).find('\n') == std::string_view::npos;
+}
+
+void Parser::skipToEnd(const char* kind, std::string_view name, std::string_view outer,
+                       const std::function<bool()>& startsStatement)
 {
     const size_t begin = offset();
     while (!atFileEnd()) {
@@ -281,12 +310,15 @@ void Parser::skipToEnd(const char* kind, std::string_view name, std::string_view
         const size_t at = offset();
         m_scanner.advance();
         const std::string_view found = m_scanner.token().text;
-        m_scanner.rewind(at);
-        if (!nested || found == name || found == outer) {
-            takeEnd(kind, name, outer);
-            return;
+        if (startsStatement && found != name && found != outer) {
+            if (!isOnOneLine(at) && startsStatement()) {
+                return;
+            }
+            continue;
         }
-        advance();
+        m_scanner.rewind(at);
+        takeEnd(kind, name, outer);
+        return;
     }
     missingEnd(kind, name, begin);
 }
@@ -301,14 +333,15 @@ void Parser::skipText()
     finish();
 }
 
-void Parser::skipExtension()
+void Parser::skipPast(const char* kind, std::string_view last)
 {
     const size_t begin = offset();
-    while (!atFileEnd() && !matches("ENDEXT")) {
+    while (!atFileEnd() && !matches(last)) {
         m_scanner.advance();
     }
-    if (!take("ENDEXT")) {
-        m_reporter.error("no-end", begin, "the extension has no end", "write ENDEXT behind it");
+    if (!take(last)) {
+        m_reporter.error("no-end", begin, "the " + std::string(kind) + " has no end",
+                         "write " + std::string(last) + " behind it");
     }
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -52,7 +53,7 @@ public:
     bool more() const { return !m_failed && !atFileEnd() && !endsStatement(); }
 
     /// Takes the first word of a statement, whatever it is.
-    std::string_view start();
+    Word start();
 
     /// Takes a word of the grammar if it is next.
     bool take(std::string_view word);
@@ -63,7 +64,7 @@ public:
     /// Takes any word of the grammar. Errors: "syntax" at the end of the statement.
     ///
     /// @param what  what is read, for the texts: "status"
-    std::string_view keyword(const char* what);
+    Word keyword(const char* what);
 
     /// Takes a name. Errors: "syntax" at the end of the statement, or at a parenthesis.
     std::string_view name(const char* what);
@@ -103,6 +104,18 @@ public:
     /// @return whether the statement was sound. Errors: "no-semicolon" if something else stands there.
     bool finish();
 
+    /// From here on, what the grammar does not have is passed over without a word: the file is of a later
+    /// one.
+    void allowUnknown() { m_allowsUnknown = true; }
+    /// Whether that is so.
+    bool allowsUnknown() const { return m_allowsUnknown; }
+
+    /// Passes over a word, whatever it is.
+    void skipWord() { advance(); }
+
+    /// Whether the next token is END, and a name stands behind it.
+    bool endsWith(std::string_view name);
+
     /// Passes over the words of a statement and its end.
     void skipStatement()
     {
@@ -134,14 +147,19 @@ public:
 
     /// Passes over everything up to END and a name, and takes them, or up to the file's end.
     ///
-    /// @param nested  other names end parts of it
-    void skipToEnd(const char* kind, std::string_view name, std::string_view outer, bool nested = false);
+    /// @param startsStatement  tells whether a statement of the file is next. If it is given, there are parts
+    ///                         inside, with ENDs and names of their own, and an END alone on its line before
+    ///                         such a statement ends the whole
+    void skipToEnd(const char* kind, std::string_view name, std::string_view outer,
+                   const std::function<bool()>& startsStatement = nullptr);
 
     /// Passes over any text up to a `;`, which is taken.
     void skipText();
 
-    /// Passes over an extension up to its ENDEXT.
-    void skipExtension();
+    /// Passes over everything up to a word, which is taken.
+    ///
+    /// @param kind  what is skipped, for the texts: "extension"
+    void skipPast(const char* kind, std::string_view last);
 
     /// Tells that another record has the name of one: "name-twice".
     ///
@@ -162,6 +180,8 @@ private:
     template <typename Read>
     int64_t number(const char* what, const char* limits, Read read);
     std::string nextText() const;
+    bool isOnOneLine(size_t from) const;
+    void takeFirst(size_t size);
     void advance();
 
     const Source& m_source;
@@ -169,14 +189,15 @@ private:
     Scanner m_scanner;
     size_t m_takenEnd = 0;
     bool m_failed = false;
+    bool m_allowsUnknown = false;
 };
 
 inline bool Parser::matches(std::string_view word) const
 {
     const Token& token = m_scanner.token();
-    return token.kind == Token::Kind::WORD && token.text.starts_with(word) &&
-           (token.text.size() == word.size() ||
-            (token.text.size() == word.size() + 1 && token.text.back() == ';'));
+    const bool glued = token.text.size() == word.size() + 1 && token.text.back() == ';';
+    return token.kind == Token::Kind::WORD && isKeyword(token.text.substr(0, word.size()), word) &&
+           (glued || token.text.size() == word.size());
 }
 
 } // namespace kit::lefdef

@@ -17,7 +17,7 @@ constexpr std::array<uint8_t, 256> classes()
     for (const char c : std::string_view(" \t\n\v\f\r")) {
         table[static_cast<unsigned char>(c)] = SPACE;
     }
-    for (const char c : std::string_view(";+-E\"#")) {
+    for (const char c : std::string_view(";+-Ee\"#")) {
         table[static_cast<unsigned char>(c)] = MARK;
     }
     return table;
@@ -43,11 +43,20 @@ bool isSign(std::string_view word)
 bool isNumberOrKeyword(std::string_view word)
 {
     const auto isDigit = [](char c) { return (c >= '0' && c <= '9') || c == '-' || c == '.'; };
-    const auto isCapital = [](char c) { return c >= 'A' && c <= 'Z'; };
-    return word == ")" || std::ranges::all_of(word, isDigit) || std::ranges::all_of(word, isCapital);
+    const auto isLetter = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); };
+    return word == ")" || std::ranges::all_of(word, isDigit) || std::ranges::all_of(word, isLetter);
 }
 
 } // namespace
+
+std::string Word::inCapitals() const
+{
+    std::string capitals(text);
+    for (char& c : capitals) {
+        c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    }
+    return capitals;
+}
 
 Scanner::Scanner(std::string_view text)
     : m_text(text), m_end(text.data() + text.size()),
@@ -125,11 +134,24 @@ bool Scanner::takeSign()
     if (isSign(text)) {
         return true;
     }
+    if (isKeyword(text, "END")) {
+        return endsHere();
+    }
     if (text.back() != ';' || !isNumberOrKeyword(text.substr(0, text.size() - 1))) {
         return false;
     }
     cut(text.size() - 1);
     return true;
+}
+
+/// Whether the present token is the first of its line, or stands behind a `;`.
+bool Scanner::endsHere() const
+{
+    const char* p = m_token.text.data();
+    while (p != m_text.data() && (p[-1] == ' ' || p[-1] == '\t')) {
+        --p;
+    }
+    return p == m_text.data() || p[-1] == '\n' || p[-1] == '\r' || p[-1] == ';';
 }
 
 /// Where the next token begins that takeSign() has to see, or that hides such: a comment, a string.

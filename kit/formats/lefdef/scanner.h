@@ -3,9 +3,38 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace kit::lefdef {
+
+/// Whether a word is one of the grammar: files may write those in any case.
+///
+/// @param keyword  as the grammar has it, in capitals
+constexpr bool isKeyword(std::string_view word, std::string_view keyword)
+{
+    if (word.size() != keyword.size()) {
+        return false;
+    }
+    for (size_t i = 0; i < word.size(); ++i) {
+        const bool small = word[i] >= 'a' && word[i] <= 'z';
+        if (word[i] != keyword[i] && !(small && word[i] - 'a' + 'A' == keyword[i])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// A word that stands where one of the grammar belongs.
+struct Word {
+    std::string_view text; ///< as the file has it
+
+    /// As isKeyword().
+    constexpr bool operator==(std::string_view keyword) const { return isKeyword(text, keyword); }
+
+    /// The word in capitals, as the grammar has it.
+    std::string inCapitals() const;
+};
 
 /// A word of a LEF or DEF file, or a string in quotation marks.
 struct Token {
@@ -35,7 +64,8 @@ public:
     void cut(size_t size) { m_token.text.remove_prefix(size); }
 
     /// Goes on to the first token, from the present one, that is a sign of its own, one of `;`, `+` and `-`,
-    /// or the word END, or to the end. A `;` right behind a number, a word in capitals or a `)` counts.
+    /// or the word END, or to the end. A `;` right behind a number, a word of letters or a `)` counts. END in
+    /// small letters counts only where a statement could begin, as it may be a name elsewhere.
     void skipToSign();
 
     /// Byte of the text at which the present token starts.
@@ -51,6 +81,7 @@ public:
 private:
     bool takeString();
     bool takeSign();
+    bool endsHere() const;
     const char* nextCandidate() const;
 
     std::string_view m_text;

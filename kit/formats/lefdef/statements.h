@@ -12,7 +12,8 @@
 
 namespace kit::lefdef {
 
-/// Reads VERSION behind that word, and finishes it. A warning, "version", if it is not one of 5.3 to 5.8.
+/// Reads VERSION behind that word, and finishes it. A warning, "version", if it is below 5.3 or no number; a
+/// note if it is above 5.8, and what is not known is then allowed.
 void readVersion(Parser& in);
 
 /// Reads NAMESCASESENSITIVE behind that word, and finishes it. A warning, "names-case", if it is OFF.
@@ -63,7 +64,10 @@ protected:
     {
         bool ended = false;
         while (!ended && !m_in.atFileEnd()) {
-            if (m_in.is("END")) {
+            if (m_in.is("END") && m_in.allowsUnknown() && !m_in.endsWith(m_outline.end)) {
+                m_in.skipWord(); // of a section that is not known, as is the name behind
+                m_in.skipWord();
+            } else if (m_in.is("END")) {
                 ended = m_in.takeEnd("file", m_outline.end, "");
             } else {
                 readStatement();
@@ -80,14 +84,15 @@ protected:
                isAny(m_outline.sections, isNext);
     }
 
-    void skipExtension() { m_in.skipExtension(); }
-    void skipSection() { m_in.skipToEnd("section", m_keyword, m_outline.end); }
+    void skipExtension() { m_in.skipPast("extension", "ENDEXT"); }
+    void skipAlias() { m_in.skipPast("alias", "&ENDALIAS"); }
+    void skipSection() { m_in.skipToEnd("section", m_keyword.inCapitals(), m_outline.end); }
     void readVersion() { lefdef::readVersion(m_in); }
     void readNamesCase() { lefdef::readNamesCase(m_in); }
 
     Parser m_in;
-    std::string_view m_keyword; ///< of the present statement or section
-    size_t m_begin = 0;         ///< byte of that
+    Word m_keyword;     ///< of the present statement or section
+    size_t m_begin = 0; ///< byte of that
 
 private:
     template <typename IsWord>
@@ -100,7 +105,7 @@ private:
     {
         m_begin = m_in.offset();
         m_keyword = m_in.start();
-        const auto isKeyword = [this](std::string_view word) { return word == m_keyword; };
+        const auto isKeyword = [this](std::string_view word) { return m_keyword == word; };
         Reader& reader = static_cast<Reader&>(*this);
         if (const Rule<Reader>* const rule = findRule(Reader::rules(), isKeyword)) {
             (reader.*rule->read)();
@@ -109,9 +114,12 @@ private:
         } else if (isAny(m_outline.sections, isKeyword)) {
             skipSection();
         } else if (m_keyword != ";") {
-            m_in.reporter().warning("unknown-statement", m_begin,
-                                    inQuotes(m_keyword) + " starts no known statement, and is ignored",
-                                    "see whether it is misspelt, or what stands before it is incomplete");
+            if (!m_in.allowsUnknown()) {
+                m_in.reporter().warning("unknown-statement", m_begin,
+                                        inQuotes(m_keyword.text) +
+                                            " starts no known statement, and is ignored",
+                                        "see whether it is misspelt, or what stands before it is incomplete");
+            }
             reader.skipUnknown();
         }
     }

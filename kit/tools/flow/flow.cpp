@@ -112,8 +112,8 @@ private:
 
     int runSteps()
     {
-        if (!runStep(importStep(m_options, m_places)) || !colour() ||
-            !runStep(lintStep(m_options, m_places)) || !runStep(placeStep(m_options, m_places))) {
+        if (!import() || !colour() || !runStep(lintStep(m_options, m_places)) ||
+            !runStep(placeStep(m_options, m_places))) {
             return FAILED;
         }
         if (!runStep(verifyStep(m_options, m_places))) {
@@ -287,6 +287,16 @@ private:
                  << "\n";
     }
 
+    /// Takes the design in. The steps that follow are given the layer that it found.
+    bool import()
+    {
+        if (!runStep(importStep(m_options, m_places))) {
+            return false;
+        }
+        m_options.layer = m_result["layer"].asString();
+        return true;
+    }
+
     /// The size of a site that import found, W,H in micrometres.
     std::string siteFound() const
     {
@@ -357,7 +367,7 @@ private:
         return text + (m_options.keep ? "; all other files in " + m_places.folder : "");
     }
 
-    const Options& m_options;
+    Options m_options;
     std::ostream& m_out;    ///< the table
     std::ostream& m_errors; ///< messages and failures
     Places m_places;

@@ -48,13 +48,34 @@ const ReadCase HEADERS[] = {
      "UNITS DISTANCE MICRONS 0 ; END DESIGN",
      {"error range 1:24: the number of database units is 0; give a number from 1 on"}},
     {"UnknownVersion",
-     "VERSION 5.2 ; VERSION 5.9 ; VERSION 5.3 ; VERSION new ; END DESIGN",
+     "VERSION 5.2 ; VERSION 5.3 ; VERSION new ; END DESIGN",
      {"warning version 1:9: the version is \"5.2\", and 5.3 to 5.8 are known; look for statements that are "
       "skipped",
-      "warning version 1:23: the version is \"5.9\", and 5.3 to 5.8 are known; look for statements that are "
-      "skipped",
-      "warning version 1:51: the version is \"new\", and 5.3 to 5.8 are known; look for statements that are "
+      "warning version 1:37: the version is \"new\", and 5.3 to 5.8 are known; look for statements that are "
       "skipped"}},
+    {"NewerVersionPassesWithOneNote",
+     "VERSION 6.0 ; NEWS 1 ; THINGS 1 ; - a + b ; END THINGS OTHERS 1 ; END OTHERS\n"
+     "ROW r c 0 0 N DO 1 BY 1 STEP 1 1 TURNED ; COMPONENTS 1 ; - a INV + NEW x + PLACED ( 0 0 ) N ; END "
+     "COMPONENTS "
+     "END DESIGN",
+     {"row r c (0 0) N 1x1 step (1 1)", "component a INV PLACED (0 0) N [PLACED ( 0 0 ) N]",
+      "note version 1:9: the version is \"6.0\", and 5.3 to 5.8 are known; statements that are not known are "
+      "passed over without a word"}},
+    {"KeywordsInAnyCase",
+     "version 5.8 ; Design D ; units distance microns 100; diearea ( 0 0 ) ( 1 1 ); row r c 0 0 fs do 2 by 1 "
+     "step "
+     "1 0 ;\n"
+     "Vias 1 ; - v + ViaRule r ; end Vias components 1 ; - a INV + placed ( 1 2 ) fn ; end COMPONENTS\n"
+     "pins 1 ; - end + net end + use power + fixed ( 1 2 ) n ; end pins specialnets 1 ; - s ( a end ) + use "
+     "x ; end "
+     "specialnets\n"
+     "nets 2 ; - end ( PIN end ) + Routed m1 ( 0 0 ) end + use ground; - b ; end nets blockages 1 ; - "
+     "placement + "
+     "soft "
+     "rect ( 0 0 ) ( 1 1 ) ; end blockages end design",
+     {"design D", "units 100", "die (0 0)(1 1)", "row r c (0 0) FS 2x1 step (1 0)",
+      "component a INV PLACED (1 2) FN [placed ( 1 2 ) fn]", "pin end on end at (1 2) supply",
+      "net end PIN/end supply", "net b", "soft blockage (0 0)(1 1)"}},
     {"NamesWithoutCase",
      "NAMESCASESENSITIVE OFF ; END DESIGN",
      {"warning names-case 1:20: names are compared with their case all the same; write each name in one "

@@ -2,6 +2,7 @@
 // Each rule of the LEF reader, with what it makes of a text and says about it.
 #include "kit/base/fault.h"
 #include "kit/formats/lefdef/described.h"
+#include "kit/formats/lefdef/library.h"
 
 namespace {
 
@@ -76,6 +77,41 @@ const ReadCase LIBRARIES[] = {
      "0 N DO 1 BY 1 STEP 0 0 ; END f END a\n"
      "BEGINEXT \"x\" MACRO B END LIBRARY ENDEXT NOISETABLE 1 ; END NOISETABLE MACRO A END A END LIBRARY",
      {MACRO_A}},
+    {"KeywordsInAnyCase",
+     "version 5.8 ; units Database Microns 2000; end Units propertydefinitions macro p string ; end "
+     "PropertyDefinitions\n"
+     "layer M1 type routing ; end M1 Via v default layer M1 ; rect 0 0 1 1 ; end v ViaRULE r generate ; end "
+     "r\n"
+     "Site s class core; size 1 by 2; end s macro A class Core Spacer; origin 0 0 ; symmetry x y ; site s ; "
+     "Size 1 By 2 ; "
+     "pin P direction input; use power; shape abutment ; port layer M1 ; rect mask 1 iterate 0 0 1 1 do 1 by "
+     "1 "
+     "step 1 1 ; "
+     "end end P obs layer M1 ; polygon 0 0 0 1 1 1 ; end end A end library",
+     {"units 2000", "site s class [CORE] 1000000 by 2000000",
+      "macro A class [CORE SPACER] site [s] 1000000 by 2000000 X Y", "pin P POWER",
+      "rect mask 1 (0 0)(1000000 1000000)", "obstruction polygon (0 0)(0 1000000)(1000000 1000000)"}},
+    {"NamesKeepTheirCase",
+     "MACRO End PIN pin PORT LAYER m1 ; RECT 0 0 1 1 ; END END pin PIN PIN END PIN END End\n"
+     "MACRO END_ PIN p END P END END_ MACRO end_ END end_",
+     {"macro End class [] site [] 0 by 0", "pin pin SIGNAL", "pin PIN SIGNAL",
+      "macro END_ class [] site [] 0 by 0", "pin p SIGNAL", "macro end_ class [] site [] 0 by 0"}},
+    {"EndInSmallLettersIsANameInsideAStatement",
+     "MACRO A FOREIGN end ; EEQ END_ ; PIN P MUSTJOIN end ; END P END A",
+     {MACRO_A, "pin P SIGNAL"}},
+    {"AliasesAreSkipped",
+     "&defines &x = \"a\" ; &DEFINE &y = 1 ; &ALIAS &&z = MACRO B END B &ENDALIAS MACRO A END A",
+     {MACRO_A}},
+    {"RuleMayEndWithoutItsName",
+     "NONDEFAULTRULE n LAYER M1 WIDTH 1 ; END M1\nEND\nNONDEFAULTRULE m LAYER M1 END M1 END m\nMACRO A END A",
+     {MACRO_A}},
+    {"NewerVersionPassesWithOneNote",
+     "VERSION 6.0 ; NEWS 1 ; NEWER a b ; END NEWER MACRO A NEWEST 1 ; PIN P PORT LAYER M1 FOR x ; CIRCLE 0 0 "
+     "1 ; "
+     "; RECT 0 0 1 1 WIDE ; END END P END A END LIBRARY",
+     {MACRO_A, PIN_P, "rect (0 0)(1000000 1000000)",
+      "note version 1:9: the version is \"6.0\", and 5.3 to 5.8 are known; statements that are not known are "
+      "passed over without a word"}},
     {"UnknownStatement",
      "MACROS A ; MACRO A END A",
      {MACRO_A,
@@ -252,9 +288,10 @@ const ReadCase SHAPES[] = {
     {"ViaWithMetalOfTheLayer",
      "VIA on DEFAULT LAYER V1 ; RECT 0 0 1 1 ; LAYER M1 ; RECT 0 0 1 1 ; END on VIA off LAYER M2 ; END off\n"
      "VIA made VIARULE r ; CUTSIZE 1 1 ; LAYERS M1 V1 M2 ; END made\n" +
-         inPort("LAYER M2 ; VIA 0 0 on ; VIA 1 1 off ; VIA ITERATE MASK 1 0 0 made DO 1 BY 1 STEP 1 1 ; VIA "
-                "MASK 1 ( 0 "
-                "0 ) other ;"),
+         inPort(
+             "LAYER M2 ; VIA 0 0 on ; VIA 1 1 off ; VIA ITERATE MASK 031 0 0 made DO 1 BY 1 STEP 1 1 ; VIA "
+             "MASK 1 ( 0 "
+             "0 ) other ;"),
      {MACRO_A, PIN_P,
       "warning not-read 5:12: this via, \"on\", has metal of layer \"M1\", which is not read; write its "
       "metal of that "
@@ -262,7 +299,7 @@ const ReadCase SHAPES[] = {
       "warning not-read 5:39: this via, \"made\", has metal of layer \"M1\", which is not read; write its "
       "metal of "
       "that layer as a RECT",
-      "warning not-read 5:88: this via, \"other\", which is defined in no file before, may have metal of "
+      "warning not-read 5:90: this via, \"other\", which is defined in no file before, may have metal of "
       "layer \"M1\", "
       "which is not read; write its metal of that layer as a RECT"}},
     {"ShapeWithoutLayer",
