@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -45,7 +46,8 @@ struct PlacementPaths {
 struct ColoredPlacement {
     placer::Design design;
     std::vector<placer::ColorRecord> colors;
-    Findings faults; ///< errors in the form of the files
+    Findings faults;                    ///< errors in the form of the files
+    std::optional<int64_t> pinLength{}; ///< wirelength by pins, half DBU, for those who have asked for it
 };
 
 /// Reads a placement with true orientations, its cells and its colors.

@@ -15,7 +15,8 @@ namespace kit::importing {
 namespace {
 
 constexpr const char* FOOTER =
-    R"(Writes OUT.place, OUT.pins, OUT.netlist, OUT.cells and OUT.map, which knows the way back.
+    R"(Writes OUT.place, OUT.pins, OUT.netlist, OUT.cells, OUT.offsets, which tells where pins
+are, and OUT.map, which knows the way back.
 
 Exit status: 0 if the design is written, 2 with errors; then nothing is.
 

@@ -7,6 +7,7 @@
 #include "kit/base/files/folder.h"
 #include "kit/base/files/outputPaths.h"
 #include "kit/design/nameMap.h"
+#include "kit/design/pinOffsets.h"
 #include "kit/engines/verify/verify.h"
 #include "kit/tools/lengthOptions.h"
 
@@ -24,15 +25,16 @@ Example:
 
 int run(const Options& options)
 {
-    const design::ColoredPlacement input = design::readColoredPlacement(options);
+    design::ColoredPlacement input = design::readColoredPlacement(options);
+    input.pinLength = design::pinLengthBeside(options.placement, input.design, input.faults);
     const design::Issues issues =
         judge(input, {.minDist = options.minDist.unitsOn(design::siteLength(input.design)),
                       .acrossRows = options.acrossRows,
                       .rails = options.rails});
     if (!options.lyrdb.empty()) {
         std::vector<std::string> inputs = filesIn(options.cellDir);
-        inputs.insert(inputs.end(),
-                      {options.placement, design::mapOf(options.placement), options.colors, options.cells});
+        inputs.insert(inputs.end(), {options.placement, design::mapOf(options.placement),
+                                     design::offsetsOf(options.placement), options.colors, options.cells});
         checkOutputs({options.lyrdb}, inputs, /*force=*/true);
         writeMarkers(options, input, issues);
     }

@@ -1,6 +1,6 @@
 find_package(SQLite3 REQUIRED)
-set(VIRELOCE_SHARED ${PROJECT_SOURCE_DIR}/../shared CACHE PATH
-    "Folder of real designs for tests, in data/designs; those tests are skipped where it is not there")
+set(VIRELOCE_SHARED "${PROJECT_SOURCE_DIR}/../shared" CACHE PATH
+    "Folder of real designs, data/designs, and of tools that judge them; tests skip what is not there")
 vireloce_test(kit SHARDS 4
     kit/base/files/outputFile_test.cpp
     kit/base/files/outputPaths_test.cpp
@@ -15,6 +15,7 @@ vireloce_test(kit SHARDS 4
     kit/design/distance_test.cpp
     kit/design/frame_test.cpp
     kit/design/nameMap_test.cpp
+    kit/design/pinOffsets_test.cpp
     kit/engines/color/cell_test.cpp
     kit/engines/color/command_test.cpp
     kit/engines/color/cuts_test.cpp
@@ -37,6 +38,7 @@ vireloce_test(kit SHARDS 4
     kit/engines/import/damage_test.cpp
     kit/engines/import/gcd_test.cpp
     kit/engines/import/generated_test.cpp
+    kit/engines/import/offsets_test.cpp
     kit/engines/import/rows_test.cpp
     kit/engines/lint/damage_test.cpp
     kit/engines/lint/report_test.cpp
@@ -76,8 +78,8 @@ target_compile_definitions(test_kit PRIVATE
     VIRELOCE_KIT_SOURCES="${PROJECT_SOURCE_DIR}/kit"
     VIRELOCE_KIT_PROGRAM="$<TARGET_FILE:vireloce-kit>"
     VIRELOCE_KIT_EXAMPLES="${PROJECT_SOURCE_DIR}/examples"
-    VIRELOCE_DESIGNS="${VIRELOCE_SHARED}/data/designs"
     VIRELOCE_PLACE_SCHEMA="${PROJECT_SOURCE_DIR}/kit/engines/place/result.schema.json"
+    VIRELOCE_SHARED_FOLDER="${VIRELOCE_SHARED}"
     VIRELOCE_STUDY_SCHEMA="${PROJECT_SOURCE_DIR}/kit/tools/sweep/study.schema.json")
 target_link_libraries(test_kit PRIVATE vireloce_kit SQLite::SQLite3)
 add_dependencies(test_kit vireloce-kit)

@@ -158,4 +158,9 @@ void writeCells(const DesignFiles& files, OutputFile& out)
     placer::writeCellList(out, usedMasters(files));
 }
 
+void writeOffsets(const DesignFiles& files, OutputFile& out)
+{
+    design::writePinOffsets(files.offsets, out);
+}
+
 } // namespace kit::importing

@@ -9,6 +9,7 @@
 
 #include "kit/base/files/outputFile.h"
 #include "kit/design/nameMap.h"
+#include "kit/design/pinOffsets.h"
 #include "kit/engines/import/cells.h"
 #include "kit/engines/import/core.h"
 #include "kit/engines/import/nets.h"
@@ -36,6 +37,7 @@ struct DesignFiles {
     std::vector<Terminal> terminals{};    ///< in order
     std::vector<int32_t> members{};  ///< of all nets: index in Cells::movable, or -1 - index in terminals
     std::vector<size_t> netBegin{0}; ///< [net] its first member; one more at the end
+    design::PinOffsets offsets{};    ///< of the same cells, terminals and nets
 
     /// Number of nets.
     size_t numNets() const { return netBegin.size() - 1; }
@@ -59,8 +61,10 @@ void writePins(const DesignFiles& files, OutputFile& out);
 void writeNetlist(const DesignFiles& files, OutputFile& out);
 /// Writes BASE.cells.
 void writeCells(const DesignFiles& files, OutputFile& out);
+/// Writes BASE.offsets.
+void writeOffsets(const DesignFiles& files, OutputFile& out);
 
-/// Fills in the names of the cells, the terminals and the members of the nets.
+/// Fills in the names of the cells, the terminals, the members of the nets, and where their pins are.
 ///
 /// Terminals are the design's signal pins that have a place, then the pins of components that stay where they
 /// are, each in the middle of its metal, or else of its component. Members without a place are left out of

@@ -187,6 +187,7 @@ private:
         add(".pins", writePins);
         add(".netlist", writeNetlist);
         add(".cells", writeCells);
+        add(".offsets", writeOffsets);
         design::NameMap map{.def = m_options.def,
                             .hash = design::hashOf(m_source.text()),
                             .siteWidth = inPicometres(m_core.siteWidth),

@@ -24,7 +24,7 @@ struct Options {
 };
 
 /// The extensions of the files that import() writes.
-inline constexpr const char* WRITTEN[] = {".place", ".pins", ".netlist", ".cells", ".map"};
+inline constexpr const char* WRITTEN[] = {".place", ".pins", ".netlist", ".cells", ".offsets", ".map"};
 
 /// What became of a DEF.
 struct Summary {

@@ -103,7 +103,8 @@ public:
     Namer(const Nets& nets, const Names& names, lefdef::SourceReporter& reporter, DesignFiles& files,
           std::vector<design::Renamed>& renamed)
         : m_nets(nets), m_reporter(reporter), m_files(files), m_renamed(renamed), m_names(names),
-          m_cellOf(files.def.components.size(), -1), m_terminalOf(files.def.pins.size(), -1)
+          m_cellOf(files.def.components.size(), -1), m_terminalOf(files.def.pins.size(), -1),
+          m_masterOf(files.lef.macros.size(), -1)
     {
     }
 
@@ -112,12 +113,14 @@ public:
         nameCells();
         addPins();
         m_files.members.reserve(m_nets.members.size());
+        m_files.offsets.members.reserve(m_nets.members.size());
         m_files.netBegin.reserve(m_nets.begin.size());
         for (size_t net = 0; net < m_nets.size(); ++net) {
             for (const Member& member : m_nets.of(net)) {
                 addMember(member);
             }
             m_files.netBegin.push_back(m_files.members.size());
+            m_files.offsets.netBegin.push_back(m_files.members.size());
         }
     }
 
@@ -125,6 +128,7 @@ private:
     void nameCells()
     {
         const std::vector<Cell>& cells = m_files.cells.movable;
+        design::ComponentHash hash;
         for (size_t i = 0; i < cells.size(); ++i) {
             const DefComponent& comp = m_files.def.components[cells[i].component];
             const std::string_view name = comp.name;
@@ -137,6 +141,19 @@ private:
             if (m_files.cellNames.back() != name) {
                 m_renamed.push_back({.name = m_files.cellNames.back(), .original = std::string(name)});
             }
+            hash.add(m_files.cellNames.back(), comp.macro);
+            addMaster(m_files.cells.masterOf[cells[i].component]);
+        }
+        m_files.offsets.placement = hash.text();
+    }
+
+    void addMaster(size_t index)
+    {
+        if (m_masterOf[index] < 0) {
+            m_masterOf[index] = static_cast<int32_t>(m_files.offsets.masters.size());
+            const LefMacro& macro = m_files.lef.macros[index];
+            m_files.offsets.masters.push_back(
+                {.name = macro.name, .width = halfDbu(macro.width), .height = halfDbu(macro.height)});
         }
     }
 
@@ -155,7 +172,16 @@ private:
                 continue;
             }
             m_terminalOf[i] = makeTerminal(pin.name, pin.x, pin.y);
+            addPoints(std::span(m_files.def.ports).subspan(pin.firstPort, pin.numPorts));
         }
+    }
+
+    /// Adds the points of the terminal made last.
+    void addPoints(std::span<const geometry::Point> points)
+    {
+        design::PinOffsets& offsets = m_files.offsets;
+        offsets.points.insert(offsets.points.end(), points.begin(), points.end());
+        offsets.pointBegin.push_back(offsets.points.size());
     }
 
     int32_t makeTerminal(std::string_view name, int64_t x, int64_t y)
@@ -168,8 +194,9 @@ private:
     {
         if (member.component < 0) {
             addTerminal(m_terminalOf[static_cast<size_t>(member.pin)]);
-        } else if (m_cellOf[static_cast<size_t>(member.component)] >= 0) {
-            m_files.members.push_back(m_cellOf[static_cast<size_t>(member.component)]);
+        } else if (const int32_t cell = m_cellOf[static_cast<size_t>(member.component)]; cell >= 0) {
+            m_files.members.push_back(cell);
+            m_files.offsets.members.push_back({.component = cell, .pin = pinOf(member)});
         } else if (m_files.cells.isFixed[static_cast<size_t>(member.component)]) {
             addTerminal(fixedPin(member));
         }
@@ -180,8 +207,40 @@ private:
     {
         if (terminal >= 0) {
             m_files.members.push_back(-1 - terminal);
+            m_files.offsets.members.push_back({.pin = terminal});
         }
     }
+
+    /// A cell's pin by its index among those of its master that nets use.
+    int32_t pinOf(const Member& member)
+    {
+        const size_t index = m_files.cells.masterOf[static_cast<size_t>(member.component)];
+        auto& pins = m_files.offsets.masters[static_cast<size_t>(m_masterOf[index])].pins;
+        const auto known = std::ranges::find(pins, member.name, &design::PinOffsets::Pin::name);
+        if (known == pins.end()) {
+            pins.push_back({std::string(member.name), middleOfAll(m_files.lef.macros[index], member.name)});
+            return static_cast<int32_t>(pins.size() - 1);
+        }
+        return static_cast<int32_t>(known - pins.begin());
+    }
+
+    /// The middle of all metal of a pin, of the whole master if none is known; half DBU. The corners are
+    /// rounded to DBU before they are moved by the origin, as tools do that work in DBU from the start.
+    geometry::Point middleOfAll(const LefMacro& macro, std::string_view pinName) const
+    {
+        const auto pin = std::ranges::find(macro.pins, pinName, &LefPin::name);
+        if (pin == macro.pins.end() || !pin->bounds) {
+            return {halfDbu(macro.width) / 2, halfDbu(macro.height) / 2};
+        }
+        const auto& [x, y] = macro.origin;
+        const geometry::Rect drawn = pin->bounds->shifted(-x, -y);
+        return {dbu(drawn.xl) + dbu(drawn.xh) + halfDbu(x), dbu(drawn.yl) + dbu(drawn.yh) + halfDbu(y)};
+    }
+
+    int64_t dbu(Length length) const { return lefdef::dbuNearest(length, m_files.def.databaseMicrons); }
+
+    /// A whole number of DBU, in half DBU.
+    int64_t halfDbu(Length length) const { return 2 * dbu(length); }
 
     int32_t fixedPin(const Member& member)
     {
@@ -194,6 +253,10 @@ private:
                 transformed(middleOf(macro, member.name), macro.width, macro.height, comp.orient);
             at->second = makeTerminal(std::string(comp.name) + "/" + std::string(member.name),
                                       comp.x + inDbu(middle.x), comp.y + inDbu(middle.y));
+            geometry::Point pin = transformed(middleOfAll(macro, member.name), halfDbu(macro.width),
+                                              halfDbu(macro.height), comp.orient);
+            pin = {2 * int64_t{comp.x} + pin.x, 2 * int64_t{comp.y} + pin.y};
+            addPoints({&pin, 1});
         }
         return at->second;
     }
@@ -207,6 +270,7 @@ private:
     SafeNames m_names;
     std::vector<int32_t> m_cellOf;     ///< [component] index in Cells::movable, -1 if it is not
     std::vector<int32_t> m_terminalOf; ///< [pin] index in DesignFiles::terminals, -1 without one
+    std::vector<int32_t> m_masterOf;   ///< [macro] index in PinOffsets::masters, -1 if no cell has it
     std::map<std::pair<int32_t, std::string_view>, int32_t>
         m_fixedPins; ///< terminals of fixed components' pins
 };

@@ -1,16 +1,45 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/engines/place/judgement.h"
 
+#include <filesystem>
+
 #include "kit/base/fault.h"
+#include "kit/design/nameMap.h"
+#include "kit/design/pinOffsets.h"
 #include "kit/engines/verify/verify.h"
+#include "kit/formats/placer/reader.h"
 
 namespace kit::place {
+
+namespace {
+
+/// Wirelength by pins of the base, and of what became of it; null if nothing tells where its pins are.
+///
+/// @param findings  out: problems of the offsets
+Json hpwlPinsOf(const std::string& base, const placer::Design& after, Findings& findings)
+{
+    if (!std::filesystem::exists(design::offsetsOf(base))) {
+        return nullptr;
+    }
+    placer::Design before;
+    Findings known; // the placer has read the same, and the map is judged with the result
+    placer::readPlacement(base, before, known);
+    design::restoreOrientations(base, before, known);
+    const std::optional<int64_t> length = design::pinLengthBeside(base, before, findings);
+    const std::optional<int64_t> lengthAfter =
+        length ? design::pinLengthBeside(base, after, findings) : length;
+    return !lengthAfter ? Json()
+                        : Json{{"before", design::pinLengthJson(length, before.dbuPerMicron)},
+                               {"after", design::pinLengthJson(lengthAfter, after.dbuPerMicron)}};
+}
+
+} // namespace
 
 Judgement judge(const Options& options, int32_t minDist, const OutputSet& files)
 {
     Judgement judgement;
     try {
-        const design::ColoredPlacement input =
+        design::ColoredPlacement input =
             design::readColoredPlacement({.placement = files.partPath(options.out + ".place"),
                                           .colors = files.partPath(options.out + ".colors"),
                                           .mapOf = options.base + ".place",
@@ -22,6 +51,7 @@ Judgement judge(const Options& options, int32_t minDist, const OutputSet& files)
             judgement.notes += isError ? 0 : 1;
             judgement.conflicts += issue.kind == design::Kind::CONFLICT ? 1 : 0;
         }
+        judgement.hpwlPins = hpwlPinsOf(options.base + ".place", input.design, input.faults);
         judgement.errors += static_cast<int64_t>(input.faults.size());
         if (const lefdef::Length site = design::siteLength(input.design); site > 0) {
             judgement.minDist = design::Distance(minDist).micronsOn(site);

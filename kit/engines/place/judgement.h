@@ -18,6 +18,7 @@ struct Judgement {
     int64_t notes = 0;
     std::optional<double>
         minDist{}; ///< least distance of shapes on one mask, micrometres, where UNITS are known
+    Json hpwlPins; ///< wirelength by pins before and after, of an imported design; null for another
 };
 
 /// Judges OUT.place with OUT.colors, which need not have their names yet. The placer's own count of conflicts
@@ -27,7 +28,7 @@ struct Judgement {
 /// @param files    has both
 Judgement judge(const Options& options, int32_t minDist, const OutputSet& files);
 
-/// For the result: null if there is no judgement.
+/// For the result, its member "judge": null if there is no judgement.
 Json toJson(const Judgement& judgement);
 
 } // namespace kit::place

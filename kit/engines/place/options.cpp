@@ -44,7 +44,7 @@ std::vector<std::string> placerArguments(const Options& options)
 void checkOutputs(const Options& options)
 {
     std::vector<std::string> inputs = filesIn(options.cellPath);
-    for (const char* extension : {".place", ".pins", ".netlist", ".cells", MAP}) {
+    for (const char* extension : {".place", ".pins", ".netlist", ".cells"}) {
         inputs.push_back(options.base + extension);
     }
     std::vector<std::string> outputs;
@@ -54,7 +54,10 @@ void checkOutputs(const Options& options)
     for (const char* extension : COPIED) {
         outputs.push_back(options.out + extension);
     }
-    outputs.push_back(options.out + MAP);
+    for (const char* extension : COPIED_IF_THERE) {
+        inputs.push_back(options.base + extension);
+        outputs.push_back(options.out + extension);
+    }
     kit::checkOutputs(outputs, inputs, options.force);
 }
 

@@ -35,8 +35,9 @@ std::vector<std::string> placerArguments(const Options& options);
 inline constexpr const char* WRITTEN[] = {".place", ".colors", ".json"};
 inline constexpr const char* COPIED[] = {".cells", ".pins", ".netlist"};
 
-/// Extension of the map of an imported design, which is copied as well where there is one.
-inline constexpr const char* MAP = ".map";
+/// Extensions of what an imported design has besides, which is copied where it is there: its map, and where
+/// its pins are.
+inline constexpr const char* COPIED_IF_THERE[] = {".map", ".offsets"};
 
 /// Checks that the results may be written.
 ///

@@ -70,6 +70,7 @@ public:
             const Judgement judgement = judge(m_options, options.parameters.minDist, m_files);
             m_clean = m_clean && judgement.errors == 0;
             result["judge"] = toJson(judgement);
+            result["hpwl_pins"] = judgement.hpwlPins;
         }
         m_files.add(m_options.out + ".json", [&result](OutputFile& json) { json << result.dump(1) << "\n"; });
         m_files.commit();
@@ -167,11 +168,13 @@ private:
         for (const char* extension : COPIED) {
             m_files.addCopy(m_options.out + extension, m_options.base + extension);
         }
-        // An imported design has a map back to its DEF file; one of an earlier result would be the wrong one.
-        if (std::filesystem::exists(m_options.base + MAP)) {
-            m_files.addCopy(m_options.out + MAP, m_options.base + MAP);
-        } else {
-            m_files.remove(m_options.out + MAP);
+        // Those of an earlier result would be the wrong ones.
+        for (const char* extension : COPIED_IF_THERE) {
+            if (std::filesystem::exists(m_options.base + extension)) {
+                m_files.addCopy(m_options.out + extension, m_options.base + extension);
+            } else {
+                m_files.remove(m_options.out + extension);
+            }
         }
     }
 

@@ -167,6 +167,7 @@ Json resultJson(const Options& options, int32_t minDist, const PlacerRun& run, J
             {"placement", std::move(placement)},
             {"rescue", std::move(rescue)},
             {"judge", nullptr},
+            {"hpwl_pins", nullptr},
             {"seconds", seconds},
             {"peak_memory_kib", peakMemoryKib()}};
 }

@@ -31,7 +31,7 @@ Json toJson(const Design& design, const State& state);
 /// What a rescue did.
 Json toJson(const Design& design, const Rescue& rescue);
 
-/// The whole result; its member "judge" is null.
+/// The whole result; its members "judge" and "hpwl_pins" are null.
 ///
 /// @param minDist    library units
 /// @param placement  of toJson(), null if the run gave none

@@ -7,6 +7,7 @@
 #include "kit/base/text/escape.h"
 #include "kit/base/text/json.h"
 #include "kit/base/text/text.h"
+#include "kit/design/pinOffsets.h"
 #include "kit/engines/verify/verify.h"
 
 namespace kit::verify {
@@ -51,6 +52,7 @@ public:
             }
         }
         writeTable();
+        writeLength();
         writeCounts();
         m_out.flush();
     }
@@ -116,6 +118,15 @@ private:
             }
         }
         m_out << printable(m_options.placement) << ": " << summaryOf(m_input, m_issues) << '\n';
+    }
+
+    void writeLength()
+    {
+        const Json length = design::pinLengthJson(m_input.pinLength, m_input.design.dbuPerMicron);
+        if (length.isObject()) {
+            m_out << "\nWirelength from pin to pin: " << length["dbu"] << " DBU, "
+                  << design::micrometresText(length) << '\n';
+        }
     }
 
     const Options& m_options;
@@ -222,6 +233,7 @@ void writeJson(const Options& options, const design::ColoredPlacement& input, co
         << ",\"mindp_um\":" << (site > 0 ? Json(options.minDist.micronsOn(site)) : Json(nullptr))
         << ",\"clean\":" << (exitStatusOf(input, issues) == 0 ? "true" : "false")
         << ",\"summary\":" << Json(summaryOf(input, issues)) << ",\"counts\":" << countsOf(input, issues)
+        << ",\"hpwl_pins\":" << design::pinLengthJson(input.pinLength, input.design.dbuPerMicron)
         << ",\"findings\":[";
     const char* separator = "\n";
     for (const Finding& fault : input.faults) {

@@ -50,6 +50,8 @@ struct DefPin {
     bool placed = false; ///< the pin, or its first placed port, has a place
     int32_t x = 0;
     int32_t y = 0;
+    size_t firstPort = 0; ///< in Def::ports
+    size_t numPorts = 0;  ///< those that have a place
     size_t offset = 0;
 };
 
@@ -83,8 +85,10 @@ struct Def {
     std::vector<DefRow> rows;
     std::vector<DefComponent> components;
     std::vector<DefPin> pins;
-    std::vector<DefNet> nets;       ///< regular ones; special nets are not read
-    std::vector<DefMember> members; ///< of all nets
+    std::vector<geometry::Point> ports; ///< of all pins, placed: middle of the LAYER rectangles that stand
+                                        ///< before the place, or else that place; half DBU
+    std::vector<DefNet> nets;           ///< regular ones; special nets are not read
+    std::vector<DefMember> members;     ///< of all nets
     std::vector<DefBlockage> blockages;
 };
 

@@ -251,6 +251,8 @@ private:
         DefPin pin;
         pin.offset = m_in.offset();
         pin.name = m_in.name("pin's name");
+        pin.firstPort = m_def.ports.size();
+        m_portBounds.reset();
         while (m_in.more()) {
             m_in.expect("+");
             readPinOption(pin);
@@ -266,15 +268,43 @@ private:
             pin.supply = readIsSupply();
         } else if (const Status status = takeStatus(); status != Status::NONE && status != Status::UNPLACED) {
             const Point point = readPoint();
-            readOrient();
+            addPort(pin, point, readOrient());
             if (!pin.placed) {
                 pin.x = static_cast<int32_t>(point.x);
                 pin.y = static_cast<int32_t>(point.y);
                 pin.placed = true;
             }
+        } else if (m_in.take("LAYER")) {
+            readPortRect();
         } else {
+            if (m_in.is("PORT")) {
+                m_portBounds.reset();
+            }
             m_in.skipOption();
         }
+    }
+
+    /// A rectangle of a port behind its word LAYER.
+    void readPortRect()
+    {
+        m_in.name("name of the layer");
+        for (const char* option : {"MASK", "SPACING", "DESIGNRULEWIDTH"}) {
+            if (m_in.take(option)) {
+                m_in.integer("value");
+            }
+        }
+        const Point a = readPoint();
+        const Point b = readPoint(a);
+        const DefRect rect = geometry::rectBetween(a.x, a.y, b.x, b.y);
+        m_portBounds = geometry::around(m_portBounds.value_or(rect), rect);
+    }
+
+    void addPort(DefPin& pin, const Point& place, Orient orient)
+    {
+        const DefRect bounds = m_portBounds.value_or(DefRect());
+        const Point middle = transformed({bounds.xl + bounds.xh, bounds.yl + bounds.yh}, 0, 0, orient);
+        m_def.ports.push_back({2 * place.x + middle.x, 2 * place.y + middle.y});
+        ++pin.numPorts;
     }
 
     void readNet()
@@ -448,6 +478,7 @@ private:
     NameTable<DefComponent> m_components{m_def.components};
     NameTable<DefPin> m_pins{m_def.pins};
     NameTable<DefNet> m_nets{m_def.nets};
+    std::optional<DefRect> m_portBounds; ///< around the rectangles of the port that is read
 };
 
 } // namespace

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -37,7 +38,8 @@ struct LefPin {
     std::string name;
     PinUse use = PinUse::SIGNAL;
     std::vector<LefShape> shapes; ///< all ports together, of the wanted layer; origin taken into account
-    size_t offset = 0;            ///< of its statement in the file
+    std::optional<geometry::Rect> bounds{}; ///< around its shapes of all layers; origin taken into account
+    size_t offset = 0;                      ///< of its statement in the file
 };
 
 /// A cell master.
@@ -48,6 +50,7 @@ struct LefMacro {
     std::string site;       ///< last SITE named; empty if none is
     Length width = 0;
     Length height = 0;
+    LefPoint origin; ///< what the shapes were moved by
     bool symmetryX = false;
     bool symmetryY = false;
     std::vector<LefPin> pins;

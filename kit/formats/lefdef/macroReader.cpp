@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -11,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "kit/base/text/decimal.h"
 #include "kit/base/text/text.h"
 #include "kit/formats/lefdef/statements.h"
 
@@ -25,6 +27,10 @@ constexpr int64_t MOST_COPIED = 1'000'000;
 constexpr Length LONGEST_REACH = 1'000'000'000 * MICRON;
 
 constexpr int32_t MASKS = 3;
+constexpr int32_t MICRON_DIGITS = 6; // of micrometres, so that the unit is a picometre
+
+/// What stands between the numbers of a shape.
+constexpr std::array<std::string_view, 5> BETWEEN_NUMBERS = {"(", ")", "DO", "BY", "STEP"};
 
 /// Where one of these stands, the END before it is missing.
 constexpr std::array<std::string_view, 4> OUTER_WORDS = {"PIN", "OBS", "MACRO", "PORT"};
@@ -44,8 +50,11 @@ public:
     ///
     /// @param layers  out: names of the layers of its shapes, the wanted one too, are appended to it
     /// @param kind    what it is, for the texts: "port"
-    void read(std::vector<LefShape>& shapes, std::vector<std::string>& layers, const char* kind)
+    /// @param bounds  grows around the shapes of all layers; nullptr if nobody asks
+    void read(std::vector<LefShape>& shapes, std::vector<std::string>& layers, const char* kind,
+              std::optional<geometry::Rect>* bounds = nullptr)
     {
+        m_bounds = bounds;
         const size_t begin = m_in.offset();
         m_layers = &layers;
         m_anyLayer = false;
@@ -114,7 +123,7 @@ private:
             }
         }
         if (m_anyLayer && !m_onLayer) {
-            m_in.skipStatement();
+            passOther(polygon);
             return;
         }
         if (!m_anyLayer) {
@@ -129,6 +138,64 @@ private:
         const Grid grid = iterate ? readGrid(shape.points.size()) : Grid();
         if (m_in.finish()) {
             keepCopies(shape, grid, shapes);
+            growBounds(shape.points, grid);
+        }
+    }
+
+    /// Passes over a shape of another layer, which need not be sound, and takes it into the bounds if it is.
+    void passOther(bool polygon)
+    {
+        constexpr size_t GRID = 4; // numbers of DO ... BY ... STEP ... ...
+        std::vector<Length> numbers;
+        bool iterate = false;
+        bool sound = m_bounds != nullptr;
+        while (m_in.more() && sound) {
+            const Word word = m_in.start();
+            if (word == "MASK") {
+                m_in.start();
+            } else if (word == "ITERATE") {
+                iterate = true;
+            } else if (std::ranges::none_of(BETWEEN_NUMBERS,
+                                            [&](std::string_view other) { return word == other; })) {
+                const Decimal number = parseDecimal(word.text, MICRON_DIGITS, LONGEST_REACH);
+                numbers.push_back(number.value);
+                sound = number.kind == Decimal::Kind::GOOD;
+            }
+        }
+        m_in.skipStatement();
+        const size_t least = (polygon ? 6 : 4) + (iterate ? GRID : 0);
+        if (!sound || numbers.size() < least || numbers.size() % 2 != 0) {
+            return;
+        }
+        Grid grid;
+        if (iterate) {
+            const std::span<const Length> last = std::span(numbers).last(GRID);
+            grid = {.columns = static_cast<int32_t>(last[0] / MICRON),
+                    .rows = static_cast<int32_t>(last[1] / MICRON),
+                    .stepX = last[2],
+                    .stepY = last[3]};
+            numbers.resize(numbers.size() - GRID);
+        }
+        std::vector<LefPoint> points;
+        for (size_t i = 0; i < numbers.size(); i += 2) {
+            points.push_back({numbers[i], numbers[i + 1]});
+        }
+        growBounds(points, grid);
+    }
+
+    /// Takes the corners of a shape and of the last of its copies into the bounds, if there are any.
+    void growBounds(const std::vector<LefPoint>& points, const Grid& grid)
+    {
+        const bool reaches = grid.columns > 0 && grid.rows > 0 &&
+                             std::abs(grid.stepX) <= LONGEST_REACH / grid.columns &&
+                             std::abs(grid.stepY) <= LONGEST_REACH / grid.rows;
+        if (m_bounds == nullptr || !reaches) {
+            return;
+        }
+        const LefPoint last{(grid.columns - 1) * grid.stepX, (grid.rows - 1) * grid.stepY};
+        for (const auto& [x, y] : points) {
+            const geometry::Rect corner = geometry::rectBetween(x, y, x + last.x, y + last.y);
+            *m_bounds = geometry::around(m_bounds->value_or(corner), corner);
         }
     }
 
@@ -260,12 +327,13 @@ private:
     Parser& m_in;
     const std::string& m_layer;
     const Vias& m_vias;
-    bool m_anyLayer = false;                      ///< a layer has been named
-    std::string_view m_layerNow;                  ///< the last of them
-    bool m_onLayer = false;                       ///< it is wanted
-    bool m_layerIsTold = false;                   ///< it is among the layers that read() tells
-    std::vector<std::string>* m_layers = nullptr; ///< not owned
-    int64_t m_copied = 0;                         ///< corners that ITERATE has made in this file
+    bool m_anyLayer = false;                           ///< a layer has been named
+    std::string_view m_layerNow;                       ///< the last of them
+    bool m_onLayer = false;                            ///< it is wanted
+    bool m_layerIsTold = false;                        ///< it is among the layers that read() tells
+    std::vector<std::string>* m_layers = nullptr;      ///< not owned
+    std::optional<geometry::Rect>* m_bounds = nullptr; ///< of the pin, if it is one
+    int64_t m_copied = 0;                              ///< corners that ITERATE has made in this file
 };
 
 /// Reads cell masters.
@@ -292,9 +360,13 @@ public:
         while (m_in.goesOn({"macro", m_macro.name, "LIBRARY", begin}, {"MACRO"}) && readStatement()) {
         }
         m_macro.endOffset = m_in.takenEnd();
+        m_macro.origin = m_origin;
         moveShapes(m_macro.obstructions);
         for (LefPin& pin : m_macro.pins) {
             moveShapes(pin.shapes);
+            if (pin.bounds) {
+                pin.bounds = pin.bounds->shifted(m_origin.x, m_origin.y);
+            }
         }
         return std::move(m_macro);
     }
@@ -402,7 +474,7 @@ private:
     {
         const Word word = m_in.start();
         if (word == "PORT") {
-            m_shapes.read(pin.shapes, m_macro.pinLayers, "port");
+            m_shapes.read(pin.shapes, m_macro.pinLayers, "port", &pin.bounds);
         } else if (word == "USE") {
             const PinUse use = readUse(m_in);
             if (m_in.finish()) {

@@ -26,6 +26,17 @@ constexpr int64_t dbuUp(Length length, int32_t databaseMicrons)
     return -dbuDown(-length, databaseMicrons);
 }
 
+/// As dbuDown(), rounded to the nearest, halves to the even one.
+constexpr int64_t dbuNearest(Length length, int32_t databaseMicrons)
+{
+    const Length rest = (length % MICRON + MICRON) % MICRON;
+    const Length below = rest * databaseMicrons / MICRON;
+    const Length twice = 2 * (rest * databaseMicrons - below * MICRON);
+    const int64_t down = (length - rest) / MICRON * databaseMicrons + below;
+    const bool isUp = twice > MICRON || (twice == MICRON && down % 2 != 0);
+    return down + (isUp ? 1 : 0);
+}
+
 /// A length, not negative, in micrometres with six digits.
 inline std::string micrometres(Length length)
 {

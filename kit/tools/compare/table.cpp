@@ -22,6 +22,7 @@ struct Source {
 constexpr Source SOURCES[] = {
     {"HPWL, DBU", "/placement/hpwl"},
     {"HPWL after rescue, DBU", "/rescue/placement/hpwl"},
+    {"HPWL by pins, um", "/hpwl_pins/after/um"},
     {"stitches", "/placement/stitches"},
     {"conflicts, as the placer counts", "/placement/conflicts"},
     {"conflicts, by geometry", "/judge/conflicts"},

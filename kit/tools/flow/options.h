@@ -35,8 +35,9 @@ struct Options {
 
 /// The results, and what `export` needs to make them again: OUT with these extensions, and the folder of the
 /// colour files.
-inline constexpr const char* RESULTS[] = {".place", ".colors", ".cells", ".pins",  ".netlist", ".map",
-                                          ".def",   ".gds",    ".lyp",   ".lyrdb", ".html",    ".json"};
+inline constexpr const char* RESULTS[] = {".place", ".colors",  ".cells", ".pins", ".netlist",
+                                          ".map",   ".offsets", ".def",   ".gds",  ".lyp",
+                                          ".lyrdb", ".html",    ".json"};
 inline constexpr const char* LIBRARY = ".library";
 
 } // namespace kit::flow

@@ -5,6 +5,7 @@
 
 #include "kit/base/process/childProcess.h"
 #include "kit/base/text/text.h"
+#include "kit/design/pinOffsets.h"
 
 namespace kit::flow {
 
@@ -56,6 +57,10 @@ std::string placementSummary(const Json& result)
          << " stitches, " << after["conflicts"] << " conflicts";
     if (result["judge"].isObject() && result["judge"]["errors"].asInteger() > 0) {
         text << "; verify finds " << counted(result["judge"]["errors"].asInteger(), "error");
+    }
+    if (const Json& pins = result["hpwl_pins"]; pins.isObject()) {
+        text << "; from pin to pin " << design::micrometresText(pins["before"]) << " -> "
+             << design::micrometresText(pins["after"]);
     }
     return text.str();
 }

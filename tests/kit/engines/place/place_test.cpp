@@ -9,6 +9,7 @@
 
 #include "app/driver.h"
 #include "kit/base/text/json.h"
+#include "kit/design/pinOffsets.h"
 #include "kit/engines/place/schema.h"
 #include "kit/kitRun.h"
 #include "support/guards.h"
@@ -143,6 +144,39 @@ TEST_P(KitPlaceRoundTrip, ResultOfGcdIsLintedVerifiedPlacedAgainAndViewed)
               Json::parse(contentOf(out + ".json"))["placement"]["hpwl"]);
 
     EXPECT_EQ(runKit({"view", out + ".place", "--cell-path", lib, "-o", dir.path("out.svg")}).status, 0);
+}
+
+TEST(KitPlacePins, WirelengthByPinsOfAnImportedDesignIsThatOfItsDefFiles)
+{
+    const std::string raw = VIRELOCE_KIT_EXAMPLES "/raw/";
+    const std::string lib = VIRELOCE_KIT_EXAMPLES "/nangate45_color";
+    const test::TempDir dir;
+    const std::string base = dir.path("gcd");
+    const std::string out = dir.path("out");
+    ASSERT_EQ(runKit({"import", "--lef", raw + "Nangate45_stdcell.lef", "--def", raw + "gcd_nangate45.def",
+                      "-o", base})
+                  .status,
+              0);
+    ASSERT_EQ(runKit({"place", base, "--cell-path", lib, "-o", out}).status, 0);
+    EXPECT_EQ(contentOf(out + ".offsets"), contentOf(base + ".offsets"));
+    const Json result = Json::parse(contentOf(out + ".json"));
+    EXPECT_EQ(test::faultsOf(result, test::placeSchema()), Words{});
+    EXPECT_EQ(result["hpwl_pins"]["before"], Json::parse(R"({"dbu": 4340250, "um": 2170.125})"));
+    const Words verify{"verify", out + ".place", "--colors", out + ".colors", "--cell-path", lib};
+    Words asJson = verify;
+    asJson.emplace_back("--json");
+    EXPECT_EQ(Json::parse(runKit(asJson).output)["hpwl_pins"], result["hpwl_pins"]["after"]);
+    const std::string line = "\nWirelength from pin to pin: " + result["hpwl_pins"]["after"]["dbu"].dump() +
+                             " DBU, " + kit::design::micrometresText(result["hpwl_pins"]["after"]) + "\n";
+    EXPECT_NE(runKit(verify).output.find(line), std::string::npos) << line;
+    EXPECT_NE(runKit({"compare", out + ".json"}).output.find("| HPWL by pins, um | "), std::string::npos);
+
+    std::filesystem::remove(base + ".offsets");
+    ASSERT_EQ(runKit({"place", base, "--cell-path", lib, "-o", out, "--force"}).status, 0);
+    EXPECT_TRUE(Json::parse(contentOf(out + ".json"))["hpwl_pins"].isNull());
+    EXPECT_FALSE(std::filesystem::exists(out + ".offsets")) << "that of the earlier result";
+    EXPECT_TRUE(Json::parse(runKit(asJson).output)["hpwl_pins"].isNull());
+    EXPECT_EQ(runKit(verify).output.find("pin to pin"), std::string::npos);
 }
 
 INSTANTIATE_TEST_SUITE_P(Algorithms, KitPlaceRoundTrip, testing::Values("0", "1", "3"));

@@ -522,4 +522,48 @@ const ReadCase SKIPPED[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Skipped, DefReader, testing::ValuesIn(SKIPPED), testing::PrintToStringParamName());
 
+struct Ports {
+    const char* name;
+    const char* options; ///< of the pin
+    const char* want;    ///< half DBU
+};
+
+const Ports PORTS[] = {
+    {"MiddleOfTheRectangle", "+ LAYER M1 ( -1 -1 ) ( 2 4 ) + PLACED ( 10 20 ) N", "(21 43)"},
+    {"MiddleOfAllRectangles",
+     "+ LAYER M1 MASK 1 SPACING 5 ( 0 0 ) ( 2 2 ) + LAYER M2 DESIGNRULEWIDTH 7 ( 4 0 ) ( 6 * ) + FIXED ( 0 0 "
+     ") N",
+     "(6 2)"},
+    {"TurnedAboutItsPlace", "+ LAYER M1 ( 0 0 ) ( 2 4 ) + PLACED ( 0 0 ) W", "(-4 2)"},
+    {"Mirrored", "+ LAYER M1 ( 0 0 ) ( 2 4 ) + COVER ( 0 0 ) FN", "(-2 4)"},
+    {"WithoutARectangle", "+ PLACED ( 10 20 ) S", "(20 40)"},
+    {"RectanglesBehindThePlaceAreNone", "+ PLACED ( 10 20 ) S + LAYER M1 ( 0 0 ) ( 2 2 )", "(20 40)"},
+    {"EachPlacedPort",
+     "+ PORT + LAYER M1 ( 0 0 ) ( 2 2 ) + PLACED ( 0 0 ) N + PORT + LAYER M1 ( 0 0 ) ( 9 9 ) + PORT + LAYER "
+     "M1 ( 0 0 "
+     ") ( 4 4 ) + PLACED ( 50 0 ) N",
+     "(2 2)(104 4)"},
+    {"NotPlaced", "+ LAYER M1 ( 0 0 ) ( 2 2 ) + UNPLACED", ""}};
+
+class DefPorts : public testing::TestWithParam<Ports> {};
+
+TEST_P(DefPorts, StandWhereTheirRectanglesDo)
+{
+    const kit::lefdef::Source source("d.def", std::string("PINS 2 ; - a + PLACED ( 0 0 ) N ; - b ") +
+                                                  GetParam().options + " ; END PINS END DESIGN");
+    kit::Findings findings;
+    const kit::lefdef::Def def = readDef(source, findings);
+    EXPECT_TRUE(findings.empty());
+    ASSERT_EQ(def.pins.size(), 2U);
+    std::string points;
+    for (size_t i = 0; i < def.pins[1].numPorts; ++i) {
+        const auto& [x, y] = def.ports.at(def.pins[1].firstPort + i);
+        points += test::point(x, y);
+    }
+    EXPECT_EQ(points, GetParam().want);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, DefPorts, testing::ValuesIn(PORTS),
+                         [](const auto& row) { return std::string(row.param.name); });
+
 } // namespace

@@ -6,7 +6,7 @@
 namespace {
 
 using test::Lines;
-using test::sharedDesign;
+using test::sharedFile;
 
 class Grammar : public test::WithSharedDesigns {};
 
@@ -20,7 +20,7 @@ Lines findingsOf(const kit::Findings& findings)
 /// The findings about a LEF file that are not about metal which is left out.
 Lines findingsOfLef(const std::string& name)
 {
-    const kit::lefdef::Source source(sharedDesign("syntax/" + name));
+    const kit::lefdef::Source source(sharedFile("syntax/" + name));
     kit::Findings findings;
     kit::lefdef::Lef lef;
     readLef(source, "M1", 0, lef, findings);
@@ -35,7 +35,7 @@ TEST_F(Grammar, EveryStatementOfLefIsKnown)
 
 TEST_F(Grammar, EveryStatementOfDefIsKnown)
 {
-    const kit::lefdef::Source source(sharedDesign("syntax/complete.5.8.def"));
+    const kit::lefdef::Source source(sharedFile("syntax/complete.5.8.def"));
     kit::Findings findings;
     const kit::lefdef::Def def = readDef(source, findings);
     std::erase_if(findings, [](const kit::Finding& finding) { return finding.code == "wrong-count"; });
@@ -51,7 +51,7 @@ TEST_F(Grammar, RareStatementsAreRead)
     for (const char* const name : {"gscl45nm.lef", "mask.lef", "sky130hd_multi_patterned.tlef"}) {
         EXPECT_EQ(findingsOfLef(name), Lines()) << name;
     }
-    const kit::lefdef::Source source(sharedDesign("syntax/sky130hd_multi_patterned.def"));
+    const kit::lefdef::Source source(sharedFile("syntax/sky130hd_multi_patterned.def"));
     kit::Findings findings;
     EXPECT_EQ(readDef(source, findings).nets.size(), 1U);
     EXPECT_EQ(findingsOf(findings), Lines());

@@ -451,6 +451,54 @@ TEST_P(LefLayer, MustHaveMetalIfCellsHaveAny)
 INSTANTIATE_TEST_SUITE_P(All, LefLayer, testing::ValuesIn(LAYERS),
                          [](const auto& row) { return std::string(row.param.name); });
 
+struct Bounds {
+    const char* name;
+    const char* pin; ///< its statements
+    std::string want;
+};
+
+const Bounds BOUNDS[] = {
+    {"AroundAllShapesOfAllLayers",
+     "PORT LAYER M1 ; RECT 1 2 2 3 ; LAYER M2 ; RECT MASK 2 ( 4 5 ) ( 3 4 ) ; END PORT LAYER M3 ; POLYGON 0 "
+     "9 1 9 1 8 ; "
+     "END",
+     "(0 2000000)(4000000 9000000)"},
+    {"OriginIsTakenIntoAccount", "PORT LAYER M2 ; RECT 0 0 1 1 ; END } ORIGIN 2 3 ;",
+     "(2000000 3000000)(3000000 4000000)"},
+    {"CopiesAreShapes", "PORT LAYER M2 ; RECT ITERATE 0 0 1 1 DO 2 BY 3 STEP 10 -5 ; END",
+     "(0 -10000000)(11000000 1000000)"},
+    {"CopiesOnTheLayerAreShapes", "PORT LAYER M1 ; RECT ITERATE 0 0 1 1 DO 2 BY 3 STEP 10 -5 ; END",
+     "(0 -10000000)(11000000 1000000)"},
+    {"ViasAndPathsAreNone", "PORT LAYER M2 ; PATH 0 0 1 1 ; VIA 5 5 v ; END", "none"},
+    {"UnsoundShapesOfOtherLayersAreNone",
+     "PORT LAYER M2 ; RECT 0 0 x 1 ; RECT 0 0 1 ; RECT 0 0 1 1 1 ; POLYGON 0 0 1 1 ; RECT ITERATE 0 0 1 1 DO "
+     "0 BY 1 "
+     "STEP 1 1 ; RECT 7 7 8 8 ; END",
+     "(7000000 7000000)(8000000 8000000)"},
+    {"ObstructionsAreNone", "PORT LAYER M1 ; RECT 0 0 1 1 ; END } OBS LAYER M2 ; RECT 0 0 9 9 ; END",
+     "(0 0)(1000000 1000000)"},
+    {"WithoutAShape", "", "none"}};
+
+class LefBounds : public testing::TestWithParam<Bounds> {};
+
+TEST_P(LefBounds, OfAPin)
+{
+    const std::string pin = GetParam().pin;
+    const size_t brace = std::min(pin.find('}'), pin.size()); // behind it, statements of the macro
+    const kit::lefdef::Source source("d.lef", "MACRO A PIN P " + pin.substr(0, brace) + " END P " +
+                                                  pin.substr(std::min(brace + 1, pin.size())) + " END A");
+    kit::Findings findings;
+    kit::lefdef::Lef lef;
+    readLef(source, "M1", 0, lef, findings);
+    ASSERT_EQ(lef.macros.size(), 1U);
+    const auto& bounds = lef.macros[0].pins.at(0).bounds;
+    EXPECT_EQ(bounds ? test::point(bounds->xl, bounds->yl) + test::point(bounds->xh, bounds->yh) : "none",
+              GetParam().want);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, LefBounds, testing::ValuesIn(BOUNDS),
+                         [](const auto& row) { return std::string(row.param.name); });
+
 TEST(LefReader, KnowsWhereThingsStand)
 {
     const std::string text =

@@ -27,8 +27,8 @@ using kit::Json;
 using test::contentOf;
 using test::Words;
 
-constexpr const char* EXTENSIONS[] = {".def",   ".gds",    ".lyp",   ".lyrdb", ".html",    ".json",
-                                      ".place", ".colors", ".cells", ".pins",  ".netlist", ".map"};
+constexpr const char* EXTENSIONS[] = {".def",    ".gds",   ".lyp",  ".lyrdb",   ".html", ".json",   ".place",
+                                      ".colors", ".cells", ".pins", ".netlist", ".map",  ".offsets"};
 
 class KitFlow : public testing::Test {
 protected:
@@ -80,6 +80,7 @@ TEST_F(KitFlow, GoesFromLefAndDefToTheMasks)
     EXPECT_TRUE(says("color", "135 cells")) << m_output;
     EXPECT_TRUE(says("lint", "0 errors")) << m_output;
     EXPECT_TRUE(says("place", "HPWL 4337460 -> ")) << m_output;
+    EXPECT_TRUE(says("place", "; from pin to pin 2170.1 um -> ")) << m_output;
     EXPECT_TRUE(says("verify", "clean, 0 errors")) << m_output;
     EXPECT_TRUE(says("export", "426 components")) << m_output;
     EXPECT_TRUE(says("view", "out.html")) << m_output;
