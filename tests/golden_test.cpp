@@ -11,10 +11,11 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include "support/pattern.h"
 
 namespace {
 
@@ -74,8 +75,7 @@ TEST_P(Golden, ReportIsExactToTheByte)
     const auto [output, status] =
         runShell("cd '" + folder.string() + "' && exec '" VIRELOCE_PROGRAM "' " + run.args);
     EXPECT_EQ(status, 0);
-    static const std::regex s_time("(CPU time +=) [0-9]+\\.[0-9]{3} s\n");
-    EXPECT_EQ(std::regex_replace(output, s_time, "$1 * s\n"),
+    EXPECT_EQ(test::replaced(output, "(CPU time +=) [0-9]+\\.[0-9]{3} s\n", "$1 * s\n"),
               readFile(run.folder / ("expected-" + std::to_string(run.line) + ".txt")));
 }
 

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include <regex>
 #include <string>
 #include <vector>
+
+#include "support/pattern.h"
 
 namespace test {
 
@@ -32,7 +33,7 @@ private:
 /// A report with stars for the CPU times, of which only the form is certain.
 inline std::string withoutTimes(const std::string& report)
 {
-    return std::regex_replace(report, std::regex("(CPU time +=) [0-9]+\\.[0-9]{3} s\n"), "$1 * s\n");
+    return replaced(report, "(CPU time +=) [0-9]+\\.[0-9]{3} s\n", "$1 * s\n");
 }
 
 } // namespace test

@@ -8,12 +8,12 @@
 #include <algorithm>
 #include <cstdio>
 #include <new>
-#include <regex>
 #include <sstream>
 
 #include "app/commandLine.h"
 #include "app/driver.h"
 #include "db/designFiles.h"
+#include "support/pattern.h"
 
 namespace {
 
@@ -54,9 +54,8 @@ struct Told {
     /// The number behind a label, as printed.
     std::string operator[](const std::string& label) const
     {
-        std::smatch match;
-        const std::regex line("STAT \\| " + label + " *= (.*)\n");
-        return std::regex_search(report, match, line) ? match[1].str() : "none";
+        const std::vector<test::Match> lines = test::matchesOf(report, "STAT \\| " + label + " *= (.*)\n");
+        return lines.empty() ? "none" : lines[0][1];
     }
 
     PlaceResult result;

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Markers of `verify` on the layout of `export`, for one design in several units.
-#include <regex>
 
 #include "kit/engines/export/smallExport.h"
 #include "kit/formats/gds/gdsReader.h"
+#include "support/pattern.h"
 
 namespace {
 
@@ -99,9 +99,9 @@ std::vector<Corners> edgesOf(const std::string& markers)
 {
     std::vector<Corners> edges;
     const std::string number = "(-?[0-9.]+)";
-    const std::regex edge("\\(" + number + "," + number + ";" + number + "," + number + "\\)");
-    for (std::sregex_iterator it(markers.begin(), markers.end(), edge); it != std::sregex_iterator(); ++it) {
-        edges.push_back({std::stod((*it)[1]), std::stod((*it)[2]), std::stod((*it)[3]), std::stod((*it)[4])});
+    const std::string edge = "\\(" + number + "," + number + ";" + number + "," + number + "\\)";
+    for (const test::Match& match : test::matchesOf(markers, edge)) {
+        edges.push_back({std::stod(match[1]), std::stod(match[2]), std::stod(match[3]), std::stod(match[4])});
     }
     return edges;
 }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Rows, macros and components of generated designs, as the placer reads them.
 #include <map>
-#include <regex>
 
 #include "app/parameters.h"
 #include "kit/kitRun.h"
+#include "support/pattern.h"
 
 namespace {
 
@@ -151,11 +151,10 @@ TEST(KitDesign, CoreBoxIsThatOfTheRows)
     design.initDesignBound();
     const int32_t bounds[] = {design.boundXl, design.boundXh, design.boundYl, design.boundYh};
     const std::string place = contentOf(files.base() + ".place");
-    const std::regex edge("CORE_BOX_\\w+ REAL ([0-9]+)\\.([0-9]{4}) ;");
     size_t i = 0;
-    for (std::sregex_iterator it(place.begin(), place.end(), edge); it != std::sregex_iterator(); ++it) {
+    for (const test::Match& edge : test::matchesOf(place, "CORE_BOX_\\w+ REAL ([0-9]+)\\.([0-9]{4}) ;")) {
         ASSERT_LT(i, 4U);
-        EXPECT_EQ((std::stoi((*it)[1]) * 10'000 + std::stoi((*it)[2])) / 5, bounds[i++]);
+        EXPECT_EQ((std::stoi(edge[1]) * 10'000 + std::stoi(edge[2])) / 5, bounds[i++]);
     }
     EXPECT_EQ(i, 4U);
 }

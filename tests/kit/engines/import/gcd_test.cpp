@@ -2,12 +2,12 @@
 // The real design imported from LEF and DEF is the one that is there in the placer's formats.
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <string>
 
 #include "kit/base/text/json.h"
 #include "kit/kitRun.h"
 #include "support/guards.h"
+#include "support/pattern.h"
 
 namespace {
 
@@ -78,11 +78,11 @@ TEST_F(KitImportGcd, PlacersReportIsTheSame)
         std::string reports[2];
         const std::string bases[2] = {VIRELOCE_KIT_EXAMPLES "/gcd/gcd", m_dir.path("gcd")};
         for (int i = 0; i < 2; ++i) {
-            reports[i] = std::regex_replace(
+            reports[i] = test::replaced(
                 runKit({"place", bases[i], "--cell-path", VIRELOCE_KIT_EXAMPLES "/nangate45_color", "-o",
                         m_dir.path("out"), "--force", "--algo", algo})
                     .output,
-                std::regex("CPU time +=.*|Parameters:.*"), "");
+                "CPU time +=.*|Parameters:.*", "");
         }
         EXPECT_EQ(reports[0], reports[1]);
         EXPECT_NE(reports[0].find("final HPWL"), std::string::npos);

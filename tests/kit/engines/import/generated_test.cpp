@@ -2,11 +2,11 @@
 // A generated design, written in both ways, is the same design.
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <string>
 
 #include "kit/kitRun.h"
 #include "support/guards.h"
+#include "support/pattern.h"
 
 namespace {
 
@@ -17,7 +17,7 @@ using test::Words;
 /// A report without what tells the two apart: paths, times, and macros, of which import makes a record a row.
 std::string comparable(const std::string& report)
 {
-    return std::regex_replace(report, std::regex("[^\n]*(CPU time|Parameters|macro #)[^\n]*\n"), "");
+    return test::replaced(report, "[^\n]*(CPU time|Parameters|macro #)[^\n]*\n", "");
 }
 
 struct Kind {

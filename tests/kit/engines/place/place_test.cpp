@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <regex>
 #include <sstream>
 #include <string>
 
@@ -13,6 +12,7 @@
 #include "kit/engines/place/schema.h"
 #include "kit/kitRun.h"
 #include "support/guards.h"
+#include "support/pattern.h"
 
 namespace {
 
@@ -24,8 +24,13 @@ using test::Words;
 
 std::string withoutTimes(const std::string& report)
 {
-    static const std::regex s_time("(CPU time +=) [0-9]+\\.[0-9]{3} s\n");
-    return std::regex_replace(report, s_time, "$1 *\n");
+    return test::replaced(report, "(CPU time +=) [0-9]+\\.[0-9]{3} s\n", "$1 *\n");
+}
+
+/// A placement without places.
+std::string withoutPoints(const std::string& placement)
+{
+    return test::replaced(placement, "\\( -?[0-9]+ -?[0-9]+ \\)", "");
 }
 
 /// The placer's own report for some arguments.
@@ -90,11 +95,10 @@ TEST_F(KitPlace, ShowsNoProgressWhereThereIsNoTerminal)
 TEST_F(KitPlace, ChangesNothingInThePlacementFileButCoordinates)
 {
     ASSERT_EQ(place().status, 0);
-    static const std::regex s_point("\\( -?[0-9]+ -?[0-9]+ \\)");
     const std::string before = contentOf(m_design.base() + ".place");
     const std::string after = contentOf(out(".place"));
     EXPECT_NE(before, after);
-    EXPECT_EQ(std::regex_replace(before, s_point, "()"), std::regex_replace(after, s_point, "()"));
+    EXPECT_EQ(withoutPoints(before), withoutPoints(after));
 }
 
 TEST_F(KitPlace, WritesADesignThatCanBePlacedAgain)
@@ -220,9 +224,7 @@ TEST(KitPlaceTrueOrientation, ResultHasTheCellsAndOrientationsOfTheDesign)
     ASSERT_EQ(
         runKit({"place", design.base(), "--cell-path", design.lib(), "-o", out, "--true-orientation"}).status,
         0);
-    static const std::regex s_point("\\( -?[0-9]+ -?[0-9]+ \\)");
-    EXPECT_EQ(std::regex_replace(contentOf(out + ".place"), s_point, ""),
-              std::regex_replace(contentOf(design.base() + ".place"), s_point, ""));
+    EXPECT_EQ(withoutPoints(contentOf(out + ".place")), withoutPoints(contentOf(design.base() + ".place")));
     EXPECT_EQ(contentOf(out + ".cells"), contentOf(design.base() + ".cells"));
     EXPECT_EQ(
         runKit({"verify", out + ".place", "--colors", out + ".colors", "--cell-path", design.lib()}).status,
@@ -258,18 +260,13 @@ TEST_F(KitPlace, JsonSaysWhatTheReportSays)
 {
     const KitOutcome outcome = place({"--algo", "1"});
     const Json report = result()["report"];
-    static const std::regex s_line("STAT \\| (.*[^ ]) *= +(-?[0-9.]+).*");
-    static const std::regex s_blanks(" +");
     size_t figures = 0;
-    std::istringstream lines(outcome.output);
-    for (std::string line; std::getline(lines, line);) {
-        std::smatch match;
-        if (std::regex_match(line, match, s_line)) {
-            const std::string label = std::regex_replace(match[1].str(), s_blanks, " ");
-            ASSERT_TRUE(report.contains(label)) << label;
-            EXPECT_EQ(report[label].asNumber(), std::stod(match[2].str())) << label;
-            ++figures;
-        }
+    for (const test::Match& line :
+         test::matchesOf(outcome.output, "STAT \\| ([^\n]*[^ ]) *= +(-?[0-9.]+)[^\n]*")) {
+        const std::string label = test::replaced(line[1], " +", " ");
+        ASSERT_TRUE(report.contains(label)) << label;
+        EXPECT_EQ(report[label].asNumber(), std::stod(line[2])) << label;
+        ++figures;
     }
     EXPECT_EQ(figures, 18U);
     EXPECT_EQ(report.size(), figures);
@@ -427,7 +424,7 @@ TEST_F(KitRescue, ARunWithoutAPlacementLeavesItsSetUpAlone)
 TEST_F(KitRescue, NamesThatAreNoUtf8AreReplacedInTheJson)
 {
     components({{0, 0}, {950, 0}, {1900, 0}, {2850, 0}, {3600, 0}});
-    m_dir.write("d.place", std::regex_replace(contentOf(m_dir.path("d.place")), std::regex("- u"), "- \xff"));
+    m_dir.write("d.place", test::replaced(contentOf(m_dir.path("d.place")), "- u", "- \xff"));
     const KitOutcome outcome = place({});
     EXPECT_EQ(outcome.status, 1) << outcome.error;
     EXPECT_EQ(result()["placement"]["dropped_cells"][0].asString().substr(0, 3), "\xef\xbf\xbd");

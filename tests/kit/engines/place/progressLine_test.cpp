@@ -8,11 +8,11 @@
 #include <unistd.h>
 
 #include <array>
-#include <regex>
 #include <string>
 
 #include "kit/kitRun.h"
 #include "support/guards.h"
+#include "support/pattern.h"
 
 namespace {
 
@@ -79,11 +79,11 @@ protected:
 TEST_F(KitProgressLine, TellsPassSegmentsCellsMovedOutAndTimeOnATerminal)
 {
     const std::string shown = run();
-    const std::regex line(
-        "pass ([0-9]+): ([0-9]+) of ([0-9]+) segments, [0-9]+ cells moved out, [0-9]+\\.[0-9] s ");
     std::string pass;
-    for (std::sregex_iterator match(shown.begin(), shown.end(), line), end; match != end; ++match) {
-        pass = (*match)[2] == (*match)[3] ? (*match)[1].str() : pass;
+    for (const test::Match& match : test::matchesOf(
+             shown,
+             "pass ([0-9]+): ([0-9]+) of ([0-9]+) segments, [0-9]+ cells moved out, [0-9]+\\.[0-9] s ")) {
+        pass = match[2] == match[3] ? match[1] : pass;
     }
     EXPECT_NE(pass, "") << shown;
     EXPECT_EQ(shown.front(), '\r');

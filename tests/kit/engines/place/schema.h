@@ -3,12 +3,12 @@
 #pragma once
 
 #include <algorithm>
-#include <regex>
 #include <string>
 #include <vector>
 
 #include "kit/base/text/json.h"
 #include "kit/kitRun.h"
+#include "support/pattern.h"
 
 namespace test {
 
@@ -43,8 +43,7 @@ public:
             faults.push_back(where + " is not of type " + schema["type"].dump());
             return;
         }
-        if (schema.contains("pattern") &&
-            !std::regex_search(value.asString(), std::regex(schema["pattern"].asString()))) {
+        if (schema.contains("pattern") && matchesOf(value.asString(), schema["pattern"].asString()).empty()) {
             faults.push_back(where + " does not match");
         }
         if (value.isArray() && schema.contains("items")) {

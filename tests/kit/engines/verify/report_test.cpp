@@ -3,12 +3,12 @@
 #include "kit/base/text/json.h"
 #include "kit/engines/verify/verify.h"
 
-#include <regex>
 #include <sstream>
 
 #include "kit/base/fault.h"
 #include "kit/engines/verify/judged.h"
 #include "support/guards.h"
+#include "support/pattern.h"
 
 namespace {
 
@@ -212,12 +212,11 @@ std::map<std::string, int> elementsOf(const std::string& xml)
 {
     std::map<std::string, int> counts;
     std::vector<std::string> open;
-    const std::regex tag("<(/?)([a-z-]+)>|<\\?[^>]*\\?>|[<>]");
-    for (std::sregex_iterator it(xml.begin(), xml.end(), tag); it != std::sregex_iterator(); ++it) {
-        const std::string name = (*it)[2];
+    for (const test::Match& tag : test::matchesOf(xml, "<(/?)([a-z-]+)>|<\\?[^>]*\\?>|[<>]")) {
+        const std::string& name = tag[2];
         if (name.empty()) {
-            EXPECT_EQ(it->str().substr(0, 2), "<?") << "at byte " << it->position();
-        } else if ((*it)[1] == "/") {
+            EXPECT_EQ(tag[0].substr(0, 2), "<?") << "at byte " << tag.at;
+        } else if (tag[1] == "/") {
             EXPECT_FALSE(open.empty() || open.back() != name) << name;
             open.pop_back();
         } else {
@@ -226,7 +225,7 @@ std::map<std::string, int> elementsOf(const std::string& xml)
         }
     }
     EXPECT_TRUE(open.empty());
-    EXPECT_FALSE(std::regex_search(xml, std::regex("&(?!(amp|lt|gt|quot|#39);)")));
+    EXPECT_TRUE(test::matchesOf(xml, "&(?!(amp|lt|gt|quot|#39);)").empty());
     return counts;
 }
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The two kinds of pictures.
-#include <regex>
 
 #include "kit/engines/view/conflicts.h"
 #include "kit/engines/view/html.h"
 #include "kit/engines/view/scenes.h"
 #include "kit/engines/view/svg.h"
+#include "support/pattern.h"
 
 namespace {
 
@@ -31,25 +31,24 @@ Scene oddScene()
 /// What is wrong with the nesting of an XML text, empty if nothing is.
 std::string faultOfXml(const std::string& text)
 {
-    static const std::regex s_part(
-        "<\\?[^<>]*\\?>|<(/?)([a-z]+)((?: [a-zA-Z:]+=\"[^\"<]*\")*)\\s*(/?)>|<|&(?!(amp|lt|gt|quot|#39);)");
     std::vector<std::string> open;
-    for (auto part = std::sregex_iterator(text.begin(), text.end(), s_part); part != std::sregex_iterator();
-         ++part) {
-        const std::string all = part->str();
+    for (const test::Match& part :
+         test::matchesOf(text, "<\\?[^<>]*\\?>|<(/?)([a-z]+)((?: [a-zA-Z:]+=\"[^\"<]*\")*)\\s*(/?)>|<|"
+                               "&(?!(amp|lt|gt|quot|#39);)")) {
+        const std::string& all = part[0];
         if (all.starts_with("<?")) {
             continue;
         }
         if (all == "<" || all == "&") {
-            return "stray " + text.substr(static_cast<size_t>(part->position()), 60);
+            return "stray " + text.substr(part.at, 60);
         }
-        if (!(*part)[1].str().empty()) {
-            if (open.empty() || open.back() != (*part)[2].str()) {
+        if (!part[1].empty()) {
+            if (open.empty() || open.back() != part[2]) {
                 return "unexpected " + all;
             }
             open.pop_back();
-        } else if ((*part)[4].str().empty()) {
-            open.push_back((*part)[2].str());
+        } else if (part[4].empty()) {
+            open.push_back(part[2]);
         }
     }
     return open.empty() ? "" : "left open: " + open.back();

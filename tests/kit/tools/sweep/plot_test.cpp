@@ -6,13 +6,13 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
-#include <regex>
 #include <string>
 #include <vector>
 
 #include "kit/tools/sweep/chart.h"
 #include "kit/tools/sweep/plot.h"
 #include "kit/tools/sweep/sweepCase.h"
+#include "support/pattern.h"
 
 namespace {
 
@@ -204,12 +204,12 @@ TEST(KitSweepPlot, MethodsDifferInColourAndShape)
     kit::sweep::writeChart(file, *kit::sweep::tradeOffChart("d", runs));
     file.commit();
     const std::string text = contentOf(dir.path("x.svg"));
-    const std::regex look("class=\"mark\" fill=\"([^\"]+)\" transform=\"[^\"]+\" d=\"([^\"]+)\"><title>");
     std::set<std::string> colours;
     std::set<std::string> shapes;
-    for (std::sregex_iterator at(text.begin(), text.end(), look), end; at != end; ++at) {
-        colours.insert((*at)[1]);
-        shapes.insert((*at)[2]);
+    for (const test::Match& mark : test::matchesOf(
+             text, "class=\"mark\" fill=\"([^\"]+)\" transform=\"[^\"]+\" d=\"([^\"]+)\"><title>")) {
+        colours.insert(mark[1]);
+        shapes.insert(mark[2]);
     }
     EXPECT_EQ(colours.size(), 5U);
     EXPECT_EQ(shapes.size(), 5U);
@@ -223,10 +223,10 @@ TEST(KitSweepPlot, MarksAtOnePlaceAreBesideEachOther)
         file, *kit::sweep::tradeOffChart("d", {made(0, 1, 5, 100), made(1, 1, 5, 100), made(2, 1, 5, 100)}));
     file.commit();
     const std::string text = contentOf(dir.path("x.svg"));
-    const std::regex place("translate\\(([0-9.]+) ([0-9.]+)\\)\" d=\"[^\"]+\"><title>");
     std::vector<double> xs;
-    for (std::sregex_iterator at(text.begin(), text.end(), place), end; at != end; ++at) {
-        xs.push_back(std::stod((*at)[1]));
+    for (const test::Match& place :
+         test::matchesOf(text, "translate\\(([0-9.]+) ([0-9.]+)\\)\" d=\"[^\"]+\"><title>")) {
+        xs.push_back(std::stod(place[1]));
     }
     std::sort(xs.begin(), xs.end());
     ASSERT_EQ(xs.size(), 3U);
