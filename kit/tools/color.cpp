@@ -41,7 +41,7 @@ void addCommand(const Command& program)
     const Command command = program.subcommand("color", "Colour the cells of a LEF library");
     const auto options = std::make_shared<Options>();
     command.add("--lef", options->lefs, "LEF file; several are one library").required();
-    command.add("--layer", options->layer, "name of the metal layer that is coloured").withDefault();
+    addLayerOption(command, options->layer);
     command.add("-o,--output", options->outDir, "folder of the colour files, made if it is not there")
         .required()
         .formerly("--out");

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "kit/engines/export/exportRun.h"
+#include "kit/tools/lengthOptions.h"
 
 namespace kit::exporter {
 
@@ -24,7 +25,7 @@ void addOptions(const Command& command, Options& options)
     command.add("--gds", options.gds, "layout in GDSII, with layer properties (.lyp) beside it");
     const Option lef =
         command.add("--lef", options.lefs, "LEF file of the library; may come again").oneEach();
-    command.add("--layer", options.layer, "name of metal 1 in the LEF files").withDefault();
+    addLayerOption(command, options.layer);
     const Option lefMasks =
         command.add("--lef-masks", options.lefMasks, "LEF file with a master per cell and solution")
             .needs(lef);

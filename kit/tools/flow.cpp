@@ -29,7 +29,7 @@ void addFiles(const Command& command, Options& options)
     command.add("--lef", options.lefs, "LEF file; may be given again").required();
     command.add("--def", options.def, "DEF file").required();
     command.add("-o,--output", options.out, "path of the result files without extension").required();
-    command.add("--layer", options.layer, "name of metal 1").withDefault();
+    addLayerOption(command, options.layer);
     command
         .add("--site", options.site, "size of a site, W,H in micrometres (default: the LEF's, or the rows')")
         .check(faultOfSite);

@@ -40,6 +40,7 @@ void writeSummary(const Options& options, const Summary& summary)
                       {"design", summary.design},
                       {"components", summary.components},
                       {"cells", summary.masters},
+                      {"layer", summary.layer},
                       {"rows", summary.rows},
                       {"site", Json::array({summary.siteWidth, summary.siteHeight})},
                       {"nets", summary.nets},
@@ -60,7 +61,7 @@ void addCommand(const Command& program)
     command.add("--lef", options->lefs, "LEF file; may be given again").required();
     command.add("--def", options->def, "DEF file").required();
     command.add("-o,--output", options->out, "path of the design files without extension").required();
-    command.add("--layer", options->layer, "name of metal 1").withDefault();
+    addLayerOption(command, options->layer);
     addSiteOption(command, options->site);
     command.flag("--legalize", options->legalize,
                  "put cells that are unplaced, off their row or over one another on free sites");

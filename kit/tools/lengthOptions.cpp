@@ -78,4 +78,10 @@ void addSiteOption(const Command& command, std::optional<lefdef::SiteSize>& site
         "size of a site, W,H in micrometres (default: the LEF's, or the rows')");
 }
 
+void addLayerOption(const Command& command, std::string& layer)
+{
+    command.add("--layer", layer,
+                "name of metal 1 (default: the lowest routing layer with pins of half of the cells)");
+}
+
 } // namespace kit

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Options that several subcommands have: --mindp and --site.
+// Options that several subcommands have: --mindp, --site and --layer.
 #pragma once
 
 #include <optional>
@@ -26,5 +26,10 @@ std::string faultOfSite(const std::string& text);
 ///
 /// @param site  out: the size if the option is given; must live until the arguments are read
 void addSiteOption(const Command& command, std::optional<lefdef::SiteSize>& site);
+
+/// Adds the option --layer to a subcommand.
+///
+/// @param layer  out: the name if it is given; must live until the arguments are read
+void addLayerOption(const Command& command, std::string& layer);
 
 } // namespace kit

@@ -54,6 +54,7 @@ vireloce_test(kit SHARDS 4
     kit/formats/lefdef/example_test.cpp
     kit/formats/lefdef/grammar_test.cpp
     kit/formats/lefdef/lef_test.cpp
+    kit/formats/lefdef/library_test.cpp
     kit/formats/lefdef/parts_test.cpp
     kit/formats/lefdef/transform_test.cpp
     kit/formats/placer/colors_test.cpp

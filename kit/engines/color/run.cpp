@@ -30,19 +30,11 @@ using lefdef::LefMacro;
 using lefdef::LefSite;
 using lefdef::Length;
 
-/// Whether masters of a class stand in rows: CORE with all that follows it, also where the class is missing,
-/// and ENDCAP PRE and POST.
-bool standsInRows(const std::string& macroClass)
-{
-    return macroClass.empty() || macroClass == "CORE" || macroClass.starts_with("CORE ") ||
-           macroClass == "ENDCAP PRE" || macroClass == "ENDCAP POST";
-}
-
 std::vector<const LefMacro*> rowCellsOf(const Lef& lef)
 {
     std::vector<const LefMacro*> cells;
     for (const LefMacro& macro : lef.macros) {
-        if (standsInRows(macro.macroClass)) {
+        if (standsInRows(macro)) {
             cells.push_back(&macro);
         }
     }
@@ -279,17 +271,6 @@ std::vector<ColouredCell> colourAll(const std::vector<CellMetal>& cells, const S
 
 } // namespace
 
-Library readLibrary(const std::vector<std::string>& paths, const std::string& layer, Findings& findings)
-{
-    Library library;
-    for (const std::string& path : paths) {
-        library.sources.emplace_back(path);
-        lefdef::readLef(library.sources.back(), layer, static_cast<int32_t>(library.sources.size() - 1),
-                        library.lef, findings);
-    }
-    return library;
-}
-
 Selection selectCells(const Library& library, const std::optional<SiteSize>& site, Findings& findings)
 {
     const std::vector<const LefMacro*> cells = rowCellsOf(library.lef);
@@ -322,21 +303,17 @@ Selection selectCells(const Library& library, const std::optional<SiteSize>& sit
     return selection;
 }
 
-const lefdef::Source& sourceOf(const Library& library, const LefMacro& macro)
-{
-    return *std::next(library.sources.begin(), macro.source);
-}
-
 int run(Options options)
 {
     const auto begin = std::chrono::steady_clock::now();
     Result result;
-    const Library library = readLibrary(options.lefs, options.layer, result.findings);
+    const Library library = lefdef::readLibrary(options.lefs, options.layer, result.findings);
     if (hasErrors(result.findings)) {
         writeMessages(result.findings, std::cerr);
         return BAD_INPUT;
     }
     result.selection = selectCells(library, options.site, result.findings);
+    options.layer = library.lef.layer;
     options.settings.rules.distance = options.minDist.unitsOn(result.selection.site.width);
     MetalReader(library, result).run();
     checkOutputsOf(options, result.metal);

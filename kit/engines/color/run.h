@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <list>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,18 +11,12 @@
 #include "kit/design/distance.h"
 #include "kit/engines/color/cell.h"
 #include "kit/engines/color/metal.h"
-#include "kit/formats/lefdef/lef.h"
-#include "kit/formats/lefdef/source.h"
+#include "kit/formats/lefdef/library.h"
 
 namespace kit::color {
 
+using lefdef::Library;
 using lefdef::SiteSize;
-
-/// LEF files that are one library.
-struct Library {
-    std::list<lefdef::Source> sources; ///< in the order of reading
-    lefdef::Lef lef;
-};
 
 /// What of a library is coloured.
 struct Selection {
@@ -31,12 +24,6 @@ struct Selection {
     std::vector<const lefdef::LefMacro*> cells; ///< in the order of the files
     size_t otherHeights = 0;                    ///< cells that are not one row high, and are left out
 };
-
-/// Reads LEF files.
-///
-/// @param findings  out: problems
-/// Errors: throws Fault for a file that cannot be read.
-Library readLibrary(const std::vector<std::string>& paths, const std::string& layer, Findings& findings);
 
 /// Selects the cells.
 ///
@@ -49,13 +36,10 @@ Library readLibrary(const std::vector<std::string>& paths, const std::string& la
 /// Errors: throws Fault if there are no cells, none has metal, or there is no site width.
 Selection selectCells(const Library& library, const std::optional<SiteSize>& site, Findings& findings);
 
-/// The file that a master is in.
-const lefdef::Source& sourceOf(const Library& library, const lefdef::LefMacro& macro);
-
 /// Everything the user can choose.
 struct Options {
     std::vector<std::string> lefs;
-    std::string layer = "metal1";
+    std::string layer; ///< metal 1; if it is empty it is found
     std::string outDir;
     std::optional<SiteSize> site;
     design::Distance minDist; ///< what shapes of one mask need

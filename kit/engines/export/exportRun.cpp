@@ -16,6 +16,7 @@
 #include "kit/engines/export/layout.h"
 #include "kit/engines/export/limit.h"
 #include "kit/engines/export/masters.h"
+#include "kit/formats/lefdef/library.h"
 #include "kit/formats/placer/reader.h"
 
 namespace kit::exporter {
@@ -66,7 +67,7 @@ public:
         if (hasErrors(m_findings)) {
             return tell();
         }
-        m_macros = indexMacros(m_inputs.lef);
+        m_macros = indexMacros(m_inputs.library.lef);
         const Sides sides{m_inputs.design, m_inputs.files.place, m_inputs.map, m_inputs.def,
                           *m_inputs.defSource};
         m_matching = matchComponents(sides, m_findings);
@@ -111,7 +112,7 @@ private:
                 macros.push_back(macro->second);
             }
         }
-        requireMetal(m_inputs.lef, macros);
+        requireMetal(m_inputs.library.lef, macros);
     }
 
     void note(const char* code, std::string what, std::string advice)

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string_view>
+#include <unordered_set>
 
 #include "kit/base/files/outputPaths.h"
 #include "kit/design/coloredPlacement.h"
@@ -140,11 +142,14 @@ void findFrame(const Options& options, Inputs& inputs, Findings& findings)
 void readLefs(const Options& options, Inputs& inputs, Findings& findings)
 {
     Findings ofLefs;
-    for (const std::string& path : options.lefs) {
-        inputs.lefSources.push_back(std::make_unique<lefdef::Source>(path));
-        lefdef::readLef(*inputs.lefSources.back(), options.layer,
-                        static_cast<int32_t>(inputs.lefSources.size() - 1), inputs.lef, ofLefs);
+    std::unordered_set<std::string_view> used;
+    for (const lefdef::DefComponent& component : inputs.def.components) {
+        used.insert(component.macro);
     }
+    inputs.library =
+        lefdef::readLibrary(options.lefs, options.layer, ofLefs, [&used](const lefdef::LefMacro& macro) {
+            return used.count(macro.name) > 0 && standsInRows(macro);
+        });
     addErrors(ofLefs, findings);
 }
 

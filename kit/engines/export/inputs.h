@@ -11,8 +11,7 @@
 #include "kit/engines/export/options.h"
 #include "kit/engines/export/result.h"
 #include "kit/formats/lefdef/def.h"
-#include "kit/formats/lefdef/lef.h"
-#include "kit/formats/lefdef/source.h"
+#include "kit/formats/lefdef/library.h"
 #include "kit/formats/placer/colors.h"
 #include "kit/formats/placer/design.h"
 
@@ -28,8 +27,7 @@ struct Inputs {
     bool imported = false;                           ///< the map is that of this very DEF file
     std::unique_ptr<lefdef::Source> defSource;
     lefdef::Def def;
-    std::vector<std::unique_ptr<lefdef::Source>> lefSources; ///< [LefMacro::source]
-    lefdef::Lef lef;
+    lefdef::Library library;
     design::Frame frame; ///< of the placement; what it does not say is the DEF file's
 };
 

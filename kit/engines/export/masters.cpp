@@ -65,7 +65,7 @@ std::string masterText(const Inputs& inputs, const MasterNames& names, const Mac
     for (const auto& [key, name] : names) {
         const placer::Cell& cell = cellOf(inputs, key.first);
         const lefdef::LefMacro& macro = *macros.at(cell.name);
-        const lefdef::Source& source = *inputs.lefSources[static_cast<size_t>(macro.source)];
+        const lefdef::Source& source = sourceOf(inputs.library, macro);
         if (text.empty()) {
             text = lefHead(source);
         }

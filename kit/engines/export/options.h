@@ -14,7 +14,7 @@ struct Options {
     std::string out;               ///< the DEF file with the new places
     std::string gds;               ///< GDSII file
     std::vector<std::string> lefs; ///< libraries, the technology's first
-    std::string layer = "metal1";  ///< name of metal 1 in them
+    std::string layer;             ///< name of metal 1 in them; if it is empty it is found
     std::string lefMasks;          ///< LEF file with a master per cell and solution
     std::string defMasks;          ///< DEF file with those masters
     std::string cellDir;           ///< folder of the colour files; empty for the one that the run had

@@ -3,6 +3,8 @@
 
 #include <ostream>
 #include <set>
+#include <string_view>
+#include <unordered_set>
 
 #include "kit/base/files/outputFile.h"
 #include "kit/base/files/outputPaths.h"
@@ -10,6 +12,7 @@
 #include "kit/design/nameMap.h"
 #include "kit/engines/import/cells.h"
 #include "kit/engines/import/designFiles.h"
+#include "kit/formats/lefdef/library.h"
 
 namespace kit::importing {
 
@@ -30,14 +33,19 @@ void checkOutputsOf(const Options& options)
     checkOutputs(outputs, inputs, options.force);
 }
 
-Lef readLefs(const Options& options, Findings& findings)
+/// The libraries of a design.
+Lef readLefs(const Options& options, const Def& def, Findings& findings)
 {
-    Lef lef;
-    for (size_t i = 0; i < options.lefs.size(); ++i) {
-        const Source source(options.lefs[i]);
-        readLef(source, options.layer, static_cast<int32_t>(i), lef, findings);
-    }
-    return lef;
+    std::unordered_set<std::string_view> used; // filled where it is asked for
+    const auto isUsed = [&](const lefdef::LefMacro& macro) {
+        if (used.empty()) {
+            for (const lefdef::DefComponent& component : def.components) {
+                used.insert(component.macro);
+            }
+        }
+        return used.count(macro.name) > 0 && standsInRows(macro) && !isFiller(macro);
+    };
+    return lefdef::readLibrary(options.lefs, options.layer, findings, isUsed).lef;
 }
 
 /// A run from the files read to the files written.
@@ -45,8 +53,9 @@ class Import {
 public:
     Import(const Options& options, const Source& source, Findings& findings)
         : m_options(options), m_source(source), m_findings(findings), m_reporter(findings, source),
-          m_lef(readLefs(options, findings)), m_def(readDef(source, findings))
+          m_def(readDef(source, m_ofDef)), m_lef(readLefs(options, m_def, findings))
     {
+        m_findings.insert(m_findings.end(), m_ofDef.begin(), m_ofDef.end());
     }
 
     /// @return whether the design was written
@@ -197,6 +206,7 @@ private:
     void summarize(const DesignFiles& files, const std::vector<design::Renamed>& renamed,
                    Summary& summary) const
     {
+        summary.layer = m_lef.layer;
         summary.design = std::string(m_def.design);
         summary.rows = static_cast<int64_t>(m_core.rows.size());
         summary.components = static_cast<int64_t>(m_cells.movable.size());
@@ -215,8 +225,9 @@ private:
     const Source& m_source;
     Findings& m_findings;
     SourceReporter m_reporter;
-    const Lef m_lef;
+    Findings m_ofDef; ///< told behind those of the libraries
     const Def m_def;
+    const Lef m_lef;
     Core m_core;
     Cells m_cells;
     int64_t m_moved = 0;

@@ -16,7 +16,7 @@ struct Options {
     std::vector<std::string> lefs;        ///< paths of the LEF files
     std::string def;                      ///< path of the DEF file
     std::string out;                      ///< path of the design files without extension
-    std::string layer = "metal1";         ///< name of metal 1
+    std::string layer;                    ///< name of metal 1; if it is empty it is found
     std::optional<lefdef::SiteSize> site; ///< in place of the LEF's or the rows'
     bool legalize = false;                ///< put cells without a legal place on free sites
     bool force = false;                   ///< replace earlier files
@@ -38,6 +38,7 @@ struct Summary {
     int64_t nets = 0;
     int64_t moved = 0;     ///< components that were given a place
     int64_t renamed = 0;   ///< names that the files cannot carry
+    std::string layer;     ///< name of metal 1
     double siteWidth = 0;  ///< micrometres
     double siteHeight = 0; ///< micrometres
 };

@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -53,10 +52,11 @@ struct LefMacro {
     bool symmetryY = false;
     std::vector<LefPin> pins;
     std::vector<LefShape> obstructions; ///< of the wanted layer; origin taken into account
-    std::set<std::string> otherLayers;  ///< names of the layers of its other shapes
-    int32_t source = 0;                 ///< index of the file among those read
-    size_t offset = 0;                  ///< of its statement in the file
-    size_t endOffset = 0;               ///< behind its END and name
+    std::vector<std::string> pinLayers; ///< layers with shapes of its pins, the wanted one too, as they come
+    std::vector<std::string> otherLayers; ///< those with other shapes
+    int32_t source = 0;                   ///< index of the file among those read
+    size_t offset = 0;                    ///< of its statement in the file
+    size_t endOffset = 0;                 ///< behind its END and name
 };
 
 /// Whether a macro is a filler: a cell without a function, of class CORE SPACER or PAD SPACER.
@@ -89,17 +89,11 @@ struct Lef {
     int32_t databaseMicrons = 0; ///< of UNITS, 0 if not given
     std::vector<LefSite> sites;
     std::vector<LefMacro> macros;
-    std::string layer;              ///< the wanted one
-    std::vector<std::string> paths; ///< [LefMacro::source] of the files
+    std::vector<std::string> routingLayers; ///< of TYPE ROUTING, from the lowest
+    std::string layer;                      ///< the wanted one
+    std::vector<std::string> paths;         ///< [LefMacro::source] of the files
     Vias vias; ///< for readLef(): vias in macros are not read, and it tells of those that would matter
 };
-
-/// Checks that the wanted layer is one on which cells have metal.
-///
-/// @param macros  those in use
-///
-/// Errors: throws Fault if none has metal on it, and some have shapes on others, which it names.
-void requireMetal(const Lef& lef, const std::vector<const LefMacro*>& macros);
 
 /// Reads a LEF file to its end, whatever is wrong with it, and adds what it holds to a library.
 ///

@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <algorithm>
-#include <set>
 #include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
 
-#include "kit/base/fault.h"
 #include "kit/base/text/text.h"
 #include "kit/formats/lefdef/lef.h"
 #include "kit/formats/lefdef/macroReader.h"
@@ -63,7 +61,7 @@ private:
             {"VIA", &LefReader::readVia},
             {"BEGINEXT", &LefReader::skipExtension},
             {"&ALIAS", &LefReader::skipAlias},
-            {"LAYER", &LefReader::skipNamed},
+            {"LAYER", &LefReader::readLayer},
             {"VIARULE", &LefReader::skipNamed},
             {"ARRAY", &LefReader::skipNested},
             {"NONDEFAULTRULE", &LefReader::skipNested},
@@ -72,10 +70,20 @@ private:
     }
 
     void skipUnknown() { m_in.skipStatement(); }
-    void skipNamed() { skipBlock(nullptr); }
+    void skipNamed() { skipBlock(m_in.name("name"), nullptr); }
     void skipNested()
     {
-        skipBlock([this] { return startsStatement(); });
+        skipBlock(m_in.name("name"), [this] { return startsStatement(); });
+    }
+
+    void readLayer()
+    {
+        const std::string_view name = m_in.name("name");
+        std::vector<std::string>& layers = m_lef.routingLayers;
+        if (m_in.take("TYPE") && m_in.is("ROUTING") && std::ranges::find(layers, name) == layers.end()) {
+            layers.emplace_back(name);
+        }
+        skipBlock(name, nullptr);
     }
 
     template <typename Record>
@@ -88,9 +96,8 @@ private:
         return index;
     }
 
-    void skipBlock(const std::function<bool()>& startsStatement)
+    void skipBlock(std::string_view name, const std::function<bool()>& startsStatement)
     {
-        const std::string_view name = m_in.name("name");
         if (name.empty()) {
             m_in.finish();
         } else {
@@ -208,38 +215,12 @@ private:
     Index m_macros;
 };
 
-/// Names with commas in between.
-template <typename Names>
-std::string listOf(const Names& names)
-{
-    std::string text;
-    for (const std::string& name : names) {
-        text += (text.empty() ? "" : ", ") + name;
-    }
-    return text;
-}
-
 } // namespace
 
 bool hasMetal(const LefMacro& macro)
 {
     return !macro.obstructions.empty() ||
            std::ranges::any_of(macro.pins, [](const LefPin& pin) { return !pin.shapes.empty(); });
-}
-
-void requireMetal(const Lef& lef, const std::vector<const LefMacro*>& macros)
-{
-    std::set<std::string> others;
-    for (const LefMacro* macro : macros) {
-        if (hasMetal(*macro)) {
-            return;
-        }
-        others.insert(macro->otherLayers.begin(), macro->otherLayers.end());
-    }
-    if (!others.empty()) {
-        throw Fault("no cell in use has metal on the layer " + lef.layer + " in " + listOf(lef.paths) +
-                    ": give another with --layer; they have shapes on " + listOf(others));
-    }
 }
 
 bool isFiller(const LefMacro& macro)

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -43,10 +42,12 @@ public:
 
     /// Reads statements up to END, which is taken, and appends the shapes of the wanted layer.
     ///
-    /// @param kind  what it is, for the texts: "port"
-    void read(std::vector<LefShape>& shapes, const char* kind)
+    /// @param layers  out: names of the layers of its shapes, the wanted one too, are appended to it
+    /// @param kind    what it is, for the texts: "port"
+    void read(std::vector<LefShape>& shapes, std::vector<std::string>& layers, const char* kind)
     {
         const size_t begin = m_in.offset();
+        m_layers = &layers;
         m_anyLayer = false;
         m_onLayer = false;
         while (!m_in.take("END")) {
@@ -59,9 +60,6 @@ public:
             readStatement(shapes);
         }
     }
-
-    /// The layers of the shapes that were left out since this was last asked.
-    std::set<std::string> takeOtherLayers() { return std::exchange(m_otherLayers, {}); }
 
 private:
     /// How a shape is repeated.
@@ -99,6 +97,7 @@ private:
         m_anyLayer = true;
         m_layerNow = m_in.name("name of the layer");
         m_onLayer = m_layerNow == m_layer;
+        m_layerIsTold = false;
         m_in.take("EXCEPTPGNET");
         if (m_in.take("SPACING") || m_in.take("DESIGNRULEWIDTH")) {
             m_in.length("distance");
@@ -108,8 +107,13 @@ private:
 
     void readShape(std::vector<LefShape>& shapes, bool polygon, size_t begin)
     {
+        if (m_anyLayer && !m_layerIsTold) {
+            m_layerIsTold = true;
+            if (std::ranges::find(*m_layers, m_layerNow) == m_layers->end()) {
+                m_layers->emplace_back(m_layerNow);
+            }
+        }
         if (m_anyLayer && !m_onLayer) {
-            m_otherLayers.emplace(m_layerNow);
             m_in.skipStatement();
             return;
         }
@@ -256,11 +260,12 @@ private:
     Parser& m_in;
     const std::string& m_layer;
     const Vias& m_vias;
-    bool m_anyLayer = false;     ///< a layer has been named
-    std::string_view m_layerNow; ///< the last of them
-    bool m_onLayer = false;      ///< it is wanted
-    std::set<std::string> m_otherLayers;
-    int64_t m_copied = 0; ///< corners that ITERATE has made in this file
+    bool m_anyLayer = false;                      ///< a layer has been named
+    std::string_view m_layerNow;                  ///< the last of them
+    bool m_onLayer = false;                       ///< it is wanted
+    bool m_layerIsTold = false;                   ///< it is among the layers that read() tells
+    std::vector<std::string>* m_layers = nullptr; ///< not owned
+    int64_t m_copied = 0;                         ///< corners that ITERATE has made in this file
 };
 
 /// Reads cell masters.
@@ -287,7 +292,6 @@ public:
         while (m_in.goesOn({"macro", m_macro.name, "LIBRARY", begin}, {"MACRO"}) && readStatement()) {
         }
         m_macro.endOffset = m_in.takenEnd();
-        m_macro.otherLayers = m_shapes.takeOtherLayers();
         moveShapes(m_macro.obstructions);
         for (LefPin& pin : m_macro.pins) {
             moveShapes(pin.shapes);
@@ -324,7 +328,7 @@ private:
         return true;
     }
 
-    void readObstructions() { m_shapes.read(m_macro.obstructions, "obstruction"); }
+    void readObstructions() { m_shapes.read(m_macro.obstructions, m_macro.otherLayers, "obstruction"); }
     void skipTiming() { m_in.skipToEnd("section", "TIMING", m_macro.name); }
     void skipExtension() { m_in.skipPast("extension", "ENDEXT"); }
     void readSize() { m_in.size(m_macro.name, m_macro.width, m_macro.height); }
@@ -398,7 +402,7 @@ private:
     {
         const Word word = m_in.start();
         if (word == "PORT") {
-            m_shapes.read(pin.shapes, "port");
+            m_shapes.read(pin.shapes, m_macro.pinLayers, "port");
         } else if (word == "USE") {
             const PinUse use = readUse(m_in);
             if (m_in.finish()) {

@@ -111,8 +111,8 @@ private:
 
     int runSteps()
     {
-        if (!runStep(importStep(m_options, m_places)) || !colour() ||
-            !runStep(lintStep(m_options, m_places)) || !runStep(placeStep(m_options, m_places))) {
+        if (!import() || !colour() || !runStep(lintStep(m_options, m_places)) ||
+            !runStep(placeStep(m_options, m_places))) {
             return FAILED;
         }
         if (!runStep(verifyStep(m_options, m_places))) {
@@ -179,8 +179,8 @@ private:
         m_ending = process::run(words, log, errors.path());
         const std::string messages = readFile(errors.path());
         const std::string resultPath = step.result.empty() ? log : step.result;
-        const Json result =
-            fs::exists(resultPath) ? Json::tryParse(readFile(resultPath)).value_or(nullptr) : nullptr;
+        m_result = fs::exists(resultPath) ? Json::tryParse(readFile(resultPath)).value_or(nullptr) : nullptr;
+        const Json& result = m_result;
         const bool good = m_ending.signal == 0 && m_ending.status <= step.goodStatus &&
                           (step.needs.empty() || !result[step.needs].isNull());
         const std::string summary = good || result.isObject() ? step.summary(result) : "";
@@ -247,6 +247,16 @@ private:
         }
         m_errors << "\nWhat was run: " << process::shellText(words) << "\nWhat to do: " << step.advice
                  << "\n";
+    }
+
+    /// Takes the design in. The steps that follow are given the layer that it found.
+    bool import()
+    {
+        if (!runStep(importStep(m_options, m_places))) {
+            return false;
+        }
+        m_options.layer = m_result["layer"].asString();
+        return true;
     }
 
     /// The size of a site that import found, W,H in micrometres.
@@ -319,12 +329,13 @@ private:
         return text + (m_options.keep ? "; all other files in " + m_places.folder : "");
     }
 
-    const Options& m_options;
+    Options m_options;
     std::ostream& m_out;    ///< the table
     std::ostream& m_errors; ///< messages and failures
     Places m_places;
     std::vector<std::string> m_cells; ///< names of those in use
     process::Ending m_ending;         ///< of the last step
+    Json m_result;                    ///< what that told
 };
 
 } // namespace

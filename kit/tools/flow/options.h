@@ -16,7 +16,7 @@ struct Options {
     std::vector<std::string> lefs;           ///< paths of the LEF files
     std::string def;                         ///< path of the DEF file
     std::string out;                         ///< path of the result files without extension
-    std::string layer = "metal1";            ///< name of metal 1
+    std::string layer;                       ///< name of metal 1; if it is empty `import` finds it
     std::string site;                        ///< W,H in micrometres
     std::string cellPath;                    ///< folder of colour files that are there already
     std::string cache;                       ///< folder that keeps colourings from run to run

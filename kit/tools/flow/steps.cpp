@@ -78,7 +78,8 @@ Places placesOf(const Options& options)
 
 Step importStep(const Options& options, const Places& places)
 {
-    Words words{"import", "--def", options.def, "-o", places.base, "--layer", options.layer, "--json"};
+    Words words{"import", "--def", options.def, "-o", places.base, "--json"};
+    addGiven(words, "--layer", options.layer);
     addLefs(words, options);
     addGiven(words, "--site", options.site);
     if (options.legalize) {
@@ -89,7 +90,8 @@ Step importStep(const Options& options, const Places& places)
 
 Step colorStep(const Options& options, const std::string& site, const std::string& folder)
 {
-    Words words{"color", "-o", folder, "--layer", options.layer, "--json"};
+    Words words{"color", "-o", folder, "--json"};
+    addGiven(words, "--layer", options.layer);
     addLefs(words, options);
     addGiven(words, "--site", site);
     addDistance(words, options);
@@ -149,8 +151,9 @@ Step verifyStep(const Options& options, const Places& places)
 
 Step exportStep(const Options& options, const Places& places)
 {
-    Words words{"export", places.placed + ".json", "--def",   options.def,  "-o", places.placed + ".def",
-                "--gds",  places.placed + ".gds",  "--layer", options.layer};
+    Words words{"export", places.placed + ".json", "--def", options.def,
+                "-o",     places.placed + ".def",  "--gds", places.placed + ".gds"};
+    addGiven(words, "--layer", options.layer);
     addLefs(words, options);
     // Fillers fill the gaps of the old placement; in the new one they would overlap cells.
     words.insert(words.end(), {"--cell-path", places.cellDir, "--drop-fillers", "--force", "--json"});

@@ -84,6 +84,15 @@ TEST_F(KitColorCommand, SummaryAsJson)
               "colouring free of conflicts");
 }
 
+TEST_F(KitColorCommand, LayerIsFoundIfItIsNotGiven)
+{
+    write(SITE + master("INV", BAR));
+    const KitOutcome outcome = test::runKit({"color", "--lef", m_dir.path("a.lef"), "-o", out()});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_NE(outcome.error.find("note: metal 1 is layer m1"), std::string::npos) << outcome.error;
+    EXPECT_NE(outcome.output.find("1 cell, layer m1, "), std::string::npos) << outcome.output;
+}
+
 TEST_F(KitColorCommand, SeveralFilesAreOneLibrary)
 {
     write(master("INV", BAR));

@@ -89,7 +89,7 @@ TEST_F(KitColorLibrary, SolutionsAreFreeOfConflictsButForFiveCells)
 TEST_F(KitColorLibrary, ShapesAreTheMetalOfTheLef)
 {
     kit::Findings findings;
-    const kit::color::Library library = kit::color::readLibrary({LEF}, "metal1", findings);
+    const kit::color::Library library = kit::lefdef::readLibrary({LEF}, "metal1", findings);
     ASSERT_TRUE(findings.empty());
     for (const kit::lefdef::LefMacro& macro : library.lef.macros) {
         const auto cell = std::find_if(s_cells->begin(), s_cells->end(),

@@ -31,6 +31,21 @@ TEST_F(KitImportCells, LayerWithoutMetalIsAnErrorInALine)
         {"--layer", "M1"});
 }
 
+TEST_F(KitImportCells, LayerIsFoundByThoseInUse)
+{
+    std::string lef = test::SMALL_LEF;
+    lef.replace(lef.find("MACRO B"), 0,
+                "MACRO X CLASS CORE ; PIN p PORT LAYER M1 ; RECT 0 0 1 1 ; END END p END X\n");
+    const std::string cells = components({"a A + PLACED ( 1000 0 ) N", "r RAM + FIXED ( 3000 0 ) N"});
+    const auto outcome = import(cells, {"--json"}, test::TWO_ROWS, lef);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.error, m_dir.path("l.lef") +
+                                 ": note: metal 1 is layer metal1: 1 of 1 cell with pins have some "
+                                 "on it; give --layer if it is another [layer]\n");
+    EXPECT_NE(outcome.output.find("\"layer\":\"metal1\""), std::string::npos) << outcome.output;
+    EXPECT_EQ(import(cells, {"--layer", "metal1"}).error, "");
+}
+
 TEST_F(KitImportCells, OrientationIsMirroredOrNot)
 {
     importWell(components({"a A + PLACED ( 1000 0 ) N", "b A + PLACED ( 1400 2000 ) FS",

@@ -34,8 +34,8 @@ TEST_P(KitImportGenerated, IsPlacedAsTheDesignInThePlacersFormats)
     const test::GeneratedDesign design(options);
     const test::TempDir dir;
     const std::string imported = dir.path("imported");
-    const auto outcome =
-        runKit({"import", "--lef", design.base() + ".lef", "--def", design.base() + ".def", "-o", imported});
+    const auto outcome = runKit({"import", "--lef", design.base() + ".lef", "--def", design.base() + ".def",
+                                 "--layer", "metal1", "-o", imported});
     ASSERT_EQ(outcome.status, 0) << outcome.error;
     EXPECT_EQ(outcome.error, "");
     EXPECT_EQ(contentOf(imported + ".pins"), contentOf(design.base() + ".pins"));

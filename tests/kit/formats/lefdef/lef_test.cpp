@@ -2,6 +2,7 @@
 // Each rule of the LEF reader, with what it makes of a text and says about it.
 #include "kit/base/fault.h"
 #include "kit/formats/lefdef/described.h"
+#include "kit/formats/lefdef/library.h"
 
 namespace {
 
@@ -287,9 +288,10 @@ const ReadCase SHAPES[] = {
     {"ViaWithMetalOfTheLayer",
      "VIA on DEFAULT LAYER V1 ; RECT 0 0 1 1 ; LAYER M1 ; RECT 0 0 1 1 ; END on VIA off LAYER M2 ; END off\n"
      "VIA made VIARULE r ; CUTSIZE 1 1 ; LAYERS M1 V1 M2 ; END made\n" +
-         inPort("LAYER M2 ; VIA 0 0 on ; VIA 1 1 off ; VIA ITERATE MASK 031 0 0 made DO 1 BY 1 STEP 1 1 ; VIA "
-                "MASK 1 ( 0 "
-                "0 ) other ;"),
+         inPort(
+             "LAYER M2 ; VIA 0 0 on ; VIA 1 1 off ; VIA ITERATE MASK 031 0 0 made DO 1 BY 1 STEP 1 1 ; VIA "
+             "MASK 1 ( 0 "
+             "0 ) other ;"),
      {MACRO_A, PIN_P,
       "warning not-read 5:12: this via, \"on\", has metal of layer \"M1\", which is not read; write its "
       "metal of that "

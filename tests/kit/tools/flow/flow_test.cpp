@@ -299,6 +299,23 @@ TEST_F(SmallFlow, TellsWarningsOfStepsThatGoWell)
     EXPECT_NE(m_error.find("warning: component u lies upside down in its row"), std::string::npos) << m_error;
 }
 
+TEST_F(SmallFlow, LayerThatImportFindsIsThatOfTheOtherSteps)
+{
+    std::string lef = LEF;
+    // More cells have pins on M0 in the library, but not in the design.
+    for (const char* const name : {"X", "Y", "Z"}) {
+        lef += std::string("MACRO ") + name +
+               " CLASS CORE ; SIZE 0.4 BY 2 ; PIN P PORT LAYER M0 ; RECT 0.1 0.5 0.2 1 ; END "
+               "END P END " +
+               name + "\n";
+    }
+    m_dir.write("m.lef", "LAYER M0 TYPE ROUTING ; END M0 LAYER metal1 TYPE ROUTING ; END metal1\n" + lef);
+    ASSERT_EQ(small("- u C + PLACED ( 1000 0 ) N ;\n- v C + PLACED ( 1400 0 ) N ;\n"), 0) << m_error;
+    ASSERT_EQ(flow(m_dir.path("m.lef"), m_dir.path("d.def"), {"--force", "--keep"}), 0) << m_error;
+    EXPECT_NE(m_error.find("note: metal 1 is layer metal1"), std::string::npos) << m_error;
+    EXPECT_NE(contentOf(out() + ".flow/color.log").find("layer metal1"), std::string::npos);
+}
+
 TEST_F(SmallFlow, LegalizesIfWished)
 {
     EXPECT_EQ(small("- u C ;\n- v C + PLACED ( 1400 0 ) N ;\n", {"--legalize"}), 0) << m_output;
@@ -335,6 +352,7 @@ TEST_F(SmallFlow, NeverReadsTheCacheOfAnotherVersion)
     ASSERT_EQ(small(GOOD), 0) << m_output << m_error;
     kit::flow::Options options;
     options.lefs = {m_dir.path("l.lef")};
+    options.layer = "metal1";
     options.cache = m_dir.path("cache");
     const std::string site = "0.200000,2.000000";
     const std::string own = kit::flow::cachedFolder(options, site);
@@ -436,7 +454,7 @@ TEST_F(SmallFlow, StopsAtAPlacementThatIsNotClean)
 
 TEST_F(SmallFlow, SaysWhatTheJudgeHasAgainstAPlacementAndWhatToDo)
 {
-    EXPECT_EQ(small(MIRRORED, {"--max-solutions", "1"}), 1) << m_output;
+    EXPECT_EQ(small(MIRRORED, {"--max-solutions", "1", "--layer", "metal1"}), 1) << m_output;
     const std::string flow = out() + ".flow/";
     EXPECT_EQ(m_error.substr(0, m_error.find("What was run: ")),
               "\n" + flow +
