@@ -22,6 +22,9 @@ using lefdef::Lef;
 using lefdef::Source;
 using lefdef::SourceReporter;
 
+/// Findings of a kind that are told one by one.
+constexpr size_t MOST_OF_A_KIND = 3;
+
 void checkOutputsOf(const Options& options)
 {
     std::vector<std::string> outputs;
@@ -52,22 +55,31 @@ Lef readLefs(const Options& options, const Def& def, Findings& findings)
 class Import {
 public:
     Import(const Options& options, const Source& source, Findings& findings)
-        : m_options(options), m_source(source), m_findings(findings), m_reporter(findings, source),
-          m_def(readDef(source, m_ofDef)), m_lef(readLefs(options, m_def, findings))
+        : m_options(options), m_source(source), m_findings(findings),
+          m_reporter(findings, source, MOST_OF_A_KIND), m_def(readDef(source, m_ofDef)),
+          m_lef(readLefs(options, m_def, findings))
     {
         m_findings.insert(m_findings.end(), m_ofDef.begin(), m_ofDef.end());
+        limitFindings(m_findings, MOST_OF_A_KIND);
     }
 
     /// @return whether the design was written
     bool run(Summary& summary)
     {
+        const bool written = takeAndWrite(summary);
+        m_reporter.tellRest();
+        return written;
+    }
+
+private:
+    bool takeAndWrite(Summary& summary)
+    {
         requireUnits();
         if (hasErrors(m_findings) || !takeRows() || !takeComponents()) {
             return false;
         }
-        bool sound = true;
         const Names names(m_def);
-        const Nets nets = readNets(m_def, names, m_reporter, sound);
+        const Nets nets = readNets(m_def, names, m_reporter);
         giveRows(nets);
         requireMasterNames();
         requireLayer();
@@ -82,7 +94,6 @@ public:
         return true;
     }
 
-private:
     void requireUnits()
     {
         if (m_def.databaseMicrons <= 0) {
@@ -93,7 +104,9 @@ private:
 
     bool takeRows()
     {
-        std::optional<Core> core = readCore(m_def, m_lef, m_options.site, m_reporter);
+        m_cells.masterOf = findMasters(m_def, m_lef);
+        const std::vector<int64_t> movable = countMovable(m_def, m_lef, m_cells.masterOf);
+        std::optional<Core> core = readCore(m_def, m_lef, movable, m_options.site, m_reporter);
         if (core) {
             m_core = std::move(*core);
         }

@@ -230,7 +230,8 @@ private:
             }
         }
         component.endOffset = m_in.offset();
-        keepIfNew(component, m_def.components, m_components, "component");
+        // Without one of them, the placement would be another.
+        keepIfNew(component, m_def.components, m_components, "component", Severity::ERROR);
     }
 
     void readPlace(DefComponent& component, Status status)
@@ -255,7 +256,7 @@ private:
             m_in.expect("+");
             readPinOption(pin);
         }
-        keepIfNew(pin, m_def.pins, m_pins, "pin");
+        keepIfNew(pin, m_def.pins, m_pins, "pin", Severity::WARNING);
     }
 
     void readPinOption(DefPin& pin)
@@ -297,7 +298,7 @@ private:
         }
         const size_t before = m_def.nets.size();
         if (net.name != "MUSTJOIN") {
-            keepIfNew(net, m_def.nets, m_nets, "net");
+            keepIfNew(net, m_def.nets, m_nets, "net", Severity::WARNING);
         } else if (m_in.finish()) {
             m_def.nets.push_back(net); // not a name: any number of nets have it
         }
@@ -382,7 +383,7 @@ private:
     /// Ends a record, which is kept if it is sound and no other has its name.
     template <typename Record>
     void keepIfNew(const Record& record, std::vector<Record>& records, NameTable<Record>& names,
-                   const char* kind)
+                   const char* kind, Severity ifTwice)
     {
         if (!m_in.finish()) {
             return;
@@ -391,7 +392,7 @@ private:
         if (first == records.size()) {
             records.push_back(record);
         } else {
-            m_in.nameTwice(record.offset, std::string(kind) + " " + inQuotes(record.name),
+            m_in.nameTwice(ifTwice, record.offset, std::string(kind) + " " + inQuotes(record.name),
                            "line " + m_in.lineOf(records[first].offset));
         }
     }

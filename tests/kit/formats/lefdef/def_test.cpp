@@ -329,12 +329,14 @@ const ReadCase PINS[] = {
       "pin h on  not placed"}},
     {"OfNoUse",
      "PINS 1 ; - a + USE VDD ; END PINS END DESIGN",
-     {"error use 1:20: \"VDD\" is no use of a pin or net; write SIGNAL, ANALOG, CLOCK, POWER, GROUND, SCAN, "
-      "TIEOFF or RESET"}},
+     {"pin a on  not placed", "warning use 1:20: \"VDD\" is no use of a pin or net, and SIGNAL is taken; "
+                              "write SIGNAL, ANALOG, CLOCK, POWER, GROUND, SCAN, "
+                              "TIEOFF or RESET"}},
     {"NameTwice",
      "PINS 2 ; - a ;\n- a ; END PINS END DESIGN",
-     {"pin a on  not placed", "error name-twice 2:3: pin \"a\" stands in line 1 already, and that one stays; "
-                              "give each its own name"}},
+     {"pin a on  not placed",
+      "warning name-twice 2:3: pin \"a\" stands in line 1 already, and that one stays; "
+      "give each its own name"}},
     {"PlaceOutOfRange",
      "PINS 1 ; - a + PLACED ( 3e9 0 ) N ; END PINS END DESIGN",
      {"error range 1:25: the x coordinate, \"3e9\", is out of range; give a number between -2147483648 and "
@@ -387,7 +389,7 @@ const ReadCase NETS[] = {
     {"NameTwice",
      "NETS 3 ; - a ( u1 A ) ;\n- a ( u2 A ) ;\n- b ( u3 A ) ; END NETS END DESIGN",
      {"net a u1/A", "net b u3/A",
-      "error name-twice 2:3: net \"a\" stands in line 1 already, and that one stays; give each its own "
+      "warning name-twice 2:3: net \"a\" stands in line 1 already, and that one stays; give each its own "
       "name"}},
     {"NoSemicolonBehindTheRouting",
      "NETS 2 ; - a + ROUTED M1 ( 0 0 ) ( 1 0 )\n- b ; END NETS END DESIGN",
