@@ -27,58 +27,81 @@ std::string textOf(std::string_view name)
     return std::string(name);
 }
 
-const LefSite* findSite(const Lef& lef, std::string_view name)
+/// A length in DBU, none if it is no whole number of them.
+std::optional<int64_t> inDbu(lefdef::Length length, int32_t databaseMicrons)
 {
-    const auto at = std::ranges::find_if(lef.sites, [&](const LefSite& site) { return site.name == name; });
-    return at != lef.sites.end() ? &*at : nullptr;
+    const int64_t dbu = lefdef::dbuDown(length, databaseMicrons);
+    const bool whole = dbu == lefdef::dbuUp(length, databaseMicrons);
+    return whole && dbu > 0 && dbu <= INT32_MAX ? std::optional(dbu) : std::nullopt;
 }
 
-/// How much a site is used.
-struct Use {
-    const LefSite* site = nullptr;
-    int64_t high = 0;    ///< movable cells as high as it
-    int64_t named = 0;   ///< movable cells whose masters name it
-    bool isCore = false; ///< it is not one of pads
+/// A site of rows, and how much it is used.
+struct RowSite {
+    std::string_view name;
+    std::optional<int64_t> width{};  ///< DBU; none if it is not known, or no whole number
+    std::optional<int64_t> height{}; ///< as the width
+    bool isKnown = false;            ///< the library has it, or its macros name it
+    bool isCore = true;              ///< it is not one of pads
+    int64_t cells = 0;               ///< movable ones as high as it
+    int64_t named = 0;               ///< movable ones whose masters name it
 
-    /// Whether it is the better one for rows of cells: the one used more, else the lower one.
-    bool isBetterThan(const Use& other) const
+    /// Whether it is the better one for rows of cells.
+    bool isBetterThan(const RowSite& other) const
     {
-        return std::tuple(high, named, isCore, -site->height) >
-               std::tuple(other.high, other.named, other.isCore, -other.site->height);
+        return std::tuple(cells, isCore, -height.value_or(INT64_MAX), named) >
+               std::tuple(other.cells, other.isCore, -other.height.value_or(INT64_MAX), other.named);
     }
 };
 
-/// The site that most movable cells have, of those that rows have and the library knows; nullptr without
-/// such.
+/// The height that most movable cells have, of equal ones the lower; 0 without cells.
 ///
-/// @param counts  [macro] movable cells of it
-const LefSite* mostUsedSite(const Def& def, const Lef& lef, const std::vector<int64_t>& counts)
+/// @param movable  [macro] movable cells of it
+/// @param site     only masters that name it count, movable cells or not; empty: all that have such
+lefdef::Length commonHeight(const Lef& lef, const std::vector<int64_t>& movable, std::string_view site)
 {
-    std::set<std::string_view> ofRows;
-    for (const DefRow& row : def.rows) {
-        ofRows.insert(row.site);
-    }
-    Use best;
-    for (const LefSite& site : lef.sites) {
-        if (ofRows.count(site.name) == 0) {
-            continue;
+    std::map<lefdef::Length, int64_t> counts;
+    for (size_t i = 0; i < movable.size(); ++i) {
+        if (site.empty() ? movable[i] > 0 : lef.macros[i].site == site) {
+            counts[lef.macros[i].height] += movable[i];
         }
-        Use use{.site = &site, .isCore = site.siteClass != "PAD"};
-        for (size_t i = 0; i < counts.size(); ++i) {
-            use.high += lef.macros[i].height == site.height ? counts[i] : 0;
-            use.named += lef.macros[i].site == site.name ? counts[i] : 0;
-        }
-        best = best.site == nullptr || use.isBetterThan(best) ? use : best;
     }
-    return best.site;
+    const auto most =
+        std::ranges::max_element(counts, [](const auto& a, const auto& b) { return a.second < b.second; });
+    return most != counts.end() ? most->first : 0;
 }
 
-/// The height of the macro that most movable cells are of, 0 without any.
-lefdef::Length mostUsedHeight(const Lef& lef, const std::vector<int64_t>& counts)
+/// The sites of rows, in their order. One that the library does not have is as wide as the step of its rows,
+/// and as high as the cells that name it.
+///
+/// @param movable  as for commonHeight()
+std::vector<RowSite> sitesOf(const Def& def, const Lef& lef, const std::vector<int64_t>& movable)
 {
-    const auto most = std::ranges::max_element(counts);
-    return most == counts.end() || *most == 0 ? 0
-                                              : lef.macros[static_cast<size_t>(most - counts.begin())].height;
+    std::vector<RowSite> sites;
+    std::set<std::string_view> seen;
+    for (const DefRow& row : def.rows) {
+        if (!seen.insert(row.site).second) {
+            continue;
+        }
+        RowSite site{.name = row.site};
+        const auto inLef =
+            std::ranges::find_if(lef.sites, [&](const LefSite& each) { return each.name == row.site; });
+        const lefdef::Length height =
+            inLef != lef.sites.end() ? inLef->height : commonHeight(lef, movable, row.site);
+        if (inLef != lef.sites.end()) {
+            site.width = inDbu(inLef->width, def.databaseMicrons);
+            site.isCore = inLef->siteClass != "PAD";
+        } else if (row.columns > 1 && row.stepX > 0) {
+            site.width = row.stepX;
+        }
+        site.height = inDbu(height, def.databaseMicrons);
+        site.isKnown = inLef != lef.sites.end() || (site.width && site.height);
+        for (size_t i = 0; i < movable.size(); ++i) {
+            site.cells += lef.macros[i].height == height ? movable[i] : 0;
+            site.named += lef.macros[i].site == site.name ? movable[i] : 0;
+        }
+        sites.push_back(site);
+    }
+    return sites;
 }
 
 /// The least distance of two heights, 0 if all are equal.
@@ -98,27 +121,21 @@ int64_t leastPitch(const std::vector<DefRow>& rows)
     return least;
 }
 
-/// A length in DBU, none if it is no whole number of them.
-std::optional<int64_t> inDbu(lefdef::Length length, int32_t databaseMicrons)
-{
-    const int64_t dbu = lefdef::dbuDown(length, databaseMicrons);
-    const bool whole = dbu == lefdef::dbuUp(length, databaseMicrons);
-    return whole && dbu > 0 && dbu <= INT32_MAX ? std::optional(dbu) : std::nullopt;
-}
-
 class CoreReader {
 public:
-    CoreReader(const Def& def, const Lef& lef, SourceReporter& reporter)
-        : m_def(def), m_lef(lef), m_reporter(reporter)
+    /// @param movable  as for commonHeight()
+    CoreReader(const Def& def, const Lef& lef, const std::vector<int64_t>& movable, SourceReporter& reporter)
+        : m_def(def), m_lef(lef), m_movable(movable), m_reporter(reporter),
+          m_sites(sitesOf(def, lef, movable))
     {
     }
 
-    std::optional<Core> read(const std::optional<SiteSize>& given, const std::vector<int64_t>& counts)
+    std::optional<Core> read(const std::optional<SiteSize>& given)
     {
         if (m_def.rows.empty()) {
             error("no-rows", 0, "the DEF has no rows", "write ROW statements");
         } else {
-            findSiteSize(given, counts);
+            findSiteSize(given);
         }
         if (m_sound) {
             takeRows();
@@ -136,15 +153,20 @@ private:
         m_sound = false;
     }
 
-    void findSiteSize(const std::optional<SiteSize>& given, const std::vector<int64_t>& counts)
+    void findSiteSize(const std::optional<SiteSize>& given)
     {
         if (given) {
-            setSiteSize(*given);
+            setSiteSize(inDbu(given->width, m_def.databaseMicrons),
+                        inDbu(given->height, m_def.databaseMicrons));
             return;
         }
-        if (const LefSite* const site = mostUsedSite(m_def, m_lef, counts)) {
-            m_site = site->name;
-            setSiteSize({.width = site->width, .height = site->height});
+        const RowSite* best = nullptr;
+        for (const RowSite& site : m_sites) {
+            best = site.isKnown && (best == nullptr || site.isBetterThan(*best)) ? &site : best;
+        }
+        if (best != nullptr) {
+            m_site = best->name;
+            setSiteSize(best->width, best->height);
             return;
         }
         const auto stepped = std::ranges::find_if(
@@ -152,7 +174,7 @@ private:
         m_core.siteWidth = stepped != m_def.rows.end() ? stepped->stepX : 0;
         m_core.siteHeight = leastPitch(m_def.rows);
         if (m_core.siteHeight <= 0) {
-            m_core.siteHeight = inDbu(mostUsedHeight(m_lef, counts), m_def.databaseMicrons).value_or(0);
+            m_core.siteHeight = inDbu(commonHeight(m_lef, m_movable, ""), m_def.databaseMicrons).value_or(0);
         }
         if (m_core.siteWidth <= 0 || m_core.siteHeight <= 0) {
             error("no-site", m_def.rows.front().offset,
@@ -162,10 +184,8 @@ private:
         }
     }
 
-    void setSiteSize(const SiteSize& size)
+    void setSiteSize(std::optional<int64_t> width, std::optional<int64_t> height)
     {
-        const std::optional<int64_t> width = inDbu(size.width, m_def.databaseMicrons);
-        const std::optional<int64_t> height = inDbu(size.height, m_def.databaseMicrons);
         if (!width || !height) {
             error("site-size", m_def.rows.front().offset,
                   "the site is no whole number of DBU wide and high at " +
@@ -203,8 +223,8 @@ private:
     /// Whether a row stands on sites as the core's; a warning says so if not.
     bool fits(const DefRow& row)
     {
-        const LefSite* const site = findSite(m_lef, row.site); // of others, only the step is known
-        if (site != nullptr && inDbu(site->height, m_def.databaseMicrons) != m_core.siteHeight) {
+        const auto site = std::ranges::find(m_sites, row.site, &RowSite::name);
+        if (site->isKnown && site->height != m_core.siteHeight) { // of others, only the step is known
             leaveOut(row, "other-site", "", "only rows of the site that most cells have are placed");
         } else if (row.rows != 1 || isOnItsSide(row.orient)) {
             leaveOut(row, "vertical-row", "it is vertical", "the placer takes horizontal rows only");
@@ -311,7 +331,9 @@ private:
 
     const Def& m_def;
     const Lef& m_lef;
+    const std::vector<int64_t>& m_movable;
     SourceReporter& m_reporter;
+    std::vector<RowSite> m_sites;
     Core m_core;
     std::string_view m_site;           ///< the core's, if it was chosen
     std::map<int64_t, size_t> m_rowAt; ///< by height
@@ -381,7 +403,7 @@ size_t Core::rowAt(int64_t y) const
 std::optional<Core> readCore(const Def& def, const Lef& lef, const std::vector<int64_t>& movable,
                              const std::optional<SiteSize>& site, SourceReporter& reporter)
 {
-    return CoreReader(def, lef, reporter).read(site, movable);
+    return CoreReader(def, lef, movable, reporter).read(site);
 }
 
 void addBlocks(Core& core, const std::vector<lefdef::DefRect>& rects)

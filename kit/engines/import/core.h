@@ -58,10 +58,10 @@ struct Core {
 
 /// Takes the rows of a DEF.
 ///
-/// The site is the one given, or the one that most movable cells have: by their height, of equal ones by
-/// their name. Rows that the placer cannot have with those of that site are left out, with a warning: those
-/// of another height or step, vertical ones, and those that overlap another row, or lie other than one at
-/// their height.
+/// The site is the one given, or the one that most movable cells have: by their height, of equal ones the
+/// lower, and then by name. Rows that the placer cannot have with those of that site are left out, with a
+/// warning: those of another height or step, vertical ones, and those that overlap another row, or lie other
+/// than one at their height.
 ///
 /// @param movable  [macro] movable cells of it
 /// @param site     of --site, if given

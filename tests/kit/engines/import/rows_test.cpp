@@ -177,6 +177,17 @@ TEST_F(KitImportRows, SiteIsThatOfMostMovableCells)
     EXPECT_EQ(map().siteHeight, 2'000'000);
 }
 
+TEST_F(KitImportRows, SiteThatNoLefHasIsAsHighAsTheCellsThatNameIt)
+{
+    const std::string lef = "SITE tall CLASS CORE ; SIZE 0.2 BY 4.0 ; END tall\n"
+                            "MACRO A CLASS CORE ; SIZE 0.4 BY 2 ; SITE core ; END A\n"
+                            "MACRO B CLASS CORE ; SIZE 0.4 BY 4 ; SITE tall ; END B\n";
+    importWell(components({"a A + PLACED ( 1000 0 ) N", "b B + PLACED ( 1400 0 ) N"}), {},
+               "ROW t tall 1000 0 N DO 20 BY 1 STEP 200 0 ;\n" + std::string(test::TWO_ROWS), lef);
+    EXPECT_EQ(map().siteHeight, 2'000'000);
+    EXPECT_EQ(rows().size(), 2U);
+}
+
 TEST_F(KitImportRows, OneOfAnUnknownSiteIsAsHighAsMostCells)
 {
     importWell(components({"u A + PLACED ( 0 0 ) N"}), {}, "ROW a x 0 0 N DO 5 BY 1 STEP 200 0 ;\n",
