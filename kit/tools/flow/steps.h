@@ -42,7 +42,8 @@ Step importStep(const Options& options, const Places& places);
 
 /// @param site    size of a site, W,H in micrometres
 /// @param folder  where the colour files are made
-Step colorStep(const Options& options, const std::string& site, const std::string& folder);
+Step colorStep(const Options& options, const Places& places, const std::string& site,
+               const std::string& folder);
 Step lintStep(const Options& options, const Places& places);
 Step placeStep(const Options& options, const Places& places);
 Step verifyStep(const Options& options, const Places& places);
