@@ -11,6 +11,7 @@
 #include "kit/base/finding.h"
 #include "kit/design/nameMap.h"
 #include "kit/engines/import/cells.h"
+#include "kit/engines/import/constraints.h"
 #include "kit/engines/import/designFiles.h"
 #include "kit/formats/lefdef/library.h"
 
@@ -75,10 +76,10 @@ private:
     bool takeAndWrite(Summary& summary)
     {
         requireUnits();
-        if (hasErrors(m_findings) || !takeRows() || !takeComponents()) {
+        const Names names(m_def);
+        if (hasErrors(m_findings) || !takeRows() || !takeComponents(names)) {
             return false;
         }
-        const Names names(m_def);
         const Nets nets = readNets(m_def, names, m_reporter);
         giveRows(nets);
         requireMasterNames();
@@ -113,16 +114,16 @@ private:
         return core.has_value();
     }
 
-    bool takeComponents()
+    bool takeComponents(const Names& names)
     {
         if (!takeCells(m_def, m_lef, m_core, m_options.legalize, m_reporter, m_cells)) {
             return false;
         }
         std::vector<lefdef::DefRect> blocked = m_cells.blocks;
-        for (const lefdef::DefBlockage& blockage : m_def.blockages) {
-            if (!blockage.soft) {
-                blocked.insert(blocked.end(), blockage.rects.begin(), blockage.rects.end());
-            }
+        for (const std::vector<lefdef::DefRect>& more :
+             {keepBlockages(m_def, m_reporter), keepRegions(m_def, names, m_cells, m_reporter),
+              keepHalos(m_def, m_lef, names, m_cells, m_reporter)}) {
+            blocked.insert(blocked.end(), more.begin(), more.end());
         }
         addBlocks(m_core, blocked);
         findRows(m_def, m_core, m_cells);
