@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <iterator>
 #include <ostream>
+#include <unordered_map>
 
 #include "kit/base/text/escape.h"
 #include "kit/base/text/json.h"
@@ -39,6 +40,30 @@ Findings errorsOf(const Findings& findings)
     Findings errors;
     std::copy_if(findings.begin(), findings.end(), std::back_inserter(errors), isError);
     return errors;
+}
+
+void limitFindings(Findings& findings, size_t mostOfACode)
+{
+    std::unordered_map<std::string, size_t> counts;
+    std::unordered_map<std::string, size_t> lastKept; // index in kept, by code
+    Findings kept;
+    for (Finding& finding : findings) {
+        if (++counts[finding.code] <= mostOfACode) {
+            lastKept[finding.code] = kept.size();
+            kept.push_back(std::move(finding));
+        }
+    }
+    for (const auto& [code, index] : lastKept) {
+        if (counts[code] > mostOfACode) {
+            addRest(kept[index], counts[code] - mostOfACode);
+        }
+    }
+    findings = std::move(kept);
+}
+
+void addRest(Finding& finding, size_t more)
+{
+    finding.advice += (finding.advice.empty() ? "" : "; ") + std::to_string(more) + " more like this";
 }
 
 const char* wordOf(Severity severity)

@@ -43,6 +43,12 @@ bool hasErrors(const Findings& findings);
 /// The errors alone, in their order.
 Findings errorsOf(const Findings& findings);
 
+/// Keeps the first findings of each code, and says behind the last of them how many more there are.
+void limitFindings(Findings& findings, size_t mostOfACode);
+
+/// Says behind a finding how many more there are of its kind.
+void addRest(Finding& finding, size_t more);
+
 /// A place in a file.
 struct Place {
     int64_t line = 0;   ///< from 1; 0 for the file as a whole

@@ -42,6 +42,8 @@ void addCommand(const Command& program)
     const auto options = std::make_shared<Options>();
     command.add("--lef", options->lefs, "LEF file; several are one library").required();
     addLayerOption(command, options->layer);
+    command.add("--cells", options->cells,
+                "list of the cells that are coloured, as import writes it (default: all)");
     command.add("-o,--output", options->outDir, "folder of the colour files, made if it is not there")
         .required()
         .formerly("--out");

@@ -33,7 +33,7 @@ void addFiles(const Command& command, Options& options)
     command
         .add("--site", options.site, "size of a site, W,H in micrometres (default: the LEF's, or the rows')")
         .check(faultOfSite);
-    command.add("--cell-path", options.cellPath, "folder of colour files: the library is not coloured");
+    command.add("--cell-path", options.cellPath, "folder of colour files: no cell is coloured");
     command.add("--cache", options.cache,
                 "folder that keeps colourings from run to run (default: the user's cache)");
     command.flag("--legalize", options.legalize,

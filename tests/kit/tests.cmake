@@ -35,6 +35,7 @@ vireloce_test(kit SHARDS 4
     kit/engines/gen/placer_test.cpp
     kit/engines/gen/random_test.cpp
     kit/engines/import/cells_test.cpp
+    kit/engines/import/constraints_test.cpp
     kit/engines/import/damage_test.cpp
     kit/engines/import/gcd_test.cpp
     kit/engines/import/generated_test.cpp

@@ -7,15 +7,18 @@
 #include <exception>
 #include <filesystem>
 #include <iostream>
+#include <iterator>
 #include <map>
 #include <mutex>
 #include <numeric>
+#include <sstream>
 #include <thread>
 
 #include "kit/base/fault.h"
 #include "kit/base/files/folder.h"
 #include "kit/base/files/outputFile.h"
 #include "kit/base/files/outputPaths.h"
+#include "kit/base/files/readFile.h"
 #include "kit/base/finding.h"
 #include "kit/engines/color/report.h"
 #include "kit/formats/lefdef/units.h"
@@ -30,15 +33,36 @@ using lefdef::LefMacro;
 using lefdef::LefSite;
 using lefdef::Length;
 
-std::vector<const LefMacro*> rowCellsOf(const Lef& lef)
+std::vector<const LefMacro*> macrosOf(const Lef& lef, const lefdef::MacroTest& isWanted)
 {
     std::vector<const LefMacro*> cells;
     for (const LefMacro& macro : lef.macros) {
-        if (standsInRows(macro)) {
+        if (isWanted(macro)) {
             cells.push_back(&macro);
         }
     }
     return cells;
+}
+
+/// Whether a macro is listed, or, without a list, whether it stands in rows.
+lefdef::MacroTest isWanted(const std::optional<CellNames>& listed)
+{
+    if (!listed) {
+        return lefdef::standsInRows;
+    }
+    return [&listed](const LefMacro& macro) { return listed->count(macro.name) > 0; };
+}
+
+void requireAll(const CellNames& listed, const std::vector<const LefMacro*>& cells)
+{
+    CellNames missing = listed;
+    for (const LefMacro* cell : cells) {
+        missing.erase(cell->name);
+    }
+    if (!missing.empty()) {
+        throw Fault("the cell " + *missing.begin() + " of the list is in none of the LEF files" +
+                    (missing.size() > 1 ? ", as are " + std::to_string(missing.size() - 1) + " more" : ""));
+    }
 }
 
 /// The site of class CORE that most cells name.
@@ -188,7 +212,11 @@ void checkOutputsOf(const Options& options, const std::vector<CellMetal>& cells)
             outputs.push_back(pathOf(options, cell.name, ".svg"));
         }
     }
-    checkOutputs(outputs, options.lefs, options.force);
+    std::vector<std::string> inputs = options.lefs;
+    if (!options.cells.empty()) {
+        inputs.push_back(options.cells);
+    }
+    checkOutputs(outputs, inputs, options.force);
 }
 
 void writeFiles(const Options& options, const Result& result)
@@ -271,14 +299,32 @@ std::vector<ColouredCell> colourAll(const std::vector<CellMetal>& cells, const S
 
 } // namespace
 
-Selection selectCells(const Library& library, const std::optional<SiteSize>& site, Findings& findings)
+CellNames readCellNames(const std::string& path)
 {
-    const std::vector<const LefMacro*> cells = rowCellsOf(library.lef);
-    if (cells.empty()) {
+    std::istringstream text(readFile(path));
+    size_t count = 0;
+    const bool counts = static_cast<bool>(text >> count);
+    const CellNames names{std::istream_iterator<std::string>(text), std::istream_iterator<std::string>()};
+    if (!counts || names.size() != count) {
+        throw Fault(path + " is no list of cells: the number of names comes first, and then they");
+    }
+    if (names.empty()) {
+        throw Fault(path + " lists no cell");
+    }
+    return names;
+}
+
+Selection selectCells(const Library& library, const std::optional<CellNames>& listed,
+                      const std::optional<SiteSize>& site, Findings& findings)
+{
+    const std::vector<const LefMacro*> cells = macrosOf(library.lef, isWanted(listed));
+    if (listed) {
+        requireAll(*listed, cells);
+    } else if (cells.empty()) {
         throw Fault("the files have no cells of class CORE");
     }
     requireMetal(library.lef, cells);
-    if (std::ranges::none_of(cells, [](const LefMacro* cell) { return hasMetal(*cell); })) {
+    if (!listed && std::ranges::none_of(cells, [](const LefMacro* cell) { return hasMetal(*cell); })) {
         throw Fault("the cells have no metal");
     }
     Selection selection;
@@ -307,12 +353,15 @@ int run(Options options)
 {
     const auto begin = std::chrono::steady_clock::now();
     Result result;
-    const Library library = lefdef::readLibrary(options.lefs, options.layer, result.findings);
+    const std::optional<CellNames> listed =
+        options.cells.empty() ? std::nullopt : std::optional(readCellNames(options.cells));
+    const Library library =
+        lefdef::readLibrary(options.lefs, options.layer, result.findings, isWanted(listed));
     if (hasErrors(result.findings)) {
         writeMessages(result.findings, std::cerr);
         return BAD_INPUT;
     }
-    result.selection = selectCells(library, options.site, result.findings);
+    result.selection = selectCells(library, listed, options.site, result.findings);
     options.layer = library.lef.layer;
     options.settings.rules.distance = options.minDist.unitsOn(result.selection.site.width);
     MetalReader(library, result).run();

@@ -3,7 +3,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -25,21 +27,33 @@ struct Selection {
     size_t otherHeights = 0;                    ///< cells that are not one row high, and are left out
 };
 
-/// Selects the cells.
+/// Names of cells that were listed.
+using CellNames = std::set<std::string, std::less<>>;
+
+/// Reads a list of cells as the placer has it: their number, and their names.
+///
+/// Errors: throws Fault if the file cannot be read, or is not such a list.
+CellNames readCellNames(const std::string& path);
+
+/// Selects the cells: those that stand in rows, or those listed.
 ///
 /// The site is the one given; else the one of class CORE that most cells name, of equal ones the first; else
 /// as wide as the greatest common divisor of the cells' widths, with a note. A cell of another height than
 /// the site's, or than most cells where there is no site, is left out with a warning.
 ///
+/// @param listed    of --cells, if given
 /// @param site      of --site, if given
 /// @param findings  out: warnings and notes
-/// Errors: throws Fault if there are no cells, none has metal, or there is no site width.
-Selection selectCells(const Library& library, const std::optional<SiteSize>& site, Findings& findings);
+/// Errors: throws Fault if there are no cells, none has metal, a listed one is in no file, or there is no
+/// site width.
+Selection selectCells(const Library& library, const std::optional<CellNames>& listed,
+                      const std::optional<SiteSize>& site, Findings& findings);
 
 /// Everything the user can choose.
 struct Options {
     std::vector<std::string> lefs;
     std::string layer; ///< metal 1; if it is empty it is found
+    std::string cells; ///< path of the list of those that are coloured; empty: all that stand in rows
     std::string outDir;
     std::optional<SiteSize> site;
     design::Distance minDist; ///< what shapes of one mask need

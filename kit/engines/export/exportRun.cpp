@@ -14,7 +14,6 @@
 #include "kit/engines/export/defPatch.h"
 #include "kit/engines/export/layerProperties.h"
 #include "kit/engines/export/layout.h"
-#include "kit/engines/export/limit.h"
 #include "kit/engines/export/masters.h"
 #include "kit/formats/lefdef/library.h"
 #include "kit/formats/placer/reader.h"

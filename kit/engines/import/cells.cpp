@@ -4,8 +4,9 @@
 #include <algorithm>
 #include <string>
 
+#include "kit/formats/lefdef/library.h"
+#include "kit/formats/lefdef/nameTable.h"
 #include "kit/formats/lefdef/units.h"
-#include "kit/formats/placer/design.h"
 
 namespace kit::importing {
 
@@ -31,23 +32,24 @@ bool staysByClass(const LefMacro& macro)
            words.starts_with("ENDCAP") || hasWord(words, "WELLTAP");
 }
 
+bool isFixed(const DefComponent& component)
+{
+    return component.status == Status::FIXED || component.status == Status::COVER;
+}
+
 class CellSorter {
 public:
     CellSorter(const Def& def, const Lef& lef, const Core& core, bool legalize, SourceReporter& reporter,
                Cells& cells)
-        : m_def(def), m_lef(lef), m_core(core), m_legalize(legalize), m_reporter(reporter), m_cells(cells),
-          m_masters(placer::indexNames(lef.macros))
+        : m_def(def), m_lef(lef), m_core(core), m_legalize(legalize), m_reporter(reporter), m_cells(cells)
     {
     }
 
     bool sort()
     {
-        m_cells.masterOf.resize(m_def.components.size(), NONE);
         m_cells.isFixed.resize(m_def.components.size());
         for (size_t i = 0; i < m_def.components.size(); ++i) {
-            const int32_t master = placer::findName(m_masters, m_def.components[i].macro);
-            if (master >= 0) {
-                m_cells.masterOf[i] = static_cast<size_t>(master);
+            if (m_cells.masterOf[i] != NONE) {
                 take(i, m_lef.macros[m_cells.masterOf[i]]);
             } else {
                 error("unknown-master", m_def.components[i],
@@ -63,7 +65,7 @@ private:
     {
         const DefComponent& comp = m_def.components[index];
         const bool placed = comp.status == Status::PLACED;
-        const bool fixed = comp.status == Status::FIXED || comp.status == Status::COVER;
+        const bool fixed = isFixed(comp);
         const bool filler = !fixed && isFiller(macro);
         if (filler) {
             ++m_cells.fillers;
@@ -136,11 +138,38 @@ private:
     bool m_legalize;
     SourceReporter& m_reporter;
     Cells& m_cells;
-    placer::NameIndex m_masters;
     bool m_sound = true;
 };
 
 } // namespace
+
+std::vector<size_t> findMasters(const Def& def, const Lef& lef)
+{
+    lefdef::NameTable<LefMacro> macros(lef.macros);
+    macros.addAll();
+    std::vector<size_t> masterOf;
+    masterOf.reserve(def.components.size());
+    for (const DefComponent& component : def.components) {
+        const int32_t master = macros.indexOf(component.macro);
+        masterOf.push_back(master < 0 ? NONE : static_cast<size_t>(master));
+    }
+    return masterOf;
+}
+
+std::vector<int64_t> countMovable(const Def& def, const Lef& lef, const std::vector<size_t>& masterOf)
+{
+    std::vector<int64_t> counts(lef.macros.size());
+    for (size_t i = 0; i < masterOf.size(); ++i) {
+        if (masterOf[i] != NONE && !isFixed(def.components[i])) {
+            ++counts[masterOf[i]];
+        }
+    }
+    for (size_t i = 0; i < counts.size(); ++i) {
+        const LefMacro& macro = lef.macros[i];
+        counts[i] = standsInRows(macro) && !staysByClass(macro) && !isFiller(macro) ? counts[i] : 0;
+    }
+    return counts;
+}
 
 bool takeCells(const Def& def, const Lef& lef, const Core& core, bool legalize, SourceReporter& reporter,
                Cells& cells)

@@ -31,12 +31,21 @@ struct Cells {
     int64_t fillers = 0;                 ///< left out
 };
 
+/// The masters of the components: [component] index in Lef::macros, NONE if no file has it.
+std::vector<size_t> findMasters(const lefdef::Def& def, const lefdef::Lef& lef);
+
+/// [macro] how many components of it are not fixed, and stand in rows for what their class says; fillers
+/// count as none.
+std::vector<int64_t> countMovable(const lefdef::Def& def, const lefdef::Lef& lef,
+                                  const std::vector<size_t>& masterOf);
+
 /// Sorts the components: fillers (class SPACER) are left out; fixed and cover components, macros, pads, end
 /// caps and well taps, and cells that do not stand upright in one row stay where they are; the rest is
 /// movable.
 ///
 /// Errors, by name: unknown masters, and unplaced components unless `legalize`.
 ///
+/// @param cells  in: the masters; out: the rest
 /// @return whether there was no error
 bool takeCells(const lefdef::Def& def, const lefdef::Lef& lef, const Core& core, bool legalize,
                lefdef::SourceReporter& reporter, Cells& cells);

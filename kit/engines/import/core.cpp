@@ -2,9 +2,12 @@
 #include "kit/engines/import/core.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <map>
 #include <numeric>
+#include <set>
 #include <string>
+#include <tuple>
 
 #include "kit/formats/lefdef/units.h"
 
@@ -24,24 +27,81 @@ std::string textOf(std::string_view name)
     return std::string(name);
 }
 
-const LefSite* findSite(const Lef& lef, std::string_view name)
+/// A length in DBU, none if it is no whole number of them.
+std::optional<int64_t> inDbu(lefdef::Length length, int32_t databaseMicrons)
 {
-    const auto at = std::ranges::find_if(lef.sites, [&](const LefSite& site) { return site.name == name; });
-    return at != lef.sites.end() ? &*at : nullptr;
+    const int64_t dbu = lefdef::dbuDown(length, databaseMicrons);
+    const bool whole = dbu == lefdef::dbuUp(length, databaseMicrons);
+    return whole && dbu > 0 && dbu <= INT32_MAX ? std::optional(dbu) : std::nullopt;
 }
 
-/// The lowest of the rows' sites that the library knows.
-std::optional<SiteSize> lowestSite(const Def& def, const Lef& lef)
+/// A site of rows, and how much it is used.
+struct RowSite {
+    std::string_view name;
+    std::optional<int64_t> width{};  ///< DBU; none if it is not known, or no whole number
+    std::optional<int64_t> height{}; ///< as the width
+    bool isKnown = false;            ///< the library has it, or its macros name it
+    bool isCore = true;              ///< it is not one of pads
+    int64_t cells = 0;               ///< movable ones as high as it
+    int64_t named = 0;               ///< movable ones whose masters name it
+
+    /// Whether it is the better one for rows of cells.
+    bool isBetterThan(const RowSite& other) const
+    {
+        return std::tuple(cells, isCore, -height.value_or(INT64_MAX), named) >
+               std::tuple(other.cells, other.isCore, -other.height.value_or(INT64_MAX), other.named);
+    }
+};
+
+/// The height that most movable cells have, of equal ones the lower; 0 without cells.
+///
+/// @param movable  [macro] movable cells of it
+/// @param site     only masters that name it count, movable cells or not; empty: all that have such
+lefdef::Length commonHeight(const Lef& lef, const std::vector<int64_t>& movable, std::string_view site)
 {
-    std::optional<SiteSize> lowest;
-    for (const LefSite& site : lef.sites) {
-        const bool used =
-            std::ranges::any_of(def.rows, [&](const DefRow& row) { return row.site == site.name; });
-        if (used && (!lowest || site.height < lowest->height)) {
-            lowest = {.width = site.width, .height = site.height};
+    std::map<lefdef::Length, int64_t> counts;
+    for (size_t i = 0; i < movable.size(); ++i) {
+        if (site.empty() ? movable[i] > 0 : lef.macros[i].site == site) {
+            counts[lef.macros[i].height] += movable[i];
         }
     }
-    return lowest;
+    const auto most =
+        std::ranges::max_element(counts, [](const auto& a, const auto& b) { return a.second < b.second; });
+    return most != counts.end() ? most->first : 0;
+}
+
+/// The sites of rows, in their order. One that the library does not have is as wide as the step of its rows,
+/// and as high as the cells that name it.
+///
+/// @param movable  as for commonHeight()
+std::vector<RowSite> sitesOf(const Def& def, const Lef& lef, const std::vector<int64_t>& movable)
+{
+    std::vector<RowSite> sites;
+    std::set<std::string_view> seen;
+    for (const DefRow& row : def.rows) {
+        if (!seen.insert(row.site).second) {
+            continue;
+        }
+        RowSite site{.name = row.site};
+        const auto inLef =
+            std::ranges::find_if(lef.sites, [&](const LefSite& each) { return each.name == row.site; });
+        const lefdef::Length height =
+            inLef != lef.sites.end() ? inLef->height : commonHeight(lef, movable, row.site);
+        if (inLef != lef.sites.end()) {
+            site.width = inDbu(inLef->width, def.databaseMicrons);
+            site.isCore = inLef->siteClass != "PAD";
+        } else if (row.columns > 1 && row.stepX > 0) {
+            site.width = row.stepX;
+        }
+        site.height = inDbu(height, def.databaseMicrons);
+        site.isKnown = inLef != lef.sites.end() || (site.width && site.height);
+        for (size_t i = 0; i < movable.size(); ++i) {
+            site.cells += lef.macros[i].height == height ? movable[i] : 0;
+            site.named += lef.macros[i].site == site.name ? movable[i] : 0;
+        }
+        sites.push_back(site);
+    }
+    return sites;
 }
 
 /// The least distance of two heights, 0 if all are equal.
@@ -61,18 +121,12 @@ int64_t leastPitch(const std::vector<DefRow>& rows)
     return least;
 }
 
-/// A length in DBU, none if it is no whole number of them.
-std::optional<int64_t> inDbu(lefdef::Length length, int32_t databaseMicrons)
-{
-    const int64_t dbu = lefdef::dbuDown(length, databaseMicrons);
-    const bool whole = dbu == lefdef::dbuUp(length, databaseMicrons);
-    return whole && dbu > 0 && dbu <= INT32_MAX ? std::optional(dbu) : std::nullopt;
-}
-
 class CoreReader {
 public:
-    CoreReader(const Def& def, const Lef& lef, SourceReporter& reporter)
-        : m_def(def), m_lef(lef), m_reporter(reporter)
+    /// @param movable  as for commonHeight()
+    CoreReader(const Def& def, const Lef& lef, const std::vector<int64_t>& movable, SourceReporter& reporter)
+        : m_def(def), m_lef(lef), m_movable(movable), m_reporter(reporter),
+          m_sites(sitesOf(def, lef, movable))
     {
     }
 
@@ -87,8 +141,7 @@ public:
             takeRows();
         }
         if (m_sound) {
-            joinPieces();
-            checkHeights();
+            orderHeights();
         }
         return m_sound ? std::optional(std::move(m_core)) : std::nullopt;
     }
@@ -102,15 +155,27 @@ private:
 
     void findSiteSize(const std::optional<SiteSize>& given)
     {
-        const std::optional<SiteSize> size = given ? given : lowestSite(m_def, m_lef);
-        if (size) {
-            setSiteSize(*size);
+        if (given) {
+            setSiteSize(inDbu(given->width, m_def.databaseMicrons),
+                        inDbu(given->height, m_def.databaseMicrons));
+            return;
+        }
+        const RowSite* best = nullptr;
+        for (const RowSite& site : m_sites) {
+            best = site.isKnown && (best == nullptr || site.isBetterThan(*best)) ? &site : best;
+        }
+        if (best != nullptr) {
+            m_site = best->name;
+            setSiteSize(best->width, best->height);
             return;
         }
         const auto stepped = std::ranges::find_if(
             m_def.rows, [](const DefRow& row) { return row.columns > 1 && row.stepX > 0; });
         m_core.siteWidth = stepped != m_def.rows.end() ? stepped->stepX : 0;
         m_core.siteHeight = leastPitch(m_def.rows);
+        if (m_core.siteHeight <= 0) {
+            m_core.siteHeight = inDbu(commonHeight(m_lef, m_movable, ""), m_def.databaseMicrons).value_or(0);
+        }
         if (m_core.siteWidth <= 0 || m_core.siteHeight <= 0) {
             error("no-site", m_def.rows.front().offset,
                   "neither the LEF files nor the rows tell the size of site " +
@@ -119,10 +184,8 @@ private:
         }
     }
 
-    void setSiteSize(const SiteSize& size)
+    void setSiteSize(std::optional<int64_t> width, std::optional<int64_t> height)
     {
-        const std::optional<int64_t> width = inDbu(size.width, m_def.databaseMicrons);
-        const std::optional<int64_t> height = inDbu(size.height, m_def.databaseMicrons);
         if (!width || !height) {
             error("site-size", m_def.rows.front().offset,
                   "the site is no whole number of DBU wide and high at " +
@@ -134,51 +197,72 @@ private:
         m_core.siteHeight = *height;
     }
 
-    /// Whether a row stands on the core's sites; the library knows those of others.
-    bool isOfCore(const DefRow& row) const
-    {
-        const LefSite* site = findSite(m_lef, row.site);
-        return site == nullptr || inDbu(site->height, m_def.databaseMicrons) == m_core.siteHeight;
-    }
-
+    /// Takes the rows on the core's sites. Where two of them cannot be together, one of the core's site
+    /// itself stays, and else the first.
     void takeRows()
     {
+        std::vector<const DefRow*> inTurn;
         for (const DefRow& row : m_def.rows) {
-            if (!isOfCore(row)) {
-                m_reporter.warning("other-site", row.offset,
-                                   "row " + textOf(row.name) + " of site " + textOf(row.site) +
-                                       " is left out",
-                                   "only rows of the lowest site are placed");
-            } else if (isSound(row)) {
-                addPiece(row);
+            if (fits(row)) {
+                inTurn.push_back(&row);
             }
+        }
+        std::ranges::stable_partition(inTurn, [this](const DefRow* row) { return row->site == m_site; });
+        for (const DefRow* row : inTurn) {
+            addPiece(*row);
+        }
+        std::ranges::sort(m_core.rows, {}, &Row::offset);
+        for (Row& row : m_core.rows) {
+            joinPieces(row);
         }
         if (m_sound && m_core.rows.empty()) {
             error("no-rows", m_def.rows.front().offset, "no row is left", "see the warnings above");
         }
     }
 
-    bool isSound(const DefRow& row)
+    /// Whether a row stands on sites as the core's; a warning says so if not.
+    bool fits(const DefRow& row)
     {
-        const std::string name = "row " + textOf(row.name);
-        if (row.rows != 1 || isOnItsSide(row.orient)) {
-            error("vertical-row", row.offset, name + " is vertical", "the placer takes horizontal rows only");
+        const auto site = std::ranges::find(m_sites, row.site, &RowSite::name);
+        if (site->isKnown && site->height != m_core.siteHeight) { // of others, only the step is known
+            leaveOut(row, "other-site", "", "only rows of the site that most cells have are placed");
+        } else if (row.rows != 1 || isOnItsSide(row.orient)) {
+            leaveOut(row, "vertical-row", "it is vertical", "the placer takes horizontal rows only");
         } else if (row.columns > 1 && row.stepX != 0 && row.stepX != m_core.siteWidth) {
-            error("row-step", row.offset,
-                  name + " has step " + std::to_string(row.stepX) + ", not the site's width of " +
-                      std::to_string(m_core.siteWidth),
-                  "correct it, the LEF's SITE or --site");
+            leaveOut(row, "row-step",
+                     "it has step " + std::to_string(row.stepX) + ", not the site's width of " +
+                         std::to_string(m_core.siteWidth),
+                     "correct it, the LEF's SITE or --site");
         } else if (row.x + row.columns * m_core.siteWidth > INT32_MAX ||
                    row.y + m_core.siteHeight > INT32_MAX) {
-            error("row-range", row.offset, name + " leaves the range of 32 bits", "correct it");
+            error("row-range", row.offset, "row " + textOf(row.name) + " leaves the range of 32 bits",
+                  "correct it");
         } else {
             return true;
         }
         return false;
     }
 
+    void leaveOut(const DefRow& row, const char* code, const std::string& why, std::string advice)
+    {
+        m_reporter.warning(code, row.offset,
+                           "row " + textOf(row.name) + " of site " + textOf(row.site) + " is left out" +
+                               (why.empty() ? "" : ": " + why),
+                           std::move(advice));
+    }
+
+    /// Adds a row to those at its height, if it meets no other the wrong way; a warning says so if it does.
     void addPiece(const DefRow& from)
     {
+        const Piece piece{.begin = from.x, .end = from.x + from.columns * m_core.siteWidth};
+        if (const auto* const other = nearRow(from.y)) {
+            leaveOut(from, "row-overlap",
+                     "it is " + std::to_string(std::abs(from.y - other->y)) + " DBU from row " +
+                         textOf(other->name) + ", less than the site's height of " +
+                         std::to_string(m_core.siteHeight),
+                     "remove one of them");
+            return;
+        }
         const auto [at, isNew] = m_rowAt.try_emplace(from.y, m_core.rows.size());
         if (isNew) {
             m_core.rows.push_back({.name = from.name,
@@ -189,64 +273,69 @@ private:
         }
         Row& row = m_core.rows[at->second];
         if (row.orient != from.orient) {
-            error("row-orient", from.offset,
-                  "row " + textOf(from.name) + " lies " + textOf(nameOf(from.orient)) + ", and " +
-                      textOf(row.name) + " at the same height " + textOf(nameOf(row.orient)),
-                  "rows at one height must lie the same way");
-        }
-        row.pieces.push_back({.begin = from.x, .end = from.x + from.columns * m_core.siteWidth});
-    }
-
-    void joinPieces()
-    {
-        for (Row& row : m_core.rows) {
-            std::ranges::sort(row.pieces, {}, &Piece::begin);
-            std::vector<Piece> joined;
-            for (const Piece& piece : row.pieces) {
-                join(row, piece, joined);
-            }
-            row.pieces = std::move(joined);
-        }
-    }
-
-    void join(const Row& row, const Piece& piece, std::vector<Piece>& joined)
-    {
-        if (joined.empty() || piece.begin > joined.back().end) {
-            joined.push_back(piece);
-            return;
-        }
-        if ((piece.begin - joined.back().begin) % m_core.siteWidth == 0) {
-            joined.back().end = std::max(joined.back().end, piece.end);
+            leaveOut(from, "row-orient",
+                     "it lies " + textOf(nameOf(from.orient)) + ", and row " + textOf(row.name) +
+                         " at the same height " + textOf(nameOf(row.orient)),
+                     "rows at one height must lie the same way");
+        } else if (const auto other = std::ranges::find_if(
+                       row.pieces, [&](const Piece& each) { return isOffSites(each, piece); });
+                   other != row.pieces.end()) {
+            leaveOut(from, "row-overlap", "it overlaps another at its height, and their sites do not meet",
+                     "cut one of them");
         } else {
-            error("row-overlap", row.offset,
-                  "rows at height " + std::to_string(row.y) + " overlap, and their sites do not meet",
-                  "cut one of them");
+            row.pieces.push_back(piece);
         }
     }
 
-    void checkHeights()
+    /// Whether two pieces of a row overlap, and the sites of one lie between those of the other.
+    bool isOffSites(const Piece& a, const Piece& b) const
+    {
+        return a.begin < b.end && b.begin < a.end && (a.begin - b.begin) % m_core.siteWidth != 0;
+    }
+
+    /// A row at another height that overlaps one at this height.
+    const Row* nearRow(int64_t y) const
+    {
+        const auto after = m_rowAt.upper_bound(y);
+        if (after != m_rowAt.end() && after->first < y + m_core.siteHeight) {
+            return &m_core.rows[after->second];
+        }
+        const auto from = m_rowAt.lower_bound(y);
+        if (from != m_rowAt.begin() && std::prev(from)->first > y - m_core.siteHeight) {
+            return &m_core.rows[std::prev(from)->second];
+        }
+        return nullptr;
+    }
+
+    static void joinPieces(Row& row)
+    {
+        std::ranges::sort(row.pieces, {}, &Piece::begin);
+        std::vector<Piece> joined;
+        for (const Piece& piece : row.pieces) {
+            if (joined.empty() || piece.begin > joined.back().end) {
+                joined.push_back(piece);
+            } else {
+                joined.back().end = std::max(joined.back().end, piece.end);
+            }
+        }
+        row.pieces = std::move(joined);
+    }
+
+    void orderHeights()
     {
         std::vector<size_t>& order = m_core.byHeight;
         order.resize(m_core.rows.size());
         std::iota(order.begin(), order.end(), size_t{0});
         std::ranges::sort(order, {}, [&](size_t i) { return m_core.rows[i].y; });
-        for (size_t i = 1; i < order.size(); ++i) {
-            const Row& lower = m_core.rows[order[i - 1]];
-            const Row& upper = m_core.rows[order[i]];
-            if (upper.y - lower.y < m_core.siteHeight) {
-                error("row-overlap", upper.offset,
-                      "rows " + textOf(lower.name) + " and " + textOf(upper.name) + " are " +
-                          std::to_string(upper.y - lower.y) + " DBU apart, less than the site's height of " +
-                          std::to_string(m_core.siteHeight),
-                      "remove one of them");
-            }
-        }
     }
 
     const Def& m_def;
     const Lef& m_lef;
+    const std::vector<int64_t>& m_movable;
     SourceReporter& m_reporter;
+    std::vector<RowSite> m_sites;
     Core m_core;
+    std::string_view m_site;           ///< the core's, if it was chosen
     std::map<int64_t, size_t> m_rowAt; ///< by height
     bool m_sound = true;
 };
@@ -311,10 +400,10 @@ size_t Core::rowAt(int64_t y) const
     return at < byHeight.size() && rows[byHeight[at]].y == y ? byHeight[at] : NONE;
 }
 
-std::optional<Core> readCore(const Def& def, const Lef& lef, const std::optional<SiteSize>& site,
-                             SourceReporter& reporter)
+std::optional<Core> readCore(const Def& def, const Lef& lef, const std::vector<int64_t>& movable,
+                             const std::optional<SiteSize>& site, SourceReporter& reporter)
 {
-    return CoreReader(def, lef, reporter).read(site);
+    return CoreReader(def, lef, movable, reporter).read(site);
 }
 
 void addBlocks(Core& core, const std::vector<lefdef::DefRect>& rects)

@@ -56,11 +56,19 @@ struct Core {
     size_t rowAt(int64_t y) const;
 };
 
-/// Takes the rows of a DEF. Those of other sites than the smallest are left out, with a warning.
+/// Takes the rows of a DEF.
 ///
+/// The site is the one given, or the one that most movable cells have: by their height, of equal ones the
+/// lower, and then by name. Rows that the placer cannot have with those of that site are left out, with a
+/// warning: those of another height or step, vertical ones, and those that overlap another row, or lie other
+/// than one at their height.
+///
+/// @param movable  [macro] movable cells of it
+/// @param site     of --site, if given
 /// @return none after an error
 std::optional<Core> readCore(const lefdef::Def& def, const lefdef::Lef& lef,
-                             const std::optional<lefdef::SiteSize>& site, lefdef::SourceReporter& reporter);
+                             const std::vector<int64_t>& movable, const std::optional<lefdef::SiteSize>& site,
+                             lefdef::SourceReporter& reporter);
 
 /// Blocks what some rectangles cover of the rows, whole sites at a time, and the gaps between pieces.
 ///

@@ -11,6 +11,7 @@
 #include "kit/base/finding.h"
 #include "kit/design/nameMap.h"
 #include "kit/engines/import/cells.h"
+#include "kit/engines/import/constraints.h"
 #include "kit/engines/import/designFiles.h"
 #include "kit/formats/lefdef/library.h"
 
@@ -21,6 +22,9 @@ using lefdef::Def;
 using lefdef::Lef;
 using lefdef::Source;
 using lefdef::SourceReporter;
+
+/// Findings of a kind that are told one by one.
+constexpr size_t MOST_OF_A_KIND = 3;
 
 void checkOutputsOf(const Options& options)
 {
@@ -52,22 +56,31 @@ Lef readLefs(const Options& options, const Def& def, Findings& findings)
 class Import {
 public:
     Import(const Options& options, const Source& source, Findings& findings)
-        : m_options(options), m_source(source), m_findings(findings), m_reporter(findings, source),
-          m_def(readDef(source, m_ofDef)), m_lef(readLefs(options, m_def, findings))
+        : m_options(options), m_source(source), m_findings(findings),
+          m_reporter(findings, source, MOST_OF_A_KIND), m_def(readDef(source, m_ofDef)),
+          m_lef(readLefs(options, m_def, findings))
     {
         m_findings.insert(m_findings.end(), m_ofDef.begin(), m_ofDef.end());
+        limitFindings(m_findings, MOST_OF_A_KIND);
     }
 
     /// @return whether the design was written
     bool run(Summary& summary)
     {
+        const bool written = takeAndWrite(summary);
+        m_reporter.tellRest();
+        return written;
+    }
+
+private:
+    bool takeAndWrite(Summary& summary)
+    {
         requireUnits();
-        if (hasErrors(m_findings) || !takeRows() || !takeComponents()) {
+        const Names names(m_def);
+        if (hasErrors(m_findings) || !takeRows() || !takeComponents(names)) {
             return false;
         }
-        bool sound = true;
-        const Names names(m_def);
-        const Nets nets = readNets(m_def, names, m_reporter, sound);
+        const Nets nets = readNets(m_def, names, m_reporter);
         giveRows(nets);
         requireMasterNames();
         requireLayer();
@@ -82,7 +95,6 @@ public:
         return true;
     }
 
-private:
     void requireUnits()
     {
         if (m_def.databaseMicrons <= 0) {
@@ -93,23 +105,25 @@ private:
 
     bool takeRows()
     {
-        std::optional<Core> core = readCore(m_def, m_lef, m_options.site, m_reporter);
+        m_cells.masterOf = findMasters(m_def, m_lef);
+        const std::vector<int64_t> movable = countMovable(m_def, m_lef, m_cells.masterOf);
+        std::optional<Core> core = readCore(m_def, m_lef, movable, m_options.site, m_reporter);
         if (core) {
             m_core = std::move(*core);
         }
         return core.has_value();
     }
 
-    bool takeComponents()
+    bool takeComponents(const Names& names)
     {
         if (!takeCells(m_def, m_lef, m_core, m_options.legalize, m_reporter, m_cells)) {
             return false;
         }
         std::vector<lefdef::DefRect> blocked = m_cells.blocks;
-        for (const lefdef::DefBlockage& blockage : m_def.blockages) {
-            if (!blockage.soft) {
-                blocked.insert(blocked.end(), blockage.rects.begin(), blockage.rects.end());
-            }
+        for (const std::vector<lefdef::DefRect>& more :
+             {keepBlockages(m_def, m_reporter), keepRegions(m_def, names, m_cells, m_reporter),
+              keepHalos(m_def, m_lef, names, m_cells, m_reporter)}) {
+            blocked.insert(blocked.end(), more.begin(), more.end());
         }
         addBlocks(m_core, blocked);
         findRows(m_def, m_core, m_cells);

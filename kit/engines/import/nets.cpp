@@ -29,8 +29,10 @@ constexpr std::string_view TERMINAL = "PIN"; ///< stands for the component of a 
 
 void unknown(const lefdef::DefNet& net, const std::string& what, lefdef::SourceReporter& reporter)
 {
-    reporter.error("unknown-member", net.offset, "net " + std::string(net.name) + " has the unknown " + what,
-                   "correct the name, or the section it is missing in");
+    reporter.warning("unknown-member", net.offset,
+                     "net " + std::string(net.name) + " has the unknown " + what +
+                         ", which is left out of it",
+                     "correct the name, or the section it is missing in");
 }
 
 // A component's line holds two names and less than 50 other characters, and may have 255.
@@ -277,7 +279,7 @@ private:
 
 } // namespace
 
-Nets readNets(const lefdef::Def& def, const Names& names, lefdef::SourceReporter& reporter, bool& sound)
+Nets readNets(const lefdef::Def& def, const Names& names, lefdef::SourceReporter& reporter)
 {
     Nets nets;
     nets.members.reserve(def.members.size());
@@ -299,7 +301,6 @@ Nets readNets(const lefdef::Def& def, const Names& names, lefdef::SourceReporter
                         terminal ? "pin " + std::string(member.pin)
                                  : "component " + std::string(member.component),
                         reporter);
-                sound = false;
             } else {
                 nets.members.push_back(found);
             }

@@ -49,9 +49,7 @@ struct Names {
     lefdef::NameTable<lefdef::DefPin> pins;
 };
 
-/// Finds the members of the nets. Errors: unknown names; such members are left out.
-///
-/// @param sound  out: set to false after an error
-Nets readNets(const lefdef::Def& def, const Names& names, lefdef::SourceReporter& reporter, bool& sound);
+/// Finds the members of the nets. Those of unknown names are left out, with a warning.
+Nets readNets(const lefdef::Def& def, const Names& names, lefdef::SourceReporter& reporter);
 
 } // namespace kit::importing

@@ -37,10 +37,11 @@ struct DefComponent {
     Orient orient = Orient::N;
     int32_t x = 0; ///< lower left corner of the cell as it lies, DBU
     int32_t y = 0;
-    size_t offset = 0;     ///< of its name
-    size_t placeBegin = 0; ///< of the status word, UNPLACED too; 0 as well as placeEnd if there is none
-    size_t placeEnd = 0;   ///< behind the status and, if there is one, the orientation
-    size_t endOffset = 0;  ///< of the `;`
+    size_t offset = 0;         ///< of its name
+    size_t placeBegin = 0;     ///< of the status word, UNPLACED too; 0 as well as placeEnd if there is none
+    size_t placeEnd = 0;       ///< behind the status and, if there is one, the orientation
+    size_t endOffset = 0;      ///< of the `;`
+    std::string_view region{}; ///< named by REGION
 };
 
 struct DefPin {
@@ -76,6 +77,31 @@ struct DefBlockage {
     size_t offset = 0;
 };
 
+enum class RegionType : uint8_t { NONE, FENCE, GUIDE };
+
+/// A part of the area that is for some components.
+struct DefRegion {
+    std::string_view name;
+    std::vector<DefRect> rects;
+    RegionType type = RegionType::NONE; ///< NONE: members are inside, and others may be
+    size_t offset = 0;
+};
+
+struct DefGroup {
+    std::string_view name;
+    std::vector<std::string_view> patterns; ///< names of components, in which `*` stands for any text
+    std::string_view region;                ///< empty if it has none
+    size_t offset = 0;
+};
+
+/// What a component keeps free around it.
+struct DefHalo {
+    std::string_view component;
+    DefRect widths;    ///< at the left, bottom, right and top of the master, in xl, yl, xh and yh, DBU
+    bool soft = false; ///< only while the design is placed anew
+    size_t offset = 0;
+};
+
 /// A design.
 struct Def {
     std::string_view design;
@@ -90,6 +116,9 @@ struct Def {
     std::vector<DefNet> nets;           ///< regular ones; special nets are not read
     std::vector<DefMember> members;     ///< of all nets
     std::vector<DefBlockage> blockages;
+    std::vector<DefRegion> regions;
+    std::vector<DefGroup> groups;
+    std::vector<DefHalo> halos;
 };
 
 /// Reads a DEF file to its end, whatever is wrong with it.

@@ -38,12 +38,11 @@ constexpr std::string_view DEF_STATEMENTS[] = {
     "DIVIDERCHAR", "FLOORPLAN",   "GCELLGRID",    "TECHNOLOGY", "TRACKS"};
 
 /// What is skipped up to its END.
-constexpr std::string_view DEF_SECTIONS[] = {
-    "ASSERTIONS",    "CONSTRAINTS",         "DEFAULTCAP",      "FILLS",
-    "GROUPS",        "IOTIMINGS",           "NONDEFAULTRULES", "PARTITIONS",
-    "PINPROPERTIES", "PROPERTYDEFINITIONS", "REGIONS",         "SCANCHAINS",
-    "SLOTS",         "SPECIALNETS",         "STYLES",          "TIMINGDISABLES",
-    "VIAS"};
+constexpr std::string_view DEF_SECTIONS[] = {"ASSERTIONS", "CONSTRAINTS",    "DEFAULTCAP",
+                                             "FILLS",      "IOTIMINGS",      "NONDEFAULTRULES",
+                                             "PARTITIONS", "PINPROPERTIES",  "PROPERTYDEFINITIONS",
+                                             "SCANCHAINS", "SLOTS",          "SPECIALNETS",
+                                             "STYLES",     "TIMINGDISABLES", "VIAS"};
 
 /// Reads the text of a DEF file into a design.
 class DefReader : public FileReader<DefReader> {
@@ -74,6 +73,8 @@ private:
             {"PINS", &DefReader::readPins},
             {"NETS", &DefReader::readNets},
             {"BLOCKAGES", &DefReader::readBlockages},
+            {"REGIONS", &DefReader::readRegions},
+            {"GROUPS", &DefReader::readGroups},
             {"DESIGN", &DefReader::readDesignName},
             {"UNITS", &DefReader::readUnits},
             {"DIEAREA", &DefReader::readDieArea},
@@ -165,6 +166,8 @@ private:
         readSection(m_def.nets, &DefReader::readNet);
     }
     void readBlockages() { readSection(m_def.blockages, &DefReader::readBlockage); }
+    void readRegions() { readSection(m_def.regions, &DefReader::readRegion); }
+    void readGroups() { readSection(m_def.groups, &DefReader::readGroup); }
 
     template <typename Record>
     void readSection(std::vector<Record>& records, Read read)
@@ -219,7 +222,7 @@ private:
             const size_t at = m_in.offset();
             const Status status = takeStatus();
             if (status == Status::NONE) {
-                m_in.skipOption();
+                readComponentOption(component);
             } else if (component.status != Status::NONE) {
                 m_in.failAt(at, "place-twice",
                             "the component " + inQuotes(component.name) + " has a second place", "leave one");
@@ -230,7 +233,38 @@ private:
             }
         }
         component.endOffset = m_in.offset();
-        keepIfNew(component, m_def.components, m_components, "component");
+        // Without one of them, the placement would be another.
+        keepIfNew(component, m_def.components, m_components, "component", Severity::ERROR);
+    }
+
+    void readComponentOption(DefComponent& component)
+    {
+        if (m_in.take("REGION")) {
+            component.region = readRegionOf(component.name, component.offset);
+        } else if (m_in.take("HALO")) {
+            DefHalo halo{.component = component.name, .widths = {}, .offset = component.offset};
+            halo.soft = m_in.take("SOFT");
+            halo.widths.xl = m_in.integer("halo at the left");
+            halo.widths.yl = m_in.integer("halo at the bottom");
+            halo.widths.xh = m_in.integer("halo at the right");
+            halo.widths.yh = m_in.integer("halo at the top");
+            m_def.halos.push_back(halo);
+        } else {
+            m_in.skipOption();
+        }
+    }
+
+    /// The region of a record. One that is given by its corners gets the record's name.
+    std::string_view readRegionOf(std::string_view name, size_t offset)
+    {
+        if (!m_in.is("(")) {
+            return m_in.name("name of the region");
+        }
+        const Point a = readPoint();
+        const Point b = readPoint(a);
+        m_def.regions.push_back(
+            {.name = name, .rects = {geometry::rectBetween(a.x, a.y, b.x, b.y)}, .offset = offset});
+        return name;
     }
 
     void readPlace(DefComponent& component, Status status)
@@ -257,7 +291,7 @@ private:
             m_in.expect("+");
             readPinOption(pin);
         }
-        keepIfNew(pin, m_def.pins, m_pins, "pin");
+        keepIfNew(pin, m_def.pins, m_pins, "pin", Severity::WARNING);
     }
 
     void readPinOption(DefPin& pin)
@@ -327,7 +361,7 @@ private:
         }
         const size_t before = m_def.nets.size();
         if (net.name != "MUSTJOIN") {
-            keepIfNew(net, m_def.nets, m_nets, "net");
+            keepIfNew(net, m_def.nets, m_nets, "net", Severity::WARNING);
         } else if (m_in.finish()) {
             m_def.nets.push_back(net); // not a name: any number of nets have it
         }
@@ -373,6 +407,56 @@ private:
         }
     }
 
+    void readRegion()
+    {
+        DefRegion region;
+        region.offset = m_in.offset();
+        region.name = m_in.name("region's name");
+        while (m_in.is("(")) {
+            const Point a = readPoint();
+            const Point b = readPoint(a);
+            region.rects.push_back(geometry::rectBetween(a.x, a.y, b.x, b.y));
+        }
+        while (m_in.take("+")) {
+            if (m_in.take("TYPE")) {
+                const size_t at = m_in.offset();
+                const Word type = m_in.keyword("type of the region");
+                region.type = type == "FENCE"   ? RegionType::FENCE
+                              : type == "GUIDE" ? RegionType::GUIDE
+                                                : region.type;
+                if (type != "FENCE" && type != "GUIDE") {
+                    m_in.failAt(at, "region", inQuotes(type.text) + " is no type of a region",
+                                "write FENCE or GUIDE");
+                }
+            } else {
+                m_in.skipOption();
+            }
+        }
+        if (m_in.finish()) {
+            m_def.regions.push_back(std::move(region));
+        }
+    }
+
+    void readGroup()
+    {
+        DefGroup group;
+        group.offset = m_in.offset();
+        group.name = m_in.name("group's name");
+        while (m_in.more() && !m_in.is("+")) {
+            group.patterns.push_back(m_in.name("name of the group's component"));
+        }
+        while (m_in.take("+")) {
+            if (m_in.take("REGION")) {
+                group.region = readRegionOf(group.name, group.offset);
+            } else {
+                m_in.skipOption();
+            }
+        }
+        if (m_in.finish()) {
+            m_def.groups.push_back(std::move(group));
+        }
+    }
+
     void readBlockageOptions(DefBlockage& blockage)
     {
         while (m_in.take("+")) {
@@ -412,7 +496,7 @@ private:
     /// Ends a record, which is kept if it is sound and no other has its name.
     template <typename Record>
     void keepIfNew(const Record& record, std::vector<Record>& records, NameTable<Record>& names,
-                   const char* kind)
+                   const char* kind, Severity ifTwice)
     {
         if (!m_in.finish()) {
             return;
@@ -421,7 +505,7 @@ private:
         if (first == records.size()) {
             records.push_back(record);
         } else {
-            m_in.nameTwice(record.offset, std::string(kind) + " " + inQuotes(record.name),
+            m_in.nameTwice(ifTwice, record.offset, std::string(kind) + " " + inQuotes(record.name),
                            "line " + m_in.lineOf(records[first].offset));
         }
     }

@@ -203,7 +203,7 @@ private:
             return;
         }
         const Record& first = records[at->second];
-        m_in.nameTwice(record.offset, std::string(kind) + " " + inQuotes(record.name),
+        m_in.nameTwice(Severity::WARNING, record.offset, std::string(kind) + " " + inQuotes(record.name),
                        first.source == m_number ? "line " + m_in.lineOf(first.offset) : "an earlier file");
     }
 

@@ -464,7 +464,8 @@ private:
         if (isNew) {
             m_macro.pins.push_back(std::move(pin));
         } else {
-            m_in.nameTwice(pin.offset, "pin " + inQuotes(pin.name) + " of " + inQuotes(m_macro.name),
+            m_in.nameTwice(Severity::WARNING, pin.offset,
+                           "pin " + inQuotes(pin.name) + " of " + inQuotes(m_macro.name),
                            "line " + m_in.lineOf(same->second));
         }
     }

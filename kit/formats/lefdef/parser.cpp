@@ -350,10 +350,10 @@ std::string Parser::nextText() const
     return atFileEnd() ? "the end of the file" : inQuotes(m_scanner.token().text);
 }
 
-void Parser::nameTwice(size_t offset, const std::string& what, const std::string& where)
+void Parser::nameTwice(Severity severity, size_t offset, const std::string& what, const std::string& where)
 {
-    m_reporter.error("name-twice", offset, what + " stands in " + where + " already, and that one stays",
-                     "give each its own name");
+    m_reporter.add(severity, "name-twice", offset,
+                   what + " stands in " + where + " already, and that one stays", "give each its own name");
 }
 
 std::string Parser::lineOf(size_t offset) const

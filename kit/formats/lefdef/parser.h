@@ -163,9 +163,10 @@ public:
 
     /// Tells that another record has the name of one: "name-twice".
     ///
-    /// @param what   kind and name of the record
-    /// @param where  the other one stands: "line 3"
-    void nameTwice(size_t offset, const std::string& what, const std::string& where);
+    /// @param severity  an error if the second cannot be done without
+    /// @param what      kind and name of the record
+    /// @param where     the other one stands: "line 3"
+    void nameTwice(Severity severity, size_t offset, const std::string& what, const std::string& where);
 
     /// Line of a byte, for texts.
     std::string lineOf(size_t offset) const;

@@ -2,6 +2,7 @@
 #include "kit/formats/lefdef/source.h"
 
 #include <algorithm>
+#include <cassert>
 #include <utility>
 
 #include "kit/base/files/readFile.h"
@@ -57,6 +58,14 @@ Place Source::placeOf(size_t offset) const
 void SourceReporter::add(Severity severity, const char* code, size_t offset, std::string what,
                          std::string advice)
 {
+    if (m_mostOfAKind) {
+        Kind& kind = m_kinds[{severity, code}];
+        if (++kind.count <= *m_mostOfAKind) {
+            kind.last = m_findings.size();
+            m_reporter.add(severity, code, m_source.placeOf(offset), std::move(what), std::move(advice));
+        }
+        return;
+    }
     int64_t& told = m_told[static_cast<size_t>(severity)];
     if (told > MOST_FINDINGS) {
         return;
@@ -70,6 +79,16 @@ void SourceReporter::add(Severity severity, const char* code, size_t offset, std
         return;
     }
     m_reporter.add(severity, code, m_source.placeOf(offset), std::move(what), std::move(advice));
+}
+
+void SourceReporter::tellRest()
+{
+    for (const auto& [severityAndCode, kind] : m_kinds) {
+        if (kind.count > *m_mostOfAKind) {
+            assert(m_findings[kind.last].code == severityAndCode.second);
+            addRest(m_findings[kind.last], kind.count - *m_mostOfAKind);
+        }
+    }
 }
 
 } // namespace kit::lefdef

@@ -3,8 +3,11 @@
 
 #include <array>
 #include <cstdint>
+#include <map>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "kit/base/finding.h"
@@ -57,10 +60,17 @@ public:
     static constexpr int64_t MOST_FINDINGS = 1000; ///< of a severity
 
     /// @param findings, source  must outlive the reporter
-    SourceReporter(Findings& findings, const Source& source)
-        : m_reporter(findings, source.path()), m_source(source)
+    /// @param mostOfAKind       so many findings of a severity and code are told, whatever their number
+    SourceReporter(Findings& findings, const Source& source, std::optional<size_t> mostOfAKind = std::nullopt)
+        : m_findings(findings), m_reporter(findings, source.path()), m_source(source),
+          m_mostOfAKind(mostOfAKind)
     {
     }
+
+    /// Says behind the last finding told of each kind how many more there are. Once, when all are there.
+    ///
+    /// @pre  no finding was removed since (assert)
+    void tellRest();
 
     /// Tells of an error at a byte.
     void error(const char* code, size_t offset, std::string what, std::string advice)
@@ -78,9 +88,18 @@ public:
     void add(Severity severity, const char* code, size_t offset, std::string what, std::string advice);
 
 private:
+    /// Findings of a severity and code.
+    struct Kind {
+        size_t count = 0;
+        size_t last = 0; ///< index of the last that was told
+    };
+
+    Findings& m_findings;
     Reporter m_reporter;
     const Source& m_source;
-    std::array<int64_t, 3> m_told{}; ///< [severity]
+    std::optional<size_t> m_mostOfAKind;
+    std::map<std::pair<Severity, std::string>, Kind> m_kinds; ///< if they are limited
+    std::array<int64_t, 3> m_told{};                          ///< [severity]
 };
 
 } // namespace kit::lefdef

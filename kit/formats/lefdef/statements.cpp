@@ -57,8 +57,11 @@ PinUse readUse(Parser& in)
     const Word word = in.keyword("use");
     const auto* const use = std::ranges::find_if(USES, [&](std::string_view each) { return word == each; });
     if (use == USES.end()) {
-        in.failAt(at, "use", inQuotes(word.text) + " is no use of a pin or net",
-                  "write SIGNAL, ANALOG, CLOCK, POWER, GROUND, SCAN, TIEOFF or RESET");
+        if (!word.text.empty()) {
+            in.reporter().warning("use", at,
+                                  inQuotes(word.text) + " is no use of a pin or net, and SIGNAL is taken",
+                                  "write SIGNAL, ANALOG, CLOCK, POWER, GROUND, SCAN, TIEOFF or RESET");
+        }
         return PinUse::SIGNAL;
     }
     return static_cast<PinUse>(use - USES.begin());

@@ -19,7 +19,7 @@ void readVersion(Parser& in);
 /// Reads NAMESCASESENSITIVE behind that word, and finishes it. A warning, "names-case", if it is OFF.
 void readNamesCase(Parser& in);
 
-/// Reads the word behind USE. Errors: "use" if it is none of the grammar.
+/// Reads the word behind USE. A warning, "use", if it is none of the grammar; it is then SIGNAL.
 PinUse readUse(Parser& in);
 
 /// The word that a statement or a section starts with, and what reads the rest.

@@ -40,7 +40,8 @@ std::string cacheRoot(const Options& options)
 
 } // namespace
 
-std::string cachedFolder(const Options& options, const std::string& site, const std::string& version)
+std::string cachedFolder(const Options& options, const std::string& site,
+                         const std::vector<std::string>& cells, const std::string& version)
 {
     Hash hash;
     const auto numberText = [](const auto& number) { return number ? shortText(*number) : ""; };
@@ -50,7 +51,12 @@ std::string cachedFolder(const Options& options, const std::string& site, const 
         hash.add(option);
         hash.add(std::string_view("\0", 1)); // "a" and "bc" are not "ab" and "c"
     }
+    for (const std::string& cell : cells) {
+        hash.add(cell);
+        hash.add(std::string_view("\0", 1));
+    }
     for (const std::string& path : options.lefs) {
+        hash.add(std::string_view("\0", 1)); // no name of a cell is empty
         hash.add(readFile(path));
         hash.add(std::string_view("\0", 1));
     }

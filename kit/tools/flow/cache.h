@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "kit/base/version.h"
 #include "kit/tools/flow/options.h"
@@ -16,10 +17,12 @@ inline constexpr const char* MARK = "made-by-flow";
 /// Options::cache, else in $XDG_CACHE_HOME/vireloce, else in ~/.cache/vireloce.
 ///
 /// @param site     size of a site, W,H in micrometres
+/// @param cells    names of the cells that are coloured
 /// @param version  of the program: another may colour the same input otherwise
 ///
 /// Errors: throws Fault if a LEF file cannot be read, or no such place is known.
 std::string cachedFolder(const Options& options, const std::string& site,
+                         const std::vector<std::string>& cells,
                          const std::string& version = programVersion());
 
 /// Makes the folder in which this process makes a folder of the cache, beside it.

@@ -287,13 +287,18 @@ private:
                  << "\n";
     }
 
-    /// Takes the design in. The steps that follow are given the layer that it found.
+    /// Takes the design in. The steps that follow are given the layer and the cells that it found.
     bool import()
     {
         if (!runStep(importStep(m_options, m_places))) {
             return false;
         }
         m_options.layer = m_result["layer"].asString();
+        std::istringstream list(readFile(m_places.base + ".cells"));
+        std::string name;
+        for (list >> name; list >> name;) {
+            m_cells.push_back(name);
+        }
         return true;
     }
 
@@ -305,12 +310,12 @@ private:
         return lefdef::micrometres(map.siteWidth) + "," + lefdef::micrometres(map.siteHeight);
     }
 
-    /// Colours the library, unless that was done before.
+    /// Colours the cells in use, unless that was done before.
     bool colour()
     {
         const std::string site = siteFound();
         if (m_options.cellPath.empty()) {
-            m_places.cellDir = cachedFolder(m_options, site);
+            m_places.cellDir = cachedFolder(m_options, site, m_cells);
         }
         if (!m_options.cellPath.empty() || fs::exists(m_places.cellDir)) {
             m_ending = {};
@@ -322,7 +327,7 @@ private:
         removeOldParts(m_places.cellDir);
         const std::string part = makePart(m_places.cellDir);
         const FolderRemoval removal(part); // unless it was given its name
-        if (!runStep(colorStep(m_options, site, part))) {
+        if (!runStep(colorStep(m_options, m_places, site, part))) {
             return false;
         }
         writeFile(part + "/log", readFile(logOf("color")));
@@ -335,11 +340,8 @@ private:
     /// Whether every cell in use has a colour file.
     bool requireCells()
     {
-        std::istringstream list(readFile(m_places.base + ".cells"));
-        std::string name;
         std::string missing;
-        for (list >> name; list >> name;) {
-            m_cells.push_back(name);
+        for (const std::string& name : m_cells) {
             missing += fs::exists(m_places.cellDir + "/" + name + ".color") ? "" : " " + name;
         }
         if (missing.empty()) {

@@ -93,9 +93,10 @@ Step importStep(const Options& options, const Places& places)
     return {.name = "import", .words = words, .advice = SEE_MESSAGES};
 }
 
-Step colorStep(const Options& options, const std::string& site, const std::string& folder)
+Step colorStep(const Options& options, const Places& places, const std::string& site,
+               const std::string& folder)
 {
-    Words words{"color", "-o", folder, "--json"};
+    Words words{"color", "-o", folder, "--cells", places.base + ".cells", "--json"};
     addGiven(words, "--layer", options.layer);
     addLefs(words, options);
     addGiven(words, "--site", site);
@@ -105,7 +106,7 @@ Step colorStep(const Options& options, const std::string& site, const std::strin
     if (options.allowConflicts) {
         words.emplace_back("--allow-conflicts");
     }
-    // Status 1 is that of a library with cells that cannot be coloured; the design may do without them.
+    // Status 1 is that of cells that cannot be coloured; flow names them.
     return {.name = "color",
             .words = words,
             .goodStatus = 1,

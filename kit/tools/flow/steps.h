@@ -44,7 +44,8 @@ Step importStep(const Options& options, const Places& places);
 ///
 /// @param site    size of a site, W,H in micrometres
 /// @param folder  where the colour files are made
-Step colorStep(const Options& options, const std::string& site, const std::string& folder);
+Step colorStep(const Options& options, const Places& places, const std::string& site,
+               const std::string& folder);
 
 /// Looks for problems of the design.
 Step lintStep(const Options& options, const Places& places);

@@ -93,6 +93,34 @@ TEST_F(KitColorCommand, LayerIsFoundIfItIsNotGiven)
     EXPECT_NE(outcome.output.find("1 cell, layer m1, "), std::string::npos) << outcome.output;
 }
 
+TEST_F(KitColorCommand, OnlyListedCellsAreColoured)
+{
+    write(SITE + master("INV", BAR) + master("BUF", SQUARES) + master("RAM", BAR, "CLASS BLOCK ;"));
+    m_dir.write("list", "2\nINV\nRAM\n");
+    const KitOutcome outcome = color({"--cells", m_dir.path("list")});
+    EXPECT_EQ(outcome.status, 0) << "of a cell that is not listed nothing is said: " << outcome.error;
+    EXPECT_TRUE(exists("INV.color"));
+    EXPECT_TRUE(exists("RAM.color"));
+    EXPECT_FALSE(exists("BUF.color"));
+}
+
+TEST_F(KitColorCommand, ListThatDoesNotFitIsAnError)
+{
+    write(SITE + master("INV", BAR));
+    for (const auto& [list, why] :
+         {std::pair{"1 BUF", "the cell BUF of the list is in none of the LEF files\n"},
+          std::pair{"3 INV BUF NAND", "the cell BUF of the list is in none of the LEF files, as "
+                                      "are 1 more\n"},
+          std::pair{"INV BUF", "is no list of cells: the number of names comes first"},
+          std::pair{"2 INV", "is no list of cells"}, std::pair{"0", "lists no cell"}}) {
+        m_dir.write("list", list);
+        const KitOutcome outcome = color({"--cells", m_dir.path("list")});
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_NE(outcome.error.find(why), std::string::npos) << outcome.error;
+        EXPECT_FALSE(std::filesystem::exists(out()));
+    }
+}
+
 TEST_F(KitColorCommand, SeveralFilesAreOneLibrary)
 {
     write(master("INV", BAR));

@@ -5,7 +5,6 @@
 #include "kit/base/files/writeOutput.h"
 #include "kit/base/text/json.h"
 #include "kit/design/nameMap.h"
-#include "kit/engines/export/limit.h"
 #include "kit/engines/export/smallExport.h"
 
 namespace {
@@ -456,11 +455,11 @@ TEST(KitExportLimit, KeepsTheFirstOfEachCode)
         findings.push_back({.code = "a", .file = "f", .line = i, .what = "w", .advice = "do"});
     }
     findings.push_back({.code = "b", .file = "f", .what = "w", .advice = "do"});
-    kit::exporter::limitFindings(findings, 2);
+    kit::limitFindings(findings, 2);
     ASSERT_EQ(findings.size(), 3U);
     EXPECT_EQ(findings[0].advice, "do");
     EXPECT_EQ(findings[1].line, 1);
-    EXPECT_EQ(findings[1].advice, "do; there are 3 more like this");
+    EXPECT_EQ(findings[1].advice, "do; 3 more like this");
     EXPECT_EQ(findings[2].code, "b");
     EXPECT_EQ(findings[2].advice, "do");
 }

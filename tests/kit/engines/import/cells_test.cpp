@@ -263,12 +263,39 @@ TEST_F(KitImportNets, WordPinIsATerminalInAnyCaseUnlessAComponentHasThatName)
     EXPECT_EQ(fileOf(".netlist"), "1\n2\n u Pin\n");
 }
 
-TEST_F(KitImportNets, UnknownMembersAreErrors)
+TEST_F(KitImportNets, UnknownMembersAreLeftOutWithAWarning)
 {
-    const auto outcome = import("NETS 1 ;\n- n ( PIN p ) ( a Z ) ;\nEND NETS\n");
+    const auto outcome = import(components({"a A + PLACED ( 1000 0 ) N"}) +
+                                "NETS 1 ;\n- n ( PIN p ) ( b Z ) ( a Z ) ;\nEND NETS\n");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_NE(outcome.error.find("warning: net n has the unknown pin p, which is left out of it"),
+              std::string::npos)
+        << outcome.error;
+    EXPECT_NE(outcome.error.find("warning: net n has the unknown component b"), std::string::npos)
+        << outcome.error;
+    EXPECT_EQ(fileOf(".netlist"), "1\n1\n a\n");
+}
+
+TEST_F(KitImportCells, FirstThreeProblemsOfAKindAreToldWithTheNumberOfTheRest)
+{
+    Words records;
+    for (int i = 0; i < 5000; ++i) {
+        records.push_back("u" + std::to_string(i) + " A + PLACED ( 1000 " + std::to_string(-1 - i) + " ) N");
+    }
+    records.push_back("v A ; - v A ; - v A ; - v A ; - v A");
+    const auto outcome = import(components(records), {"--layer", "metal1"});
     EXPECT_EQ(outcome.status, 2);
-    EXPECT_NE(outcome.error.find("net n has the unknown pin p"), std::string::npos) << outcome.error;
-    EXPECT_NE(outcome.error.find("net n has the unknown component a"), std::string::npos) << outcome.error;
+    EXPECT_EQ(std::count(outcome.error.begin(), outcome.error.end(), '\n'), 4) << outcome.error;
+    EXPECT_NE(outcome.error.find("name-twice"), std::string::npos) << outcome.error;
+    EXPECT_NE(outcome.error.find("1 more like this"), std::string::npos) << outcome.error;
+    records.pop_back();
+    const auto others = import(components(records), {"--layer", "metal1"});
+    EXPECT_EQ(std::count(others.error.begin(), others.error.end(), '\n'), 3) << others.error;
+    EXPECT_NE(others.error.find(
+                  "component u2 does not stand on free sites of a row; move it, or give --legalize to have "
+                  "it put on the nearest ones; 4997 more like this [off-row]\n"),
+              std::string::npos)
+        << others.error;
 }
 
 TEST_F(KitImportNames, ThatTheFilesCannotCarryAreMappedBack)

@@ -79,7 +79,9 @@ TEST_F(KitImportRows, SiteOptionComesFirst)
     importWell("", {"--site", "0.2,2"}, test::TWO_ROWS, "MACRO A CLASS CORE ; SIZE 0.4 BY 2 ; END A\n");
     const auto other = import("", {"--site", "0.1,2"});
     EXPECT_EQ(other.status, 2);
-    EXPECT_NE(other.error.find("row r0 has step 200, not the site's width of 100"), std::string::npos)
+    EXPECT_NE(
+        other.error.find("row r0 of site core is left out: it has step 200, not the site's width of 100"),
+        std::string::npos)
         << other.error;
     EXPECT_EQ(import("", {"--site", "0.1"}).status, 2);
     EXPECT_EQ(import("", {"--site", "0.1,-2"}).status, 2);
@@ -107,22 +109,91 @@ INSTANTIATE_TEST_SUITE_P(
         BadRows{"NoRows", "", "the DEF has no rows"},
         BadRows{"OnlyOtherSites",
                 "ROW t tall 0 0 N DO 2 BY 1 STEP 200 0 ;\nROW t2 core 0 0 N DO 2 BY 1 STEP 100 0 ;\n",
-                "has step 100"},
-        BadRows{"Vertical", "ROW r core 0 0 N DO 1 BY 5 STEP 0 2000 ;\n", "row r is vertical"},
-        BadRows{"OnItsSide", "ROW r core 0 0 W DO 5 BY 1 STEP 200 0 ;\n", "row r is vertical"},
+                "d.def:4:1: error: no row is left; see the warnings above"},
+        BadRows{"OnlyVertical", "ROW r core 0 0 N DO 1 BY 5 STEP 0 2000 ;\n",
+                "error: no row is left; see the warnings above"},
         BadRows{"WithoutSites", "ROW r core 0 0 N DO 0 BY 1 STEP 200 0 ;\n", "the number of columns is 0"},
-        BadRows{"OverlapInHeight",
-                "ROW a core 0 0 N DO 5 BY 1 STEP 200 0 ;\nROW b core 0 1000 N DO 5 BY 1 STEP 200 0 ;\n",
-                "rows a and b are 1000 DBU apart"},
-        BadRows{"OverlapOffSites",
-                "ROW a core 0 0 N DO 5 BY 1 STEP 200 0 ;\nROW b core 500 0 N DO 5 BY 1 STEP 200 0 ;\n",
-                "overlap, and their sites do not meet"},
-        BadRows{"TwoOrientationsAtOneHeight",
-                "ROW a core 0 0 N DO 5 BY 1 STEP 200 0 ;\nROW b core 2000 0 FS DO 5 BY 1 STEP 200 0 ;\n",
-                "d.def:5:1: error: row b lies FS, and a at the same height N"},
         BadRows{"OutOfRange", "ROW a core 2147483000 0 N DO 5 BY 1 STEP 200 0 ;\n",
                 "leaves the range of 32 bits"}),
     [](const auto& instance) { return instance.param.rule; });
+
+/// A row beside r0 and r1, and why it is left out.
+struct OtherRow {
+    const char* rule;
+    const char* row;
+    const char* why;
+};
+
+class KitImportOtherRows : public KitImport, public testing::WithParamInterface<OtherRow> {};
+
+TEST_P(KitImportOtherRows, AreLeftOutWithAWarning)
+{
+    importWell("");
+    const std::string before = fileOf(".place");
+    const auto outcome = import("", {}, std::string(test::TWO_ROWS) + "ROW x " + GetParam().row + " ;\n");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_NE(outcome.error.find(std::string("d.def:6:1: warning: row x of site ") + GetParam().why),
+              std::string::npos)
+        << outcome.error;
+    EXPECT_EQ(fileOf(".place"), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rules, KitImportOtherRows,
+    testing::Values(
+        OtherRow{"OfAnotherHeight", "tall 1000 0 N DO 20 BY 1 STEP 200 0", "tall is left out; only rows"},
+        OtherRow{"OfPads", "pad 0 9000 N DO 20 BY 1 STEP 1000 0", "pad is left out; only rows"},
+        OtherRow{"OnItsSide", "core 0 9000 W DO 20 BY 1 STEP 200 0", "core is left out: it is vertical"},
+        OtherRow{"OfSeveralHeights", "core 0 9000 N DO 1 BY 20 STEP 0 2000", "core is left out: it is vert"},
+        OtherRow{"OfAnotherStep", "odd 0 9000 N DO 20 BY 1 STEP 300 0", "odd is left out: it has step 300, "},
+        OtherRow{"OverAnother", "core 1000 1000 N DO 20 BY 1 STEP 200 0",
+                 "core is left out: it is 1000 DBU from row r1, less than the site's height of 2000"},
+        OtherRow{"UnderAnother", "core 1000 -1 N DO 20 BY 1 STEP 200 0",
+                 "core is left out: it is 1 DBU from row r0, less than"},
+        OtherRow{"OffTheSitesOfAnother", "core 1100 0 N DO 20 BY 1 STEP 200 0",
+                 "core is left out: it overlaps another at its height, and their sites do not meet"},
+        OtherRow{"LyingOther", "core 9000 0 FS DO 20 BY 1 STEP 200 0",
+                 "core is left out: it lies FS, and row r0 at the same height N"}),
+    [](const auto& instance) { return instance.param.rule; });
+
+TEST_F(KitImportRows, OfTheCoresSiteGoBeforeOthers)
+{
+    importWell(components({"u A + PLACED ( 1000 0 ) N"}), {},
+               "ROW x odd 1100 0 FS DO 9 BY 1 STEP 200 0 ;\n" + std::string(test::TWO_ROWS));
+    EXPECT_EQ(rows().front(), "r0 core 1000 0 N DO 20 BY 1 STEP 200 0 ;");
+    EXPECT_EQ(rows().size(), 2U);
+}
+
+TEST_F(KitImportRows, SiteIsThatOfMostMovableCells)
+{
+    const std::string rows = std::string(test::TWO_ROWS) + "ROW t0 tall 1000 0 N DO 20 BY 1 STEP 200 0 ;\n";
+    const Words cells{"a TALL + PLACED ( 1000 0 ) N", "b TALL + PLACED ( 2000 0 ) N",
+                      "c A + FIXED ( 4000 0 ) N",     "d A + FIXED ( 4400 0 ) N",
+                      "e FILL + PLACED ( 4800 0 ) N", "f A + PLACED ( 3000 0 ) N"};
+    importWell(components(cells), {}, rows);
+    EXPECT_EQ(map().siteHeight, 4'000'000);
+    EXPECT_EQ(this->rows().front(), "t0 tall 1000 0 N DO 20 BY 1 STEP 200 0 ;");
+    importWell(components({cells[0], "g A + PLACED ( 3400 0 ) N", cells[5]}), {}, rows);
+    EXPECT_EQ(map().siteHeight, 2'000'000);
+}
+
+TEST_F(KitImportRows, SiteThatNoLefHasIsAsHighAsTheCellsThatNameIt)
+{
+    const std::string lef = "SITE tall CLASS CORE ; SIZE 0.2 BY 4.0 ; END tall\n"
+                            "MACRO A CLASS CORE ; SIZE 0.4 BY 2 ; SITE core ; END A\n"
+                            "MACRO B CLASS CORE ; SIZE 0.4 BY 4 ; SITE tall ; END B\n";
+    importWell(components({"a A + PLACED ( 1000 0 ) N", "b B + PLACED ( 1400 0 ) N"}), {},
+               "ROW t tall 1000 0 N DO 20 BY 1 STEP 200 0 ;\n" + std::string(test::TWO_ROWS), lef);
+    EXPECT_EQ(map().siteHeight, 2'000'000);
+    EXPECT_EQ(rows().size(), 2U);
+}
+
+TEST_F(KitImportRows, OneOfAnUnknownSiteIsAsHighAsMostCells)
+{
+    importWell(components({"u A + PLACED ( 0 0 ) N"}), {}, "ROW a x 0 0 N DO 5 BY 1 STEP 200 0 ;\n",
+               "MACRO A CLASS CORE ; SIZE 0.4 BY 2 ; END A\nMACRO B CLASS CORE ; SIZE 0.4 BY 3 ; END B\n");
+    EXPECT_EQ(map().siteHeight, 2'000'000);
+}
 
 TEST_F(KitImportRows, OfLongNamesFitTheirLine)
 {

@@ -191,7 +191,7 @@ const ReadCase COMPONENTS[] = {
      "( 1 2 ) N + HALO SOFT 1 2 3 4 + ROUTEHALO 10 M1 M2 + WEIGHT 3 + REGION r + PROPERTY p \"+ PLACED ; - "
      "\" q "
      "-5 ; END COMPONENTS END DESIGN",
-     {"component a/b[1] INV_X1 FIXED (1 2) N [FIXED\n( 1 2 ) N]"}},
+     {"component a/b[1] INV_X1 FIXED (1 2) N [FIXED\n( 1 2 ) N]", "soft halo of a/b[1] (1 2)(3 4)"}},
     {"SemicolonGluedToTheOrientation",
      "COMPONENTS 2 ; - a INV + PLACED ( 1 2 ) FN; - b INV + WEIGHT 3; END COMPONENTS END DESIGN",
      {"component a INV PLACED (1 2) FN [PLACED ( 1 2 ) FN]", "component b INV NONE (0 0) N []"}},
@@ -329,12 +329,14 @@ const ReadCase PINS[] = {
       "pin h on  not placed"}},
     {"OfNoUse",
      "PINS 1 ; - a + USE VDD ; END PINS END DESIGN",
-     {"error use 1:20: \"VDD\" is no use of a pin or net; write SIGNAL, ANALOG, CLOCK, POWER, GROUND, SCAN, "
-      "TIEOFF or RESET"}},
+     {"pin a on  not placed", "warning use 1:20: \"VDD\" is no use of a pin or net, and SIGNAL is taken; "
+                              "write SIGNAL, ANALOG, CLOCK, POWER, GROUND, SCAN, "
+                              "TIEOFF or RESET"}},
     {"NameTwice",
      "PINS 2 ; - a ;\n- a ; END PINS END DESIGN",
-     {"pin a on  not placed", "error name-twice 2:3: pin \"a\" stands in line 1 already, and that one stays; "
-                              "give each its own name"}},
+     {"pin a on  not placed",
+      "warning name-twice 2:3: pin \"a\" stands in line 1 already, and that one stays; "
+      "give each its own name"}},
     {"PlaceOutOfRange",
      "PINS 1 ; - a + PLACED ( 3e9 0 ) N ; END PINS END DESIGN",
      {"error range 1:25: the x coordinate, \"3e9\", is out of range; give a number between -2147483648 and "
@@ -387,7 +389,7 @@ const ReadCase NETS[] = {
     {"NameTwice",
      "NETS 3 ; - a ( u1 A ) ;\n- a ( u2 A ) ;\n- b ( u3 A ) ; END NETS END DESIGN",
      {"net a u1/A", "net b u3/A",
-      "error name-twice 2:3: net \"a\" stands in line 1 already, and that one stays; give each its own "
+      "warning name-twice 2:3: net \"a\" stands in line 1 already, and that one stays; give each its own "
       "name"}},
     {"NoSemicolonBehindTheRouting",
      "NETS 2 ; - a + ROUTED M1 ( 0 0 ) ( 1 0 )\n- b ; END NETS END DESIGN",
@@ -435,6 +437,29 @@ const ReadCase BLOCKAGES[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Blockages, DefReader, testing::ValuesIn(BLOCKAGES),
                          testing::PrintToStringParamName());
+
+const ReadCase REGIONS[] = {
+    {"OfEachType",
+     "REGIONS 3 ; - a ( 0 5 ) ( 10 0 ) ( 20 0 ) ( 30 * ) + TYPE FENCE + PROPERTY p \"+ TYPE\" ; - b ( 0 0 ) "
+     "( 1 1 ) + TYPE "
+     "GUIDE ;\n"
+     "- c ( 0 0 ) ( 1 1 ) ; END REGIONS END DESIGN",
+     {"fence a (0 0)(10 5) (20 0)(30 0)", "guide b (0 0)(1 1)", "region c (0 0)(1 1)"}},
+    {"OfNoType",
+     "REGIONS 1 ; - a ( 0 0 ) ( 1 1 ) + TYPE WALL ; END REGIONS END DESIGN",
+     {"error region 1:40: \"WALL\" is no type of a region; write FENCE or GUIDE"}},
+    {"Groups",
+     "GROUPS 3 ; - a u1 v/* + SOFT MAXX 5 MAXY 6 + REGION r + PROPERTY p 1 ; - b + REGION ( 0 0 ) ( 5 5 ) ; "
+     "- c * ; END "
+     "GROUPS END DESIGN",
+     {"region b (0 0)(5 5)", "group a in [r] u1 v/*", "group b in [b]", "group c in [] *"}},
+    {"OfComponents",
+     "COMPONENTS 2 ; - a INV + REGION r + HALO 1 2 3 4 ; - b INV + REGION ( 0 0 ) ( 5 5 ) ; END COMPONENTS "
+     "END DESIGN",
+     {"component a INV NONE (0 0) N []", "component b INV NONE (0 0) N []", "region b (0 0)(5 5)",
+      "halo of a (1 2)(3 4)"}},
+};
+INSTANTIATE_TEST_SUITE_P(Regions, DefReader, testing::ValuesIn(REGIONS), testing::PrintToStringParamName());
 
 TEST(DefReader, KnowsWhereThingsStand)
 {
@@ -494,15 +519,14 @@ const ReadCase SKIPPED[] = {
     {"SectionsWithoutUse",
      "PROPERTYDEFINITIONS COMPONENTPROPERTY p STRING \"; END\" ; END PROPERTYDEFINITIONS\n"
      "VIAS 1 ; - v + RECT M1 ( 0 0 ) ( 1 1 ) ; END VIAS STYLES 1 ; - STYLE 0 ( 0 0 ) ; END STYLES\n"
-     "NONDEFAULTRULES 1 ; - r + LAYER M1 WIDTH 1 ; END NONDEFAULTRULES REGIONS 1 ; - r ( 0 0 ) ( 1 1 ) ; END "
-     "REGIONS\n"
+     "NONDEFAULTRULES 1 ; - r + LAYER M1 WIDTH 1 ; END NONDEFAULTRULES "
      "PINPROPERTIES 1 ; - PIN p + PROPERTY a 1 ; END PINPROPERTIES SLOTS 1 ; - LAYER M1 RECT ( 0 0 ) ( 1 1 ) "
      "; END "
      "SLOTS\n"
      "FILLS 1 ; - LAYER M1 RECT ( 0 0 ) ( 1 1 ) ; END FILLS SPECIALNETS 9 ; - VDD ( * VDD ) + USE POWER ; "
      "END "
      "SPECIALNETS\n"
-     "SCANCHAINS 1 ; - s + START a b ; END SCANCHAINS GROUPS 1 ; - g u* + REGION r ; END GROUPS\n"
+     "SCANCHAINS 1 ; - s + START a b ; END SCANCHAINS\n"
      "TRACKS X 0 DO 5 STEP 10 LAYER M1 ; GCELLGRID X 0 DO 5 STEP 10 ; DESIGN d ; END DESIGN",
      {"design d"}},
     {"Extension",

@@ -91,6 +91,31 @@ inline std::string describe(const kit::lefdef::DefBlockage& blockage)
     return line;
 }
 
+inline std::string describe(const kit::lefdef::DefRegion& region)
+{
+    const char* const types[] = {"region ", "fence ", "guide "};
+    std::string line = types[static_cast<size_t>(region.type)] + std::string(region.name);
+    for (const auto& rect : region.rects) {
+        line += " " + point(rect.xl, rect.yl) + point(rect.xh, rect.yh);
+    }
+    return line;
+}
+
+inline std::string describe(const kit::lefdef::DefGroup& group)
+{
+    std::string line = "group " + std::string(group.name) + " in [" + std::string(group.region) + "]";
+    for (const std::string_view pattern : group.patterns) {
+        line.append(" ").append(pattern);
+    }
+    return line;
+}
+
+inline std::string describe(const kit::lefdef::DefHalo& halo)
+{
+    return (halo.soft ? "soft halo of " : "halo of ") + std::string(halo.component) + " " +
+           point(halo.widths.xl, halo.widths.yl) + point(halo.widths.xh, halo.widths.yh);
+}
+
 /// All of a DEF text, behind that the findings.
 inline Lines describeDef(const std::string& text)
 {
@@ -122,6 +147,15 @@ inline Lines describeDef(const std::string& text)
     }
     for (const auto& blockage : def.blockages) {
         lines.push_back(describe(blockage));
+    }
+    for (const auto& region : def.regions) {
+        lines.push_back(describe(region));
+    }
+    for (const auto& group : def.groups) {
+        lines.push_back(describe(group));
+    }
+    for (const auto& halo : def.halos) {
+        lines.push_back(describe(halo));
     }
     append(lines, findings);
     return lines;

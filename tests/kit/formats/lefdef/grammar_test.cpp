@@ -40,7 +40,7 @@ TEST_F(Grammar, EveryStatementOfDefIsKnown)
     const kit::lefdef::Def def = readDef(source, findings);
     std::erase_if(findings, [](const kit::Finding& finding) { return finding.code == "wrong-count"; });
     EXPECT_EQ(findingsOf(findings),
-              (Lines{"error name-twice 855:3: net \"SCAN\" stands in line 777 already, and that "
+              (Lines{"warning name-twice 855:3: net \"SCAN\" stands in line 777 already, and that "
                      "one stays; give each its own name"}));
     EXPECT_EQ(def.components.size(), 43U);
     EXPECT_EQ(def.blockages.size(), 5U);

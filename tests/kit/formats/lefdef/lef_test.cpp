@@ -55,8 +55,9 @@ const ReadCase LIBRARIES[] = {
      {"site s class [] 1000000 by 2000000"}},
     {"OtherSiteOfTheName",
      "SITE s SIZE 1 BY 2 ; END s\nSITE s SIZE 1 BY 3 ; END s",
-     {"site s class [] 1000000 by 2000000", "error name-twice 2:1: site \"s\" stands in line 1 already, and "
-                                            "that one stays; give each its own name"}},
+     {"site s class [] 1000000 by 2000000",
+      "warning name-twice 2:1: site \"s\" stands in line 1 already, and "
+      "that one stays; give each its own name"}},
     {"SiteOfNegativeSize",
      "SITE s SIZE 1 BY -2 ; END s",
      {"site s class [] 0 by 0", "error range 1:13: the size of \"s\" is negative; correct it"}},
@@ -162,7 +163,8 @@ const ReadCase MACROS[] = {
     {"NoUse",
      "MACRO A PIN a USE VDD ; END a END A",
      {MACRO_A, "pin a SIGNAL",
-      "error use 1:19: \"VDD\" is no use of a pin or net; write SIGNAL, ANALOG, CLOCK, POWER, GROUND, SCAN, "
+      "warning use 1:19: \"VDD\" is no use of a pin or net, and SIGNAL is taken; write SIGNAL, ANALOG, "
+      "CLOCK, POWER, GROUND, SCAN, "
       "TIEOFF or "
       "RESET"}},
     {"PinsNamedLikeWords",
@@ -183,12 +185,13 @@ const ReadCase MACROS[] = {
       "obstruction rect (0 0)(1000000 1000000)"}},
     {"MacroTwice",
      "MACRO A SIZE 1 BY 1 ; END A\nMACRO A END A",
-     {"macro A class [] site [] 1000000 by 1000000", "error name-twice 2:1: macro \"A\" stands in line 1 "
+     {"macro A class [] site [] 1000000 by 1000000", "warning name-twice 2:1: macro \"A\" stands in line 1 "
                                                      "already, and that one stays; give each its own name"}},
     {"PinTwice",
      "MACRO A PIN P USE POWER ; END P\nPIN P END P END A",
      {MACRO_A, "pin P POWER",
-      "error name-twice 2:1: pin \"P\" of \"A\" stands in line 1 already, and that one stays; give each its "
+      "warning name-twice 2:1: pin \"P\" of \"A\" stands in line 1 already, and that one stays; give each "
+      "its "
       "own "
       "name"}},
     {"NegativeSize",
@@ -389,13 +392,12 @@ TEST(LefReader, AddsToTheFilesBefore)
                                     "MACRO B OBS VIA 0 0 v ; END END B END LIBRARY");
     readLef(tech, "M1", 0, lef, findings);
     readLef(cells, "M1", 1, lef, findings);
-    EXPECT_EQ(
-        describeLef(lef, findings),
-        (Lines{
-            "units 100", "site s class [] 1000000 by 1000000", "site t class [] 1000000 by 1000000",
-            "macro A class [] site [] 1000000 by 1000000", "macro B class [] site [] 0 by 0",
-            "error name-twice 1:55: macro \"A\" stands in an earlier file already, and that one stays; give "
-            "each its own name"}));
+    EXPECT_EQ(describeLef(lef, findings),
+              (Lines{"units 100", "site s class [] 1000000 by 1000000", "site t class [] 1000000 by 1000000",
+                     "macro A class [] site [] 1000000 by 1000000", "macro B class [] site [] 0 by 0",
+                     "warning name-twice 1:55: macro \"A\" stands in an earlier file already, and that one "
+                     "stays; give "
+                     "each its own name"}));
     EXPECT_EQ(lef.sites[1].source, 1);
     EXPECT_EQ(lef.macros[0].source, 0);
     EXPECT_EQ(lef.macros[1].source, 1);

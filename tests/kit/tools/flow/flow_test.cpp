@@ -77,7 +77,7 @@ TEST_F(KitFlow, GoesFromLefAndDefToTheMasks)
         EXPECT_TRUE(exists(extension)) << extension;
     }
     EXPECT_TRUE(says("import", "426 components of 34 cells in 21 rows")) << m_output;
-    EXPECT_TRUE(says("color", "135 cells")) << m_output;
+    EXPECT_TRUE(says("color", "34 cells")) << m_output;
     EXPECT_TRUE(says("lint", "0 errors")) << m_output;
     EXPECT_TRUE(says("place", "HPWL 4337460 -> ")) << m_output;
     EXPECT_TRUE(says("place", "; from pin to pin 2170.1 um -> ")) << m_output;
@@ -146,7 +146,7 @@ TEST_F(KitFlow, KeepsAllFilesIfWished)
     }
 }
 
-TEST_F(KitFlow, ColoursALibraryOnce)
+TEST_F(KitFlow, ColoursCellsOnce)
 {
     ASSERT_EQ(gcd({"--allow-conflicts"}), 0) << m_output;
     const std::string first = contentOf(out() + ".gds");
@@ -272,6 +272,9 @@ MACRO C CLASS CORE ; SIZE 0.4 BY 2 ; SITE core ;
 END C
 )";
 
+/// Two cells side by side.
+constexpr const char* GOOD = "- u C + PLACED ( 1000 0 ) N ;\n- v C + PLACED ( 1400 0 ) N ;\n";
+
 class SmallFlow : public KitFlow {
 protected:
     int small(const std::string& components, const Words& more = {})
@@ -317,6 +320,35 @@ TEST_F(SmallFlow, LayerThatImportFindsIsThatOfTheOtherSteps)
     EXPECT_NE(contentOf(out() + ".flow/color.log").find("layer metal1"), std::string::npos);
 }
 
+/// A cell whose metal cannot be read.
+const std::string SLANTED =
+    "MACRO D CLASS CORE ; SIZE 0.4 BY 2 ; PIN Z PORT LAYER metal1 ; POLYGON 0 0 0.1 0.1 0.2 0 ; END "
+    "END Z END D\n";
+
+TEST_F(SmallFlow, CellThatCannotBeColouredStopsItOnlyIfItIsUsed)
+{
+    EXPECT_EQ(small(GOOD), 0) << m_error;
+    m_dir.write("more.lef", LEF + SLANTED);
+    EXPECT_EQ(flow(m_dir.path("more.lef"), m_dir.path("d.def"), {"--force"}), 0) << m_error;
+    EXPECT_EQ(m_error.find("D gets no colour file"), std::string::npos) << m_error;
+    small("- u D + PLACED ( 1000 0 ) N ;\n- v C + PLACED ( 1400 0 ) N ;\n", {"--force"});
+    EXPECT_EQ(flow(m_dir.path("more.lef"), m_dir.path("d.def"), {"--force"}), 2);
+    EXPECT_NE(m_error.find("D gets no colour file"), std::string::npos) << m_error;
+}
+
+TEST_F(SmallFlow, ColoursAnewForOtherCellsOfALibrary)
+{
+    std::string other = LEF;
+    other.replace(other.find("MACRO C"), 7, "MACRO D").replace(other.find("END C"), 5, "END D");
+    m_dir.write("both.lef", LEF + other.substr(other.find("MACRO D")));
+    EXPECT_EQ(small(GOOD), 0) << m_error;
+    EXPECT_EQ(flow(m_dir.path("both.lef"), m_dir.path("d.def"), {"--force"}), 0) << m_error;
+    EXPECT_TRUE(says("color", "1 cell, ")) << m_output;
+    small("- u D + PLACED ( 1000 0 ) N ;\n- v C + PLACED ( 1400 0 ) N ;\n", {"--force"});
+    EXPECT_EQ(flow(m_dir.path("both.lef"), m_dir.path("d.def"), {"--force"}), 0) << m_error;
+    EXPECT_TRUE(says("color", "2 cells, ")) << m_output;
+}
+
 TEST_F(SmallFlow, LegalizesIfWished)
 {
     EXPECT_EQ(small("- u C ;\n- v C + PLACED ( 1400 0 ) N ;\n", {"--legalize"}), 0) << m_output;
@@ -344,9 +376,6 @@ TEST_F(SmallFlow, FailedStepsCountWhereTheParentIgnoredTheEndsOfChildren)
     EXPECT_FALSE(exists(".def"));
 }
 
-/// Two cells side by side.
-constexpr const char* GOOD = "- u C + PLACED ( 1000 0 ) N ;\n- v C + PLACED ( 1400 0 ) N ;\n";
-
 TEST_F(SmallFlow, NeverReadsTheCacheOfAnotherVersion)
 {
     namespace fs = std::filesystem;
@@ -356,8 +385,8 @@ TEST_F(SmallFlow, NeverReadsTheCacheOfAnotherVersion)
     options.layer = "metal1";
     options.cache = m_dir.path("cache");
     const std::string site = "0.200000,2.000000";
-    const std::string own = kit::flow::cachedFolder(options, site);
-    const std::string others = kit::flow::cachedFolder(options, site, "0.1");
+    const std::string own = kit::flow::cachedFolder(options, site, {"C"});
+    const std::string others = kit::flow::cachedFolder(options, site, {"C"}, "0.1");
     ASSERT_TRUE(fs::exists(own));
     fs::rename(own, others); // where another version would have put it
     std::ofstream(others + "/C.color") << "of another version";
@@ -373,9 +402,9 @@ TEST_F(SmallFlow, TheEndOfAVersionIsNoPartOfTheLayer)
     kit::flow::Options options;
     options.lefs = {m_dir.path("l.lef")};
     options.cache = m_dir.path("cache");
-    const std::string longer = kit::flow::cachedFolder(options, "", "0.10");
+    const std::string longer = kit::flow::cachedFolder(options, "", {}, "0.10");
     options.layer = "0" + options.layer;
-    EXPECT_NE(kit::flow::cachedFolder(options, "", "0.1"), longer);
+    EXPECT_NE(kit::flow::cachedFolder(options, "", {}, "0.1"), longer);
 }
 
 /// A flow that has been run well, to be run again with less room.
