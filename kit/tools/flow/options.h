@@ -28,6 +28,7 @@ struct Options {
     std::optional<int32_t> moveRange;        ///< of local shifts, sites
     bool legalize = false;                   ///< put cells without a legal place on free sites
     bool allowConflicts = false;             ///< take the least bad colouring of a cell that has no good one
+    bool noFill = false;                     ///< leave gaps without fillers
     bool keep = false;                       ///< keep all files in between
     bool force = false;                      ///< replace earlier results
 };

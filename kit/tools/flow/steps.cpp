@@ -157,8 +157,9 @@ Step exportStep(const Options& options, const Places& places)
     Words words{"export", places.placed + ".json", "--def",   options.def,  "-o", places.placed + ".def",
                 "--gds",  places.placed + ".gds",  "--layer", options.layer};
     addLefs(words, options);
-    // Fillers fill the gaps of the old placement; in the new one they would overlap cells.
-    words.insert(words.end(), {"--cell-path", places.cellDir, "--drop-fillers", "--force", "--json"});
+    // The fillers of the old placement would overlap cells of the new one.
+    words.insert(words.end(), {"--cell-path", places.cellDir, options.noFill ? "--drop-fillers" : "--fill",
+                               "--force", "--json"});
     return {.name = "export",
             .words = words,
             .goodStatus = 1,
