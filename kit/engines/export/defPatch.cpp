@@ -166,7 +166,7 @@ int64_t dropFillers(const lefdef::Source& source, const lefdef::Def& def, std::v
 }
 
 void addFillers(const lefdef::Source& source, const lefdef::Def& def, const std::vector<Filled>& fillers,
-                const std::vector<std::string>& masters, lefdef::Edits& edits)
+                const std::vector<std::string_view>& macros, lefdef::Edits& edits)
 {
     if (fillers.empty()) {
         return;
@@ -178,9 +178,9 @@ void addFillers(const lefdef::Source& source, const lefdef::Def& def, const std:
     const size_t sectionEnd = last.end + scanner.offset();
     const size_t at = sectionEnd - lefdef::indentationOf(text, sectionEnd).size();
     std::string records = text[at - 1] == '\n' ? "" : "\n";
-    for (const Filled& filler : fillers) {
-        records += indentation + "- " + filler.name + " " + masters[filler.master] + " + SOURCE DIST + " +
-                   placeText(filler.x, filler.y, filler.orient) + " ;\n";
+    for (size_t i = 0; i < fillers.size(); ++i) {
+        records.append(indentation).append("- ").append(fillers[i].name).append(" ").append(macros[i]);
+        records += " + SOURCE DIST + " + placeText(fillers[i].x, fillers[i].y, fillers[i].orient) + " ;\n";
     }
     edits.replace(at, at, std::move(records));
 }

@@ -39,9 +39,9 @@ int64_t dropFillers(const lefdef::Source& source, const lefdef::Def& def, std::v
 
 /// Adds fillers behind the components.
 ///
-/// @param masters  [Filling::masters] the names of the macros
+/// @param macros  [filler] its macro's name
 void addFillers(const lefdef::Source& source, const lefdef::Def& def, const std::vector<Filled>& fillers,
-                const std::vector<std::string>& masters, lefdef::Edits& edits);
+                const std::vector<std::string_view>& macros, lefdef::Edits& edits);
 
 /// Puts another count into the head of the section that the components are in.
 void countComponents(const lefdef::Source& source, const lefdef::Def& def, int64_t count,

@@ -147,6 +147,10 @@ private:
                                   .macros = m_macros,
                                   .fillers = m_fillers,
                                   .dropped = dropped,
+                                  .design = m_inputs.design,
+                                  .colours = m_inputs.colours,
+                                  .cellDir = m_inputs.files.cellDir,
+                                  .minDist = m_inputs.files.minDist,
                                   .defPath = m_options.def,
                                   .micron = static_cast<int32_t>(micron()),
                                   .siteWidth = step(),
@@ -178,32 +182,24 @@ private:
     void writeDefs(const lefdef::Edits& edits, const std::string& changes)
     {
         lefdef::Edits plain = edits;
-        addFillers(*m_inputs.defSource, m_inputs.def, m_filling.fillers,
-                   fillerNames([](const placer::Cell& cell, size_t /*index*/) { return cell.name; }), plain);
+        std::vector<std::string_view> macros;
+        for (const Filled& filler : m_filling.fillers) {
+            macros.push_back(m_filling.masters[filler.master].name);
+        }
+        addFillers(*m_inputs.defSource, m_inputs.def, m_filling.fillers, macros, plain);
         m_outputs.add(m_options.out, changes,
                       [&](OutputFile& file) { plain.write(m_inputs.defSource->text(), file); });
-        if (!m_options.defMasks.empty()) {
-            lefdef::Edits masked = edits;
-            renameMacros(masked);
-            const auto nameOf = [this](const placer::Cell& /*cell*/, size_t index) {
-                const auto name = m_masters.find(keyOf({.master = index}));
-                return name == m_masters.end() ? "" : name->second; // of one that is in no gap
-            };
-            addFillers(*m_inputs.defSource, m_inputs.def, m_filling.fillers, fillerNames(nameOf), masked);
-            m_outputs.add(m_options.defMasks, changes,
-                          [&](OutputFile& file) { masked.write(m_inputs.defSource->text(), file); });
+        if (m_options.defMasks.empty()) {
+            return;
         }
-    }
-
-    /// [Filling::masters] their names
-    template <typename NameOf>
-    std::vector<std::string> fillerNames(NameOf nameOf) const
-    {
-        std::vector<std::string> names;
-        for (const placer::Cell& cell : m_filling.masters) {
-            names.push_back(nameOf(cell, names.size()));
+        lefdef::Edits masked = edits;
+        renameMacros(masked);
+        for (size_t i = 0; i < macros.size(); ++i) {
+            macros[i] = m_masters.at(keyOf(m_filling.fillers[i]));
         }
-        return names;
+        addFillers(*m_inputs.defSource, m_inputs.def, m_filling.fillers, macros, masked);
+        m_outputs.add(m_options.defMasks, changes,
+                      [&](OutputFile& file) { masked.write(m_inputs.defSource->text(), file); });
     }
 
     void tellFillers()

@@ -2,16 +2,16 @@
 #include "kit/engines/export/fill.h"
 
 #include <algorithm>
-#include <cmath>
 #include <map>
+#include <numeric>
 #include <optional>
 #include <string_view>
 #include <unordered_set>
 #include <utility>
 
-#include "kit/engines/export/pieces.h"
+#include "kit/engines/export/fillCells.h"
 #include "kit/formats/lefdef/units.h"
-#include "kit/geometry/sets.h"
+#include "kit/formats/placer/reader.h"
 
 namespace kit::exporter {
 
@@ -20,7 +20,6 @@ namespace {
 using lefdef::DefComponent;
 using lefdef::DefRect;
 using lefdef::LefMacro;
-using lefdef::LefShape;
 using lefdef::Length;
 using lefdef::Orient;
 using lefdef::Status;
@@ -43,77 +42,11 @@ struct FillRow {
 /// A master to fill with.
 struct FillMaster {
     const LefMacro* macro = nullptr; ///< not owned
+    bool isRails = false;            ///< it has no other metal
     int64_t width = 0;               ///< DBU
     int64_t height = 0;
     int64_t count = 0; ///< of the DEF file
 };
-
-/// All shapes of a master on the layer.
-std::vector<const LefShape*> shapesOf(const LefMacro& macro)
-{
-    std::vector<const LefShape*> shapes;
-    for (const lefdef::LefPin& pin : macro.pins) {
-        for (const LefShape& shape : pin.shapes) {
-            shapes.push_back(&shape);
-        }
-    }
-    for (const LefShape& shape : macro.obstructions) {
-        shapes.push_back(&shape);
-    }
-    return shapes;
-}
-
-bool touch(const Box& a, const Box& b)
-{
-    const Box shared = geometry::common(a, b);
-    return shared.xl <= shared.xh && shared.yl <= shared.yh;
-}
-
-/// A filler as a cell on mask 0; none if it has metal that is no rail, or whose edges slant. A rail is metal
-/// that hangs together and reaches the bottom or top edge.
-///
-/// @param siteWidth  picometres
-std::optional<placer::Cell> cellOf(const LefMacro& macro, Length siteWidth)
-{
-    std::vector<Box> boxes;
-    for (const LefShape* shape : shapesOf(macro)) {
-        const std::vector<Box> some = boxesOf(*shape);
-        if (some.empty()) {
-            return {};
-        }
-        boxes.insert(boxes.end(), some.begin(), some.end());
-    }
-    geometry::Sets sets(boxes.size());
-    for (size_t i = 0; i < boxes.size(); ++i) {
-        for (size_t k = 0; k < i; ++k) {
-            if (touch(boxes[i], boxes[k])) {
-                sets.join(i, k);
-            }
-        }
-    }
-    const auto library = [siteWidth](Length length) {
-        return static_cast<int32_t>(
-            std::lround(static_cast<double>(length) * placer::LIBRARY_SITE / static_cast<double>(siteWidth)));
-    };
-    placer::Cell cell;
-    cell.name = macro.name;
-    cell.width = library(macro.width);
-    cell.height = library(macro.height);
-    for (const std::vector<size_t>& set : sets.all()) {
-        const bool isRail = std::ranges::any_of(
-            set, [&](size_t i) { return boxes[i].yl <= 0 || boxes[i].yh >= macro.height; });
-        if (!isRail) {
-            return {};
-        }
-        placer::Shape& shape = cell.shapes.emplace_back();
-        for (const size_t i : set) {
-            const Box& box = boxes[i];
-            shape.rects.push_back({library(box.xl), library(box.yl), library(box.xh), library(box.yh)});
-        }
-    }
-    cell.solutions.emplace_back().masks.resize(cell.shapes.size(), 0);
-    return cell;
-}
 
 /// Which masters fill a number of sites side by side so that the fewest are left, the widest first.
 class Packing {
@@ -121,17 +54,20 @@ public:
     /// @param widths  of the masters in sites, from the widest
     explicit Packing(std::vector<int64_t> widths) : m_widths(std::move(widths)) {}
 
-    /// Index of the first master for so many sites; none if they have to stay free.
-    std::optional<size_t> first(int64_t sites)
+    /// Indices of the masters that may come first in so many sites, the best one first.
+    std::vector<size_t> first(int64_t sites)
     {
         grow(sites);
-        for (size_t i = 0; i < m_widths.size(); ++i) {
-            const int64_t rest = sites - m_widths[i];
-            if (rest >= 0 && left(rest) == left(sites)) {
-                return i;
+        std::vector<size_t> masters;
+        for (const bool best : {true, false}) {
+            for (size_t i = 0; i < m_widths.size(); ++i) {
+                const int64_t rest = sites - m_widths[i];
+                if (rest >= 0 && (left(rest) == left(sites)) == best) {
+                    masters.push_back(i);
+                }
             }
         }
-        return {};
+        return masters;
     }
 
 private:
@@ -158,7 +94,7 @@ constexpr int64_t FARTHEST_LOOK = 4096;
 class Filler {
 public:
     Filler(const FillParts& parts, Findings& findings)
-        : m_parts(parts), m_findings(findings), m_micron(parts.micron)
+        : m_parts(parts), m_findings(findings), m_micron(parts.micron), m_scale{parts.siteWidth}
     {
         for (const DefComponent& component : parts.def.components) {
             m_names.insert(component.name);
@@ -174,6 +110,9 @@ public:
         findRows();
         tellHeights();
         block();
+        if (!std::ranges::all_of(m_masters, &FillMaster::isRails)) {
+            m_surroundings.emplace(m_parts.design, m_parts.colours, m_scale, m_parts.minDist);
+        }
         for (size_t i = 0; i < m_rows.size(); ++i) {
             fill(i);
         }
@@ -199,14 +138,15 @@ private:
             if (macro == m_parts.macros.end()) {
                 continue; // told of the component
             }
-            std::optional<placer::Cell> cell = cellOf(*macro->second, site);
+            std::optional<placer::Cell> cell = railCell(*macro->second, site);
+            const bool isRails = cell.has_value();
+            cell = isRails ? std::move(cell) : colouredCell(std::string(name));
             if (!cell) {
-                note("filler-metal",
-                     "the filler " + std::string(name) +
-                         " has other metal than rails, which would need masks: it is left out");
+                note("filler-metal", "the filler " + std::string(name) +
+                                         " has other metal than rails, and no colour file: it is left out");
             } else if (macro->second->width > 0) {
-                const FillMaster master{macro->second, dbu(macro->second->width), dbu(macro->second->height),
-                                        count};
+                const FillMaster master{macro->second, isRails, dbu(macro->second->width),
+                                        dbu(macro->second->height), count};
                 found.emplace_back(master, std::move(*cell));
             }
         }
@@ -217,6 +157,22 @@ private:
             m_masters.push_back(master);
             m_filling.masters.push_back(std::move(cell));
         }
+    }
+
+    /// A filler by its colour file; none if there is no sound one with solutions.
+    std::optional<placer::Cell> colouredCell(const std::string& name) const
+    {
+        placer::Design one;
+        Findings faults;
+        placer::readCells({name}, m_parts.cellDir, one, faults);
+        placer::Cell& cell = one.cells.front();
+        const bool isWhole = std::ranges::all_of(cell.solutions, [&cell](const placer::Solution& solution) {
+            return solution.masks.size() == cell.shapes.size();
+        });
+        if (!faults.empty() || cell.solutions.empty() || !isWhole) {
+            return {};
+        }
+        return std::move(cell);
     }
 
     void findRows()
@@ -358,11 +314,65 @@ private:
         }
         Packing packing(widths);
         for (auto [site, end] : freeSites(row)) {
-            for (std::optional<size_t> next; (next = packing.first(std::min(end - site, FARTHEST_LOOK)));
-                 site += widths[*next]) {
-                put(row, row.x + site * row.step, masters[*next]);
+            while (site < end) {
+                const std::optional<size_t> put =
+                    putFirst(row, row.x + site * row.step, masters,
+                             packing.first(std::min(end - site, FARTHEST_LOOK)));
+                site += put ? widths[*put] : 1;
             }
         }
+    }
+
+    /// Puts the first of some masters whose metal fits.
+    ///
+    /// @param masters  indices in m_masters
+    /// @param choices  indices in masters
+    /// @return that of the choices, none if no master fits
+    std::optional<size_t> putFirst(const FillRow& row, int64_t x, const std::vector<size_t>& masters,
+                                   const std::vector<size_t>& choices)
+    {
+        for (const size_t choice : choices) {
+            if (const std::optional<int32_t> solution = solutionAt(row, x, masters[choice])) {
+                put(row, x, masters[choice], *solution);
+                return choice;
+            }
+        }
+        return {};
+    }
+
+    /// The solution with the fewest stitches whose metal is far enough from all around, if there is one.
+    std::optional<int32_t> solutionAt(const FillRow& row, int64_t x, size_t master)
+    {
+        const placer::Cell& cell = m_filling.masters[master];
+        if (m_masters[master].isRails) {
+            return 0;
+        }
+        design::Standing standing{.stencil = &stencilAs(master, row.orient),
+                                  .masks = {},
+                                  .x = design::Scale::ofDbu(x),
+                                  .y = design::Scale::ofDbu(row.y)};
+        std::vector<int32_t> order(cell.solutions.size());
+        std::iota(order.begin(), order.end(), 0);
+        std::ranges::stable_sort(
+            order, {}, [&cell](int32_t i) { return cell.solutions[static_cast<size_t>(i)].stitches; });
+        for (const int32_t i : order) {
+            standing.masks = cell.solutions[static_cast<size_t>(i)].masks;
+            if (m_surroundings->allow(standing)) {
+                m_surroundings->add(standing);
+                return i;
+            }
+        }
+        return {};
+    }
+
+    const design::Stencil& stencilAs(size_t master, Orient orient)
+    {
+        const auto [at, isNew] = m_stencils.try_emplace({master, orient});
+        if (isNew) {
+            at->second = design::stencilOf(m_filling.masters[master],
+                                           design::turnOf(std::string(nameOf(orient))), m_scale);
+        }
+        return at->second;
     }
 
     /// The free sites of a row, from the left.
@@ -384,7 +394,7 @@ private:
         return free;
     }
 
-    void put(const FillRow& row, int64_t x, size_t master)
+    void put(const FillRow& row, int64_t x, size_t master, int32_t solution)
     {
         std::string name;
         do {
@@ -392,6 +402,7 @@ private:
         } while (m_names.contains(name));
         m_filling.fillers.push_back({.name = std::move(name),
                                      .master = master,
+                                     .solution = solution,
                                      .x = static_cast<int32_t>(x),
                                      .y = static_cast<int32_t>(row.y),
                                      .orient = row.orient});
@@ -411,6 +422,9 @@ private:
     int64_t m_tallest = 0;             ///< of the rows
     std::unordered_set<std::string_view> m_names;
     Filling m_filling;
+    design::Scale m_scale;
+    std::optional<Surroundings> m_surroundings; ///< if one has
+    std::map<std::pair<size_t, Orient>, design::Stencil> m_stencils;
     int64_t m_next = 1; ///< number of the next filler
 };
 

@@ -105,8 +105,8 @@ public:
             }
         }
         for (const Filled& filler : m_parts.filling.fillers) {
-            add(keyOf(filler).first, m_parts.filling.masters[filler.master], 0, filler.x, filler.y,
-                filler.orient, filler.name);
+            add(keyOf(filler).first, m_parts.filling.masters[filler.master], filler.solution, filler.x,
+                filler.y, filler.orient, filler.name);
         }
         m_gds.beginStructure(m_top);
         for (const Instance& instance : m_instances) {

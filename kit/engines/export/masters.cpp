@@ -59,7 +59,7 @@ MasterNames nameMasters(const Inputs& inputs, const std::vector<Placed>& placed,
     }
     for (const Filled& filler : filling.fillers) {
         std::string& name = names[keyOf(filler)];
-        name = name.empty() ? freeName(filling.masters[filler.master], 0, macros) : name;
+        name = name.empty() ? freeName(filling.masters[filler.master], filler.solution, macros) : name;
     }
     tellMissing(inputs, names, filling, macros, findings);
     return names;

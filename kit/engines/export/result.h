@@ -2,6 +2,7 @@
 // The result of `place`, as it is found beside its OUT.json.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace kit::exporter {
@@ -13,6 +14,7 @@ struct ResultFiles {
     std::string colors;
     std::string map{}; ///< empty if there is none: the design was not imported
     std::string cellDir{};
+    int32_t minDist = 0; ///< distance that shapes of one mask need, library units
 };
 
 /// Finds the files of a result.

@@ -8,7 +8,7 @@
 #include "kit/engines/export/smallExport.h"
 #include "kit/formats/gds/gdsReader.h"
 #include "kit/formats/lefdef/def.h"
-#include "kit/sharedDesigns.h"
+#include "kit/judgedDesigns.h"
 
 namespace {
 
@@ -141,9 +141,56 @@ TEST_F(KitFill, MasterWithOtherMetalThanRailsIsLeftOut)
         fill("- a FILLBAR + PLACED ( 570 0 ) N ;\n- b FILL3 + PLACED ( 0 1400 ) FS ;\n");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.error,
-              "in.def: note: the filler FILLBAR has other metal than rails, which would need masks: it is "
+              "in.def: note: the filler FILLBAR has other metal than rails, and no colour file: it is "
               "left out [filler-metal]\n0 errors, 0 warnings, 1 note\n");
     EXPECT_EQ(fillers().size(), 5U);
+}
+
+/// A colour file of FILLBAR, whose bar is 120 units from the right bar of u where it stands beside it.
+std::string barColor(const std::string& solutions)
+{
+    return "950 1400\n1 0 0 950 1400\n2\n1 0 -85 950 85\n1 100 500 200 900\n" + solutions;
+}
+
+TEST_F(KitFill, OtherMetalGetsTheFirstSolutionThatKeepsItsDistance)
+{
+    m_files.write("lib/FILLBAR.color", barColor("3\n1 0 2\n0 0 1\n2 0 0\n"));
+    EXPECT_EQ(fill("- a FILLBAR + PLACED ( 570 0 ) N ;\n", "", {"--gds", m_files.path("new.gds")}).error, "");
+    EXPECT_EQ(fillers(), (Words{"FILLBAR ( 760 0 ) N", "FILLBAR ( 0 1400 ) FS", "FILLBAR ( 950 1400 ) FS"}));
+    EXPECT_EQ(readGds(m_files.output("new.gds")).order,
+              (Words{"INV_S0_N", "FILLBAR_S0_N", "FILLBAR_S1_FS", "small"}))
+        << "beside u mask 1 is too close";
+}
+
+TEST_F(KitFill, OtherMetalKeepsItsDistanceFromThatOfFillers)
+{
+    m_files.write("lib/FILLBAR.color", "950 1400\n1 0 0 950 1400\n2\n1 0 -85 950 85\n1 20 500 940 900\n"
+                                       "2\n0 0 1\n0 0 2\n");
+    fill("- a FILLBAR + PLACED ( 570 0 ) N ;\n", "", {"--gds", m_files.path("new.gds")});
+    const GdsLibrary library = readGds(m_files.output("new.gds"));
+    Words structures;
+    for (const GdsInstance& instance : library.structures.at("small").instances) {
+        structures.push_back(instance.structure);
+    }
+    EXPECT_EQ(structures, (Words{"INV_S0_N", "FILLBAR_S1_N", "FILLBAR_S0_FS", "FILLBAR_S1_FS"}));
+}
+
+TEST_F(KitFill, WhereNoSolutionKeepsItsDistanceAnotherMasterStands)
+{
+    m_files.write("lib/FILLBAR.color", barColor("1\n0 0 1\n"));
+    fill("- a FILLBAR + PLACED ( 570 0 ) N ;\n- b FILL1 + PLACED ( 1520 0 ) N ;\n- w INV + FIXED ( 0 1400 ) "
+         "FS ;\n");
+    EXPECT_EQ(fillers(), (Words{"FILL1 ( 0 0 ) N", "FILL1 ( 190 0 ) N", "FILL1 ( 760 0 ) N",
+                                "FILLBAR ( 950 0 ) N", "FILLBAR ( 380 1400 ) FS", "FILL1 ( 1330 1400 ) FS",
+                                "FILL1 ( 1520 1400 ) FS", "FILL1 ( 1710 1400 ) FS"}));
+}
+
+TEST_F(KitFill, DistanceIsThatOfTheRun)
+{
+    m_files.write("lib/FILLBAR.color", barColor("1\n0 0 1\n"));
+    m_files.json.insert(m_files.json.find("\"cell_path\""), "\"mindp\": 120, ");
+    fill("- a FILLBAR + PLACED ( 570 0 ) N ;\n");
+    EXPECT_EQ(fillers().at(0), "FILLBAR ( 760 0 ) N");
 }
 
 TEST_F(KitFill, MetalThatHangsOnARailIsARail)
@@ -218,6 +265,7 @@ TEST_F(KitFill, OfRandomRowsLeavesNoGapAndNoOverlap)
     for (int round = 0; round < 60; ++round) {
         SmallExport files("- u INV + PLACED ( 0 0 ) N\n ;\n", "");
         files.write("lef", contentOf(m_files.path("lef")));
+        files.colors = "u INV 0 0 0 0 1 1\n";
         std::string records = "- u INV + PLACED ( 0 0 ) N ;\n- a FILL3 + PLACED ( 380 0 ) N ;\n";
         records +=
             round % 2 == 0 ? "- b FILL2 + PLACED ( 380 0 ) N ;\n" : "- b FILLRAIL + PLACED ( 380 0 ) N ;\n";
@@ -256,7 +304,7 @@ class KitFillShared : public testing::TestWithParam<const char*> {};
 
 TEST_P(KitFillShared, DesignStaysFilledAndLegal)
 {
-    const std::optional<SharedDesign> design = sharedDesign(GetParam());
+    const std::optional<ListedDesign> design = listedDesign(GetParam());
     if (!design) {
         GTEST_SKIP() << "there are no shared designs beside the checkout: set VIRELOCE_SHARED";
     }

@@ -7,7 +7,7 @@
 #include "kit/design/pinOffsets.h"
 #include "kit/engines/import/importCase.h"
 #include "kit/formats/placer/reader.h"
-#include "kit/sharedDesigns.h"
+#include "kit/judgedDesigns.h"
 
 namespace {
 
@@ -73,7 +73,7 @@ protected:
 
 TEST_P(KitImportShared, WirelengthByPinsIsThatOfTheIndependentMeasure)
 {
-    const std::optional<SharedDesign> design = sharedDesign(GetParam());
+    const std::optional<ListedDesign> design = listedDesign(GetParam());
     if (!design) {
         GTEST_SKIP() << "there are no shared designs beside the checkout: set VIRELOCE_SHARED";
     }
