@@ -393,7 +393,8 @@ Json pinLengthJson(std::optional<int64_t> length, int32_t dbuPerMicron)
         return nullptr;
     }
     const double dbu = static_cast<double>(*length) / 2;
-    return {{"dbu", dbu}, {"um", dbuPerMicron > 0 ? Json(dbu / dbuPerMicron) : Json(nullptr)}};
+    return {{"dbu", *length % 2 == 0 ? Json(*length / 2) : Json(dbu)},
+            {"um", dbuPerMicron > 0 ? Json(dbu / dbuPerMicron) : Json(nullptr)}};
 }
 
 std::string micrometresText(const Json& length)

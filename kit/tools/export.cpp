@@ -33,6 +33,9 @@ void addOptions(const Command& command, Options& options)
     command.add("--cell-path", options.cellDir,
                 "folder of the colour files (default: the one that the run had)");
     command.flag("--drop-fillers", options.dropFillers, "leave fillers out");
+    command.flag("--fill", options.fill, "leave fillers out, and fill the gaps with the same masters")
+        .needs(lef);
+    command.flag("--keep-routing", options.keepRouting, "keep the routing of nets whose cells have moved");
     command.flag("--force", options.force, "replace earlier results");
     command.flag("--json", options.json, "tell what was written as JSON");
 }

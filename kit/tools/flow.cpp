@@ -42,6 +42,7 @@ void addFiles(const Command& command, Options& options)
                  "take mirrored cells as they are drawn, as the placer alone does");
     command.flag("--allow-conflicts", options.allowConflicts,
                  "take the least bad colouring of a cell that has no good one");
+    command.flag("--no-fill", options.noFill, "put no fillers into the gaps of a DEF file that has some");
     command.flag("--keep", options.keep, "keep all files in between, in OUT.flow");
     command.flag("--force", options.force, "replace earlier results");
 }

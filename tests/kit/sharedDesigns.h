@@ -32,14 +32,14 @@ protected:
 };
 
 /// A design, and what imports it.
-struct SharedDesign {
+struct ListedDesign {
     std::string def;
     Words lefs;
     std::string layer;
 };
 
 /// A design of the list by its name; none where there is no such folder.
-inline std::optional<SharedDesign> sharedDesign(const std::string& name)
+inline std::optional<ListedDesign> listedDesign(const std::string& name)
 {
     if (!std::filesystem::exists(sharedFile("list.json"))) {
         return {};
@@ -47,7 +47,7 @@ inline std::optional<SharedDesign> sharedDesign(const std::string& name)
     const kit::Json list = kit::Json::parse(contentOf(sharedFile("list.json")));
     for (const kit::Json& design : list.items()) {
         if (design["name"] == name) {
-            SharedDesign found{.def = sharedFile(design["def"].asString()), .lefs = {}, .layer = "metal1"};
+            ListedDesign found{.def = sharedFile(design["def"].asString()), .lefs = {}, .layer = "metal1"};
             for (const kit::Json& lef : design["lef"].items()) {
                 found.lefs.push_back(sharedFile(lef.asString()));
             }
@@ -62,7 +62,7 @@ inline std::optional<SharedDesign> sharedDesign(const std::string& name)
 }
 
 /// What the independent judge says of a DEF file of a design.
-inline kit::Json measured(const SharedDesign& design, const std::string& def, const TempDir& dir,
+inline kit::Json measured(const ListedDesign& design, const std::string& def, const TempDir& dir,
                           const Words& options = {})
 {
     Words words{"/usr/bin/env", "python3", VIRELOCE_SHARED_FOLDER "/tools/hpwl.py"};

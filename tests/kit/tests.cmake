@@ -24,6 +24,7 @@ vireloce_test(kit SHARDS 4
     kit/engines/color/search_test.cpp
     kit/engines/export/command_test.cpp
     kit/engines/export/def_test.cpp
+    kit/engines/export/fill_test.cpp
     kit/formats/gds/gds_test.cpp
     kit/engines/export/layout_test.cpp
     kit/engines/export/lefMasks_test.cpp

@@ -2,7 +2,9 @@
 #include "kit/engines/export/defPatch.h"
 
 #include <optional>
+#include <span>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "kit/formats/lefdef/edits.h"
 #include "kit/formats/lefdef/scanner.h"
@@ -34,10 +36,10 @@ lefdef::Span quotedSpanOf(const lefdef::Source& source, std::string_view part)
     return span;
 }
 
-std::string placeText(const Placed& placed)
+std::string placeText(int32_t x, int32_t y, lefdef::Orient orient)
 {
-    return "PLACED ( " + std::to_string(placed.x) + " " + std::to_string(placed.y) + " ) " +
-           std::string(lefdef::nameOf(placed.orient));
+    return "PLACED ( " + std::to_string(x) + " " + std::to_string(y) + " ) " +
+           std::string(lefdef::nameOf(orient));
 }
 
 /// A component's record from its "-" to behind its ";".
@@ -100,13 +102,48 @@ int64_t placeComponents(const lefdef::Source& source, const lefdef::Def& def,
         }
         ++changed;
         if (component.placeEnd > 0) {
-            edits.replace(component.placeBegin, component.placeEnd, placeText(one));
+            edits.replace(component.placeBegin, component.placeEnd, placeText(one.x, one.y, one.orient));
         } else {
             const size_t behind = quotedSpanOf(source, component.macro).end;
-            edits.replace(behind, behind, " + " + placeText(one));
+            edits.replace(behind, behind, " + " + placeText(one.x, one.y, one.orient));
         }
     }
     return changed;
+}
+
+std::vector<bool> movedComponents(const lefdef::Def& def, const std::vector<Placed>& placed)
+{
+    std::vector<bool> moved(def.components.size());
+    for (const Placed& one : placed) {
+        moved[one.inDef] = one.differs(def.components[one.inDef]);
+    }
+    return moved;
+}
+
+int64_t dropRouting(const lefdef::Def& def, const std::vector<bool>& moved, lefdef::Edits* edits)
+{
+    std::unordered_set<std::string_view> names;
+    for (size_t i = 0; i < moved.size(); ++i) {
+        if (moved[i]) {
+            names.insert(def.components[i].name);
+        }
+    }
+    int64_t nets = 0;
+    for (const lefdef::DefNet& net : def.nets) {
+        const auto members = std::span(def.members).subspan(net.firstMember, net.numMembers);
+        const bool stays = net.numRoutes == 0 || std::ranges::none_of(members, [&](const auto& member) {
+                               return names.contains(member.component);
+                           });
+        if (stays) {
+            continue;
+        }
+        ++nets;
+        for (size_t i = 0; edits != nullptr && i < net.numRoutes; ++i) {
+            const lefdef::Span& route = def.routes[net.firstRoute + i];
+            edits->replace(route.begin, route.end, "");
+        }
+    }
+    return nets;
 }
 
 int64_t dropFillers(const lefdef::Source& source, const lefdef::Def& def, std::vector<bool>& fillers,
@@ -125,11 +162,38 @@ int64_t dropFillers(const lefdef::Source& source, const lefdef::Def& def, std::v
             ++dropped;
         }
     }
-    const std::optional<lefdef::Span> count = countBefore(source.text(), def.components.front().offset);
-    if (dropped > 0 && count) {
-        edits.replace(count->begin, count->end, std::to_string(def.components.size() - dropped));
-    }
     return static_cast<int64_t>(dropped);
+}
+
+void addFillers(const lefdef::Source& source, const lefdef::Def& def, const std::vector<Filled>& fillers,
+                const std::vector<std::string_view>& macros, lefdef::Edits& edits)
+{
+    if (fillers.empty()) {
+        return;
+    }
+    const std::string_view text = source.text();
+    const lefdef::Span last = recordOf(source, def.components.back());
+    const std::string indentation(lefdef::indentationOf(text, last.begin));
+    Scanner scanner(text.substr(last.end));
+    const size_t sectionEnd = last.end + scanner.offset();
+    const size_t at = sectionEnd - lefdef::indentationOf(text, sectionEnd).size();
+    std::string records = text[at - 1] == '\n' ? "" : "\n";
+    for (size_t i = 0; i < fillers.size(); ++i) {
+        records.append(indentation).append("- ").append(fillers[i].name).append(" ").append(macros[i]);
+        records += " + SOURCE DIST + " + placeText(fillers[i].x, fillers[i].y, fillers[i].orient) + " ;\n";
+    }
+    edits.replace(at, at, std::move(records));
+}
+
+void countComponents(const lefdef::Source& source, const lefdef::Def& def, int64_t count,
+                     lefdef::Edits& edits)
+{
+    if (def.components.empty() || count == static_cast<int64_t>(def.components.size())) {
+        return;
+    }
+    if (const auto old = countBefore(source.text(), def.components.front().offset)) {
+        edits.replace(old->begin, old->end, std::to_string(count));
+    }
 }
 
 void renameMacro(const lefdef::Source& source, const DefComponent& component, std::string name,

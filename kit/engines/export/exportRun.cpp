@@ -11,7 +11,9 @@
 #include "kit/base/finding.h"
 #include "kit/base/text/json.h"
 #include "kit/base/text/text.h"
+#include "kit/design/stretches.h"
 #include "kit/engines/export/defPatch.h"
+#include "kit/engines/export/fill.h"
 #include "kit/engines/export/layerProperties.h"
 #include "kit/engines/export/layout.h"
 #include "kit/engines/export/masters.h"
@@ -76,13 +78,18 @@ public:
         if (!m_inputs.imported && !hasErrors(m_findings)) {
             tellLeftOut(sides, m_matching, m_fillers, m_findings);
         }
+        if (hasErrors(m_findings)) {
+            return tell();
+        }
+        lefdef::Edits edits;
+        const std::string changes = change(edits);
         if (!m_options.lefMasks.empty()) {
-            m_masters = nameMasters(m_inputs, m_matching.placed, m_macros, m_findings);
+            m_masters = nameMasters(m_inputs, m_matching.placed, m_filling, m_macros, m_findings);
         }
         if (hasErrors(m_findings)) {
             return tell();
         }
-        writeDef();
+        writeDefs(edits, changes);
         writeMasters();
         writeGds();
         m_outputs.commit(m_options.json);
@@ -119,30 +126,84 @@ private:
         Reporter(m_findings, m_options.def).note(code, {}, std::move(what), std::move(advice));
     }
 
-    void writeDef()
+    /// Changes the DEF file but for the new fillers and the names of masters. @return what changes, in a line
+    std::string change(lefdef::Edits& edits)
     {
-        lefdef::Edits edits;
-        const int64_t changed = placeComponents(*m_inputs.defSource, m_inputs.def, m_matching.placed, edits);
+        const lefdef::Def& def = m_inputs.def;
+        const int64_t changed = placeComponents(*m_inputs.defSource, def, m_matching.placed, edits);
         std::string line = counted(static_cast<int64_t>(m_matching.placed.size()), "component") + ", " +
-                           std::to_string(changed) + " in a new place";
-        if (m_options.dropFillers) {
-            const int64_t dropped =
-                dropFillers(*m_inputs.defSource, m_inputs.def, m_fillers, edits, m_findings);
-            line += ", " + counted(dropped, "filler") + " left out";
-            std::erase_if(m_matching.untouched, [this](size_t index) { return m_fillers[index]; });
-        } else {
-            tellFillers();
-        }
+                           std::to_string(changed) + " in a new place" + changeRouting(edits);
         if (m_inputs.files.errors > 0) { // whoever goes on with the file alone would not know
             edits.replace(0, 0,
                           "# Not clean: verify finds " + counted(m_inputs.files.errors, "error") + "\n");
         }
-        const auto write = [&](OutputFile& file) { edits.write(m_inputs.defSource->text(), file); };
-        m_outputs.add(m_options.out, line, write);
-        if (!m_options.defMasks.empty()) {
-            renameMacros(edits);
-            m_outputs.add(m_options.defMasks, line, write);
+        if (!m_options.dropFillers && !m_options.fill) {
+            tellFillers();
+            return line;
         }
+        std::vector<bool> dropped = m_fillers;
+        const int64_t fewer = dropFillers(*m_inputs.defSource, def, dropped, edits, m_findings);
+        line += ", " + counted(fewer, "filler") + " left out";
+        if (m_options.fill) {
+            m_filling = fillGaps({.def = def,
+                                  .lef = m_inputs.library.lef,
+                                  .matching = m_matching,
+                                  .macros = m_macros,
+                                  .fillers = m_fillers,
+                                  .dropped = dropped,
+                                  .design = m_inputs.design,
+                                  .colours = m_inputs.colours,
+                                  .cellDir = m_inputs.files.cellDir,
+                                  .minDist = m_inputs.files.minDist,
+                                  .defPath = m_options.def,
+                                  .micron = static_cast<int32_t>(micron()),
+                                  .siteWidth = step(),
+                                  .rowHeight = design::rowHeight(m_inputs.design)},
+                                 m_findings);
+            line += fewer > 0 ? ", " + std::to_string(m_filling.fillers.size()) + " put in" : "";
+        }
+        std::erase_if(m_matching.untouched, [&](size_t index) { return dropped[index]; });
+        const auto all = static_cast<int64_t>(def.components.size() + m_filling.fillers.size());
+        countComponents(*m_inputs.defSource, def, all - fewer, edits);
+        return line;
+    }
+
+    /// Removes routing that ends where components were, or tells of it. @return what changes
+    std::string changeRouting(lefdef::Edits& edits)
+    {
+        const std::vector<bool> moved = movedComponents(m_inputs.def, m_matching.placed);
+        const int64_t nets = dropRouting(m_inputs.def, moved, m_options.keepRouting ? nullptr : &edits);
+        if (nets > 0 && m_options.keepRouting) {
+            Reporter(m_findings, m_options.def)
+                .warning("routing", {},
+                         "the routing of " + counted(nets, "net") + " ends where components were",
+                         "leave --keep-routing out, or route these nets anew");
+        }
+        return nets > 0 && !m_options.keepRouting ? ", the routing of " + counted(nets, "net") + " left out"
+                                                  : "";
+    }
+
+    void writeDefs(const lefdef::Edits& edits, const std::string& changes)
+    {
+        lefdef::Edits plain = edits;
+        std::vector<std::string_view> macros;
+        for (const Filled& filler : m_filling.fillers) {
+            macros.push_back(m_filling.masters[filler.master].name);
+        }
+        addFillers(*m_inputs.defSource, m_inputs.def, m_filling.fillers, macros, plain);
+        m_outputs.add(m_options.out, changes,
+                      [&](OutputFile& file) { plain.write(m_inputs.defSource->text(), file); });
+        if (m_options.defMasks.empty()) {
+            return;
+        }
+        lefdef::Edits masked = edits;
+        renameMacros(masked);
+        for (size_t i = 0; i < macros.size(); ++i) {
+            macros[i] = m_masters.at(keyOf(m_filling.fillers[i]));
+        }
+        addFillers(*m_inputs.defSource, m_inputs.def, m_filling.fillers, macros, masked);
+        m_outputs.add(m_options.defMasks, changes,
+                      [&](OutputFile& file) { masked.write(m_inputs.defSource->text(), file); });
     }
 
     void tellFillers()
@@ -156,7 +217,7 @@ private:
         note("fillers",
              counted(fillers, "filler") + " stay where they are, and placed cells lie on " +
                  std::to_string(covered) + " of them",
-             "--drop-fillers leaves them out");
+             "--drop-fillers leaves them out, and --fill fills the gaps");
     }
 
     void renameMacros(lefdef::Edits& edits)
@@ -179,7 +240,7 @@ private:
         const Length siteWidth = step() * lefdef::MICRON / micron();
         m_outputs.add(m_options.lefMasks, counted(static_cast<int64_t>(m_masters.size()), "master"),
                       [&](OutputFile& file) {
-                          file << masterText(m_inputs, m_masters, m_macros, siteWidth, m_findings);
+                          file << masterText(m_inputs, m_masters, m_filling, m_macros, siteWidth, m_findings);
                       });
     }
 
@@ -198,7 +259,7 @@ private:
         int64_t leftOut = 0;
         const auto write = [&](OutputFile& file) {
             leftOut = writeLayout({m_inputs.frame.topCell, m_inputs.design, m_inputs.def, m_matching.placed,
-                                   m_inputs.colours, m_matching.untouched, m_macros, grid},
+                                   m_inputs.colours, m_matching.untouched, m_macros, m_filling, grid},
                                   file);
         };
         m_outputs.add(m_options.gds, std::to_string(grid.unitsPerMicron()) + " database units per micrometre",
@@ -267,6 +328,7 @@ private:
     MacroIndex m_macros;
     Matching m_matching;
     std::vector<bool> m_fillers; ///< [component of the DEF file]
+    Filling m_filling;           ///< the new ones
     MasterNames m_masters;
     std::unordered_map<std::string, int64_t> m_widths; ///< of colour files
     Outputs m_outputs;

@@ -157,7 +157,7 @@ void readLefs(const Options& options, Inputs& inputs, Findings& findings)
 
 bool needsColours(const Options& options)
 {
-    return !options.gds.empty() || !options.lefMasks.empty();
+    return !options.gds.empty() || !options.lefMasks.empty() || options.fill;
 }
 
 Inputs readInputs(const Options& options, Findings& findings)

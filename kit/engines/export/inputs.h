@@ -31,7 +31,7 @@ struct Inputs {
     design::Frame frame; ///< of the placement; what it does not say is the DEF file's
 };
 
-/// Whether an export needs the colours of the cells, and not only their places.
+/// Whether an export needs the colours of the cells, and not only their places: fillers keep off them.
 bool needsColours(const Options& options);
 
 /// Reads everything.

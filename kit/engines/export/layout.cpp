@@ -104,6 +104,10 @@ public:
                 addOther(component, *macro->second);
             }
         }
+        for (const Filled& filler : m_parts.filling.fillers) {
+            add(keyOf(filler).first, m_parts.filling.masters[filler.master], filler.solution, filler.x,
+                filler.y, filler.orient, filler.name);
+        }
         m_gds.beginStructure(m_top);
         for (const Instance& instance : m_instances) {
             m_gds.reference(*instance.structure, instance.at, instance.name);
@@ -122,16 +126,21 @@ private:
         }
         const placer::Cell& cell = m_parts.design.cells[static_cast<size_t>(index)];
         const placer::ColorRecord* const colours = m_parts.colours[placed.inPlace];
-        const int32_t solution = colours == nullptr ? -1 : colours->solution;
-        const auto [at, isNew] = m_coloured.try_emplace({index, solution, placed.orient});
+        add(index, cell, colours == nullptr ? -1 : colours->solution, placed.x, placed.y, placed.orient,
+            m_parts.def.components[placed.inDef].name);
+    }
+
+    /// Adds an instance of a cell with colours, and its structure if it is the first.
+    void add(int32_t index, const placer::Cell& cell, int32_t solution, int32_t x, int32_t y, Orient orient,
+             std::string_view name)
+    {
+        const auto [at, isNew] = m_coloured.try_emplace({index, solution, orient});
         if (isNew) {
             const std::string colouring = solution < 0 ? "" : "_S" + std::to_string(solution);
-            at->second = m_names.take(cell.name, colouring + "_" + std::string(nameOf(placed.orient)));
-            draw(cell, solution, placed.orient, at->second);
+            at->second = m_names.take(cell.name, colouring + "_" + std::string(nameOf(orient)));
+            draw(cell, solution, orient, at->second);
         }
-        m_instances.push_back({&at->second,
-                               {m_grid.ofDbu(placed.x), m_grid.ofDbu(placed.y)},
-                               m_parts.def.components[placed.inDef].name});
+        m_instances.push_back({&at->second, {m_grid.ofDbu(x), m_grid.ofDbu(y)}, name});
     }
 
     void draw(const placer::Cell& cell, int32_t solution, Orient orient, const std::string& name)

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "kit/engines/export/fill.h"
 #include "kit/engines/export/fillers.h"
 #include "kit/engines/export/grid.h"
 #include "kit/engines/export/matching.h"
@@ -23,6 +24,7 @@ struct LayoutParts {
     const std::vector<const placer::ColorRecord*>& colours; ///< [component of the placement] nullptr for none
     const std::vector<size_t>& others; ///< components of the DEF file that stay where they are, by index
     const MacroIndex& macros;          ///< for those
+    const Filling& filling;            ///< fillers that are new
     const Grid& grid;
 };
 

@@ -11,9 +11,11 @@ namespace kit::exporter {
 
 namespace {
 
-const placer::Cell& cellOf(const Inputs& inputs, int32_t index)
+/// A cell by its index in MasterNames.
+const placer::Cell& cellOf(const Inputs& inputs, const Filling& filling, int32_t index)
 {
-    return inputs.design.cells[static_cast<size_t>(index)];
+    return index < 0 ? filling.masters[static_cast<size_t>(-1 - index)]
+                     : inputs.design.cells[static_cast<size_t>(index)];
 }
 
 std::string freeName(const placer::Cell& cell, int32_t solution, const MacroIndex& macros)
@@ -27,12 +29,13 @@ std::string freeName(const placer::Cell& cell, int32_t solution, const MacroInde
     return name;
 }
 
-void tellMissing(const Inputs& inputs, const MasterNames& names, const MacroIndex& macros, Findings& findings)
+void tellMissing(const Inputs& inputs, const MasterNames& names, const Filling& filling,
+                 const MacroIndex& macros, Findings& findings)
 {
     std::set<std::string_view> told;
     Reporter reporter(findings, inputs.files.place);
     for (const auto& [key, name] : names) {
-        const placer::Cell& cell = cellOf(inputs, key.first);
+        const placer::Cell& cell = cellOf(inputs, filling, key.first);
         if (macros.count(cell.name) == 0 && told.insert(cell.name).second) {
             reporter.error("no-macro", {}, "the cell " + cell.name + " is in none of the LEF files",
                            "give the file that has it with --lef");
@@ -42,8 +45,8 @@ void tellMissing(const Inputs& inputs, const MasterNames& names, const MacroInde
 
 } // namespace
 
-MasterNames nameMasters(const Inputs& inputs, const std::vector<Placed>& placed, const MacroIndex& macros,
-                        Findings& findings)
+MasterNames nameMasters(const Inputs& inputs, const std::vector<Placed>& placed, const Filling& filling,
+                        const MacroIndex& macros, Findings& findings)
 {
     MasterNames names;
     for (const Placed& one : placed) {
@@ -51,19 +54,23 @@ MasterNames nameMasters(const Inputs& inputs, const std::vector<Placed>& placed,
         const int32_t cell = inputs.design.components[one.inPlace].cell;
         if (colours != nullptr && colours->solution >= 0 && cell >= 0) {
             std::string& name = names[{cell, colours->solution}];
-            name = name.empty() ? freeName(cellOf(inputs, cell), colours->solution, macros) : name;
+            name = name.empty() ? freeName(cellOf(inputs, filling, cell), colours->solution, macros) : name;
         }
     }
-    tellMissing(inputs, names, macros, findings);
+    for (const Filled& filler : filling.fillers) {
+        std::string& name = names[keyOf(filler)];
+        name = name.empty() ? freeName(filling.masters[filler.master], filler.solution, macros) : name;
+    }
+    tellMissing(inputs, names, filling, macros, findings);
     return names;
 }
 
-std::string masterText(const Inputs& inputs, const MasterNames& names, const MacroIndex& macros,
-                       lefdef::Length siteWidth, Findings& findings)
+std::string masterText(const Inputs& inputs, const MasterNames& names, const Filling& filling,
+                       const MacroIndex& macros, lefdef::Length siteWidth, Findings& findings)
 {
     std::string text;
     for (const auto& [key, name] : names) {
-        const placer::Cell& cell = cellOf(inputs, key.first);
+        const placer::Cell& cell = cellOf(inputs, filling, key.first);
         const lefdef::LefMacro& macro = *macros.at(cell.name);
         const lefdef::Source& source = sourceOf(inputs.library, macro);
         if (text.empty()) {

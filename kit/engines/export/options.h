@@ -19,6 +19,8 @@ struct Options {
     std::string defMasks;          ///< DEF file with those masters
     std::string cellDir;           ///< folder of the colour files; empty for the one that the run had
     bool dropFillers = false;      ///< leaves fillers out
+    bool fill = false;             ///< leaves fillers out and puts others into the gaps
+    bool keepRouting = false;      ///< keeps routing that ends where components were
     bool force = false;            ///< replaces earlier results
     bool json = false;             ///< JSON in place of lines
 };

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "kit/base/fault.h"
+#include "kit/design/distance.h"
 #include "kit/design/placeResult.h"
 
 namespace kit::exporter {
@@ -40,6 +41,8 @@ ResultFiles findResult(const std::string& json, const std::string& cellDir)
         throw Fault("there is no " + files.place + " beside " + json);
     }
     files.map = fs::exists(base + ".map") ? base + ".map" : "";
+    const Json& minDist = result["options"]["mindp"];
+    files.minDist = minDist.isInteger() ? static_cast<int32_t>(minDist.asInteger()) : design::Distance::USUAL;
     files.cellDir = cellDir.empty() ? cellDirOf(result, json) : cellDir;
     const Json& errors = result.atPointer("/judge/errors");
     files.errors = errors.isNull() ? 0 : errors.asInteger();

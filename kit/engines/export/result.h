@@ -14,7 +14,8 @@ struct ResultFiles {
     std::string colors;
     std::string map{}; ///< empty if there is none: the design was not imported
     std::string cellDir{};
-    int64_t errors = 0; ///< that the judge found in the placement
+    int64_t errors = 0;  ///< that the judge found in the placement
+    int32_t minDist = 0; ///< distance that shapes of one mask need, library units
 };
 
 /// Finds the files of a result.

@@ -67,6 +67,8 @@ struct DefNet {
     bool supply = false;    ///< of use POWER or GROUND
     size_t firstMember = 0; ///< in Def::members
     size_t numMembers = 0;
+    size_t firstRoute = 0; ///< in Def::routes
+    size_t numRoutes = 0;
     size_t offset = 0;
 };
 
@@ -115,6 +117,8 @@ struct Def {
                                         ///< before the place, or else that place; half DBU
     std::vector<DefNet> nets;           ///< regular ones; special nets are not read
     std::vector<DefMember> members;     ///< of all nets
+    std::vector<geometry::RangeOf<size_t>>
+        routes; ///< of all nets, regular routing in the text: from its "+" to the next option, or the `;`
     std::vector<DefBlockage> blockages;
     std::vector<DefRegion> regions;
     std::vector<DefGroup> groups;

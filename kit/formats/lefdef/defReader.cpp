@@ -27,6 +27,9 @@ constexpr std::pair<std::string_view, Status> STATUSES[] = {{"PLACED", Status::P
                                                             {"COVER", Status::COVER},
                                                             {"UNPLACED", Status::UNPLACED}};
 
+/// What the routing of a net begins with.
+constexpr std::string_view ROUTING[] = {"ROUTED", "FIXED", "COVER", "NOSHIELD"};
+
 /// A polygon with more corners is refused: cutting it takes their square.
 constexpr size_t MOST_CORNERS = 1000;
 
@@ -351,14 +354,22 @@ private:
             readMember();
         }
         net.numMembers = m_def.members.size() - net.firstMember;
+        net.firstRoute = m_def.routes.size();
         while (m_in.more()) {
+            const size_t at = m_in.offset();
             m_in.expect("+");
             if (m_in.take("USE")) {
                 net.supply = readIsSupply();
-            } else {
-                m_in.skipOption();
+                continue;
+            }
+            const bool isRoute =
+                std::ranges::any_of(ROUTING, [this](std::string_view word) { return m_in.is(word); });
+            m_in.skipOption();
+            if (isRoute) {
+                m_def.routes.push_back({at, m_in.offset()});
             }
         }
+        net.numRoutes = m_def.routes.size() - net.firstRoute;
         const size_t before = m_def.nets.size();
         if (net.name != "MUSTJOIN") {
             keepIfNew(net, m_def.nets, m_nets, "net", Severity::WARNING);

@@ -160,8 +160,9 @@ Step exportStep(const Options& options, const Places& places)
                 "-o",     places.placed + ".def",  "--gds", places.placed + ".gds"};
     addGiven(words, "--layer", options.layer);
     addLefs(words, options);
-    // Fillers fill the gaps of the old placement; in the new one they would overlap cells.
-    words.insert(words.end(), {"--cell-path", places.cellDir, "--drop-fillers", "--force", "--json"});
+    // The fillers of the old placement would overlap cells of the new one.
+    words.insert(words.end(), {"--cell-path", places.cellDir, options.noFill ? "--drop-fillers" : "--fill",
+                               "--force", "--json"});
     return {.name = "export",
             .words = words,
             .goodStatus = 1,

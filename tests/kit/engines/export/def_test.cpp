@@ -115,7 +115,8 @@ TEST(KitExportFillers, StayUnlessTheyAreToBeDropped)
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.error,
               "in.def: note: 3 fillers stay where they are, and placed cells lie on 1 of them; "
-              "--drop-fillers leaves them out [fillers]\n0 errors, 0 warnings, 1 note\n");
+              "--drop-fillers leaves them out, and --fill fills the gaps [fillers]\n0 errors, 0 warnings, 1 "
+              "note\n");
     EXPECT_EQ(files.output("new.def"), with(files.def, "u INV + PLACED ( 0 0 )", "u INV + PLACED ( 380 0 )"));
 }
 
@@ -161,6 +162,87 @@ TEST(KitExportFillers, AreWhatTheLibrarySaysWhateverTheirNames)
         "in.def:9: warning: the component FILLED is not in the placement, and stays where it is; export "
         "into the file that the placement was made from [left-out]\n0 errors, 1 warning, 0 notes\n");
     EXPECT_EQ(files.output("new.def"), files.def);
+}
+
+/// Nets of u, which moves, and of v, which does not.
+struct Routing {
+    const char* name;
+    const char* nets;
+    const char* expected;
+    int64_t dropped = 1; ///< nets
+};
+
+class KitExportRouting : public testing::TestWithParam<Routing> {};
+
+/// A DEF file with some nets.
+std::string defWith(const std::string& def, const std::string& nets)
+{
+    return with(def, "END DESIGN",
+                nets + "SPECIALNETS 1 ;\n- VDD ( u VDD ) + ROUTED M1 10 ( 0 0 ) ( 9 * ) ;\nEND SPECIALNETS\n"
+                       "END DESIGN");
+}
+
+constexpr const char* MOVED = "- u INV + PLACED ( 380 0 ) N\n ;\n- v INV + PLACED ( 760 0 ) N\n ;\n";
+constexpr const char* BEFORE = "- u INV + PLACED ( 0 0 ) N ;\n- v INV + PLACED ( 760 0 ) N ;\n";
+
+TEST_P(KitExportRouting, IsLeftOutWhereACellHasMoved)
+{
+    SmallExport files(MOVED, BEFORE);
+    files.def = defWith(files.def, GetParam().nets);
+    const KitOutcome outcome = files.run();
+    EXPECT_EQ(outcome.error, "");
+    const std::string routing = GetParam().dropped == 0
+                                    ? ""
+                                    : ", the routing of " + std::to_string(GetParam().dropped) +
+                                          (GetParam().dropped == 1 ? " net left out" : " nets left out");
+    EXPECT_EQ(outcome.output, "new.def: 2 components, 1 in a new place" + routing + "\n");
+    EXPECT_EQ(files.output("new.def"), with(with(files.def, GetParam().nets, GetParam().expected),
+                                            "u INV + PLACED ( 0 0 )", "u INV + PLACED ( 380 0 )"));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Nets, KitExportRouting,
+    testing::Values(
+        Routing{
+            "AtTheEnd",
+            "NETS 1 ;\n- n ( u A ) ( v Z )\n + ROUTED M1 ( 0 0 ) ( 9 * )\n NEW M2 ( 9 0 ) V12 ;\nEND NETS\n",
+            "NETS 1 ;\n- n ( u A ) ( v Z )\n ;\nEND NETS\n"},
+        Routing{"BetweenOptions",
+                "NETS 1 ;\n- n ( v Z ) ( u A ) + WEIGHT 2\n + ROUTED M1 TAPER ( 0 0 ) ( 9 * ) RECT ( 0 0 1 1 "
+                ")\n + USE "
+                "CLOCK ;\nEND NETS\n",
+                "NETS 1 ;\n- n ( v Z ) ( u A ) + WEIGHT 2\n + USE CLOCK ;\nEND NETS\n"},
+        Routing{"OfAllKinds",
+                "NETS 1 ;\n- n ( u A ) + FIXED M1 ( 0 0 ) ( 1 * ) + COVER M1 ( 0 0 ) ( 2 * ) + ROUTED M1 ( 0 "
+                "0 ) ( 3 * ) + "
+                "NOSHIELD M1 ( 0 0 ) ( 4 * ) + FIXEDBUMP ;\nEND NETS\n",
+                "NETS 1 ;\n- n ( u A ) + FIXEDBUMP ;\nEND NETS\n"},
+        Routing{"OfSubnets",
+                "NETS 1 ;\n- n ( u A ) + VPIN p ( 0 0 ) ( 1 1 ) PLACED ( 5 5 ) N + SUBNET s ( u A ) ( VPIN p "
+                ") + ROUTED M1 ( "
+                "0 0 ) ( 3 * ) ;\nEND NETS\n",
+                "NETS 1 ;\n- n ( u A ) + VPIN p ( 0 0 ) ( 1 1 ) PLACED ( 5 5 ) N + SUBNET s ( u A ) ( VPIN p "
+                ") ;\nEND "
+                "NETS\n"},
+        Routing{"BehindAComment", "NETS 1 ;\n- n ( u A ) # x\n + ROUTED M1 ( 0 0 ) ( 9 * ) ;\nEND NETS\n",
+                "NETS 1 ;\n- n ( u A ) # x\n ;\nEND NETS\n"},
+        Routing{"OfSupplyNets", "NETS 1 ;\n- n ( u A ) + USE POWER + ROUTED M1 ( 0 0 ) ( 9 * ) ;\nEND NETS\n",
+                "NETS 1 ;\n- n ( u A ) + USE POWER ;\nEND NETS\n"},
+        Routing{"NotOfNetsThatStay",
+                "NETS 1 ;\n- n ( v A ) ( PIN u ) + ROUTED M1 ( 0 0 ) ( 9 * ) ;\nEND NETS\n",
+                "NETS 1 ;\n- n ( v A ) ( PIN u ) + ROUTED M1 ( 0 0 ) ( 9 * ) ;\nEND NETS\n", 0}),
+    [](const auto& param) { return param.param.name; });
+
+TEST(KitExportKeptRouting, StaysWhereItIsToStayWithAWarning)
+{
+    SmallExport files(MOVED, BEFORE);
+    files.def = defWith(files.def, "NETS 1 ;\n- n ( u A ) + ROUTED M1 ( 0 0 ) ( 9 * ) ;\nEND NETS\n");
+    const KitOutcome outcome = files.run({"--keep-routing"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.error,
+              "in.def: warning: the routing of 1 net ends where components were; leave --keep-routing "
+              "out, or route these nets anew [routing]\n0 errors, 1 warning, 0 notes\n");
+    EXPECT_EQ(files.output("new.def"), with(files.def, "u INV + PLACED ( 0 0 )", "u INV + PLACED ( 380 0 )"));
 }
 
 RC_GTEST_PROP(KitExportEdits, KeepWhatIsOutsideOfThem, (const std::string& text))

@@ -178,8 +178,8 @@ TEST_F(SharedFences, AreRefusedByName)
     const test::TempDir dir;
     for (const char* const name : {"fence01", "fence02", "fence03", "regions1", "regions2", "regions3"}) {
         const auto outcome = test::runKit(
-            {"import", "--lef", cells, "--lef", test::sharedDesign("rules/fake_macros.lef"), "--def",
-             test::sharedDesign(std::string("rules/") + name + ".def"), "--legalize", "-o", dir.path("o")});
+            {"import", "--lef", cells, "--lef", test::sharedFile("rules/fake_macros.lef"), "--def",
+             test::sharedFile(std::string("rules/") + name + ".def"), "--legalize", "-o", dir.path("o")});
         EXPECT_EQ(outcome.status, 2) << name;
         EXPECT_NE(outcome.error.find(" is a fence around "), std::string::npos) << name << outcome.error;
         EXPECT_FALSE(std::filesystem::exists(dir.path("o.place"))) << name;

@@ -73,7 +73,7 @@ protected:
 
 TEST_P(KitImportShared, WirelengthByPinsIsThatOfTheIndependentMeasure)
 {
-    const std::optional<SharedDesign> design = sharedDesign(GetParam());
+    const std::optional<ListedDesign> design = listedDesign(GetParam());
     if (!design) {
         GTEST_SKIP() << "there are no shared designs beside the checkout: set VIRELOCE_SHARED";
     }

@@ -110,7 +110,7 @@ TEST_F(KitFlow, ItsResultIsExportedAgainFromAnyFolder)
     }
     const std::string again = m_dir.path("again");
     ASSERT_EQ(runIn("/", {"export", m_dir.path("moved/out.json"), "--def", def, "-o", again + ".def", "--gds",
-                          again + ".gds", "--lef", lef, "--drop-fillers"}),
+                          again + ".gds", "--lef", lef, "--fill"}),
               0)
         << contentOf(m_dir.path("stderr"));
     for (const std::string extension : {".def", ".gds", ".lyp"}) {
@@ -118,6 +118,16 @@ TEST_F(KitFlow, ItsResultIsExportedAgainFromAnyFolder)
     }
     const Json result = Json::parse(contentOf(m_dir.path("moved/out.json")));
     EXPECT_EQ(test::faultsOf(result, test::placeSchema()), std::vector<std::string>());
+}
+
+TEST_F(KitFlow, FillsTheGapsUnlessItIsNotTo)
+{
+    ASSERT_EQ(gcd({"--allow-conflicts"}), 0) << m_error;
+    EXPECT_TRUE(says("export", ", 266 fillers left out, 267 put in")) << m_output;
+    EXPECT_NE(contentOf(out() + ".def").find("- FILLER_1 FILLCELL_X"), std::string::npos);
+    ASSERT_EQ(gcd({"--allow-conflicts", "--no-fill", "--force"}), 0) << m_error;
+    EXPECT_TRUE(says("export", ", 266 fillers left out")) << m_output;
+    EXPECT_EQ(contentOf(out() + ".def").find("- FILLER_1 FILLCELL_X"), std::string::npos);
 }
 
 TEST_F(KitFlow, ReplacesTheColourFilesOfAnEarlierRunAndNoOthers)
