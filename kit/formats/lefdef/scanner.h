@@ -7,6 +7,23 @@
 
 namespace kit::lefdef {
 
+/// Whether a word is one of the grammar: files may write those in any case.
+///
+/// @param keyword  as the grammar has it, in capitals
+constexpr bool isKeyword(std::string_view word, std::string_view keyword)
+{
+    if (word.size() != keyword.size()) {
+        return false;
+    }
+    for (size_t i = 0; i < word.size(); ++i) {
+        const bool small = word[i] >= 'a' && word[i] <= 'z';
+        if (word[i] != keyword[i] && !(small && word[i] - 'a' + 'A' == keyword[i])) {
+            return false;
+        }
+    }
+    return true;
+}
+
 /// A word of a LEF or DEF file, or a string in quotation marks.
 struct Token {
     enum class Kind : uint8_t { WORD, STRING, END };
