@@ -56,7 +56,7 @@ std::optional<lefdef::Span> countBefore(std::string_view text, size_t component)
     std::optional<lefdef::Span> count;
     Scanner scanner(text.substr(0, component));
     while (scanner.token().kind != Token::Kind::END) {
-        const bool head = scanner.token().text == "COMPONENTS";
+        const bool head = lefdef::isKeyword(scanner.token().text, "COMPONENTS");
         scanner.advance();
         if (head) {
             count = lefdef::Span{scanner.offset(), scanner.offset() + scanner.token().text.size()};

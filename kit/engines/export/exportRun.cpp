@@ -16,6 +16,7 @@
 #include "kit/engines/export/fill.h"
 #include "kit/engines/export/layerProperties.h"
 #include "kit/engines/export/layout.h"
+#include "kit/engines/export/lefMasks.h"
 #include "kit/engines/export/masters.h"
 #include "kit/formats/lefdef/library.h"
 #include "kit/formats/placer/reader.h"
@@ -238,6 +239,14 @@ private:
             return;
         }
         const Length siteWidth = step() * lefdef::MICRON / micron();
+        for (const std::unique_ptr<lefdef::Source>& source : m_inputs.lefSources) {
+            if (lacksMasks(*source, m_options.layer)) {
+                Reporter(m_findings, source->path())
+                    .note("layer-masks", {},
+                          "the layer " + m_options.layer + " is not said to have three masks",
+                          "write MASK 3 into it for those who read the masters");
+            }
+        }
         m_outputs.add(m_options.lefMasks, counted(static_cast<int64_t>(m_masters.size()), "master"),
                       [&](OutputFile& file) {
                           file << masterText(m_inputs, m_masters, m_filling, m_macros, siteWidth, m_findings);

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <map>
 
-#include "kit/base/text/decimal.h"
 #include "kit/engines/export/grid.h"
 #include "kit/engines/export/pieces.h"
 #include "kit/formats/lefdef/edits.h"
@@ -21,9 +20,6 @@ using lefdef::LefShape;
 using lefdef::Length;
 using lefdef::Scanner;
 using lefdef::Token;
-
-constexpr int32_t MICRON_DIGITS = 6;
-constexpr int64_t LARGEST = int64_t{1} << 50U; // picometres: a kilometre
 
 /// The shapes that a statement stands for, by its place in the file.
 using Statements = std::map<size_t, std::vector<const LefShape*>>;
@@ -86,29 +82,10 @@ private:
     std::vector<Length> m_ys;
 };
 
-/// How far the macro's ORIGIN moves its shapes.
-LefPoint originOf(std::string_view macro)
-{
-    Scanner scanner(macro);
-    while (scanner.token().kind != Token::Kind::END && scanner.token().text != "ORIGIN" &&
-           scanner.token().text != "PIN" && scanner.token().text != "OBS") {
-        scanner.advance();
-    }
-    LefPoint origin;
-    if (scanner.token().text == "ORIGIN") {
-        scanner.advance();
-        origin.x = parseDecimal(scanner.token().text, MICRON_DIGITS, LARGEST).value;
-        scanner.advance();
-        origin.y = parseDecimal(scanner.token().text, MICRON_DIGITS, LARGEST).value;
-    }
-    return origin;
-}
-
 class Masker {
 public:
     Masker(const lefdef::Source& source, const LefMacro& macro, const Colouring& colouring)
-        : m_text(source.text()), m_macro(macro), m_statements(statementsOf(macro)),
-          m_origin(originOf(m_text.substr(macro.offset, macro.endOffset - macro.offset)))
+        : m_text(source.text()), m_macro(macro), m_statements(statementsOf(macro)), m_origin(macro.origin)
     {
         const Snap snap(m_statements, colouring.siteWidth);
         for (size_t i = 0; i < colouring.cell.shapes.size(); ++i) {
@@ -134,7 +111,8 @@ private:
         Scanner scanner(m_text);
         scanner.rewind(m_macro.offset);
         scanner.advance(); // behind MACRO
-        m_edits.replace(scanner.offset(), scanner.offset() + scanner.token().text.size(), std::string(name));
+        m_edits.replace(scanner.offset(), scanner.offset() + scanner.token().text.size(),
+                        std::string(name) + "\n  FIXEDMASK ;"); // its masks are those of its neighbours too
         m_edits.replace(m_macro.endOffset - m_macro.name.size(), m_macro.endOffset, std::string(name));
     }
 
@@ -168,7 +146,7 @@ private:
         const size_t behindWord = scanner.end();
         scanner.advance();
         size_t end = behindWord;
-        if (scanner.token().text == "MASK") {
+        if (lefdef::isKeyword(scanner.token().text, "MASK")) {
             scanner.advance();
             end = scanner.end();
         }
@@ -208,14 +186,40 @@ MaskedMacro maskedMacro(const lefdef::Source& source, const LefMacro& macro, con
     return Masker(source, macro, colouring).run(name);
 }
 
+bool lacksMasks(const lefdef::Source& source, std::string_view layer)
+{
+    Scanner scanner(source.text());
+    const auto isAt = [&scanner](std::string_view word) {
+        return lefdef::isKeyword(scanner.token().text, word);
+    };
+    bool inside = false; // of the layer, and not where a shape names it
+    for (; scanner.token().kind != Token::Kind::END && !isAt("MACRO"); scanner.advance()) {
+        if (!inside && isAt("LAYER")) {
+            scanner.advance();
+            inside = scanner.token().text == layer;
+            scanner.advance();
+            inside = inside && scanner.token().text != ";";
+        }
+        if (inside && isAt("MASK")) {
+            scanner.advance();
+            return scanner.token().text == "1" || scanner.token().text == "2";
+        }
+        if (inside && isAt("END")) {
+            return true;
+        }
+    }
+    return false;
+}
+
 std::string lefHead(const lefdef::Source& source)
 {
     std::string head = "VERSION 5.8 ;\n";
     Scanner scanner(source.text());
-    while (scanner.token().kind != Token::Kind::END && scanner.token().text != "MACRO") {
+    while (scanner.token().kind != Token::Kind::END && !lefdef::isKeyword(scanner.token().text, "MACRO")) {
         const std::string word(scanner.token().text);
         scanner.advance();
-        if ((word == "BUSBITCHARS" || word == "DIVIDERCHAR") && scanner.token().kind == Token::Kind::STRING) {
+        if ((lefdef::isKeyword(word, "BUSBITCHARS") || lefdef::isKeyword(word, "DIVIDERCHAR")) &&
+            scanner.token().kind == Token::Kind::STRING) {
             head += word + " \"" + std::string(scanner.token().text) + "\" ;\n";
         }
     }

@@ -35,6 +35,9 @@ struct MaskedMacro {
 MaskedMacro maskedMacro(const lefdef::Source& source, const lefdef::LefMacro& macro,
                         const Colouring& colouring, std::string_view name);
 
+/// Whether a LEF file defines a layer, and does not say that it has three masks or more.
+bool lacksMasks(const lefdef::Source& source, std::string_view layer);
+
 /// The head of a file for masters of a LEF file: version 5.8, which knows masks, and the characters for buses
 /// and dividers that the file has.
 std::string lefHead(const lefdef::Source& source);

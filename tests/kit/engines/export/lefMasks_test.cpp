@@ -23,10 +23,17 @@ kit::placer::Cell cellOf(const std::vector<std::pair<kit::placer::Rect, int32_t>
 }
 
 /// A macro with one pin.
-std::string macroText(const std::string& name, const std::string& shapes)
+std::string macroText(const std::string& name, const std::string& shapes, const std::string& more = "")
 {
-    return "MACRO " + name + "\n  ORIGIN 0 0 ;\n  SIZE 1 BY 1 ;\n  PIN A\n    PORT\n      LAYER M1 ;\n" +
-           shapes + "    END\n  END A\nEND " + name;
+    return "MACRO " + name + "\n" + more +
+           "  ORIGIN 0 0 ;\n  SIZE 1 BY 1 ;\n  PIN A\n    PORT\n      LAYER M1 ;\n" + shapes +
+           "    END\n  END A\nEND " + name;
+}
+
+/// The macro X that another one becomes.
+std::string maskedX(const std::string& shapes)
+{
+    return macroText("X", shapes, "  FIXEDMASK ;\n");
 }
 
 MaskedMacro maskedText(const std::string& macro, const kit::placer::Cell& cell, int64_t siteWidth = 190'000)
@@ -54,7 +61,7 @@ TEST_P(KitLefMasks, ChangesShapesOfTheLayerAlone)
     // Left of 400 mask 0, right of it mask 2; nothing above 800.
     const kit::placer::Cell cell = cellOf({{{100, 100, 400, 800}, 0}, {{400, 100, 700, 800}, 2}});
     const MaskedMacro masked = maskedText(macroText("M", GetParam().shapes), cell);
-    EXPECT_EQ(masked.text, macroText("X", GetParam().expected));
+    EXPECT_EQ(masked.text, maskedX(GetParam().expected));
     EXPECT_EQ(masked.bareMetal, GetParam().bare);
 }
 
@@ -82,12 +89,68 @@ INSTANTIATE_TEST_SUITE_P(
                "  RECT 0.1 0.8 0.2 0.9 ;\n  RECT MASK 1 0.1 0.7 0.2 0.8 ;\n", 1}),
     [](const auto& param) { return param.param.name; });
 
+TEST(KitLefMasks, KeywordsMayBeInSmallLetters)
+{
+    const kit::placer::Cell cell = cellOf({{{100, 100, 400, 800}, 2}});
+    const kit::lefdef::Source source("a.lef",
+                                     "busbitchars \"<>\" ;\nMACRO M\n  ORIGIN 0 0 ;\n  SIZE 1 BY 1 ;\n  OBS\n"
+                                     "    LAYER M1 ;\n    RECT mask 1 0.1 0.1 0.2 0.2 ;\n  END\nEND M\n");
+    kit::lefdef::LefMacro macro;
+    macro.name = "M";
+    macro.offset = source.text().find("MACRO");
+    macro.endOffset = source.text().rfind("\n");
+    macro.obstructions.push_back({.points = {{100'000, 100'000}, {200'000, 200'000}}, .mask = 1});
+    macro.obstructions.back().offset = source.text().find("RECT");
+    const MaskedMacro masked =
+        kit::exporter::maskedMacro(source, macro, {cell, cell.solutions.front(), 190'000}, "X");
+    EXPECT_NE(masked.text.find("    RECT MASK 3 0.1 0.1 0.2 0.2 ;\n"), std::string::npos) << masked.text;
+    EXPECT_EQ(kit::exporter::lefHead(source), "VERSION 5.8 ;\nbusbitchars \"<>\" ;\n");
+}
+
+struct MaskLayer {
+    const char* name;
+    const char* text;
+    bool lacks;
+};
+
+class KitLefMaskLayer : public testing::TestWithParam<MaskLayer> {};
+
+TEST_P(KitLefMaskLayer, HasThreeMasksOrLacksThem)
+{
+    EXPECT_EQ(kit::exporter::lacksMasks(kit::lefdef::Source("a.lef", GetParam().text), "M1"),
+              GetParam().lacks);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, KitLefMaskLayer,
+    testing::Values(MaskLayer{"Three", "LAYER M1 TYPE ROUTING ; MASK 3 ; END M1", false},
+                    MaskLayer{"None", "Layer M1 TYPE ROUTING ; WIDTH 1 ; END M1 LAYER M2 MASK 3 ; END M2",
+                              true},
+                    MaskLayer{"Two", "LAYER M1 TYPE ROUTING ; mask 2 ; END M1", true},
+                    MaskLayer{"OtherLayers", "LAYER M2 TYPE ROUTING ; END M2", false},
+                    MaskLayer{"LayerOfAShape", "VIA v LAYER M1 ; RECT 0 0 1 1 ; END v MACRO A END A", false},
+                    MaskLayer{"NoText", "", false}),
+    [](const auto& param) { return param.param.name; });
+
+TEST(KitLefMasks, LayerWithoutThreeMasksIsANote)
+{
+    SmallExport files("- a INV + PLACED ( 0 0 ) N\n ;\n", "- a INV ;\n");
+    files.colors = "a INV 2 0 0 0 2 1\n";
+    files.write("tech", "LAYER M1 TYPE ROUTING ; END M1 END LIBRARY\n");
+    const KitOutcome outcome = files.run({"--lef", files.path("tech"), "--lef", files.path("lef"), "--layer",
+                                          "M1", "--lef-masks", files.path("new.lef")});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.error,
+              "tech: note: the layer M1 is not said to have three masks; write MASK 3 into it for those "
+              "who read the masters [layer-masks]\n0 errors, 0 warnings, 1 note\n");
+}
+
 TEST(KitLefMasks, OriginIsTakenIntoAccount)
 {
     const kit::placer::Cell cell = cellOf({{{100, 100, 400, 800}, 0}, {{400, 100, 700, 800}, 2}});
     const std::string before = "MACRO M\n  ORIGIN 0.2 -0.1 ;\n  SIZE 1 BY 1 ;\n"
                                "  OBS\n    LAYER M1 ;\n    RECT -0.1 0.3 0.5 0.4 ;\n  END\nEND M";
-    const std::string after = "MACRO X\n  ORIGIN 0.2 -0.1 ;\n  SIZE 1 BY 1 ;\n"
+    const std::string after = "MACRO X\n  FIXEDMASK ;\n  ORIGIN 0.2 -0.1 ;\n  SIZE 1 BY 1 ;\n"
                               "  OBS\n    LAYER M1 ;\n    RECT MASK 1 -0.1 0.3 0.2 0.4 ;\n"
                               "    RECT MASK 3 0.2 0.3 0.5 0.4 ;\n  END\nEND X";
     EXPECT_EQ(maskedText(before, cell).text, after);
@@ -99,7 +162,7 @@ TEST(KitLefMasks, RoundedCornersAreThoseOfTheMacro)
     const kit::placer::Cell cell = cellOf({{{41, 41, 83, 124}, 0}, {{83, 41, 124, 124}, 1}});
     EXPECT_EQ(
         maskedText(macroText("M", "RECT 0.1 0.1 0.2 0.3 ;\nRECT 0.2 0.1 0.3 0.3 ;\n"), cell, 460'000).text,
-        macroText("X", "RECT MASK 1 0.1 0.1 0.2 0.3 ;\nRECT MASK 2 0.2 0.1 0.3 0.3 ;\n"));
+        maskedX("RECT MASK 1 0.1 0.1 0.2 0.3 ;\nRECT MASK 2 0.2 0.1 0.3 0.3 ;\n"));
 }
 
 TEST(KitLefMasks, FileHasTheHeadOfItsSource)
