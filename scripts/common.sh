@@ -17,7 +17,8 @@ done
 # What they need, as PACKAGE:PROBE: a Debian package, and a command or file that shows that it is there.
 BUILD_NEEDS=(g++:g++ cmake:cmake ninja-build:ninja)
 KIT_NEEDS=("${BUILD_NEEDS[@]}" libcli11-dev:/usr/include/CLI/CLI.hpp
-    nlohmann-json3-dev:/usr/include/nlohmann/json.hpp libsqlite3-dev:/usr/include/sqlite3.h)
+    nlohmann-json3-dev:/usr/include/nlohmann/json.hpp libsqlite3-dev:/usr/include/sqlite3.h
+    zlib1g-dev:/usr/include/zlib.h liblzma-dev:/usr/include/lzma.h)
 TEST_NEEDS=("${KIT_NEEDS[@]}" libgtest-dev:/usr/include/gtest/gtest.h librapidcheck-dev:/usr/include/rapidcheck.h)
 BROWSER_NEEDS=(nodejs:node npm:npm fonts-dejavu-core:/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf)
 [[ -n ${CHROMIUM-} ]] || BROWSER_NEEDS+=(chromium:/usr/bin/chromium)

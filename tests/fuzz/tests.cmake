@@ -11,16 +11,18 @@ foreach(name lef def)
 endforeach()
 
 if(VIRELOCE_FUZZ)
+    find_package(LibLZMA REQUIRED)
+    find_package(ZLIB REQUIRED)
     # The readers are compiled once more, so that the fuzzer sees which of their branches an input takes.
-    set(lefdef defReader lefReader macroReader orient parser scanner shapeReader source statements)
+    set(lefdef defReader lefReader macroReader orient parser scanner source statements)
     list(TRANSFORM lefdef REPLACE "(.+)" "${PROJECT_SOURCE_DIR}/kit/formats/lefdef/\\1.cpp")
-    set(rest base/files/readFile base/finding base/text/decimal base/text/escape base/text/json base/text/text
+    set(rest base/files/readFile base/files/unpack base/finding base/text/decimal base/text/escape base/text/json base/text/text
         geometry/polygon)
     list(TRANSFORM rest REPLACE "(.+)" "${PROJECT_SOURCE_DIR}/kit/\\1.cpp")
     foreach(name lef def)
         add_executable(${name}_fuzzer fuzz/${name}_fuzzer.cpp ${lefdef} ${rest})
         target_include_directories(${name}_fuzzer PRIVATE ${CMAKE_CURRENT_SOURCE_DIR} ${PROJECT_SOURCE_DIR})
-        target_link_libraries(${name}_fuzzer PRIVATE vireloce_warnings)
+        target_link_libraries(${name}_fuzzer PRIVATE vireloce_warnings LibLZMA::LibLZMA ZLIB::ZLIB)
         target_compile_options(${name}_fuzzer PRIVATE -fsanitize=fuzzer,address,undefined -fno-sanitize-recover=all)
         target_link_options(${name}_fuzzer PRIVATE -fsanitize=fuzzer,address,undefined)
     endforeach()

@@ -1,3 +1,4 @@
+find_package(LibLZMA REQUIRED)
 find_package(SQLite3 REQUIRED)
 set(VIRELOCE_SHARED "${PROJECT_SOURCE_DIR}/../shared" CACHE PATH
     "Folder of real designs, data/designs, and of tools that judge them; tests skip what is not there")
@@ -5,6 +6,7 @@ vireloce_test(kit SHARDS 4
     kit/base/files/outputFile_test.cpp
     kit/base/files/outputPaths_test.cpp
     kit/base/files/outputSet_test.cpp
+    kit/base/files/unpack_test.cpp
     kit/base/process/childProcess_test.cpp
     kit/base/process/limits_test.cpp
     kit/base/text/base64_test.cpp
@@ -83,7 +85,7 @@ target_compile_definitions(test_kit PRIVATE
     VIRELOCE_PLACE_SCHEMA="${PROJECT_SOURCE_DIR}/kit/engines/place/result.schema.json"
     VIRELOCE_SHARED_FOLDER="${VIRELOCE_SHARED}"
     VIRELOCE_STUDY_SCHEMA="${PROJECT_SOURCE_DIR}/kit/tools/sweep/study.schema.json")
-target_link_libraries(test_kit PRIVATE vireloce_kit SQLite::SQLite3)
+target_link_libraries(test_kit PRIVATE vireloce_kit LibLZMA::LibLZMA SQLite::SQLite3)
 add_dependencies(test_kit vireloce-kit)
 set_source_files_properties(${CMAKE_CURRENT_LIST_DIR}/tools/command_test.cpp PROPERTIES
     COMPILE_DEFINITIONS VIRELOCE_VERSION="${PROJECT_VERSION}")

@@ -171,6 +171,9 @@ OutputFile::OutputFile(std::string path)
     if (m_file < 0) {
         fail(errno);
     }
+    if (isPackedName(m_path)) {
+        m_packer.emplace();
+    }
 }
 
 /// What an old file may not show to all, its successor must not show while it is made.
@@ -234,25 +237,37 @@ const std::string& OutputFile::partPath() const
     if (!m_name) {
         throw Fault("cannot write " + m_path + ": it is no regular file");
     }
+    if (m_packer) {
+        throw Fault("cannot write " + m_path + ": it cannot be compressed");
+    }
     return m_name->part();
 }
 
 void OutputFile::flush()
 {
+    const std::string_view text(m_buffer.get(), m_used);
+    write(m_packer ? m_packer->pack(text, /*last=*/false) : text);
+    m_used = 0;
+}
+
+void OutputFile::write(std::string_view bytes)
+{
     assert(m_file >= 0);
-    for (size_t done = 0; done < m_used;) {
-        const ssize_t size = write(m_file, m_buffer.get() + done, m_used - done);
+    while (!bytes.empty()) {
+        const ssize_t size = ::write(m_file, bytes.data(), bytes.size());
         if (size < 0 && errno != EINTR) {
             fail(errno);
         }
-        done += size > 0 ? static_cast<size_t>(size) : 0;
+        bytes.remove_prefix(size > 0 ? static_cast<size_t>(size) : 0);
     }
-    m_used = 0;
 }
 
 void OutputFile::complete(bool sync)
 {
     flush();
+    if (m_packer) {
+        write(m_packer->pack("", /*last=*/true));
+    }
     if (m_old) {
         const bool sameOwner = fchown(m_file, m_old->st_uid, m_old->st_gid) == 0; // not everybody may
         const mode_t mode = m_old->st_mode & (sameOwner ? 07777U : 0777U);

@@ -10,6 +10,8 @@
 #include <string>
 #include <string_view>
 
+#include "kit/base/files/unpack.h"
+
 namespace kit {
 
 /// Gives a finished file the name that another may have, or takes a file away. After keepOld() that can be
@@ -60,7 +62,8 @@ std::string nameOfPart(const std::string& name);
 /// have, and renamed by commit(), once all of it is on the disk. Without commit() nothing is left.
 ///
 /// A file that it replaces hands down its owner and permissions; of a link, what it leads to is replaced.
-/// What is no regular file, as a pipe or a device, is written as it is.
+/// What is no regular file, as a pipe or a device, is written as it is. One whose name ends with ".gz" is
+/// compressed.
 class OutputFile {
 public:
     /// Opens the file for writing. Errors: throws Fault if it cannot be opened.
@@ -87,7 +90,7 @@ public:
 
     /// Where the file is until it gets its name, for those who write by a name.
     ///
-    /// Errors: throws Fault if it is no regular file that is written.
+    /// Errors: throws Fault if it is no regular file that is written, or one that is compressed.
     const std::string& partPath() const;
 
     /// Writes what is left and gives the file its name, in place of a file that had it.
@@ -101,6 +104,7 @@ private:
     void openPart(const std::string& target);
     OutputFile& append(long long value);
     void flush();
+    void write(std::string_view bytes);
     void complete(bool sync);
     [[noreturn]] void fail(int error) const;
 
@@ -108,7 +112,8 @@ private:
     std::optional<struct stat> m_old; ///< of the regular file that is replaced
     int m_file = -1;                  ///< -1 once it is complete
     std::unique_ptr<char[]> m_buffer;
-    size_t m_used = 0;                ///< bytes in the buffer
+    size_t m_used = 0; ///< bytes in the buffer
+    std::optional<GzipPacker> m_packer;
     std::optional<NameChange> m_name; ///< none if the file is written as it is
 };
 

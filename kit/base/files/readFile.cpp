@@ -51,7 +51,7 @@ size_t InputFile::length() const
     return fstat(m_file, &info) == 0 && info.st_size > 0 ? static_cast<size_t>(info.st_size) : 0;
 }
 
-std::string readFile(const std::string& path)
+std::string readBytes(const std::string& path)
 {
     const InputFile file(path);
     // One byte more than the file is long: then its end is met without more room.
@@ -64,6 +64,12 @@ std::string readFile(const std::string& path)
         }
     }
     text.resize(used);
+    return text;
+}
+
+std::string readFile(const std::string& path)
+{
+    std::string text = readBytes(path);
     if (text.starts_with("\x1f\x8b")) {
         throw Fault(path + " is gzip-compressed: unpack it first");
     }

@@ -31,6 +31,9 @@ private:
     int m_file;
 };
 
+/// Reads a whole file, whatever is in it. Errors: as of InputFile.
+std::string readBytes(const std::string& path);
+
 /// Reads a whole text file. Errors: as of InputFile; throws Fault for one that is compressed by gzip as well.
 std::string readFile(const std::string& path);
 

@@ -3,6 +3,8 @@
 
 #include <filesystem>
 
+#include "kit/base/files/unpack.h"
+
 namespace kit::exporter {
 
 std::vector<std::string> outputsOf(const Options& options)
@@ -21,7 +23,11 @@ std::vector<std::string> outputsOf(const Options& options)
 
 std::string layerPropertiesOf(const std::string& gds)
 {
-    return std::filesystem::path(gds).replace_extension(".lyp").string();
+    std::filesystem::path path(gds);
+    if (isPackedName(gds)) {
+        path.replace_extension();
+    }
+    return path.replace_extension(".lyp").string();
 }
 
 } // namespace kit::exporter

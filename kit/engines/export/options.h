@@ -25,7 +25,8 @@ struct Options {
     bool json = false;             ///< JSON in place of lines
 };
 
-/// Path of the layer properties beside a GDSII file: its name with the ending ".lyp".
+/// Path of the layer properties beside a GDSII file: its name with the ending ".lyp", also in place of
+/// ".gds.gz".
 std::string layerPropertiesOf(const std::string& gds);
 
 /// Paths of all files that are written.

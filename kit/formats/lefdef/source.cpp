@@ -5,7 +5,7 @@
 #include <cassert>
 #include <utility>
 
-#include "kit/base/files/readFile.h"
+#include "kit/base/files/unpack.h"
 #include "kit/base/finding.h"
 
 namespace kit::lefdef {
@@ -18,7 +18,7 @@ constexpr size_t BLOCK = 4096;
 
 } // namespace
 
-Source::Source(std::string path) : m_path(std::move(path)), m_text(readFile(m_path)) {}
+Source::Source(std::string path) : m_path(std::move(path)), m_text(readUnpacked(m_path)) {}
 
 Source::Source(std::string path, std::string text) : m_path(std::move(path)), m_text(std::move(text)) {}
 

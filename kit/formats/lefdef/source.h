@@ -18,7 +18,7 @@ namespace kit::lefdef {
 /// problem is told.
 class Source {
 public:
-    /// Reads a whole file. Errors: throws Fault if it cannot be opened or read.
+    /// Reads a whole file, also one that gzip or xz has compressed. Errors: as of readUnpacked().
     explicit Source(std::string path);
     /// Takes a text that is there already.
     Source(std::string path, std::string text);

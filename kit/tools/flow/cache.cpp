@@ -10,7 +10,7 @@
 #include "kit/base/fault.h"
 #include "kit/base/files/folder.h"
 #include "kit/base/files/outputFile.h"
-#include "kit/base/files/readFile.h"
+#include "kit/base/files/unpack.h"
 #include "kit/base/hash.h"
 #include "kit/base/text/text.h"
 
@@ -57,7 +57,7 @@ std::string cachedFolder(const Options& options, const std::string& site,
     }
     for (const std::string& path : options.lefs) {
         hash.add(std::string_view("\0", 1)); // no name of a cell is empty
-        hash.add(readFile(path));
+        hash.add(readUnpacked(path));
         hash.add(std::string_view("\0", 1));
     }
     return (fs::path(cacheRoot(options)) / hash.text()).string();

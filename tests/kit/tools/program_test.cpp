@@ -121,9 +121,9 @@ TEST_F(KitProgram, WhatATerminalWouldObeyIsEscaped)
 
 TEST_F(KitProgram, CompressedFilesAreCalledThat)
 {
-    m_dir.write("l.lef.gz", "\x1f\x8b\x08");
-    EXPECT_EQ(shell("$KIT color --lef l.lef.gz -o out"), 2);
-    EXPECT_EQ(m_error, "vireloce-kit: l.lef.gz is gzip-compressed: unpack it first\n");
+    m_dir.write("r.gz", "\x1f\x8b\x08");
+    EXPECT_EQ(shell("$KIT compare r.gz"), 2);
+    EXPECT_EQ(m_error, "vireloce-kit: r.gz is gzip-compressed: unpack it first\n");
 }
 
 TEST_F(KitProgram, AFullFileSystemKeepsNothing)

@@ -2,6 +2,7 @@
 // The subcommand export: its messages, its statuses, and what it does not touch.
 #include <filesystem>
 
+#include "kit/base/files/unpack.h"
 #include "kit/base/files/writeOutput.h"
 #include "kit/base/text/json.h"
 #include "kit/design/nameMap.h"
@@ -215,6 +216,22 @@ TEST(KitExportCommand, NothingIsReplacedWithoutForce)
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.error, "vireloce-kit: new.def exists: choose another name, or --force to replace it\n");
     EXPECT_EQ(files.run({"--force"}).status, 0);
+}
+
+TEST(KitExportCommand, FilesNamedGzAreCompressed)
+{
+    SmallExport files(U, U_IN_DEF);
+    files.colors = U_COLORS;
+    ASSERT_EQ(files.run({"--gds", files.path("new.gds")}).status, 0);
+    ASSERT_EQ(test::runKit({"export", files.path("out.json"), "--def", files.path("in.def"), "-o",
+                            files.path("new.def.gz"), "--gds", files.path("new.gds.gz"), "--force"})
+                  .status,
+              0);
+    EXPECT_EQ(kit::readUnpacked(files.path("new.def.gz")), files.output("new.def"));
+    EXPECT_EQ(kit::readUnpacked(files.path("new.gds.gz")), files.output("new.gds"));
+    EXPECT_NE(files.output("new.def.gz"), files.output("new.def"));
+    EXPECT_TRUE(std::filesystem::exists(files.path("new.lyp")));
+    EXPECT_FALSE(std::filesystem::exists(files.path("new.gds.lyp")));
 }
 
 TEST(KitExportCommand, LayerPropertiesAreNotReplacedWithoutForce)

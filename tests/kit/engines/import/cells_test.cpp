@@ -7,6 +7,7 @@
 namespace {
 
 using test::components;
+using test::contentOf;
 using test::KitImport;
 using test::Words;
 
@@ -44,6 +45,24 @@ TEST_F(KitImportCells, LayerIsFoundByThoseInUse)
                                  "on it; give --layer if it is another [layer]\n");
     EXPECT_NE(outcome.output.find("\"layer\":\"metal1\""), std::string::npos) << outcome.output;
     EXPECT_EQ(import(cells, {"--layer", "metal1"}).error, "");
+}
+
+TEST_F(KitImportCells, CompressedFilesGiveTheSameDesign)
+{
+    const std::string body = components({"a A + PLACED ( 1000 0 ) N", "b A + PLACED ( 1400 0 ) N"});
+    importWell(body);
+    const std::string plain = fileOf(".place") + fileOf(".map").substr(fileOf(".map").find("HASH"));
+    for (const char* const name : {"l.lef", "d.def"}) {
+        const std::string text = contentOf(m_dir.path(name));
+        kit::OutputFile file(m_dir.path(name) + ".gz");
+        file << text;
+        file.commit();
+        std::filesystem::rename(m_dir.path(name) + ".gz", m_dir.path(name));
+    }
+    const auto outcome = test::runKit(
+        {"import", "--lef", m_dir.path("l.lef"), "--def", m_dir.path("d.def"), "-o", base(), "--force"});
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_EQ(fileOf(".place") + fileOf(".map").substr(fileOf(".map").find("HASH")), plain);
 }
 
 TEST_F(KitImportCells, OrientationIsMirroredOrNot)
