@@ -239,11 +239,11 @@ private:
             return;
         }
         const Length siteWidth = step() * lefdef::MICRON / micron();
-        for (const std::unique_ptr<lefdef::Source>& source : m_inputs.lefSources) {
-            if (lacksMasks(*source, m_options.layer)) {
-                Reporter(m_findings, source->path())
+        for (const lefdef::Source& source : m_inputs.library.sources) {
+            if (lacksMasks(source, m_inputs.library.lef.layer)) {
+                Reporter(m_findings, source.path())
                     .note("layer-masks", {},
-                          "the layer " + m_options.layer + " is not said to have three masks",
+                          "the layer " + m_inputs.library.lef.layer + " is not said to have three masks",
                           "write MASK 3 into it for those who read the masters");
             }
         }
