@@ -21,7 +21,7 @@ constexpr std::string_view LAST_LINE = "END";
 constexpr const char* ADVICE = "import the design anew: this file belongs to its placement";
 
 /// No length is longer, half DBU: sums stay within 64 bits.
-constexpr int64_t FARTHEST = int64_t{1} << 40U;
+constexpr int64_t FARTHEST_PIN = int64_t{1} << 40U;
 
 /// Takes the words of a line, which single blanks part.
 class LineWords {
@@ -143,8 +143,8 @@ private:
             return false;
         }
         PinOffsets::Master master{.name = std::string(words.word())};
-        const std::optional<int64_t> width = words.number<int64_t>(0, FARTHEST);
-        const std::optional<int64_t> height = words.number<int64_t>(0, FARTHEST);
+        const std::optional<int64_t> width = words.number<int64_t>(0, FARTHEST_PIN);
+        const std::optional<int64_t> height = words.number<int64_t>(0, FARTHEST_PIN);
         const std::optional<int32_t> pins = words.number(0, MOST);
         if (!width || !height || !pins || !words.atEnd()) {
             return false;
@@ -165,8 +165,8 @@ private:
 
     static std::optional<geometry::Point> readPoint(LineWords& words)
     {
-        const std::optional<int64_t> x = words.number(-FARTHEST, FARTHEST);
-        const std::optional<int64_t> y = x ? words.number(-FARTHEST, FARTHEST) : x;
+        const std::optional<int64_t> x = words.number(-FARTHEST_PIN, FARTHEST_PIN);
+        const std::optional<int64_t> y = x ? words.number(-FARTHEST_PIN, FARTHEST_PIN) : x;
         return y ? std::optional(geometry::Point{*x, *y}) : std::nullopt;
     }
 
