@@ -75,9 +75,10 @@ class Checks:
         sides = {str(edge) for _, _, box in layout.metal() for edge in edges_of(box)}
         pairs = 0
         for item in database.each_item():
+            about_rails = database.category_by_id(item.category_id()).name() == "rail-conflict"  # a note
             for value in item.each_value():
                 if value.is_edge_pair():
-                    pairs += 1
+                    pairs += 0 if about_rails else 1
                     for edge in (value.edge_pair().first, value.edge_pair().second):
                         whole = edge.to_itype(layout.layout.dbu)
                         self.assertTrue({str(whole), str(whole.swapped_points())} & sides, str(edge))
