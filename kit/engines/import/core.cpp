@@ -207,7 +207,8 @@ private:
                 inTurn.push_back(&row);
             }
         }
-        std::ranges::stable_partition(inTurn, [this](const DefRow* row) { return row->site == m_site; });
+        std::stable_partition(inTurn.begin(), inTurn.end(),
+                              [this](const DefRow* row) { return row->site == m_site; });
         for (const DefRow* row : inTurn) {
             addPiece(*row);
         }

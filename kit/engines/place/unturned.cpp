@@ -44,10 +44,7 @@ placer::Cell turned(const placer::Cell& cell, const Turn& turn)
 /// they stand in have an end.
 class Masters {
 public:
-    explicit Masters(const placer::Design& design)
-        : m_design(design), m_taken(placer::indexNames(design.cells))
-    {
-    }
+    explicit Masters(const placer::Design& design) : m_taken(placer::indexNames(design.cells)) {}
 
     /// The name of a component's master.
     const std::string& nameOf(const placer::Component& comp)
@@ -73,7 +70,6 @@ private:
         return name;
     }
 
-    const placer::Design& m_design;
     placer::NameIndex m_taken;
     std::map<std::tuple<int32_t, bool, bool>, std::string> m_names; ///< by cell, mirrorX and mirrorY
     int32_t m_last = 0;
