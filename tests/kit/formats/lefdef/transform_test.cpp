@@ -2,6 +2,7 @@
 // Where points of masters come to lie.
 #include <gtest/gtest.h>
 
+#include "kit/formats/lefdef/lef.h"
 #include "kit/formats/lefdef/orient.h"
 
 namespace {
