@@ -304,7 +304,7 @@ CellNames readCellNames(const std::string& path)
     std::istringstream text(readFile(path));
     size_t count = 0;
     const bool counts = static_cast<bool>(text >> count);
-    const CellNames names{std::istream_iterator<std::string>(text), std::istream_iterator<std::string>()};
+    CellNames names{std::istream_iterator<std::string>(text), std::istream_iterator<std::string>()};
     if (!counts || names.size() != count) {
         throw Fault(path + " is no list of cells: the number of names comes first, and then they");
     }
