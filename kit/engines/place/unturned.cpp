@@ -79,15 +79,15 @@ private:
 
 std::unique_ptr<UnturnedDesign> UnturnedDesign::of(const Options& options)
 {
-    placer::Design design;
     Findings findings;
-    const placer::Paths paths{.base = options.base, .cellDir = options.cellPath};
-    placer::readLibrary(paths, design, findings);
-    placer::readPlacement(paths.place(), design, findings);
+    const placer::Design design =
+        placer::readDesign({.base = options.base, .cellDir = options.cellPath}, findings);
     const bool anyTurned = std::ranges::any_of(design.components, [](const placer::Component& comp) {
         return isTurned(design::turnOf(comp.orient));
     });
-    if (!anyTurned || hasErrors(findings)) {
+    const bool allKnown =
+        std::ranges::all_of(design.components, [](const placer::Component& comp) { return comp.cell >= 0; });
+    if (!anyTurned || !allKnown || hasErrors(findings)) {
         return nullptr;
     }
     std::unique_ptr<UnturnedDesign> copy(new UnturnedDesign);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 #include <sstream>
 #include <string>
 
@@ -229,6 +230,25 @@ TEST(KitPlaceTrueOrientation, ResultHasTheCellsAndOrientationsOfTheDesign)
     EXPECT_EQ(
         runKit({"verify", out + ".place", "--colors", out + ".colors", "--cell-path", design.lib()}).status,
         0);
+}
+
+// A copy of the files would be named in their place.
+TEST(KitPlaceTrueOrientation, FaultsOfTheFilesAreToldAsWithoutIt)
+{
+    for (const char* extension : {".cells", ".netlist"}) {
+        const test::GeneratedDesign design({"--mirrored", "30"});
+        const test::TempDir dir;
+        const std::string path = design.base() + extension;
+        std::ofstream(path, std::ios::trunc)
+            << (extension == std::string(".cells") ? "0\n" : "1\n2\nu1 nobody\n");
+        Words words{"place", design.base(), "--cell-path", design.lib(), "-o", dir.path("out"), "--force"};
+        const KitOutcome plain = runKit(words);
+        words.emplace_back("--true-orientation");
+        const KitOutcome outcome = runKit(words);
+        EXPECT_EQ(outcome.status, plain.status) << extension;
+        EXPECT_EQ(outcome.error, plain.error) << extension;
+        EXPECT_NE(plain.error, "") << extension;
+    }
 }
 
 TEST_F(KitPlace, WithoutTurnedCellsTrueOrientationChangesNothing)
