@@ -196,7 +196,7 @@ private:
     int64_t readRecords(Read read)
     {
         int64_t seen = 0;
-        while (!m_in.atFileEnd() && !m_in.is("END") && !startsStatement()) {
+        while (m_in.is("-") || (!m_in.atFileEnd() && !m_in.is("END") && !startsStatement())) {
             const size_t at = m_in.offset();
             const Word word = m_in.start();
             if (word == "-") {

@@ -126,8 +126,10 @@ bool Parser::standsFor(const char* what, Token::Kind kind)
         return false;
     }
     const Token& token = m_scanner.token();
+    const char first = token.text.empty() ? '\0' : token.text[0];
     const bool isSign = token.kind == Token::Kind::WORD &&
-                        (token.text == ";" || token.text == "(" || token.text == ")" || token.text == "END");
+                        (token.text.size() == 1 ? first == ';' || first == '(' || first == ')'
+                                                : first == 'E' && token.text == "END");
     if (atFileEnd() || isSign || token.kind != kind || token.text.empty()) {
         fail("syntax", nextText() + " stands where the " + what + " belongs", "correct the statement");
         return false;

@@ -196,9 +196,14 @@ private:
 inline bool Parser::matches(std::string_view word) const
 {
     const Token& token = m_scanner.token();
+    // Most tokens differ from most words here: what is asked of millions of them is asked without a call.
+    if (token.text.size() < word.size() || token.kind != Token::Kind::WORD ||
+        !isSameLetter(token.text[0], word[0])) {
+        return false;
+    }
     const bool glued = token.text.size() == word.size() + 1 && token.text.back() == ';';
-    return token.kind == Token::Kind::WORD && isKeyword(token.text.substr(0, word.size()), word) &&
-           (glued || token.text.size() == word.size());
+    return (glued || token.text.size() == word.size()) &&
+           (word.size() == 1 || isKeyword(token.text.substr(0, word.size()), word));
 }
 
 } // namespace kit::lefdef
