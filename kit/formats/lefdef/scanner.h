@@ -55,6 +55,12 @@ public:
     /// Goes to the next token.
     void advance();
 
+    /// Takes "( a b )" if that is what is next, written in the usual way: of words parted by blanks on one
+    /// line, none of them a string, a comment or a sign. Else nothing is taken.
+    ///
+    /// @param first, second  out: the words
+    bool takePair(std::string_view& first, std::string_view& second);
+
     /// Goes to a token that starts at a byte of the text.
     void rewind(size_t offset);
 
