@@ -48,9 +48,17 @@ public:
     bool sort()
     {
         m_cells.isFixed.resize(m_def.components.size());
+        m_cells.movable.reserve(m_def.components.size());
+        for (const LefMacro& macro : m_lef.macros) {
+            m_traits.push_back(
+                {.width = wholeSites(macro),
+                 .stays = staysByClass(macro),
+                 .isFiller = isFiller(macro),
+                 .isHigh = lefdef::dbuUp(macro.height, m_def.databaseMicrons) > m_core.siteHeight});
+        }
         for (size_t i = 0; i < m_def.components.size(); ++i) {
             if (m_cells.masterOf[i] != NONE) {
-                take(i, m_lef.macros[m_cells.masterOf[i]]);
+                take(i, m_lef.macros[m_cells.masterOf[i]], m_traits[m_cells.masterOf[i]]);
             } else {
                 error("unknown-master", m_def.components[i],
                       "is of master " + std::string(m_def.components[i].macro) + ", which no LEF file has",
@@ -61,26 +69,33 @@ public:
     }
 
 private:
-    void take(size_t index, const LefMacro& macro)
+    /// What components of a macro have in common.
+    struct Traits {
+        int64_t width = 0;  ///< whole sites, DBU
+        bool stays = false; ///< as staysByClass()
+        bool isFiller = false;
+        bool isHigh = false; ///< it is higher than a row
+    };
+
+    void take(size_t index, const LefMacro& macro, const Traits& traits)
     {
         const DefComponent& comp = m_def.components[index];
         const bool placed = comp.status == Status::PLACED;
         const bool fixed = isFixed(comp);
-        const bool filler = !fixed && isFiller(macro);
-        if (filler) {
+        if (!fixed && traits.isFiller) {
             ++m_cells.fillers;
-        } else if (fixed || (placed && (staysByClass(macro) || !fitsOneRow(comp, macro)))) {
+        } else if (fixed || (placed && (traits.stays || !fitsOneRow(comp, traits.isHigh)))) {
             keep(index, macro);
-        } else if (!placed && (staysByClass(macro) || isHigh(macro))) {
+        } else if (!placed && (traits.stays || traits.isHigh)) {
             error("unplaced", comp,
-                  std::string(isHigh(macro) ? "is higher than a row" : "is of class " + macro.macroClass) +
+                  std::string(traits.isHigh ? "is higher than a row" : "is of class " + macro.macroClass) +
                       " and is not placed",
                   "place it: it is not moved");
         } else if (placed || m_legalize) {
             m_cells.movable.push_back({.component = index,
                                        .x = comp.x,
                                        .y = comp.y,
-                                       .width = wholeSites(macro),
+                                       .width = traits.width,
                                        .placed = placed,
                                        .mirrored = placed && isMirrored(comp.orient)});
         } else {
@@ -89,22 +104,17 @@ private:
     }
 
     /// Whether a placed component stands upright and is one row high; a warning says so if not.
-    bool fitsOneRow(const DefComponent& comp, const LefMacro& macro)
+    bool fitsOneRow(const DefComponent& comp, bool isHigh)
     {
         const bool upright = !isOnItsSide(comp.orient);
-        if (!upright || isHigh(macro)) {
+        if (!upright || isHigh) {
             m_reporter.warning("kept", comp.offset,
                                "component " + std::string(comp.name) +
                                    (upright ? " is higher than a row" : " lies on its side") +
                                    " and stays where it is",
                                "");
         }
-        return upright && !isHigh(macro);
-    }
-
-    bool isHigh(const LefMacro& macro) const
-    {
-        return lefdef::dbuUp(macro.height, m_def.databaseMicrons) > m_core.siteHeight;
+        return upright && !isHigh;
     }
 
     void keep(size_t index, const LefMacro& macro)
@@ -138,6 +148,7 @@ private:
     bool m_legalize;
     SourceReporter& m_reporter;
     Cells& m_cells;
+    std::vector<Traits> m_traits; ///< [macro]
     bool m_sound = true;
 };
 

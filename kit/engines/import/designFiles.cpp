@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <array>
 #include <numeric>
-#include <set>
 
 #include "kit/formats/gds/gdsNames.h"
 #include "kit/formats/placer/writer.h"
@@ -112,11 +111,18 @@ void writeBlocks(placer::PlaceWriter& out, const Core& core)
 
 std::vector<std::string> usedMasters(const DesignFiles& files)
 {
-    std::set<std::string> names;
+    std::vector<bool> isUsed(files.lef.macros.size());
     for (const Cell& cell : files.cells.movable) {
-        names.insert(files.lef.macros[files.cells.masterOf[cell.component]].name);
+        isUsed[files.cells.masterOf[cell.component]] = true;
     }
-    return {names.begin(), names.end()};
+    std::vector<std::string> names;
+    for (size_t i = 0; i < isUsed.size(); ++i) {
+        if (isUsed[i]) {
+            names.push_back(files.lef.macros[i].name);
+        }
+    }
+    std::ranges::sort(names);
+    return names;
 }
 
 void writePlace(const DesignFiles& files, OutputFile& out)

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/engines/import/importRun.h"
 
+#include <future>
 #include <ostream>
-#include <set>
 #include <string_view>
 #include <unordered_set>
 
@@ -57,8 +57,9 @@ class Import {
 public:
     Import(const Options& options, const Source& source, Findings& findings)
         : m_options(options), m_source(source), m_findings(findings),
-          m_reporter(findings, source, MOST_OF_A_KIND), m_def(readDef(source, m_ofDef)),
-          m_lef(readLefs(options, m_def, findings))
+          m_reporter(findings, source, MOST_OF_A_KIND),
+          m_hash(std::async([&source] { return design::hashOf(source.text()); })),
+          m_def(readDef(source, m_ofDef)), m_lef(readLefs(options, m_def, findings))
     {
         m_findings.insert(m_findings.end(), m_ofDef.begin(), m_ofDef.end());
         limitFindings(m_findings, MOST_OF_A_KIND);
@@ -171,14 +172,15 @@ private:
     /// A master's name is a file's name as well.
     void requireMasterNames()
     {
-        std::set<size_t> known;
+        std::vector<bool> known(m_lef.macros.size());
         for (const Cell& cell : m_cells.movable) {
             const size_t master = m_cells.masterOf[cell.component];
             const std::string& name = m_lef.macros[master].name;
-            if (known.insert(master).second && (!isCarried(name) || name.find('/') != std::string::npos)) {
+            if (!known[master] && (!isCarried(name) || name.find('/') != std::string::npos)) {
                 tell(cell, "master-name", "is of master " + name + ", which cannot name a file",
                      "rename the master");
             }
+            known[master] = true;
         }
     }
 
@@ -203,7 +205,7 @@ private:
         add(".cells", writeCells);
         add(".offsets", writeOffsets);
         design::NameMap map{.def = m_options.def,
-                            .hash = design::hashOf(m_source.text()),
+                            .hash = m_hash.get(),
                             .siteWidth = inPicometres(m_core.siteWidth),
                             .siteHeight = inPicometres(m_core.siteHeight),
                             .names = renamed};
@@ -240,7 +242,8 @@ private:
     const Source& m_source;
     Findings& m_findings;
     SourceReporter m_reporter;
-    Findings m_ofDef; ///< told behind those of the libraries
+    mutable std::future<std::string> m_hash; ///< of the DEF file, made beside its reading
+    Findings m_ofDef;                        ///< told behind those of the libraries
     const Def m_def;
     const Lef m_lef;
     Core m_core;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <algorithm>
+#include <future>
 #include <optional>
 #include <span>
 #include <string>
@@ -30,6 +31,9 @@ constexpr std::pair<std::string_view, Status> STATUSES[] = {{"PLACED", Status::P
 /// What the routing of a net begins with.
 constexpr std::string_view ROUTING[] = {"ROUTED", "FIXED", "COVER", "NOSHIELD"};
 
+/// In a file of so many bytes, nets are read beside the rest.
+constexpr size_t LARGE = size_t{1} << 20U;
+
 /// A polygon with more corners is refused: cutting it takes their square.
 constexpr size_t MOST_CORNERS = 1000;
 
@@ -58,6 +62,9 @@ public:
     /// Reads to the end of the text.
     void run()
     {
+        if (m_in.source().text().size() >= LARGE) {
+            m_ahead = std::async([&source = m_in.source()] { return readNetsAhead(source); });
+        }
         if (!readStatements()) {
             m_in.missingEnd("file", "DESIGN", m_in.offset());
         }
@@ -65,6 +72,13 @@ public:
     }
 
 private:
+    /// A section of nets that was read before it was reached.
+    struct NetsAhead {
+        size_t begin = std::string_view::npos; ///< byte where it starts; npos: nothing was read
+        size_t end = 0;                        ///< byte behind it
+        Def def;                               ///< its nets, and nothing else
+    };
+
     friend class FileReader<DefReader>;
     using Read = void (DefReader::*)();
 
@@ -160,27 +174,64 @@ private:
         }
     }
 
-    void readComponents() { readSection(m_def.components, &DefReader::readComponent); }
-    void readPins() { readSection(m_def.pins, &DefReader::readPin); }
+    void readComponents() { readSection(m_def.components, &DefReader::readComponent, &m_components); }
+    void readPins() { readSection(m_def.pins, &DefReader::readPin, &m_pins); }
+
     void readNets()
     {
+        if (m_ahead.valid() && m_def.nets.empty() && m_def.members.empty() && m_def.routes.empty() &&
+            !m_in.allowsUnknown() && !m_in.hasOpenQuote()) {
+            NetsAhead ahead = m_ahead.get();
+            if (ahead.begin == m_begin) {
+                m_def.nets = std::move(ahead.def.nets);
+                m_def.members = std::move(ahead.def.members);
+                m_def.routes = std::move(ahead.def.routes);
+                m_in.moveTo(ahead.end);
+                return;
+            }
+        }
+        m_nets.addAll(); // those of a section that was read ahead
         // Pages that stay empty cost nothing, and growing would copy and clear most of them twice.
         m_def.members.reserve(m_def.members.size() + (m_in.source().text().size() - m_begin) / USUAL_MEMBER);
-        readSection(m_def.nets, &DefReader::readNet);
+        readSection(m_def.nets, &DefReader::readNet, &m_nets);
     }
+
+    /// Reads what looks like the section of nets, beside the reading of what comes before it. It is only used
+    /// if it is found to be one when it is reached, and if nothing is wrong with it.
+    static NetsAhead readNetsAhead(const Source& source)
+    {
+        NetsAhead ahead;
+        const size_t line = source.text().find("\nNETS ");
+        if (line == std::string_view::npos) {
+            return ahead;
+        }
+        Findings findings;
+        DefReader reader(source, ahead.def, findings);
+        reader.m_in.moveTo(line + 1);
+        reader.readStatement();
+        ahead.end = reader.m_in.offset();
+        const bool isGood = findings.empty() && !reader.m_in.hasOpenQuote();
+        ahead.begin = isGood ? line + 1 : std::string_view::npos;
+        return ahead;
+    }
+
     void readBlockages() { readSection(m_def.blockages, &DefReader::readBlockage); }
     void readRegions() { readSection(m_def.regions, &DefReader::readRegion); }
     void readGroups() { readSection(m_def.groups, &DefReader::readGroup); }
 
     template <typename Record>
-    void readSection(std::vector<Record>& records, Read read)
+    void readSection(std::vector<Record>& records, Read read, NameTable<Record>* names = nullptr)
     {
         const std::string keyword = m_keyword.inCapitals();
         const size_t begin = m_begin;
         const int32_t count = m_in.integer("number of records");
         const bool counts = m_in.finish();
         const size_t most = m_in.source().text().size() / USUAL_RECORD;
-        records.reserve(records.size() + std::min(most, static_cast<size_t>(std::max(count, 0))));
+        const size_t room = records.size() + std::min(most, static_cast<size_t>(std::max(count, 0)));
+        records.reserve(room);
+        if (names != nullptr) {
+            names->reserve(room);
+        }
         const int64_t seen = readRecords(read);
         if (m_in.is("END")) {
             m_in.takeEnd("section", keyword, "DESIGN");
@@ -199,7 +250,7 @@ private:
     int64_t readRecords(Read read)
     {
         int64_t seen = 0;
-        while (!m_in.atFileEnd() && !m_in.is("END") && !startsStatement()) {
+        while (m_in.is("-") || (!m_in.atFileEnd() && !m_in.is("END") && !startsStatement())) {
             const size_t at = m_in.offset();
             const Word word = m_in.start();
             if (word == "-") {
@@ -350,8 +401,14 @@ private:
         net.offset = m_in.offset();
         net.name = m_in.name("net's name");
         net.firstMember = m_def.members.size();
-        while (m_in.take("(")) {
-            readMember();
+        for (DefMember member; true;) {
+            if (m_in.takePair(member.component, member.pin)) { // by far the most
+                m_def.members.push_back(member);
+            } else if (m_in.take("(")) {
+                readMember();
+            } else {
+                break;
+            }
         }
         net.numMembers = m_def.members.size() - net.firstMember;
         net.firstRoute = m_def.routes.size();
@@ -534,9 +591,14 @@ private:
 
     Point readPoint()
     {
+        int32_t x = 0;
+        int32_t y = 0;
+        if (m_in.takePoint(x, y)) {
+            return {x, y};
+        }
         m_in.expect("(");
-        const int32_t x = m_in.integer("x coordinate");
-        const int32_t y = m_in.integer("y coordinate");
+        x = m_in.integer("x coordinate");
+        y = m_in.integer("y coordinate");
         m_in.expect(")");
         return {x, y};
     }
@@ -555,7 +617,10 @@ private:
     {
         const size_t at = m_in.offset();
         const Word word = m_in.keyword("orientation");
-        const std::optional<Orient> orient = orientOf(word.inCapitals());
+        std::optional<Orient> orient = orientOf(word.text);
+        if (!orient) {
+            orient = orientOf(word.inCapitals());
+        }
         if (!orient) {
             m_in.failAt(at, "orient", inQuotes(word.text) + " is no orientation",
                         "write N, S, W, E, FN, FS, FW or FE");
@@ -574,6 +639,7 @@ private:
     NameTable<DefPin> m_pins{m_def.pins};
     NameTable<DefNet> m_nets{m_def.nets};
     std::optional<DefRect> m_portBounds; ///< around the rectangles of the port that is read
+    std::future<NetsAhead> m_ahead;      ///< last: it may be at work until it is destroyed
 };
 
 } // namespace

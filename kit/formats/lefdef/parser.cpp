@@ -126,8 +126,10 @@ bool Parser::standsFor(const char* what, Token::Kind kind)
         return false;
     }
     const Token& token = m_scanner.token();
+    const char first = token.text.empty() ? '\0' : token.text[0];
     const bool isSign = token.kind == Token::Kind::WORD &&
-                        (token.text == ";" || token.text == "(" || token.text == ")" || token.text == "END");
+                        (token.text.size() == 1 ? first == ';' || first == '(' || first == ')'
+                                                : first == 'E' && token.text == "END");
     if (atFileEnd() || isSign || token.kind != kind || token.text.empty()) {
         fail("syntax", nextText() + " stands where the " + what + " belongs", "correct the statement");
         return false;
@@ -191,6 +193,35 @@ void Parser::size(std::string_view of, int64_t& width, int64_t& height)
         width = wide;
         height = high;
     }
+}
+
+bool Parser::takePair(std::string_view& first, std::string_view& second)
+{
+    if (m_failed || !m_scanner.takePair(first, second)) {
+        return false;
+    }
+    m_takenEnd = m_source.offsetOf(second) + second.size();
+    return true;
+}
+
+bool Parser::takePoint(int32_t& x, int32_t& y)
+{
+    const size_t at = offset();
+    std::string_view xText;
+    std::string_view yText;
+    if (!takePair(xText, yText)) {
+        return false;
+    }
+    const auto read = [](std::string_view text, int32_t& number) {
+        const char* const end = text.data() + text.size();
+        const auto [stop, error] = std::from_chars(text.data(), end, number);
+        return error == std::errc() && stop == end;
+    };
+    if (read(xText, x) && read(yText, y)) {
+        return true;
+    }
+    m_scanner.rewind(at);
+    return false;
 }
 
 void Parser::skipOption()

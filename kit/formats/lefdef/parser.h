@@ -39,6 +39,12 @@ public:
     /// Byte of the next token.
     size_t offset() const { return m_scanner.offset(); }
 
+    /// Whether there was a quotation mark without a second one.
+    bool hasOpenQuote() const { return m_scanner.openQuote().has_value(); }
+
+    /// Goes to the token at a byte, between two statements.
+    void moveTo(size_t offset) { m_scanner.rewind(offset); }
+
     /// Byte behind the token taken last.
     size_t takenEnd() const { return m_takenEnd; }
 
@@ -84,6 +90,12 @@ public:
     /// @param of      name of what has the size, for the texts
     /// @param width   out: in picometres, as height; both stay as they are if the statement is not sound
     void size(std::string_view of, int64_t& width, int64_t& height);
+
+    /// Takes "( a b )", as Scanner::takePair() does.
+    bool takePair(std::string_view& first, std::string_view& second);
+
+    /// Takes "( x y )" of two whole numbers of 32 bits. If anything else is next, nothing is taken.
+    bool takePoint(int32_t& x, int32_t& y);
 
     /// Passes over the words up to the next `+`, or the end of the statement.
     void skipOption();
@@ -196,9 +208,14 @@ private:
 inline bool Parser::matches(std::string_view word) const
 {
     const Token& token = m_scanner.token();
+    // Most tokens differ from most words here: what is asked of millions of them is asked without a call.
+    if (token.text.size() < word.size() || token.kind != Token::Kind::WORD ||
+        !isSameLetter(token.text[0], word[0])) {
+        return false;
+    }
     const bool glued = token.text.size() == word.size() + 1 && token.text.back() == ';';
-    return token.kind == Token::Kind::WORD && isKeyword(token.text.substr(0, word.size()), word) &&
-           (glued || token.text.size() == word.size());
+    return (glued || token.text.size() == word.size()) &&
+           (word.size() == 1 || isKeyword(token.text.substr(0, word.size()), word));
 }
 
 } // namespace kit::lefdef

@@ -86,6 +86,37 @@ void Scanner::advance()
     m_pos = p;
 }
 
+bool Scanner::takePair(std::string_view& first, std::string_view& second)
+{
+    if (m_token.text != "(" || m_token.kind != Token::Kind::WORD) {
+        return false;
+    }
+    const char* p = m_pos;
+    const auto word = [&p, this] {
+        p += p != m_end && *p == ' ' ? 1 : 0;
+        const char* const begin = p;
+        while (p != m_end && *p > ' ') { // what is not ASCII ends it as well, and is for the others
+            ++p;
+        }
+        return std::string_view(begin, static_cast<size_t>(p - begin));
+    };
+    const auto isName = [](std::string_view text) {
+        constexpr std::string_view SIGNS = ";()\"#";
+        return text.size() > 1 ? text[0] != '"' && text[0] != '#' && text != "END"
+                               : !text.empty() && SIGNS.find(text[0]) == std::string_view::npos;
+    };
+    const std::string_view a = word();
+    const std::string_view b = word();
+    if (!isName(a) || !isName(b) || word() != ")" || (p != m_end && !isSpace(*p))) {
+        return false;
+    }
+    first = a;
+    second = b;
+    m_pos = p;
+    advance();
+    return true;
+}
+
 bool Scanner::takeString()
 {
     if (m_openQuote) {

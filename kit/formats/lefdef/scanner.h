@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -8,21 +9,18 @@
 
 namespace kit::lefdef {
 
+/// Whether two characters are the same, or the first is the small letter of the second.
+constexpr bool isSameLetter(char found, char capital)
+{
+    return found == capital || (found >= 'a' && found <= 'z' && found - 'a' + 'A' == capital);
+}
+
 /// Whether a word is one of the grammar: files may write those in any case.
 ///
 /// @param keyword  as the grammar has it, in capitals
 constexpr bool isKeyword(std::string_view word, std::string_view keyword)
 {
-    if (word.size() != keyword.size()) {
-        return false;
-    }
-    for (size_t i = 0; i < word.size(); ++i) {
-        const bool small = word[i] >= 'a' && word[i] <= 'z';
-        if (word[i] != keyword[i] && !(small && word[i] - 'a' + 'A' == keyword[i])) {
-            return false;
-        }
-    }
-    return true;
+    return std::ranges::equal(word, keyword, isSameLetter);
 }
 
 /// A word that stands where one of the grammar belongs.
@@ -56,6 +54,12 @@ public:
 
     /// Goes to the next token.
     void advance();
+
+    /// Takes "( a b )" if that is what is next, written in the usual way: of words parted by blanks on one
+    /// line, none of them a string, a comment or a sign. Else nothing is taken.
+    ///
+    /// @param first, second  out: the words
+    bool takePair(std::string_view& first, std::string_view& second);
 
     /// Goes to a token that starts at a byte of the text.
     void rewind(size_t offset);

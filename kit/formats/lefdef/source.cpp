@@ -41,9 +41,7 @@ void Source::countLines() const
 
 Place Source::placeOf(size_t offset) const
 {
-    if (m_marks.empty()) {
-        countLines();
-    }
+    std::call_once(m_counted, [this] { countLines(); });
     const size_t at = std::min(offset, m_text.size());
     Mark mark = m_marks[at / BLOCK];
     for (size_t i = at / BLOCK * BLOCK; i < at; ++i) {

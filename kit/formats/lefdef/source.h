@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <map>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -15,7 +16,7 @@
 namespace kit::lefdef {
 
 /// A file as text, with places in it as byte offsets: the line and column of one are counted only when a
-/// problem is told.
+/// problem is told. Several threads may read it.
 class Source {
 public:
     /// Reads a whole file, also one that gzip or xz has compressed. Errors: as of readUnpacked().
@@ -48,6 +49,7 @@ private:
 
     std::string m_path;
     std::string m_text;
+    mutable std::once_flag m_counted;  ///< readers of parts of the text may ask at the same time
     mutable std::vector<Mark> m_marks; ///< [block] filled when first needed
 };
 

@@ -90,17 +90,7 @@ protected:
     void readVersion() { lefdef::readVersion(m_in); }
     void readNamesCase() { lefdef::readNamesCase(m_in); }
 
-    Parser m_in;
-    Word m_keyword;     ///< of the present statement or section
-    size_t m_begin = 0; ///< byte of that
-
-private:
-    template <typename IsWord>
-    static bool isAny(std::span<const std::string_view> words, IsWord isWord)
-    {
-        return std::ranges::any_of(words, isWord);
-    }
-
+    /// Reads the statement or section that is next.
     void readStatement()
     {
         m_begin = m_in.offset();
@@ -122,6 +112,17 @@ private:
             }
             reader.skipUnknown();
         }
+    }
+
+    Parser m_in;
+    Word m_keyword;     ///< of the present statement or section
+    size_t m_begin = 0; ///< byte of that
+
+private:
+    template <typename IsWord>
+    static bool isAny(std::span<const std::string_view> words, IsWord isWord)
+    {
+        return std::ranges::any_of(words, isWord);
     }
 
     Outline m_outline;

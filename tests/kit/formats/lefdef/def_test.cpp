@@ -487,6 +487,61 @@ TEST(DefReader, TakesNoMemoryForWhatTheHeaderPromises)
     EXPECT_LE(readDef(source, findings).components.capacity(), source.text().size());
 }
 
+/// What a DEF of many components says behind these, without them.
+Lines describeLarge(const std::string& before, const std::string& behind)
+{
+    std::string text = before + "COMPONENTS 33000 ;\n";
+    for (int i = 0; i < 33'000; ++i) {
+        text += "- u" + std::to_string(i) + " INV + PLACED ( 1 2 ) N ;\n";
+    }
+    Lines lines = describeDef(text + "END COMPONENTS\n" + behind);
+    EXPECT_GT(text.size(), size_t{1} << 20U);
+    std::erase_if(lines, [](const std::string& line) { return line.starts_with("component u"); });
+    return lines;
+}
+
+TEST(DefReader, ReadsLargeFilesAsSmallOnes)
+{
+    struct Row {
+        const char* name;
+        std::string before;
+        std::string behind;
+    };
+    const std::string nets =
+        "NETS 2 ;\n- n ( u1 A ) ( PIN p ) + ROUTED m1 ( 0 0 ) ( * 5 ) ;\n- m ( u2 B ) ;\nEND NETS\n";
+    const Row rows[] = {
+        {"Nets", "", nets + "PINS 1 ;\n- p + NET n ;\nEND PINS\nEND DESIGN"},
+        {"TwoSections", "", nets + "NETS 2 ;\n- k ( u3 C ) ;\n- n ;\nEND NETS\nEND DESIGN"},
+        {"TwiceTheName", "", "NETS 2 ;\n- n ;\n- n ;\nEND NETS\nEND DESIGN"},
+        {"WrongCount", "", "NETS 5 ;\n- n ;\nEND NETS\nEND DESIGN"},
+        {"NoEnd", "", "NETS 1 ;\n- n ( u1 A ) ;\n"},
+        {"InAString", "HISTORY \"\nNETS 1 ;\n- s ;\nEND NETS\n\" ;\n", nets + "END DESIGN"},
+        {"InAnExtension", "BEGINEXT\nNETS 1 ;\n- s ;\nEND NETS\nENDEXT\n", nets + "END DESIGN"},
+        {"OpenQuoteBefore", "DESIGN \"d ;\n", nets + "END DESIGN"},
+        {"OpenQuoteInside", "", "NETS 1 ;\n- \"n ( u1 A ) ;\nEND NETS\nEND DESIGN"},
+        {"LaterVersion", "VERSION 6.0 ;\n", "NETS 1 ;\n- n ( u1 A ) NEW ;\nEND NETS\nEND DESIGN"},
+        {"NoNets", "", "END DESIGN"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        // Behind a blank, no section is read ahead.
+        std::string slowly = row.behind;
+        for (size_t at = 0; (at = slowly.find("NETS ", at)) != std::string::npos; at += 6) {
+            slowly.insert(at, " ");
+        }
+        std::string before = row.before;
+        if (before.find("\nNETS ") != std::string::npos) {
+            before.replace(before.find("\nNETS "), 6, "\nNETZ ");
+        }
+        const Lines want = describeLarge(before, slowly);
+        const Lines got = describeLarge(row.before, row.behind);
+        ASSERT_EQ(got.size(), want.size());
+        for (size_t i = 0; i < got.size(); ++i) { // the column of a finding may differ by the blank
+            EXPECT_EQ(got[i].substr(0, got[i].find(':')), want[i].substr(0, want[i].find(':')));
+        }
+    }
+}
+
 TEST(DefReader, RefusesPolygonsOfTooManyCorners)
 {
     std::string text = "BLOCKAGES 1 ; - PLACEMENT POLYGON ";
