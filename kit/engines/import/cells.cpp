@@ -69,6 +69,7 @@ private:
         const bool filler = !fixed && isFiller(macro);
         if (filler) {
             ++m_cells.fillers;
+            m_cells.fillerMasters.insert(m_cells.masterOf[index]);
         } else if (fixed || (placed && (staysByClass(macro) || !fitsOneRow(comp, macro)))) {
             keep(index, macro);
         } else if (!placed && (staysByClass(macro) || isHigh(macro))) {
