@@ -36,6 +36,10 @@ void writeSummary(const Options& options, const Summary& summary)
         std::cout << options.out << ".place: " << text.str() << '\n';
         return;
     }
+    Json fillerMasters = Json::array();
+    for (const std::string& name : summary.fillerMasters) {
+        fillerMasters.push_back(name);
+    }
     std::cout << Json{{"schema", 1},
                       {"summary", text.str()},
                       {"design", summary.design},
@@ -48,6 +52,7 @@ void writeSummary(const Options& options, const Summary& summary)
                       {"pins", summary.pins},
                       {"fixed", summary.kept},
                       {"fillers", summary.fillers},
+                      {"filler_masters", fillerMasters},
                       {"moved", summary.moved},
                       {"renamed", summary.renamed}}
               << '\n';

@@ -84,6 +84,7 @@ private:
         const bool fixed = isFixed(comp);
         if (!fixed && traits.isFiller) {
             ++m_cells.fillers;
+            m_cells.fillerMasters.insert(m_cells.masterOf[index]);
         } else if (fixed || (placed && (traits.stays || !fitsOneRow(comp, traits.isHigh)))) {
             keep(index, macro);
         } else if (!placed && (traits.stays || traits.isHigh)) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <set>
 #include <vector>
 
 #include "kit/engines/import/core.h"
@@ -29,6 +30,7 @@ struct Cells {
     std::vector<size_t> masterOf;        ///< [component] index in Lef::macros, NONE if unknown
     std::vector<bool> isFixed;           ///< [component] it stays where it is
     int64_t fillers = 0;                 ///< left out
+    std::set<size_t> fillerMasters;      ///< theirs, indices in Lef::macros
 };
 
 /// The masters of the components: [component] index in Lef::macros, NONE if no file has it.

@@ -230,6 +230,9 @@ private:
         summary.masters = static_cast<int64_t>(usedMasters(files).size());
         summary.kept = static_cast<int64_t>(m_cells.blocks.size());
         summary.fillers = m_cells.fillers;
+        for (const size_t master : m_cells.fillerMasters) {
+            summary.fillerMasters.push_back(m_lef.macros[master].name);
+        }
         summary.pins = static_cast<int64_t>(files.terminals.size());
         summary.nets = static_cast<int64_t>(files.numNets());
         summary.moved = m_moved;

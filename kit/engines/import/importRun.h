@@ -28,12 +28,13 @@ inline constexpr const char* WRITTEN[] = {".place", ".pins", ".netlist", ".cells
 
 /// What became of a DEF.
 struct Summary {
-    std::string design;     ///< its name
-    int64_t rows = 0;       ///< joined at one height
-    int64_t components = 0; ///< that are placed
-    int64_t masters = 0;    ///< in use
-    int64_t kept = 0;       ///< components that stay where they are
-    int64_t fillers = 0;    ///< left out
+    std::string design;                     ///< its name
+    int64_t rows = 0;                       ///< joined at one height
+    int64_t components = 0;                 ///< that are placed
+    int64_t masters = 0;                    ///< in use
+    int64_t kept = 0;                       ///< components that stay where they are
+    int64_t fillers = 0;                    ///< left out
+    std::vector<std::string> fillerMasters; ///< names of theirs
     int64_t pins = 0;
     int64_t nets = 0;
     int64_t moved = 0;     ///< components that were given a place

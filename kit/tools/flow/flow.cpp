@@ -22,6 +22,7 @@
 #include "kit/design/issue.h"
 #include "kit/design/nameMap.h"
 #include "kit/formats/lefdef/units.h"
+#include "kit/formats/placer/writer.h"
 #include "kit/tools/flow/cache.h"
 #include "kit/tools/flow/steps.h"
 
@@ -177,8 +178,11 @@ private:
             set.remove(path);
         }
         set.add(folder + MARK, [](OutputFile& /*file*/) {});
-        for (const std::string& cell : m_cells) {
-            set.addCopy(folder + cell + ".color", m_places.cellDir + "/" + cell + ".color");
+        for (const std::string& cell : m_colored) {
+            const std::string path = m_places.cellDir + "/" + cell + ".color";
+            if (fs::exists(path)) { // a filler may have none
+                set.addCopy(folder + cell + ".color", path);
+            }
         }
     }
 
@@ -299,6 +303,15 @@ private:
         for (list >> name; list >> name;) {
             m_cells.push_back(name);
         }
+        m_colored = m_cells;
+        for (const Json& filler : m_result["filler_masters"].items()) {
+            if (!m_options.noFill) {
+                m_colored.push_back(filler.asString());
+            }
+        }
+        OutputFile colored(m_places.colored);
+        placer::writeCellList(colored, m_colored);
+        colored.commit();
         return true;
     }
 
@@ -310,12 +323,12 @@ private:
         return lefdef::micrometres(map.siteWidth) + "," + lefdef::micrometres(map.siteHeight);
     }
 
-    /// Colours the cells in use, unless that was done before.
+    /// Colours the cells in use, and the fillers, unless that was done before.
     bool colour()
     {
         const std::string site = siteFound();
         if (m_options.cellPath.empty()) {
-            m_places.cellDir = cachedFolder(m_options, site, m_cells);
+            m_places.cellDir = cachedFolder(m_options, site, m_colored);
         }
         if (!m_options.cellPath.empty() || fs::exists(m_places.cellDir)) {
             m_ending = {};
@@ -373,11 +386,12 @@ private:
     std::ostream& m_out;    ///< the table
     std::ostream& m_errors; ///< messages and failures
     Places m_places;
-    std::vector<std::string> m_cells; ///< names of those in use
-    process::Ending m_ending;         ///< of the last step
-    Json m_result;                    ///< of the last step, null if it gave none
-    Json m_steps = Json::array();     ///< what each took and gave
-    int m_status = 0;                 ///< of the placement
+    std::vector<std::string> m_cells;   ///< names of those in use
+    std::vector<std::string> m_colored; ///< and of the fillers that the gaps may get
+    process::Ending m_ending;           ///< of the last step
+    Json m_result;                      ///< of the last step, null if it gave none
+    Json m_steps = Json::array();       ///< what each took and gave
+    int m_status = 0;                   ///< of the placement
 };
 
 } // namespace

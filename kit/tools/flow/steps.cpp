@@ -78,7 +78,8 @@ Places placesOf(const Options& options)
     return {.folder = folder,
             .base = folder + "/design",
             .placed = folder + "/placed",
-            .cellDir = options.cellPath};
+            .cellDir = options.cellPath,
+            .colored = folder + "/colored.cells"};
 }
 
 Step importStep(const Options& options, const Places& places)
@@ -96,7 +97,7 @@ Step importStep(const Options& options, const Places& places)
 Step colorStep(const Options& options, const Places& places, const std::string& site,
                const std::string& folder)
 {
-    Words words{"color", "-o", folder, "--cells", places.base + ".cells", "--json"};
+    Words words{"color", "-o", folder, "--cells", places.colored, "--json"};
     addGiven(words, "--layer", options.layer);
     addLefs(words, options);
     addGiven(words, "--site", site);

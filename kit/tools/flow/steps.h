@@ -32,6 +32,7 @@ struct Places {
     std::string base;    ///< of the imported design, without extension
     std::string placed;  ///< of the placed design, and of results until all are complete, without extension
     std::string cellDir; ///< of the colour files
+    std::string colored; ///< list of the cells that are coloured
 };
 
 /// The places of a run; that of the colour files is empty if it was not given.
