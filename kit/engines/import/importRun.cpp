@@ -56,8 +56,7 @@ Lef readLefs(const Options& options, const Def& def, Findings& findings)
 class Import {
 public:
     Import(const Options& options, const Source& source, Findings& findings)
-        : m_options(options), m_source(source), m_findings(findings),
-          m_reporter(findings, source, MOST_OF_A_KIND),
+        : m_options(options), m_findings(findings), m_reporter(findings, source, MOST_OF_A_KIND),
           m_hash(std::async([&source] { return design::hashOf(source.text()); })),
           m_def(readDef(source, m_ofDef)), m_lef(readLefs(options, m_def, findings))
     {
@@ -242,7 +241,6 @@ private:
     }
 
     const Options& m_options;
-    const Source& m_source;
     Findings& m_findings;
     SourceReporter m_reporter;
     mutable std::future<std::string> m_hash; ///< of the DEF file, made beside its reading
