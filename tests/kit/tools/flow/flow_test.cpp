@@ -77,7 +77,7 @@ TEST_F(KitFlow, GoesFromLefAndDefToTheMasks)
         EXPECT_TRUE(exists(extension)) << extension;
     }
     EXPECT_TRUE(says("import", "426 components of 34 cells in 21 rows")) << m_output;
-    EXPECT_TRUE(says("color", "34 cells")) << m_output;
+    EXPECT_TRUE(says("color", "40 cells")) << m_output;
     EXPECT_TRUE(says("lint", "0 errors")) << m_output;
     EXPECT_TRUE(says("place", "HPWL 4337460 -> ")) << m_output;
     EXPECT_TRUE(says("place", "; from pin to pin 2170.1 um -> ")) << m_output;
