@@ -12,7 +12,7 @@ vireloce_test(kernels SHARDS 2
     legalizer/stretch_test.cpp legalizer/termTable_test.cpp)
 
 # On designs of real size, see scripts/literal-tests.
-add_executable(check_literally legalizer/check_literally.cpp)
+add_executable(check_literally EXCLUDE_FROM_ALL legalizer/check_literally.cpp)
 target_include_directories(check_literally PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
 target_compile_options(check_literally PRIVATE -O3)
 target_link_libraries(check_literally PRIVATE vireloce_core vireloce_warnings)

@@ -145,12 +145,12 @@ int64_t Parser::number(const char* what, const char* limits, Read read)
     }
     const std::string_view text = withoutSemicolon(m_scanner.token().text);
     const Decimal number = read(text);
+    const std::string given = std::string("the ").append(what);
     if (number.kind == Decimal::Kind::NO_NUMBER) {
-        fail("number", "the " + std::string(what) + " is " + inQuotes(text) + ", and a number belongs here",
-             "correct it");
+        fail("number", given + " is " + inQuotes(text) + ", and a number belongs here", "correct it");
     } else if (number.kind == Decimal::Kind::TOO_LARGE) {
-        fail("range", "the " + std::string(what) + ", " + inQuotes(text) + ", is out of range",
-             std::string("give a number between ") + limits);
+        fail("range", given + ", " + inQuotes(text) + ", is out of range",
+             std::string("give a number between ").append(limits));
     } else {
         takeFirst(text.size());
         return number.value;
