@@ -32,6 +32,8 @@ void addRules(const Command& command, Settings& settings)
         .withDefault();
     command.flag("--allow-conflicts", settings.allowConflicts,
                  "write the least bad solutions of a cell that has none without conflicts");
+    command.flag("--rails-conflict", settings.rules.railsConflict,
+                 "keep metal near rails off mask 0, in every cell that can be coloured so");
 }
 
 } // namespace

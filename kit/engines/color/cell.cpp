@@ -267,6 +267,12 @@ ColouredCell colour(const CellMetal& metal, const Settings& settings, int32_t bo
     Rules rules = settings.rules;
     Graph graph = graphOf(metal, rules, bottom);
     Colourings found = colouringsOf(graph, rules, settings.limits);
+    if (rules.railsConflict && found.outcome != Outcome::FOUND) {
+        rules.railsConflict = false;
+        graph = graphOf(metal, rules, bottom);
+        found = colouringsOf(graph, rules, settings.limits);
+    }
+    const bool isClearOfRails = rules.railsConflict;
     std::optional<Trouble> trouble;
     if (found.outcome == Outcome::NONE) {
         trouble = explain(metal, graph, rules, bottom, settings.limits);
@@ -281,6 +287,7 @@ ColouredCell colour(const CellMetal& metal, const Settings& settings, int32_t bo
         result = Assembly(metal, graph, chosen(found.all, settings.mostSolutions), bottom).run();
     }
     result.tooLarge = found.outcome == Outcome::TOO_LARGE;
+    result.isClearOfRails = isClearOfRails;
     result.trouble = std::move(trouble);
     return result;
 }

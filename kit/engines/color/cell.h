@@ -61,9 +61,10 @@ struct LeftConflict {
 
 /// What came of a cell.
 struct ColouredCell {
-    std::optional<placer::Cell> file;                 ///< what its colour file says
-    std::optional<Trouble> trouble;                   ///< why it cannot be coloured without conflicts
-    bool tooLarge = false;                            ///< the search was given up
+    std::optional<placer::Cell> file; ///< what its colour file says
+    std::optional<Trouble> trouble;   ///< why it cannot be coloured without conflicts
+    bool tooLarge = false;            ///< the search was given up
+    bool isClearOfRails = false; ///< rails conflict with nothing; only told where Rules::railsConflict asks
     std::vector<std::string> shapeNames;              ///< [shape of the file] net
     std::vector<std::vector<LeftConflict>> conflicts; ///< [solution of the file]
 };

@@ -21,9 +21,10 @@ namespace kit::color {
 
 /// The rules that a colouring obeys.
 struct Rules {
-    int32_t distance = 185;    ///< what two shapes of one mask need, library coordinates
-    int32_t stitchOverlap = 0; ///< by how much two masks overlap at a stitch, library coordinates
-    int32_t bearable = NONE;   ///< conflicts of this distance or more may be left; NONE: none may
+    int32_t distance = 185;     ///< what two shapes of one mask need, library coordinates
+    int32_t stitchOverlap = 0;  ///< by how much two masks overlap at a stitch, library coordinates
+    int32_t bearable = NONE;    ///< conflicts of this distance or more may be left; NONE: none may
+    bool railsConflict = false; ///< rails are metal of mask 0 like any other
 
     static constexpr int32_t NONE = std::numeric_limits<int32_t>::max();
 

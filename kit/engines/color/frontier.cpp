@@ -143,7 +143,9 @@ private:
         if (m_views.size() <= m_limits.open) {
             return;
         }
-        const auto total = [&](const View& view) { return view.cost + m_frontiers.toGo(step, view.state); };
+        const auto total = [&](const View& view) {
+            return (view.cost + m_frontiers.toGo(step, view.state)) / Problem::STITCH;
+        };
         std::ranges::stable_sort(m_views, {}, total);
         color::thinOut(m_views, m_limits.open, total);
     }
@@ -151,7 +153,7 @@ private:
     Colouring trace(size_t view) const
     {
         Colouring colouring;
-        colouring.cost = m_views[view].cost;
+        colouring.cost = m_views[view].cost / Problem::STITCH;
         colouring.masks.resize(m_problem.size());
         for (size_t step = m_problem.size(); step-- > 0;) {
             const Origin& origin = m_origins[step][view];
@@ -270,7 +272,9 @@ void Problem::assignPlaces(const std::vector<std::vector<size_t>>& neighbours)
 void Problem::addRules(const Graph& graph, const Rules& rules)
 {
     const int64_t hard = int64_t{rules.hardDistance()} * rules.hardDistance();
-    const auto conflictCost = [hard](int64_t squared) { return squared < hard ? FORBIDDEN : CONFLICT_COST; };
+    const auto conflictCost = [hard](int64_t squared) {
+        return squared < hard ? FORBIDDEN : CONFLICT_COST * STITCH;
+    };
     const auto add = [this](size_t a, size_t b, uint32_t ifEqual, uint32_t ifDifferent) {
         const size_t first = std::min(m_stepOf[a], m_stepOf[b]);
         const size_t last = std::max(m_stepOf[a], m_stepOf[b]);
@@ -280,8 +284,13 @@ void Problem::addRules(const Graph& graph, const Rules& rules)
             m_mostCost = std::min(m_mostCost + cost, MOST_COST);
         }
     };
+    uint32_t atRail = 0;
+    for (Step& step : m_steps) {
+        // All of them together cost less than a stitch.
+        step.ifMask0 = graph.parts[step.part].atRail && ++atRail < STITCH ? 1 : 0;
+    }
     for (const Joint& joint : graph.joints) {
-        add(joint.a, joint.b, 0, 1);
+        add(joint.a, joint.b, 0, STITCH);
     }
     for (const Pair& pair : graph.pairs) {
         add(pair.a, pair.b, conflictCost(pair.squared), 0);
@@ -335,7 +344,7 @@ bool Problem::breaks(const BondRule& bond, const Key& key)
 uint32_t Problem::costOf(size_t step, const Key& key, uint32_t mask) const
 {
     const Step& here = m_steps[step];
-    uint32_t cost = 0;
+    uint32_t cost = mask == 0 ? here.ifMask0 : 0;
     for (const Rule& rule : here.rules) {
         const uint32_t one = maskAt(key, rule.other) == mask ? rule.ifEqual : rule.ifDifferent;
         if (one == FORBIDDEN) {

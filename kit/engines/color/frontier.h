@@ -18,6 +18,9 @@ public:
     using Key = std::array<uint64_t, 2>;
 
     static constexpr uint32_t FORBIDDEN = std::numeric_limits<uint32_t>::max();
+    /// Costs of partial colourings are counted in so much for a stitch. Below that counts how many parts near
+    /// rails have mask 0.
+    static constexpr uint32_t STITCH = 64;
     static constexpr size_t MOST_PLACES = 64;
 
     /// @param parts  indices in the graph; nothing but them counts
@@ -41,8 +44,8 @@ public:
     /// The frontier after a step.
     Key next(size_t step, Key key, uint32_t mask) const;
 
-    /// No colouring costs more.
-    uint32_t mostCost() const { return m_mostCost; }
+    /// No colouring costs more, in stitches.
+    uint32_t mostStitches() const { return m_mostCost / STITCH; }
 
 private:
     /// Something that is known when its last part has its mask.
@@ -64,7 +67,8 @@ private:
     struct Step {
         size_t part = 0;
         uint8_t masks = 0;
-        size_t place = 0; ///< in the key
+        uint32_t ifMask0 = 0; ///< cost
+        size_t place = 0;     ///< in the key
         std::vector<Rule> rules{};
         std::vector<BondRule> bonds{};
         Key kept{}; ///< bits of the places that stay
@@ -82,7 +86,7 @@ private:
 
     std::vector<Step> m_steps;
     std::vector<size_t> m_stepOf; ///< [part of the graph] size() for those left out
-    uint32_t m_mostCost = 0;
+    uint32_t m_mostCost = 0;      ///< but for parts near rails
     bool m_fits = true;
 };
 

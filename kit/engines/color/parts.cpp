@@ -54,6 +54,11 @@ private:
                 others.push_back(&m_metal.polygons[i]);
             }
         }
+        for (const Polygon& rail : m_metal.rails) {
+            if (m_rules.railsConflict) {
+                others.push_back(&rail);
+            }
+        }
         return others;
     }
 
@@ -70,12 +75,24 @@ private:
                 part.atSide =
                     part.atSide || rect.xl < m_rules.distance || m_metal.width - rect.xh < m_rules.distance;
             }
+            part.atRail = isNearRail(rects);
+            if (part.atRail && m_rules.railsConflict) {
+                part.masks = NOT_MASK_0;
+            }
             m_graph.parts.push_back(std::move(part));
         }
         for (size_t i = 0; i < cuts.size(); ++i) {
             const auto [a, b] = pieces.joined[i];
             m_graph.joints.push_back({first + a, first + b, cuts[i]}); // one that parts nothing goes later
         }
+    }
+
+    bool isNearRail(const std::vector<Rect>& rects) const
+    {
+        return std::ranges::any_of(m_metal.rails, [&](const Polygon& rail) {
+            return design::closestOf(rail.rects, rects).squared <
+                   int64_t{m_rules.distance} * m_rules.distance;
+        });
     }
 
     bool meet(size_t a, size_t b) const

@@ -16,6 +16,7 @@ struct Part {
     std::vector<Rect> rects; ///< without common area; at a stitch with overlap also what both masks cover
     uint8_t masks = 7;       ///< bit k: it may have mask k
     bool atSide = false; ///< within the distance of the cell's left or right edge: neighbours see its mask
+    bool atRail = false; ///< within the distance of a rail: better not on mask 0
 };
 
 /// Where two parts of a polygon meet: a possible stitch.
@@ -51,6 +52,7 @@ struct Graph {
 /// The graph of a cell with its possible stitches.
 ///
 /// A part that reaches the cell's bottom or top may not have mask 0, or the placer would take it for a rail.
+/// Where rails conflict, nor may a part within the distance of a rail.
 /// A part at the end of a polygon that has nothing close but what the part it hangs on has, and that no
 /// neighbour of the cell sees, is left joined: parting it gains nothing.
 ///

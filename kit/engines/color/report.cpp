@@ -282,7 +282,9 @@ void writeSummary(const Result& result, const Options& options, std::ostream& ou
     std::map<size_t, size_t> stitches;
     size_t files = 0;
     size_t bad = 0;
+    size_t clear = 0;
     for (const ColouredCell& cell : result.colours) {
+        clear += cell.isClearOfRails ? 1 : 0;
         bad += cell.trouble || cell.tooLarge ? 1 : 0;
         files += cell.file ? 1 : 0;
         if (cell.file) {
@@ -297,19 +299,26 @@ void writeSummary(const Result& result, const Options& options, std::ostream& ou
         design::Distance::text(options.settings.rules.distance, result.selection.site.width);
     const std::string without =
         counted(static_cast<int64_t>(bad), "cell") + " without a colouring free of conflicts";
+    const bool railsConflict = options.settings.rules.railsConflict;
     if (options.json) {
-        out << Json{{"schema", 1},
-                    {"summary", cells + "; " + without},
-                    {"cells", result.colours.size()},
-                    {"files", files},
-                    {"without_coloring", bad}}
-            << std::endl;
+        Json summary{{"schema", 1},
+                     {"summary", cells + "; " + without},
+                     {"cells", result.colours.size()},
+                     {"files", files},
+                     {"without_coloring", bad}};
+        if (railsConflict) {
+            summary["clear_of_rails"] = clear;
+        }
+        out << summary << std::endl;
         return;
     }
     out << cells << '\n';
     writeHistogram(solutions, "solutions", out);
     writeHistogram(stitches, "stitches", out);
     out << '\n' << without << '\n';
+    if (railsConflict) {
+        out << counted(static_cast<int64_t>(clear), "cell") << " with all metal near rails off mask 0\n";
+    }
     writeTroubles(result, out);
     std::ostringstream seconds; // the stream's own format stays as it is
     seconds << std::fixed << std::setprecision(2) << result.seconds;

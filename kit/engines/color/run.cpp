@@ -237,21 +237,29 @@ void writeFiles(const Options& options, const Result& result)
     set.commit();
 }
 
-/// Tells of the cells that have no colouring.
+/// Tells of the cells that have no colouring, or none as wished.
 void tellTroubles(const Options& options, const Library& library, Result& result)
 {
     for (size_t i = 0; i < result.colours.size(); ++i) {
         const ColouredCell& cell = result.colours[i];
-        if (!cell.trouble && !cell.tooLarge) {
+        const bool isBad = cell.trouble || cell.tooLarge;
+        if (!isBad && (cell.isClearOfRails || !options.settings.rules.railsConflict)) {
             continue;
         }
         const auto macro = std::ranges::find_if(result.selection.cells, [&](const LefMacro* other) {
             return other->name == result.metal[i].name;
         });
-        lefdef::SourceReporter(result.findings, sourceOf(library, **macro))
-            .add(cell.file ? Severity::WARNING : Severity::ERROR,
-                 cell.tooLarge ? "too-intricate" : "no-coloring", (*macro)->offset,
-                 troubleText(result.metal[i], cell, options.settings.rules, result.selection.site.width), "");
+        lefdef::SourceReporter reporter(result.findings, sourceOf(library, **macro));
+        if (isBad) {
+            reporter.add(
+                cell.file ? Severity::WARNING : Severity::ERROR,
+                cell.tooLarge ? "too-intricate" : "no-coloring", (*macro)->offset,
+                troubleText(result.metal[i], cell, options.settings.rules, result.selection.site.width), "");
+        } else {
+            reporter.add(Severity::NOTE, "near-rail", (*macro)->offset,
+                         (*macro)->name + " has no colouring that keeps all metal near its rails off mask 0",
+                         "");
+        }
     }
 }
 

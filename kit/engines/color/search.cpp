@@ -32,24 +32,31 @@ std::vector<std::vector<size_t>> componentsOf(const Graph& graph, const std::vec
     return components;
 }
 
-/// The next bound to try: a few steps of one stitch, then longer ones.
-uint32_t raised(uint32_t bound)
+/// The bound that lets so many stitches pass.
+uint32_t boundOf(uint32_t stitches)
 {
-    return bound < 4 ? bound + 1 : bound + bound / 2;
+    return stitches * Problem::STITCH + Problem::STITCH - 1;
+}
+
+/// The next number of stitches to try: a few steps of one, then longer ones.
+uint32_t raised(uint32_t stitches)
+{
+    return stitches < 4 ? stitches + 1 : stitches + stitches / 2;
 }
 
 /// Searches with rising bounds until there is a colouring.
 ///
-/// @param bound  out: the last one
+/// @param bound  out: the last one, in stitches
 Outcome searchRising(Frontiers& frontiers, const Problem& problem, const Limits& limits, uint32_t& bound)
 {
     if (!problem.fits()) {
         return Outcome::TOO_LARGE;
     }
-    Outcome outcome = frontiers.search(bound = 0, limits);
-    while (outcome == Outcome::NONE && bound < problem.mostCost()) {
-        bound = std::min(raised(bound), problem.mostCost());
-        outcome = frontiers.search(bound, limits);
+    bound = 0;
+    Outcome outcome = frontiers.search(boundOf(bound), limits);
+    while (outcome == Outcome::NONE && bound < problem.mostStitches()) {
+        bound = std::min(raised(bound), problem.mostStitches());
+        outcome = frontiers.search(boundOf(bound), limits);
     }
     return outcome;
 }
@@ -78,18 +85,18 @@ Colourings solve(const Graph& graph, const std::vector<size_t>& parts, const Rul
     if (result.outcome != Outcome::FOUND) {
         return result;
     }
-    const uint32_t least = frontiers.least();
+    const uint32_t least = frontiers.least() / Problem::STITCH;
     uint32_t most = least;
     const bool seen = std::ranges::any_of(parts, [&](size_t i) { return graph.parts[i].atSide; });
     if (seen) {
         // Where those with more stitches are too many to look at, those with the fewest have to do.
-        if (frontiers.search(least + limits.moreStitches, limits) == Outcome::FOUND) {
+        if (frontiers.search(boundOf(least + limits.moreStitches), limits) == Outcome::FOUND) {
             most = least + limits.moreStitches;
         } else {
-            frontiers.search(bound, limits);
+            frontiers.search(boundOf(bound), limits);
         }
     }
-    std::vector<Colouring> all = colouringsBySides(graph, problem, frontiers, most, limits);
+    std::vector<Colouring> all = colouringsBySides(graph, problem, frontiers, boundOf(most), limits);
     thinOut(all, limits.results);
     for (const Colouring& colouring : all) {
         result.all.push_back(placed(colouring, problem, graph.parts.size()));

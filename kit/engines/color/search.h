@@ -17,13 +17,14 @@
 
 namespace kit::color {
 
-/// Price of a conflict that is left: more than all stitches of a cell together.
+/// Price of a conflict that is left, in stitches: more than all stitches of a cell together.
 inline constexpr uint32_t CONFLICT_COST = 10'000;
 
 /// Masks of some parts, 0 to 2 each.
 using Masks = std::vector<uint8_t>;
 
-/// A colouring that nothing cheaper has the like of at the cell's sides.
+/// A colouring that nothing cheaper has the like of at the cell's sides. Among those of equal cost it has the
+/// fewest parts near rails on mask 0.
 struct Colouring {
     uint32_t cost = 0; ///< stitches, and CONFLICT_COST for each conflict left
     Masks sides;       ///< masks of the parts at the cell's sides, ascending by their indices

@@ -47,7 +47,8 @@ std::string cachedFolder(const Options& options, const std::string& site,
     const auto numberText = [](const auto& number) { return number ? shortText(*number) : ""; };
     for (const std::string& option :
          {version, options.layer, site, options.minDist ? options.minDist->given() : "",
-          numberText(options.maxSolutions), std::string(options.allowConflicts ? "conflicts" : "")}) {
+          numberText(options.maxSolutions), std::string(options.allowConflicts ? "conflicts" : ""),
+          std::string(options.railsConflict ? "rails" : "")}) {
         hash.add(option);
         hash.add(std::string_view("\0", 1)); // "a" and "bc" are not "ab" and "c"
     }

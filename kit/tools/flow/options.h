@@ -29,9 +29,10 @@ struct Options {
     bool asDrawn = false;                    ///< take turned cells as they are drawn, as the placer does
     bool legalize = false;                   ///< put cells without a legal place on free sites
     bool allowConflicts = false;             ///< take the least bad colouring of a cell that has no good one
-    bool noFill = false;                     ///< leave gaps without fillers
-    bool keep = false;                       ///< keep all files in between
-    bool force = false;                      ///< replace earlier results
+    bool railsConflict = false; ///< keep metal near rails off mask 0, in cells that can be coloured so
+    bool noFill = false;        ///< leave gaps without fillers
+    bool keep = false;          ///< keep all files in between
+    bool force = false;         ///< replace earlier results
 };
 
 /// The results, and what `export` needs to make them again: OUT with these extensions, and the folder of the

@@ -107,6 +107,9 @@ Step colorStep(const Options& options, const Places& places, const std::string& 
     if (options.allowConflicts) {
         words.emplace_back("--allow-conflicts");
     }
+    if (options.railsConflict) {
+        words.emplace_back("--rails-conflict");
+    }
     // Status 1 is that of cells that cannot be coloured; flow names them.
     return {.name = "color",
             .words = words,

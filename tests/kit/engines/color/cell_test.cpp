@@ -64,6 +64,67 @@ TEST(KitColorCell, RailsDoNotCountInTheSpacing)
     EXPECT_EQ(cell.file->solutions.front().masks, (std::vector<int32_t>{0, 0, 0}));
 }
 
+/// Three squares that are closer than 185 to one another, and so many of them to the rail below.
+CellMetal threeSquares(int nearRail)
+{
+    std::vector<LefPin> pins = rails(1900);
+    const int32_t low = 150;  // 65 above the rail
+    const int32_t high = 300; // 215 above it
+    pins.push_back(pin("A", {rectShape(800, low, 850, 350)}));
+    pins.push_back(pin("B", {rectShape(900, nearRail > 1 ? low : high, 950, 350)}));
+    pins.push_back(pin("C", {rectShape(1000, nearRail > 2 ? low : high, 1050, 350)}));
+    return sorted(macro(1900, pins));
+}
+
+/// How many of the shapes A, B and C a solution has on mask 0.
+int64_t nearRailOnMask0(const kit::placer::Solution& solution, int nearRail)
+{
+    return std::count(solution.masks.begin() + 2, solution.masks.begin() + 2 + nearRail, 0);
+}
+
+TEST(KitColorCell, AmongEqualStitchesMask0KeepsAwayFromRails)
+{
+    for (int nearRail = 1; nearRail <= 3; ++nearRail) {
+        const ColouredCell cell = coloured(threeSquares(nearRail));
+        ASSERT_TRUE(cell.file);
+        EXPECT_EQ(cell.file->solutions.front().stitches, 0);
+        EXPECT_EQ(nearRailOnMask0(cell.file->solutions.front(), nearRail), nearRail == 3 ? 1 : 0) << nearRail;
+    }
+}
+
+TEST(KitColorCell, RailsConflictWhereTheCellCanBeColouredSo)
+{
+    for (int nearRail = 1; nearRail <= 3; ++nearRail) {
+        Settings settings;
+        settings.rules.railsConflict = true;
+        const ColouredCell cell = coloured(threeSquares(nearRail), settings);
+        ASSERT_TRUE(cell.file);
+        EXPECT_FALSE(cell.trouble);
+        EXPECT_EQ(cell.isClearOfRails, nearRail < 3);
+        for (const kit::placer::Solution& solution : cell.file->solutions) {
+            EXPECT_EQ(nearRailOnMask0(solution, nearRail), nearRail == 3 ? 1 : 0);
+        }
+    }
+}
+
+TEST(KitColorCell, RailsThatConflictMayBeAStitchAway)
+{
+    // A and B are near the upper rail. So they have masks 1 and 2, and leave mask 0 to the upper end of the
+    // bar.
+    std::vector<LefPin> pins = rails(1900);
+    pins.push_back(pin("BAR", {rectShape(800, 150, 870, 1000)}));
+    pins.push_back(pin("A", {rectShape(930, 950, 980, 1250)}));
+    pins.push_back(pin("B", {rectShape(1040, 950, 1090, 1250)}));
+    Settings settings;
+    const CellMetal metal = sorted(macro(1900, pins));
+    const auto stitchesOf = [&](bool railsConflict) {
+        settings.rules.railsConflict = railsConflict;
+        return coloured(metal, settings).file->solutions.front().stitches;
+    };
+    EXPECT_EQ(stitchesOf(false), 0);
+    EXPECT_EQ(stitchesOf(true), 1);
+}
+
 struct RailCase {
     const char* name;
     std::vector<LefPin> pins;

@@ -415,6 +415,9 @@ TEST_F(SmallFlow, TheEndOfAVersionIsNoPartOfTheLayer)
     const std::string longer = kit::flow::cachedFolder(options, "", {}, "0.10");
     options.layer = "0" + options.layer;
     EXPECT_NE(kit::flow::cachedFolder(options, "", {}, "0.1"), longer);
+    const std::string plain = kit::flow::cachedFolder(options, "", {});
+    options.railsConflict = true;
+    EXPECT_NE(kit::flow::cachedFolder(options, "", {}), plain);
 }
 
 /// A flow that has been run well, to be run again with less room.
