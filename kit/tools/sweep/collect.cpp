@@ -18,9 +18,10 @@ std::vector<Column> columnsFor(bool times)
     for (const NumberOption& option : NUMBER_OPTIONS) {
         columns.push_back({option.name, option.whole ? "INTEGER" : "REAL"});
     }
-    columns.insert(
-        columns.end(),
-        {{"rescue", "INTEGER"}, {"status", "TEXT"}, {"exit_status", "INTEGER"}, {"signal", "INTEGER"}});
+    for (const FlagOption& option : FLAG_OPTIONS) {
+        columns.push_back({option.name, "INTEGER"});
+    }
+    columns.insert(columns.end(), {{"status", "TEXT"}, {"exit_status", "INTEGER"}, {"signal", "INTEGER"}});
     for (const Metric& metric : METRICS) {
         columns.push_back({metric.name, metric.type});
     }
@@ -42,7 +43,9 @@ Json valuesOf(const Task& task, const std::optional<Result>& result)
         values.update(toJson(task, *result));
     }
     values.update(toJson(task.options));
-    values["rescue"] = task.options.rescue ? 1 : 0;
+    for (const FlagOption& option : FLAG_OPTIONS) {
+        values[option.name] = task.options.*option.member ? 1 : 0;
+    }
     values["components"] = task.components;
     if (result.has_value() && result->metrics.isObject()) {
         values.update(result->metrics);

@@ -97,7 +97,9 @@ public:
         for (const NumberOption& option : NUMBER_OPTIONS) {
             add(option.name, option.label);
         }
-        add("rescue", "rescue ");
+        for (const FlagOption& option : FLAG_OPTIONS) {
+            add(option.name, option.label);
+        }
         return text;
     }
 

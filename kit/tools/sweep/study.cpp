@@ -160,7 +160,9 @@ std::vector<std::string_view> optionNames(std::vector<std::string_view> names)
     for (const NumberOption& option : NUMBER_OPTIONS) {
         names.emplace_back(option.name);
     }
-    names.emplace_back("rescue");
+    for (const FlagOption& option : FLAG_OPTIONS) {
+        names.emplace_back(option.name);
+    }
     return names;
 }
 
@@ -216,16 +218,21 @@ std::vector<RunOptions> readGrid(const Field& grid)
             grid, option.name, [&option](const Field& field) { return readNumber(field, option); }));
         count *= static_cast<double>(numbers.back().size());
     }
-    const std::vector<bool> rescues =
-        listOf<bool>(grid, "rescue", [](const Field& field) { return field.boolean(); });
-    if (count * static_cast<double>(rescues.size()) > MOST_RUNS) {
+    std::vector<std::vector<bool>> flags; // [FLAG_OPTIONS]
+    for (const FlagOption& option : FLAG_OPTIONS) {
+        flags.push_back(listOf<bool>(grid, option.name, [](const Field& field) { return field.boolean(); }));
+        count *= static_cast<double>(flags.back().size());
+    }
+    if (count > MOST_RUNS) {
         grid.fail("has more than " + std::to_string(MOST_RUNS) + " runs");
     }
     std::vector<RunOptions> runs{RunOptions{}};
     for (size_t i = 0; i < numbers.size(); ++i) {
         extend(runs, numbers[i], NUMBER_OPTIONS[i].member);
     }
-    extend(runs, rescues, &RunOptions::rescue);
+    for (size_t i = 0; i < flags.size(); ++i) {
+        extend(runs, flags[i], FLAG_OPTIONS[i].member);
+    }
     return runs;
 }
 
@@ -237,8 +244,10 @@ RunOptions readRun(const Field& run)
             options.*option.member = readNumber(*field, option);
         }
     }
-    const std::optional<Field> rescue = run.find("rescue");
-    options.rescue = rescue.has_value() && rescue->boolean();
+    for (const FlagOption& option : FLAG_OPTIONS) {
+        const std::optional<Field> field = run.find(option.name);
+        options.*option.member = field.has_value() && field->boolean();
+    }
     return options;
 }
 

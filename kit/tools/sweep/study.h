@@ -24,6 +24,7 @@ struct RunOptions {
     std::optional<double> mindp;     ///< colouring distance, library units, whole
     std::optional<double> siteWidth; ///< until the rows give theirs, DBU, whole
     bool rescue = false;             ///< find places for the cells that the placer leaves without one
+    bool trueOrientation = false;    ///< take turned cells as they lie
 
     bool operator==(const RunOptions&) const = default;
 };
@@ -46,6 +47,20 @@ inline constexpr NumberOption NUMBER_OPTIONS[] = {
     {&RunOptions::moveRange, "move_range", "--move-range", "M ", true, 0, 1'000'000},
     {&RunOptions::mindp, "mindp", "--mindp", "d ", true, 0, 10'000},
     {&RunOptions::siteWidth, "site_width", "--site-width", "s ", true, 1, 1'000'000},
+};
+
+/// Something that a run does or does not.
+struct FlagOption {
+    bool RunOptions::*member;
+    const char* name;  ///< as that of a number
+    const char* word;  ///< option of `place`
+    const char* label; ///< in pictures
+};
+
+/// All of them, written behind the numbers in this order.
+inline constexpr FlagOption FLAG_OPTIONS[] = {
+    {&RunOptions::rescue, "rescue", "--rescue", "rescue "},
+    {&RunOptions::trueOrientation, "true_orientation", "--true-orientation", "true orientation "},
 };
 
 /// One run of a study.

@@ -32,7 +32,9 @@ RunOptions optionsFrom(const Json& json)
             options.*option.member = option.whole ? static_cast<double>(value.asInteger()) : value.asNumber();
         }
     }
-    options.rescue = json.at("rescue").asBool();
+    for (const FlagOption& option : FLAG_OPTIONS) {
+        options.*option.member = json.at(option.name).asBool();
+    }
     return options;
 }
 
@@ -106,7 +108,9 @@ Json toJson(const RunOptions& options)
         // Whole numbers as such, so that 2 and 2.0 are one weight.
         json[option.name] = whole ? Json(static_cast<int64_t>(*number)) : number ? Json(*number) : Json();
     }
-    json["rescue"] = options.rescue;
+    for (const FlagOption& option : FLAG_OPTIONS) {
+        json[option.name] = options.*option.member;
+    }
     return json;
 }
 
@@ -119,8 +123,10 @@ std::vector<std::string> argumentsOf(const RunOptions& options)
             words.push_back(std::string(option.word) + "=" + json[option.name].dump());
         }
     }
-    if (options.rescue) {
-        words.emplace_back("--rescue");
+    for (const FlagOption& option : FLAG_OPTIONS) {
+        if (options.*option.member) {
+            words.emplace_back(option.word);
+        }
     }
     return words;
 }

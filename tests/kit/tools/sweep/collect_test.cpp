@@ -44,14 +44,15 @@ TEST_F(KitSweepCollect, TableHasARowPerTaskInTheirOrder)
     std::istringstream lines(equalTable());
     std::string line;
     std::getline(lines, line);
-    EXPECT_EQ(line,
-              "id,design,components,algo,weight,move_range,mindp,site_width,rescue,status,exit_status,signal,"
-              "hpwl_before,hpwl,stitches,conflicts,judged_conflicts,judged_errors,dropped_cells,"
-              "cells_beyond_segment,overlapping_cells,mean_displacement,largest_displacement,passes,hash");
+    EXPECT_EQ(
+        line,
+        "id,design,components,algo,weight,move_range,mindp,site_width,rescue,true_orientation,status,"
+        "exit_status,signal,hpwl_before,hpwl,stitches,conflicts,judged_conflicts,judged_errors,dropped_cells,"
+        "cells_beyond_segment,overlapping_cells,mean_displacement,largest_displacement,passes,hash");
     for (const kit::sweep::Task& task : kit::sweep::readTasks(dir())) {
         std::getline(lines, line);
         const int weight = static_cast<int>(*task.options.weight);
-        EXPECT_EQ(line, task.id + ",d,0,," + std::to_string(weight) + ",,,,0,clean,0,0,7," +
+        EXPECT_EQ(line, task.id + ",d,0,," + std::to_string(weight) + ",,,,0,0,clean,0,0,7," +
                             std::to_string(1000 - weight) + "," + std::to_string(weight) + ",,0,0,2,,,,,,x");
     }
     EXPECT_FALSE(std::getline(lines, line));
@@ -100,7 +101,7 @@ TEST_F(KitSweepCollect, MissingAndFailedRunsAreToldAndInTheTable)
                                  " (d --weight=3) missing\n");
     EXPECT_NE(outcome.output.find(",failed,2,0,"), std::string::npos);
     EXPECT_NE(outcome.output.find(",\"no room, \"\"really\"\"\"\n"), std::string::npos) << outcome.output;
-    EXPECT_NE(outcome.output.find(tasks[2].id + ",d,0,,3,,,,0,missing,,,"), std::string::npos);
+    EXPECT_NE(outcome.output.find(tasks[2].id + ",d,0,,3,,,,0,0,missing,,,"), std::string::npos);
 }
 
 TEST_F(KitSweepCollect, JsonLinesHaveTheSame)

@@ -104,7 +104,7 @@ TEST_F(KitSweepPlan, TextThatGoesFromOneFileToTheNextChangesTheIds)
 
 TEST(KitSweepId, EveryOptionChangesIt)
 {
-    std::vector<RunOptions> all(9);
+    std::vector<RunOptions> all(10);
     all[1].algo = 0;
     all[2].algo = 1;
     all[3].weight = 1.4;
@@ -113,6 +113,7 @@ TEST(KitSweepId, EveryOptionChangesIt)
     all[6].mindp = 8;
     all[7].siteWidth = 8;
     all[8].rescue = true;
+    all[9].trueOrientation = true;
     std::set<std::string> ids;
     for (const RunOptions& options : all) {
         ids.insert(idOf("content", options));
@@ -124,7 +125,7 @@ TEST(KitSweepId, EveryOptionChangesIt)
 TEST(KitSweepId, IsTheSameOnEveryMachine)
 {
     // FNV-1a of the text, by another program.
-    EXPECT_EQ(idOf("00", {}), "0b1c5b75dccdf915");
+    EXPECT_EQ(idOf("00", {}), "137a6505d715f203");
 }
 
 TEST_F(KitSweepPlan, WholeWeightIsTheSameWithAndWithoutFraction)
@@ -249,6 +250,7 @@ TEST(KitSweepTasks, LineComesBackAsItWas)
     task.options.algo = 3;
     task.options.weight = 0.1;
     task.options.rescue = true;
+    task.options.trueOrientation = true;
     test::writeFile(dir.path("tasks.jsonl"), lineOf(task) + "\n");
     const std::vector<Task> tasks = readTasks(dir.path(""));
     ASSERT_EQ(tasks.size(), 1U);

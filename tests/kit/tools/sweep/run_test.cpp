@@ -156,14 +156,14 @@ TEST_F(KitSweepRun, ArgumentsAreThoseOfPlace)
     test::writeDesign(m_dir.path("designs"), "d");
     test::writeFile(m_dir.path("study.json"),
                     R"({"designs": [{"name": "d", "base": "designs/d", "cell_path": "designs/lib"}], "runs": [
-        {"algo": 3, "weight": -2, "move_range": 4, "mindp": 100, "site_width": 380, "rescue": true}]})");
+        {"algo": 3, "weight": -2, "move_range": 4, "mindp": 100, "site_width": 380, "rescue": true, "true_orientation": true}]})");
     ASSERT_EQ(test::runKit({"sweep", "plan", m_dir.path("study.json"), "-o", dir()}).status, 0);
     EXPECT_EQ(run("echo \"$@\" | sed 's/-o [^ ]*/-o OUT/' >" + m_dir.path("arguments") + "; placed"), 0);
     const std::string folder = fs::canonical(m_dir.path("designs")).string();
     EXPECT_EQ(contentOf(m_dir.path("arguments")),
               "place " + folder + "/d --cell-path " + folder +
                   "/lib -o OUT --quiet --algo=3 --weight=-2 --move-range=4 --mindp=100 --site-width=380 "
-                  "--rescue\n");
+                  "--rescue --true-orientation\n");
 }
 
 TEST_F(KitSweepRun, ResultsThatAreThereNeedResume)

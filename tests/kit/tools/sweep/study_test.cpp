@@ -161,18 +161,16 @@ TEST_F(KitSweepStudy, NumberOfRunsIsBounded)
 
 TEST_F(KitSweepStudy, GridTakesEveryWay)
 {
-    const Study study = readWith(R"("grid": {"weight": [2, 0.5], "algo": [3, 0], "rescue": [true, false]})");
+    const Study study = readWith(
+        R"("grid": {"true_orientation": [false, true], "weight": [2, 0.5], "algo": [3, 0], "rescue": [true, false]})");
     std::vector<RunOptions> expected;
-    for (const int algo : {3, 0}) {
-        for (const double weight : {2.0, 0.5}) {
-            for (const bool rescue : {true, false}) {
-                RunOptions options;
-                options.algo = algo;
-                options.weight = weight;
-                options.rescue = rescue;
-                expected.push_back(options);
-            }
-        }
+    for (int i = 0; i < 16; ++i) {
+        RunOptions options;
+        options.algo = i / 8 == 0 ? 3 : 0;
+        options.weight = i / 4 % 2 == 0 ? 2 : 0.5;
+        options.rescue = i / 2 % 2 == 0;
+        options.trueOrientation = i % 2 == 1;
+        expected.push_back(options);
     }
     ASSERT_EQ(study.runs.size(), expected.size());
     for (size_t i = 0; i < expected.size(); ++i) {
@@ -212,7 +210,8 @@ TEST_F(KitSweepStudy, SchemaHasTheSameMembers)
     EXPECT_TRUE(check.faults.empty()) << check.faults.front();
     for (const char* list : {"/properties/grid/properties", "/properties/runs/items/properties"}) {
         const Json& members = schema.atPointer(list);
-        for (const char* name : {"algo", "weight", "move_range", "mindp", "site_width", "rescue"}) {
+        for (const char* name :
+             {"algo", "weight", "move_range", "mindp", "site_width", "rescue", "true_orientation"}) {
             EXPECT_TRUE(members.contains(name)) << list << " " << name;
         }
     }
