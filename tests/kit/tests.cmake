@@ -48,6 +48,7 @@ vireloce_test(kit SHARDS 4
     kit/engines/import/rows_test.cpp
     kit/engines/lint/damage_test.cpp
     kit/engines/lint/report_test.cpp
+    kit/engines/place/fixed_test.cpp
     kit/engines/place/place_test.cpp
     kit/engines/place/progressLine_test.cpp
     kit/engines/verify/command_test.cpp
