@@ -205,8 +205,20 @@ ColoredPlacement readColoredPlacement(const PlacementPaths& paths)
     }
     placer::findCells(result.design);
     result.colors = placer::readColors(paths.colors, findings);
+    const std::string fixed = paths.fixed.empty() ? fixedOf(paths.placement) : paths.fixed;
+    const FixedParts parts = readFixed(fixed, findings);
+    addFixed(parts, paths.cellDir, result.design, findings);
+    result.fixedColors = fixedColorsOf(parts, result.design);
+    checkFixedSolutions(parts, result.design, fixed, findings);
     result.faults = errorsOf(findings);
     return result;
+}
+
+void addFixedColors(const std::vector<placer::ColorRecord>& colors, Matching& matching)
+{
+    for (const placer::ColorRecord& record : colors) {
+        matching.push_back(&record);
+    }
 }
 
 Frame frameOf(const placer::Design& design, const std::string& placement)

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "kit/base/finding.h"
+#include "kit/design/fixedCells.h"
 #include "kit/design/issue.h"
 #include "kit/formats/placer/colors.h"
 #include "kit/formats/placer/design.h"
@@ -38,6 +39,7 @@ struct PlacementPaths {
     std::string placement; ///< path of the placement file
     std::string colors;    ///< path of the colors file
     std::string mapOf{};   ///< path of the placement file beside which the map lies; empty for this one
+    std::string fixed{};   ///< path of what stays where it is; empty for that beside the placement
     std::string cellDir;   ///< folder of the colour files of the cells
     std::string cells;     ///< path of the cell list; empty for the cells that the placement names
 };
@@ -48,7 +50,13 @@ struct ColoredPlacement {
     std::vector<placer::ColorRecord> colors;
     Findings faults;                    ///< errors in the form of the files
     std::optional<int64_t> pinLength{}; ///< wirelength by pins, half DBU, for those who have asked for it
+    std::vector<placer::ColorRecord> fixedColors{}; ///< of the cells of Design::fixed, which come first
 };
+
+/// Adds the colours of the cells that stay where they are to those of the components.
+///
+/// @param colors  must outlive the matching
+void addFixedColors(const std::vector<placer::ColorRecord>& colors, Matching& matching);
 
 /// Reads a placement with true orientations, its cells and its colors.
 ///

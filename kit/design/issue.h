@@ -37,6 +37,7 @@ enum class Kind {
     ROW_CONFLICT,
     RAIL_CONFLICT,
     FILLERS,
+    NO_MASKS,
 };
 
 /// What all issues of a kind have in common.
@@ -70,6 +71,7 @@ inline constexpr KindInfo KINDS[] = {
     {"row-conflict", Severity::NOTE, "pairs of cells in different rows with metal of one mask too close"},
     {"rail-conflict", Severity::NOTE, "pairs of cells with metal of mask 0 too close to a rail"},
     {"fillers", Severity::NOTE, "fillers, which are not judged"},
+    {"no-masks", Severity::NOTE, "fixed cells without a solution, which are not judged"},
 };
 
 /// The kind's entry in KINDS.
@@ -86,7 +88,7 @@ struct Issue {
     Kind kind = Kind::TOO_MANY;
     bool inColors = false;  ///< the line is one of the colours file, not of the placement
     int64_t line = 0;       ///< from 1, 0 for the file as a whole
-    int32_t component = -1; ///< index in Design::components, -1 if it is about none
+    int32_t component = -1; ///< index as in Design::component(), -1 if it is about none
     int32_t other = -1;     ///< the other cell of a pair, -1 if there is none
     std::string what{};     ///< what is wrong; empty for pairs but those with a macro
     double distance = 0;    ///< of conflicts: least distance of two shapes, library coordinates

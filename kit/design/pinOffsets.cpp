@@ -3,13 +3,12 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstdio>
 #include <filesystem>
-#include <limits>
 #include <unordered_map>
 
 #include "kit/base/files/readFile.h"
+#include "kit/design/sideLines.h"
 #include "kit/design/standing.h"
 
 namespace kit::design {
@@ -17,124 +16,43 @@ namespace kit::design {
 namespace {
 
 constexpr std::string_view FIRST_LINE = "VIRELOCE OFFSETS 1";
-constexpr std::string_view LAST_LINE = "END";
-constexpr const char* ADVICE = "import the design anew: this file belongs to its placement";
 
 /// No length is longer, half DBU: sums stay within 64 bits.
 constexpr int64_t FARTHEST_PIN = int64_t{1} << 40U;
 
-/// Takes the words of a line, which single blanks part.
-class LineWords {
-public:
-    explicit LineWords(std::string_view line) : m_rest(line) {}
-
-    bool atEnd() const { return m_rest.empty(); }
-    std::string_view rest() const { return m_rest; }
-
-    /// The next word; empty if there is none.
-    std::string_view word()
-    {
-        const std::string_view word = m_rest.substr(0, m_rest.find(' '));
-        skip(word.size());
-        return word;
-    }
-
-    /// A whole number from `least` to `most`, up to `end`, which is taken as well.
-    template <typename Number>
-    std::optional<Number> number(Number least, Number most, char end = ' ')
-    {
-        Number value{};
-        const char* const from = m_rest.data();
-        const auto [stop, error] = std::from_chars(from, from + m_rest.size(), value);
-        const auto size = static_cast<size_t>(stop - from);
-        if (error != std::errc() || value < least || value > most ||
-            (size < m_rest.size() ? m_rest[size] != end : end != ' ')) {
-            return {};
-        }
-        skip(size);
-        return value;
-    }
-
-private:
-    void skip(size_t size) { m_rest.remove_prefix(std::min(size + 1, m_rest.size())); }
-
-    std::string_view m_rest;
-};
-
-/// Reads the text of offsets from line to line. Each step says whether its lines were as they should be; the
-/// first that were not are told, and end the reading.
+/// Reads the text of offsets.
 class OffsetsReader {
 public:
-    OffsetsReader(std::string_view text, Reporter reporter) : m_text(text), m_reporter(std::move(reporter)) {}
+    OffsetsReader(std::string_view text, Reporter reporter)
+        : m_lines(text, std::move(reporter), "offsets-line")
+    {
+    }
 
     PinOffsets read()
     {
-        if (readHeader() && readPlacement() && readMasters() && readTerminals() && readNets()) {
-            readEnd();
+        if (m_lines.readExactly(FIRST_LINE) && readPlacement() && readMasters() && readTerminals() &&
+            readNets()) {
+            m_lines.readEnd();
         }
         return std::move(m_offsets);
     }
 
 private:
-    static constexpr int32_t MOST = std::numeric_limits<int32_t>::max();
-
-    bool nextLine()
-    {
-        m_line = {};
-        ++m_number;
-        const size_t size = m_text.find('\n');
-        if (size == std::string_view::npos) {
-            m_text = {}; // a line that is cut off is none
-            return false;
-        }
-        m_line = m_text.substr(0, size);
-        m_text.remove_prefix(size + 1);
-        return true;
-    }
-
-    bool fail(const std::string& expected)
-    {
-        m_reporter.error("offsets-line", {m_number, 0}, "the line is not " + expected, ADVICE);
-        return false;
-    }
-
-    bool readHeader()
-    {
-        return (nextLine() && m_line == FIRST_LINE) || fail("\"" + std::string(FIRST_LINE) + "\"");
-    }
+    static constexpr int32_t MOST = SideLines::MOST;
 
     bool readPlacement()
     {
-        LineWords words(nextLine() ? m_line : std::string_view());
+        LineWords words = m_lines.nextWords();
         const bool named = words.word() == "PLACEMENT";
         m_offsets.placement = words.word();
-        return (named && !m_offsets.placement.empty() && words.atEnd()) || fail("\"PLACEMENT\" and a hash");
-    }
-
-    /// Reads a count, and as much as it says.
-    ///
-    /// @param readOne  reads one from a line; tells whether it was as it should be
-    template <typename ReadOne>
-    bool readCounted(const std::string& keyword, const std::string& expected, ReadOne readOne)
-    {
-        LineWords words(nextLine() ? m_line : std::string_view());
-        const bool named = words.word() == keyword;
-        const std::optional<int32_t> count = words.number(0, MOST);
-        if (!named || !count || !words.atEnd()) {
-            return fail("\"" + keyword + "\" and a count");
-        }
-        for (int32_t i = 0; i < *count; ++i) {
-            if (!nextLine() || !readOne(LineWords(m_line))) {
-                return fail(expected);
-            }
-        }
-        return true;
+        return (named && !m_offsets.placement.empty() && words.atEnd()) ||
+               m_lines.fail("\"PLACEMENT\" and a hash");
     }
 
     bool readMasters()
     {
-        return readCounted("MASTERS", "a master with its pins",
-                           [this](LineWords words) { return readMaster(words); });
+        return m_lines.readCounted("MASTERS", "a master with its pins",
+                                   [this](LineWords words) { return readMaster(words); });
     }
 
     bool readMaster(LineWords words)
@@ -152,8 +70,8 @@ private:
         master.width = *width;
         master.height = *height;
         for (int32_t i = 0; i < *pins; ++i) {
-            LineWords pin(nextLine() ? m_line : std::string_view());
-            const std::optional<geometry::Point> at = readPoint(pin);
+            LineWords pin = m_lines.nextWords();
+            const std::optional<geometry::Point> at = pin.point(FARTHEST_PIN);
             if (!at) {
                 return false;
             }
@@ -163,18 +81,11 @@ private:
         return true;
     }
 
-    static std::optional<geometry::Point> readPoint(LineWords& words)
-    {
-        const std::optional<int64_t> x = words.number(-FARTHEST_PIN, FARTHEST_PIN);
-        const std::optional<int64_t> y = x ? words.number(-FARTHEST_PIN, FARTHEST_PIN) : x;
-        return y ? std::optional(geometry::Point{*x, *y}) : std::nullopt;
-    }
-
     bool readTerminals()
     {
-        return readCounted("TERMINALS", "the points of a terminal", [this](LineWords words) {
+        return m_lines.readCounted("TERMINALS", "the points of a terminal", [this](LineWords words) {
             while (!words.atEnd()) {
-                const std::optional<geometry::Point> point = readPoint(words);
+                const std::optional<geometry::Point> point = words.point(FARTHEST_PIN);
                 if (!point) {
                     return false;
                 }
@@ -188,7 +99,7 @@ private:
     bool readNets()
     {
         const auto terminals = static_cast<int32_t>(m_offsets.pointBegin.size() - 1);
-        return readCounted("NETS", "the pins of a net", [this, terminals](LineWords words) {
+        return m_lines.readCounted("NETS", "the pins of a net", [this, terminals](LineWords words) {
             while (!words.atEnd()) {
                 const std::optional<int32_t> component = words.number(0, MOST, ':');
                 const std::optional<int32_t> pin =
@@ -203,20 +114,8 @@ private:
         });
     }
 
-    bool readEnd()
-    {
-        if (!nextLine() || m_line != LAST_LINE) {
-            return fail("\"END\"");
-        }
-        ++m_number;
-        return m_text.empty() || fail("the end of the file, which \"END\" is");
-    }
-
-    std::string_view m_text; ///< after m_line
-    Reporter m_reporter;
+    SideLines m_lines;
     PinOffsets m_offsets;
-    std::string_view m_line;
-    int64_t m_number = 0; ///< of m_line, from 1
 };
 
 /// What the points of a net reach over.
@@ -330,7 +229,7 @@ void writePinOffsets(const PinOffsets& offsets, OutputFile& out)
         }
         out << "\n";
     }
-    out << LAST_LINE << "\n";
+    out << "END\n";
 }
 
 std::string offsetsOf(const std::string& placement)
@@ -380,7 +279,7 @@ std::optional<int64_t> pinLengthBeside(const std::string& placement, const place
         length = pinLength(offsets, placed);
         if (!length) {
             Reporter(ofFile, path)
-                .error("other-placement", {}, "the file is that of other components", ADVICE);
+                .error("other-placement", {}, "the file is that of other components", IMPORT_ANEW);
         }
     }
     findings.insert(findings.end(), ofFile.begin(), ofFile.end());

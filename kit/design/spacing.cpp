@@ -34,6 +34,14 @@ int32_t bottomOf(const placer::Cell& cell)
     return bottom;
 }
 
+/// Whether a shape reaches the bottom or top edge of a cell.
+bool reachesEdge(const placer::Shape& shape, int64_t bottom, int32_t height)
+{
+    return std::ranges::any_of(shape.rects, [&](const placer::Rect& rect) {
+        return rect.yl <= bottom || rect.yh >= bottom + height;
+    });
+}
+
 bool isMask(int32_t mask)
 {
     return mask >= 0 && mask <= 2;
@@ -58,14 +66,7 @@ Closest closestOf(const std::vector<placer::Rect>& some, const std::vector<place
 
 bool isRail(const placer::Cell& cell, size_t shape, const placer::Solution& solution)
 {
-    if (solution.masks[shape] != 0) {
-        return false;
-    }
-    const int64_t bottom = bottomOf(cell);
-    const int64_t top = bottom + cell.height;
-    const std::vector<placer::Rect>& rects = cell.shapes[shape].rects;
-    return std::ranges::any_of(rects,
-                               [&](const placer::Rect& rect) { return rect.yl <= bottom || rect.yh >= top; });
+    return solution.masks[shape] == 0 && reachesEdge(cell.shapes[shape], bottomOf(cell), cell.height);
 }
 
 Spacing::Spacing(const std::vector<placer::Cell>& cells, int32_t distance) : m_distance(distance)
@@ -84,11 +85,13 @@ int32_t Spacing::largest() const
 Spacing::Side Spacing::sideOf(const placer::Cell& cell, bool right) const
 {
     Side side{&cell, {}};
+    const int64_t bottom = bottomOf(cell);
     for (size_t i = 0; i < cell.shapes.size(); ++i) {
+        const bool atEdge = reachesEdge(cell.shapes[i], bottom, cell.height);
         for (const placer::Rect& rect : cell.shapes[i].rects) {
             const int64_t gap = right ? int64_t{cell.width} - rect.xh : rect.xl;
             if (gap < m_distance) {
-                side.edges.push_back({gap, rect.yl, rect.yh, i});
+                side.edges.push_back({gap, rect.yl, rect.yh, i, atEdge});
             }
         }
     }
@@ -103,30 +106,39 @@ const std::vector<int32_t>& Spacing::between(int32_t left, int32_t right)
     const Side& a = m_sides[2 * leftCell + 1];
     const Side& b = m_sides[2 * rightCell];
     if (sites.empty()) {
-        for (size_t s = 0; s < a.cell->solutions.size(); ++s) {
-            for (size_t t = 0; t < b.cell->solutions.size(); ++t) {
-                sites.push_back(sitesOf(a, s, b, t));
+        const std::vector<Need> needs = needsOf(a, b);
+        sites.reserve(a.cell->solutions.size() * b.cell->solutions.size());
+        for (const placer::Solution& some : a.cell->solutions) {
+            for (const placer::Solution& others : b.cell->solutions) {
+                sites.push_back(sitesOf(needs, some, others));
             }
         }
     }
     return sites;
 }
 
-int32_t Spacing::sitesOf(const Side& left, size_t leftSolution, const Side& right, size_t rightSolution) const
+std::vector<Spacing::Need> Spacing::needsOf(const Side& left, const Side& right) const
 {
-    const placer::Solution& a = left.cell->solutions[leftSolution];
-    const placer::Solution& b = right.cell->solutions[rightSolution];
-    int64_t most = 0;
+    std::vector<Need> needs;
     for (const Edge& edge : left.edges) {
         for (const Edge& other : right.edges) {
-            const int32_t mask = a.masks[edge.shape];
-            if (mask != b.masks[other.shape] || !isMask(mask)) {
-                continue;
+            if (const int64_t least = need(edge, other); least > 0) {
+                needs.push_back({least, edge.shape, other.shape, edge.atEdge || other.atEdge});
             }
-            const int64_t least = need(edge, other);
-            const bool conflicts =
-                least > most && !isRail(*left.cell, edge.shape, a) && !isRail(*right.cell, other.shape, b);
-            most = conflicts ? least : most;
+        }
+    }
+    return needs;
+}
+
+int32_t Spacing::sitesOf(const std::vector<Need>& needs, const placer::Solution& left,
+                         const placer::Solution& right)
+{
+    int64_t most = 0;
+    for (const Need& need : needs) {
+        const int32_t mask = left.masks[need.left];
+        const bool isRail = mask == 0 && need.anyAtEdge;
+        if (mask == right.masks[need.right] && isMask(mask) && !isRail) {
+            most = std::max(most, need.least);
         }
     }
     return static_cast<int32_t>((most + placer::LIBRARY_SITE - 1) / placer::LIBRARY_SITE);

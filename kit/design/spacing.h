@@ -54,6 +54,15 @@ private:
         int32_t yl = 0;
         int32_t yh = 0;
         size_t shape = 0;
+        bool atEdge = false; ///< the shape reaches the cell's bottom or top edge
+    };
+
+    /// What two rectangles that may be too close ask for, if they are on one mask.
+    struct Need {
+        int64_t least = 0;      ///< distance of the cells, library coordinates
+        size_t left = 0;        ///< shape
+        size_t right = 0;       ///< shape
+        bool anyAtEdge = false; ///< one of them is a rail on mask 0
     };
 
     /// A cell with the rectangles near one of its edges.
@@ -63,7 +72,9 @@ private:
     };
 
     Side sideOf(const placer::Cell& cell, bool right) const;
-    int32_t sitesOf(const Side& left, size_t leftSolution, const Side& right, size_t rightSolution) const;
+    std::vector<Need> needsOf(const Side& left, const Side& right) const;
+    static int32_t sitesOf(const std::vector<Need>& needs, const placer::Solution& left,
+                           const placer::Solution& right);
     int64_t need(const Edge& left, const Edge& right) const;
 
     int64_t m_distance;

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <map>
+#include <set>
 #include <tuple>
 
 #include "kit/design/stretches.h"
@@ -13,6 +15,9 @@ namespace kit::design {
 namespace {
 
 constexpr size_t TURNS = 4;
+
+/// Masks of the shapes of a block: each rectangle is three shapes.
+constexpr int32_t ALL_MASKS[MASKS] = {0, 1, 2};
 
 bool reachesEdge(const placer::Cell& cell, const placer::Shape& shape)
 {
@@ -66,6 +71,20 @@ placer::Rect turned(const placer::Rect& rect, const placer::Cell& cell, const Tu
 {
     return {turn.mirrorX ? cell.width - rect.xh : rect.xl, turn.mirrorY ? cell.height - rect.yh : rect.yl,
             turn.mirrorX ? cell.width - rect.xl : rect.xh, turn.mirrorY ? cell.height - rect.yl : rect.yh};
+}
+
+placer::Cell turned(const placer::Cell& cell, const Turn& turn)
+{
+    placer::Cell result = cell;
+    for (placer::Rect& box : result.headerBoxes) {
+        box = turned(box, cell, turn);
+    }
+    for (placer::Shape& shape : result.shapes) {
+        for (placer::Rect& rect : shape.rects) {
+            rect = turned(rect, cell, turn);
+        }
+    }
+    return result;
 }
 
 Stencil stencilOf(const placer::Cell& cell, const Turn& turn, const Scale& scale)
@@ -125,24 +144,65 @@ std::vector<Standing> Layout::standings(const placer::Design& design,
                                         const std::vector<const placer::ColorRecord*>& records)
 {
     std::vector<Standing> all;
-    all.reserve(design.components.size());
-    for (size_t i = 0; i < design.components.size(); ++i) {
-        const placer::Component& comp = design.components[i];
+    const size_t count = design.components.size() + design.fixed.size();
+    all.reserve(count);
+    for (size_t i = 0; i < count; ++i) {
+        const placer::Component& comp = design.component(static_cast<int32_t>(i));
         if (comp.cell < 0) {
             continue;
         }
         const auto index = static_cast<size_t>(comp.cell);
+        const placer::ColorRecord* const record = i < records.size() ? records[i] : nullptr;
         all.push_back({.component = static_cast<int32_t>(i),
                        .stencil = findStencil(design.cells[index], index, turnOf(comp.orient)),
-                       .masks = records[i] == nullptr ? std::span<const int32_t>() : records[i]->masks,
+                       .masks = record == nullptr ? std::span<const int32_t>() : record->masks,
                        .x = Scale::ofDbu(comp.x),
                        .y = Scale::ofDbu(comp.y)});
     }
+    addBlocks(design, all);
     const auto key = [](const Standing& cell) {
         return std::tuple(cell.y, cell.x + cell.stencil->extent.xl, cell.component);
     };
     std::ranges::sort(all, {}, key);
     return all;
+}
+
+void Layout::addBlocks(const placer::Design& design, std::vector<Standing>& all)
+{
+    std::set<int64_t> bottoms;
+    for (const placer::Row& row : design.rows) {
+        bottoms.insert(Scale::ofDbu(row.y));
+    }
+    std::map<std::pair<int32_t, int64_t>, Stencil*> known; // by block and row
+    for (const placer::BlockMetal& metal : design.blockMetal) {
+        const FineBox box{Scale::ofDbu(metal.box.xl), Scale::ofDbu(metal.box.yl), Scale::ofDbu(metal.box.xh),
+                          Scale::ofDbu(metal.box.yh)};
+        for (auto y = bottoms.upper_bound(box.yl - m_rowHeight); y != bottoms.end() && *y < box.yh; ++y) {
+            FineBox part = box.shifted(0, -*y);
+            part.yl = std::max<int64_t>(part.yl, 0);
+            part.yh = std::min(part.yh, m_rowHeight);
+            const auto [at, isNew] = known.try_emplace({metal.fixed, *y});
+            if (isNew) {
+                at->second = &m_blocks.emplace_back();
+                at->second->outline = {part.xl, 0, part.xl, 0}; // it overlaps nothing: the macros do
+                at->second->extent = part;
+                all.push_back({.component = static_cast<int32_t>(design.components.size()) + metal.fixed,
+                               .stencil = at->second,
+                               .masks = ALL_MASKS,
+                               .y = *y});
+            }
+            at->second->extent = around(at->second->extent, part);
+            for (const int32_t mask : ALL_MASKS) {
+                at->second->pieces.push_back({part, mask});
+            }
+        }
+    }
+}
+
+bool areCompared(const placer::Design& design, int32_t first, int32_t second)
+{
+    const bool anyBlock = design.component(first).cell < 0 || design.component(second).cell < 0;
+    return !(anyBlock && design.isFixed(first) && design.isFixed(second));
 }
 
 bool MetalGauge::tooClose(const FineBox& a, const FineBox& b) const

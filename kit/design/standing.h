@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <span>
 #include <utility>
 #include <vector>
@@ -47,6 +48,9 @@ Turn turnOf(const std::string& orient);
 /// A rectangle of a cell as a component of that orientation has it, library coordinates.
 placer::Rect turned(const placer::Rect& rect, const placer::Cell& cell, const Turn& turn);
 
+/// A cell as a component of that orientation has it.
+placer::Cell turned(const placer::Cell& cell, const Turn& turn);
+
 /// A rectangle of a shape.
 struct Piece {
     FineBox box;         ///< from the cell's lower-left corner
@@ -64,9 +68,9 @@ struct Stencil {
 /// The cell as a component of that orientation has it; an unknown one is taken as N.
 Stencil stencilOf(const placer::Cell& cell, const Turn& turn, const Scale& scale);
 
-/// A placed cell.
+/// A placed cell, or what a block has of metal in a row.
 struct Standing {
-    int32_t component = -1;           ///< index in Design::components
+    int32_t component = -1;           ///< index as in Design::component()
     const Stencil* stencil = nullptr; ///< not owned
     std::span<const int32_t> masks;   ///< [shape] of the colours file; may be too short
     int64_t x = 0;                    ///< left edge, fine units
@@ -88,11 +92,13 @@ struct Band {
     std::vector<geometry::Span> spans{}; ///< [cell] what its extent takes of the x axis
 };
 
-/// All cells that stand somewhere, by bands from the bottom.
+/// All cells that stand somewhere, by bands from the bottom; and the metal of blocks in the rows, which is on
+/// all masks.
 class Layout {
 public:
     /// @param design   must outlive this
-    /// @param records  [component] its colours, nullptr if there are none; must outlive this
+    /// @param records  [component] its colours, nullptr if there are none; those of Design::fixed may follow,
+    ///                 and none of them has masks without; must outlive this
     Layout(const placer::Design& design, const std::vector<const placer::ColorRecord*>& records, Scale scale);
 
     const std::vector<Band>& bands() const { return m_bands; }
@@ -104,13 +110,19 @@ private:
     const Stencil* findStencil(const placer::Cell& cell, size_t index, const Turn& turn);
     std::vector<Standing> standings(const placer::Design& design,
                                     const std::vector<const placer::ColorRecord*>& records);
+    void addBlocks(const placer::Design& design, std::vector<Standing>& all);
 
     Scale m_scale;
     int64_t m_rowHeight;                          ///< fine units
     std::vector<std::vector<Stencil>> m_stencils; ///< [4 * cell + turn] none or one
+    std::deque<Stencil> m_blocks;                 ///< of blocks, for one row each
     std::vector<Band> m_bands;
     int64_t m_tallest = 0;
 };
+
+/// Whether the metal of two components is compared, by their indices as in Design::component(). A block is
+/// not with what stays where it is as well: nobody knows its masks, and neither can help.
+bool areCompared(const placer::Design& design, int32_t first, int32_t second);
 
 /// Metal of one mask in two cells that is too close.
 struct Closeness {

@@ -15,7 +15,7 @@ constexpr int64_t MOST_JOBS = 256;
 
 constexpr const char* FOOTER =
     R"(Writes OUT.def, OUT.gds with OUT.lyp, OUT.html and OUT.json, and beside it what export needs to make them again:
-OUT.place, .colors, .cells, .pins, .netlist, .map, .offsets and the colour files in OUT.library. OUT.lyrdb has a
+OUT.place, .colors, .cells, .pins, .netlist, .map, .offsets, .fixed and the colour files in OUT.library. OUT.lyrdb has a
 marker for each error that is left. It stops at the first step that cannot do its work.
 
 Exit status: 0 done; 1 the placement is not clean; 2 a step could not do its work.

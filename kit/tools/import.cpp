@@ -16,12 +16,21 @@ namespace {
 
 constexpr const char* FOOTER =
     R"(Writes OUT.place, OUT.pins, OUT.netlist, OUT.cells, OUT.offsets, which tells where pins
-are, and OUT.map, which knows the way back.
+are, OUT.map, which knows the way back, and OUT.fixed, which has what stays where it is.
 
 Exit status: 0 if the design is written, 2 with errors; then nothing is.
 
 Example:
   vireloce-kit import --lef examples/raw/Nangate45_stdcell.lef --def examples/raw/gcd_nangate45.def -o out/gcd)";
+
+Json listOf(const std::vector<std::string>& names)
+{
+    Json list = Json::array();
+    for (const std::string& name : names) {
+        list.push_back(name);
+    }
+    return list;
+}
 
 void writeSummary(const Options& options, const Summary& summary)
 {
@@ -36,10 +45,6 @@ void writeSummary(const Options& options, const Summary& summary)
         std::cout << options.out << ".place: " << text.str() << '\n';
         return;
     }
-    Json fillerMasters = Json::array();
-    for (const std::string& name : summary.fillerMasters) {
-        fillerMasters.push_back(name);
-    }
     std::cout << Json{{"schema", 1},
                       {"summary", text.str()},
                       {"design", summary.design},
@@ -52,7 +57,8 @@ void writeSummary(const Options& options, const Summary& summary)
                       {"pins", summary.pins},
                       {"fixed", summary.kept},
                       {"fillers", summary.fillers},
-                      {"filler_masters", fillerMasters},
+                      {"filler_masters", listOf(summary.fillerMasters)},
+                      {"fixed_masters", listOf(summary.fixedMasters)},
                       {"moved", summary.moved},
                       {"renamed", summary.renamed}}
               << '\n';

@@ -15,6 +15,7 @@ vireloce_test(kit SHARDS 4
     kit/base/text/json_test.cpp
     kit/base/text/text_test.cpp
     kit/design/distance_test.cpp
+    kit/design/fixedCells_test.cpp
     kit/design/frame_test.cpp
     kit/design/nameMap_test.cpp
     kit/design/pinOffsets_test.cpp
@@ -40,16 +41,19 @@ vireloce_test(kit SHARDS 4
     kit/engines/import/cells_test.cpp
     kit/engines/import/constraints_test.cpp
     kit/engines/import/damage_test.cpp
+    kit/engines/import/fixed_test.cpp
     kit/engines/import/gcd_test.cpp
     kit/engines/import/generated_test.cpp
     kit/engines/import/offsets_test.cpp
     kit/engines/import/rows_test.cpp
     kit/engines/lint/damage_test.cpp
     kit/engines/lint/report_test.cpp
+    kit/engines/place/fixed_test.cpp
     kit/engines/place/place_test.cpp
     kit/engines/place/progressLine_test.cpp
     kit/engines/verify/command_test.cpp
     kit/engines/verify/conflict_test.cpp
+    kit/engines/verify/fixed_test.cpp
     kit/engines/verify/kinds_test.cpp
     kit/engines/verify/report_test.cpp
     kit/engines/view/command_test.cpp

@@ -74,6 +74,7 @@ public:
                           *m_inputs.defSource};
         m_matching = matchComponents(sides, m_findings);
         requireLayer();
+        m_kept = matchKept(m_inputs.def, m_matching, m_inputs.design, m_inputs.fixedRecords);
         m_fillers = findFillers(m_inputs.def, m_matching, m_macros);
         // The import left out on purpose what it did; and errors tell more.
         if (!m_inputs.imported && !hasErrors(m_findings)) {
@@ -85,7 +86,7 @@ public:
         lefdef::Edits edits;
         const std::string changes = change(edits);
         if (!m_options.lefMasks.empty()) {
-            m_masters = nameMasters(m_inputs, m_matching.placed, m_filling, m_macros, m_findings);
+            m_masters = nameMasters(m_inputs, m_matching.placed, m_kept, m_filling, m_macros, m_findings);
         }
         if (hasErrors(m_findings)) {
             return tell();
@@ -231,6 +232,10 @@ private:
                             m_masters.at({cell, colours->solution}), edits);
             }
         }
+        for (const Kept& kept : m_kept) {
+            renameMacro(*m_inputs.defSource, m_inputs.def.components[kept.inDef],
+                        m_masters.at({kept.cell, kept.solution}), edits);
+        }
     }
 
     void writeMasters()
@@ -268,7 +273,7 @@ private:
         int64_t leftOut = 0;
         const auto write = [&](OutputFile& file) {
             leftOut = writeLayout({m_inputs.frame.topCell, m_inputs.design, m_inputs.def, m_matching.placed,
-                                   m_inputs.colours, m_matching.untouched, m_macros, m_filling, grid},
+                                   m_inputs.colours, m_kept, m_matching.untouched, m_macros, m_filling, grid},
                                   file);
         };
         m_outputs.add(m_options.gds, std::to_string(grid.unitsPerMicron()) + " database units per micrometre",
@@ -336,6 +341,7 @@ private:
     Inputs m_inputs;
     MacroIndex m_macros;
     Matching m_matching;
+    std::vector<Kept> m_kept;
     std::vector<bool> m_fillers; ///< [component of the DEF file]
     Filling m_filling;           ///< the new ones
     MasterNames m_masters;

@@ -27,6 +27,7 @@ std::vector<std::string> pathsOf(const Options& options, const ResultFiles& file
     if (!files.map.empty()) {
         paths.push_back(files.map);
     }
+    paths.push_back(design::fixedOf(files.place));
     paths.insert(paths.end(), options.lefs.begin(), options.lefs.end());
     return paths;
 }
@@ -88,6 +89,7 @@ void readResult(const Options& options, Inputs& inputs, Findings& findings)
     addErrors(input.faults, findings);
     inputs.design = std::move(input.design);
     inputs.records = std::move(input.colors);
+    inputs.fixedRecords = std::move(input.fixedColors);
     std::vector<std::string> paths;
     for (const placer::Cell& cell : inputs.design.cells) {
         paths.push_back(cell.path);
@@ -95,6 +97,7 @@ void readResult(const Options& options, Inputs& inputs, Findings& findings)
     checkOutputs(outputsOf(options), paths, options.force);
     if (!hasErrors(findings)) {
         matchColours(inputs, findings);
+        design::addFixedColors(inputs.fixedRecords, inputs.colours);
     }
 }
 

@@ -22,7 +22,9 @@ struct Inputs {
     ResultFiles files;
     placer::Design design;                           ///< the placement; its cells if colours were asked for
     std::vector<placer::ColorRecord> records;        ///< of the colours file, if asked for
-    std::vector<const placer::ColorRecord*> colours; ///< [component] into records, nullptr for none
+    std::vector<placer::ColorRecord> fixedRecords;   ///< of the cells that stay where they are
+    std::vector<const placer::ColorRecord*> colours; ///< [component] into records, nullptr for none; behind
+                                                     ///< them those of the cells that stay where they are
     design::NameMap map;                             ///< empty if there is none
     bool imported = false;                           ///< the map is that of this very DEF file
     std::unique_ptr<lefdef::Source> defSource;

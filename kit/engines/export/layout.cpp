@@ -5,6 +5,7 @@
 #include <map>
 #include <string>
 #include <tuple>
+#include <unordered_set>
 #include <utility>
 
 #include "kit/engines/export/layerProperties.h"
@@ -94,8 +95,18 @@ public:
         for (const Placed& placed : m_parts.placed) {
             addPlaced(placed);
         }
+        std::unordered_set<size_t> known;
+        for (const Kept& kept : m_parts.kept) {
+            const DefComponent& component = m_parts.def.components[kept.inDef];
+            known.insert(kept.inDef);
+            add(kept.cell, m_parts.design.cells[static_cast<size_t>(kept.cell)], kept.solution, component.x,
+                component.y, component.orient, component.name);
+        }
         int64_t leftOut = 0;
         for (const size_t index : m_parts.others) {
+            if (known.contains(index)) {
+                continue;
+            }
             const DefComponent& component = m_parts.def.components[index];
             const auto macro = m_parts.macros.find(component.macro);
             if (macro == m_parts.macros.end()) {

@@ -22,8 +22,9 @@ struct LayoutParts {
     const lefdef::Def& def;
     const std::vector<Placed>& placed;
     const std::vector<const placer::ColorRecord*>& colours; ///< [component of the placement] nullptr for none
-    const std::vector<size_t>& others; ///< components of the DEF file that stay where they are, by index
-    const MacroIndex& macros;          ///< for those
+    const std::vector<Kept>& kept;     ///< components of the DEF file that stay where they are, with colours
+    const std::vector<size_t>& others; ///< all that stay, by index
+    const MacroIndex& macros;          ///< for those without colours
     const Filling& filling;            ///< fillers that are new
     const Grid& grid;
 };

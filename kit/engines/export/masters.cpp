@@ -45,21 +45,27 @@ void tellMissing(const Inputs& inputs, const MasterNames& names, const Filling& 
 
 } // namespace
 
-MasterNames nameMasters(const Inputs& inputs, const std::vector<Placed>& placed, const Filling& filling,
-                        const MacroIndex& macros, Findings& findings)
+MasterNames nameMasters(const Inputs& inputs, const std::vector<Placed>& placed,
+                        const std::vector<Kept>& kept, const Filling& filling, const MacroIndex& macros,
+                        Findings& findings)
 {
     MasterNames names;
+    const auto addName = [&](int32_t cell, int32_t solution) {
+        std::string& name = names[{cell, solution}];
+        name = name.empty() ? freeName(cellOf(inputs, filling, cell), solution, macros) : name;
+    };
     for (const Placed& one : placed) {
         const placer::ColorRecord* const colours = inputs.colours[one.inPlace];
         const int32_t cell = inputs.design.components[one.inPlace].cell;
         if (colours != nullptr && colours->solution >= 0 && cell >= 0) {
-            std::string& name = names[{cell, colours->solution}];
-            name = name.empty() ? freeName(cellOf(inputs, filling, cell), colours->solution, macros) : name;
+            addName(cell, colours->solution);
         }
     }
+    for (const Kept& one : kept) {
+        addName(one.cell, one.solution);
+    }
     for (const Filled& filler : filling.fillers) {
-        std::string& name = names[keyOf(filler)];
-        name = name.empty() ? freeName(filling.masters[filler.master], filler.solution, macros) : name;
+        addName(keyOf(filler).first, filler.solution);
     }
     tellMissing(inputs, names, filling, macros, findings);
     return names;

@@ -16,12 +16,13 @@ namespace kit::exporter {
 /// Names of masters by the cell's index in Design::cells and its solution; those of fillers by keyOf().
 using MasterNames = std::map<std::pair<int32_t, int32_t>, std::string>;
 
-/// A name for every cell and solution that the placed components and the fillers have: the cell's, "_S" and
+/// A name for every cell and solution that the components and the fillers have: the cell's, "_S" and
 /// the solution. It gets more "_" in between if a macro of the library has it.
 ///
 /// @param findings  out: "no-macro", an error for a cell that the library does not have
-MasterNames nameMasters(const Inputs& inputs, const std::vector<Placed>& placed, const Filling& filling,
-                        const MacroIndex& macros, Findings& findings);
+MasterNames nameMasters(const Inputs& inputs, const std::vector<Placed>& placed,
+                        const std::vector<Kept>& kept, const Filling& filling, const MacroIndex& macros,
+                        Findings& findings);
 
 /// The LEF file of the masters.
 ///

@@ -172,6 +172,24 @@ Matching matchComponents(const Sides& sides, Findings& findings)
     return Matcher(sides, findings).run();
 }
 
+std::vector<Kept> matchKept(const lefdef::Def& def, const Matching& matching, const placer::Design& placement,
+                            const std::vector<placer::ColorRecord>& colours)
+{
+    std::unordered_map<std::string_view, size_t> fixed;
+    for (size_t i = 0; i < colours.size(); ++i) {
+        fixed.try_emplace(colours[i].name, i);
+    }
+    std::vector<Kept> kept;
+    for (const size_t index : matching.untouched) {
+        const auto at = fixed.find(def.components[index].name);
+        if (at != fixed.end() && colours[at->second].solution >= 0 &&
+            colours[at->second].cell == def.components[index].macro) {
+            kept.push_back({index, placement.fixed[at->second].cell, colours[at->second].solution});
+        }
+    }
+    return kept;
+}
+
 void tellLeftOut(const Sides& sides, const Matching& matching, const std::vector<bool>& fillers,
                  Findings& findings)
 {

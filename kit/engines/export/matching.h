@@ -10,6 +10,7 @@
 #include "kit/design/nameMap.h"
 #include "kit/formats/lefdef/def.h"
 #include "kit/formats/lefdef/source.h"
+#include "kit/formats/placer/colors.h"
 #include "kit/formats/placer/design.h"
 
 namespace kit::exporter {
@@ -50,6 +51,19 @@ struct Matching {
 ///
 /// Errors: throws Fault if the placement has components, and none of them is in the DEF file.
 Matching matchComponents(const Sides& sides, Findings& findings);
+
+/// A component of the DEF file that stays where it is, with its colours.
+struct Kept {
+    size_t inDef = 0;     ///< index in Def::components
+    int32_t cell = -1;    ///< index in Design::cells
+    int32_t solution = 0; ///< of that
+};
+
+/// Finds the fixed cells of the placement that have a solution in the DEF file.
+///
+/// @param colours  [cell of Design::fixed] its colours
+std::vector<Kept> matchKept(const lefdef::Def& def, const Matching& matching, const placer::Design& placement,
+                            const std::vector<placer::ColorRecord>& colours);
 
 /// Tells those of the untouched components that the placement should have had: they are PLACED, no fillers,
 /// and not among the placement's macros. Code "left-out", warnings.

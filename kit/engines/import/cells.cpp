@@ -4,9 +4,11 @@
 #include <algorithm>
 #include <string>
 
+#include "kit/engines/import/designFiles.h"
 #include "kit/formats/lefdef/library.h"
 #include "kit/formats/lefdef/nameTable.h"
 #include "kit/formats/lefdef/units.h"
+#include "kit/geometry/polygon.h"
 
 namespace kit::importing {
 
@@ -43,6 +45,10 @@ public:
                Cells& cells)
         : m_def(def), m_lef(lef), m_core(core), m_legalize(legalize), m_reporter(reporter), m_cells(cells)
     {
+        for (const Row& row : core.rows) {
+            const geometry::Rect box{row.begin(), row.y, row.end(), row.y + core.siteHeight};
+            m_rows = m_rows.hasArea() ? geometry::around(m_rows, box) : box;
+        }
     }
 
     bool sort()
@@ -128,6 +134,84 @@ private:
             std::swap(width, height);
         }
         m_cells.blocks.push_back({.xl = comp.x, .yl = comp.y, .xh = comp.x + width, .yh = comp.y + height});
+        if (!hasMetal(macro) || !isCarried(macro.name) || macro.name.find('/') != std::string::npos) {
+            return; // a master's name is a file's name as well
+        }
+        if (standsInRows(macro) && !isOnItsSide(comp.orient) && height == m_core.siteHeight &&
+            m_core.rowAt(comp.y) != NONE) {
+            m_cells.fixed.cells.push_back({.name = std::string(comp.name),
+                                           .master = macro.name,
+                                           .x = comp.x,
+                                           .y = comp.y,
+                                           .orient = comp.orient});
+            return;
+        }
+        design::FixedBlock block{
+            .name = std::string(comp.name), .master = macro.name, .x = comp.x, .y = comp.y};
+        addMetal(comp, macro, block);
+        if (!block.metal.empty()) {
+            m_cells.fixed.blocks.push_back(std::move(block));
+        }
+    }
+
+    /// Adds the metal near a block's edges: within a row's height, which is more than metal needs.
+    void addMetal(const DefComponent& comp, const LefMacro& macro, design::FixedBlock& block) const
+    {
+        const geometry::Rect rows = grown(m_rows, m_core.siteHeight);
+        const geometry::Rect inside = grown(m_cells.blocks.back(), -m_core.siteHeight);
+        const auto add = [&](const std::vector<lefdef::LefShape>& shapes) {
+            for (const lefdef::LefShape& shape : shapes) {
+                for (const geometry::Rect& rect : rectsOf(shape)) {
+                    const geometry::Rect lying = placed(rect, comp, macro);
+                    const bool isInside = inside.hasArea() && geometry::common(lying, inside) == lying;
+                    if (lying.hasArea() && !isInside && geometry::common(lying, rows).hasArea()) {
+                        block.metal.push_back(lying);
+                    }
+                }
+            }
+        };
+        for (const lefdef::LefPin& pin : macro.pins) {
+            const bool supply = pin.use == lefdef::PinUse::POWER || pin.use == lefdef::PinUse::GROUND;
+            if (!supply || !standsInRows(macro)) {
+                add(pin.shapes);
+            }
+        }
+        add(macro.obstructions);
+    }
+
+    /// A rectangle with its sides moved outward.
+    static geometry::Rect grown(const geometry::Rect& rect, int64_t by)
+    {
+        return {rect.xl - by, rect.yl - by, rect.xh + by, rect.yh + by};
+    }
+
+    /// A shape as rectangles, picometres: that around it if it has slanted edges.
+    static std::vector<geometry::Rect> rectsOf(const lefdef::LefShape& shape)
+    {
+        std::vector<geometry::Rect> rects;
+        if (shape.polygon) {
+            rects = geometry::cutIntoRects(shape.points);
+        }
+        if (rects.empty() && !shape.points.empty()) {
+            const lefdef::LefPoint& first = shape.points.front();
+            rects.push_back({first.x, first.y, first.x, first.y});
+            for (const auto& [x, y] : shape.points) {
+                rects.back() = geometry::around(rects.back(), {x, y, x, y});
+            }
+        }
+        return rects;
+    }
+
+    /// A rectangle of a master where a component has it, DBU, rounded outward.
+    geometry::Rect placed(const geometry::Rect& rect, const DefComponent& comp, const LefMacro& macro) const
+    {
+        const geometry::Point a = transformed({rect.xl, rect.yl}, macro.width, macro.height, comp.orient);
+        const geometry::Point b = transformed({rect.xh, rect.yh}, macro.width, macro.height, comp.orient);
+        const geometry::Rect lying = geometry::rectBetween(a.x, a.y, b.x, b.y);
+        const int32_t micron = m_def.databaseMicrons;
+        return geometry::Rect{lefdef::dbuDown(lying.xl, micron), lefdef::dbuDown(lying.yl, micron),
+                              lefdef::dbuUp(lying.xh, micron), lefdef::dbuUp(lying.yh, micron)}
+            .shifted(comp.x, comp.y);
     }
 
     int64_t wholeSites(const LefMacro& macro) const
@@ -150,6 +234,7 @@ private:
     SourceReporter& m_reporter;
     Cells& m_cells;
     std::vector<Traits> m_traits; ///< [macro]
+    geometry::Rect m_rows;        ///< around all rows, DBU
     bool m_sound = true;
 };
 

@@ -6,6 +6,7 @@
 #include <set>
 #include <vector>
 
+#include "kit/design/fixedCells.h"
 #include "kit/engines/import/core.h"
 #include "kit/engines/import/nets.h"
 
@@ -29,6 +30,7 @@ struct Cells {
     std::vector<lefdef::DefRect> blocks; ///< outlines of what stays where it is
     std::vector<size_t> masterOf;        ///< [component] index in Lef::macros, NONE if unknown
     std::vector<bool> isFixed;           ///< [component] it stays where it is
+    design::FixedParts fixed;            ///< those of them that have metal
     int64_t fillers = 0;                 ///< left out
     std::set<size_t> fillerMasters;      ///< theirs, indices in Lef::macros
 };
@@ -44,6 +46,10 @@ std::vector<int64_t> countMovable(const lefdef::Def& def, const lefdef::Lef& lef
 /// Sorts the components: fillers (class SPACER) are left out; fixed and cover components, macros, pads, end
 /// caps and well taps, and cells that do not stand upright in one row stay where they are; the rest is
 /// movable.
+///
+/// Of those that stay, the ones that stand upright in one row are cells with masks. Of the others the metal
+/// near their edges is kept; of those that are of a class for rows, without that of their supply pins, which
+/// are rails.
 ///
 /// Errors, by name: unknown masters, and unplaced components unless `legalize`.
 ///

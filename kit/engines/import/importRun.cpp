@@ -214,6 +214,11 @@ private:
             }
         }
         set.add(m_options.out + ".map", [&map](OutputFile& out) { writeNameMap(map, out); });
+        if (m_cells.fixed.empty()) {
+            set.remove(m_options.out + ".fixed"); // that of an earlier design
+        } else {
+            set.add(m_options.out + ".fixed", [this](OutputFile& out) { writeFixed(m_cells.fixed, out); });
+        }
         set.commit();
     }
 
@@ -232,6 +237,11 @@ private:
         for (const size_t master : m_cells.fillerMasters) {
             summary.fillerMasters.push_back(m_lef.macros[master].name);
         }
+        std::set<std::string> fixedMasters;
+        for (const design::FixedCell& cell : m_cells.fixed.cells) {
+            fixedMasters.insert(cell.master);
+        }
+        summary.fixedMasters.assign(fixedMasters.begin(), fixedMasters.end());
         summary.pins = static_cast<int64_t>(files.terminals.size());
         summary.nets = static_cast<int64_t>(files.numNets());
         summary.moved = m_moved;

@@ -23,8 +23,9 @@ struct Options {
     bool json = false;                    ///< JSON instead of a line
 };
 
-/// The extensions of the files that import() writes.
-inline constexpr const char* WRITTEN[] = {".place", ".pins", ".netlist", ".cells", ".offsets", ".map"};
+/// The extensions of the files that import() writes; the last only if something with metal stays where it is.
+inline constexpr const char* WRITTEN[] = {".place",   ".pins", ".netlist", ".cells",
+                                          ".offsets", ".map",  ".fixed"};
 
 /// What became of a DEF.
 struct Summary {
@@ -35,6 +36,8 @@ struct Summary {
     int64_t kept = 0;                       ///< components that stay where they are
     int64_t fillers = 0;                    ///< left out
     std::vector<std::string> fillerMasters; ///< names of theirs
+    std::vector<std::string>
+        fixedMasters; ///< names of those of cells that stay where they are, and have metal
     int64_t pins = 0;
     int64_t nets = 0;
     int64_t moved = 0;     ///< components that were given a place

@@ -39,10 +39,13 @@ Judgement judge(const Options& options, int32_t minDist, const OutputSet& files)
 {
     Judgement judgement;
     try {
+        const bool anyFixed = std::filesystem::exists(options.base + FIXED);
+        const std::string fixed = anyFixed ? files.partPath(options.out + FIXED) : options.base + FIXED;
         design::ColoredPlacement input =
             design::readColoredPlacement({.placement = files.partPath(options.out + ".place"),
                                           .colors = files.partPath(options.out + ".colors"),
                                           .mapOf = options.base + ".place",
+                                          .fixed = fixed,
                                           .cellDir = options.cellPath,
                                           .cells = options.base + ".cells"});
         for (const design::Issue& issue : verify::judge(input, {.minDist = minDist})) {

@@ -58,6 +58,8 @@ void checkOutputs(const Options& options)
         inputs.push_back(options.base + extension);
         outputs.push_back(options.out + extension);
     }
+    inputs.push_back(options.base + FIXED);
+    outputs.push_back(options.out + FIXED);
     kit::checkOutputs(outputs, inputs, options.force);
 }
 

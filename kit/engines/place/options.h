@@ -35,9 +35,12 @@ std::vector<std::string> placerArguments(const Options& options);
 inline constexpr const char* WRITTEN[] = {".place", ".colors", ".json"};
 inline constexpr const char* COPIED[] = {".cells", ".pins", ".netlist"};
 
-/// Extensions of what an imported design has besides, which is copied where it is there: its map, and where
-/// its pins are.
+/// Extensions of what an imported design has besides, which is copied where it is there: its map, where its
+/// pins are.
 inline constexpr const char* COPIED_IF_THERE[] = {".map", ".offsets"};
+
+/// Extension of what stays where it is in an imported design. Its copy has the solutions that were chosen.
+inline constexpr const char* FIXED = ".fixed";
 
 /// Checks that the results may be written.
 ///

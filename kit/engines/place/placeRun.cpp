@@ -7,15 +7,21 @@
 #include <iostream>
 
 #include "app/driver.h"
+#include "app/parameters.h"
 #include "db/design.h"
 #include "kit/base/files/outputFile.h"
 #include "kit/base/text/escape.h"
+#include "kit/design/fixedCells.h"
+#include "kit/design/nameMap.h"
+#include "kit/engines/place/fixedSolutions.h"
 #include "kit/engines/place/judgement.h"
 #include "kit/engines/place/placementText.h"
+#include "kit/engines/place/placerCopy.h"
 #include "kit/engines/place/progressLine.h"
 #include "kit/engines/place/resultJson.h"
-#include "kit/engines/place/unturned.h"
+#include "kit/engines/place/segmentEnds.h"
 #include "kit/formats/placer/colors.h"
+#include "kit/formats/placer/reader.h"
 
 namespace kit::place {
 
@@ -24,6 +30,10 @@ namespace {
 constexpr int CLEAN = 0;
 constexpr int NOT_CLEAN = 1;
 constexpr int UNREADABLE = 2;
+
+/// Times that cells are rescued from beside what stays where it is: one of them may come to stand beside
+/// another.
+constexpr int32_t MOST_ROUNDS = 5;
 
 /// Prints what the report begins with; gives the options of the placer.
 vireloce::PlaceOptions beginReport(const Options& options)
@@ -46,12 +56,13 @@ public:
     {
         const auto begin = std::chrono::steady_clock::now();
         vireloce::PlaceOptions options = beginReport(m_options);
-        if (m_options.trueOrientation) {
-            m_unturned = UnturnedDesign::of(m_options);
+        m_minDist = options.parameters.minDist;
+        if (m_options.trueOrientation || std::filesystem::exists(m_options.base + FIXED)) {
+            m_copy = PlacerCopy::of(m_options, m_minDist);
         }
-        if (m_unturned) {
-            options.placePath = m_unturned->base();
-            options.cellPath = m_unturned->cellPath();
+        if (m_copy) {
+            options.placePath = m_copy->base();
+            options.cellPath = m_copy->cellPath();
         }
         try {
             m_run.result = vireloce::place(options, hooks());
@@ -64,10 +75,13 @@ public:
             return UNREADABLE;
         }
         const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
-        Json result = resultJson(m_options, options.parameters.minDist, m_run, std::move(m_placement),
-                                 std::move(m_rescue), seconds.count());
+        Json result = resultJson(m_options, m_minDist, m_run, std::move(m_placement), std::move(m_rescue),
+                                 seconds.count());
         if (m_run.complete) { // what this takes is not the placer's time and memory
-            const Judgement judgement = judge(m_options, options.parameters.minDist, m_files);
+            if (m_fixed.isObject()) {
+                result["fixed"] = std::move(m_fixed);
+            }
+            const Judgement judgement = judge(m_options, m_minDist, m_files);
             m_clean = m_clean && judgement.errors == 0;
             result["judge"] = toJson(judgement);
             result["hpwl_pins"] = judgement.hpwlPins;
@@ -109,8 +123,105 @@ private:
             m_rescue["placement"] = toJson(design, state);
             nameHelpless(design, done);
         }
+        if (std::filesystem::exists(m_options.base + FIXED)) {
+            settleFixed(design, state);
+        }
         m_clean = state.conflicts == 0 && withoutPlace(state).empty();
         addFiles(design);
+    }
+
+    /// Chooses the solutions of what stays where it is, and adds it to the files. Where that is not enough,
+    /// components get other solutions and places.
+    ///
+    /// @param state  out: measured anew if any did
+    void settleFixed(Design& design, State& state)
+    {
+        Findings told; // by the judge
+        design::FixedParts parts = design::readFixed(m_options.base + FIXED, told);
+        placer::Design placed = readPlaced(parts);
+        if (hasErrors(told) || placed.components.size() != design.components.size()) {
+            m_files.addCopy(m_options.out + FIXED, m_options.base + FIXED);
+            return;
+        }
+        const std::vector<int32_t> solutions = solutionsOf(design);
+        const std::vector<Point> places = positionsOf(design);
+        const std::vector<placer::Component> before = placed.components;
+        SolutionChooser chooser(placed, m_minDist);
+        ChosenSolutions chosen = chooseIn(design, chooser, placed);
+        for (int32_t i = 0; i < MOST_ROUNDS && m_options.rescue; ++i) {
+            if (!makeRoom(design, chosen.crowded, m_start)) {
+                break;
+            }
+            placed.components = before;
+            chosen = chooseIn(design, chooser, placed);
+        }
+        for (size_t i = 0; i < parts.cells.size() && i < chosen.fixed.size(); ++i) {
+            parts.cells[i].solution = chosen.fixed[i];
+        }
+        m_files.add(m_options.out + FIXED, [&parts](OutputFile& out) { writeFixed(parts, out); });
+        int64_t changed = 0;
+        int64_t moved = 0;
+        for (size_t i = 0; i < solutions.size(); ++i) {
+            const Component& comp = *design.components[i];
+            const bool stays = comp.x == places[i].x && comp.y == places[i].y;
+            moved += stays ? 0 : 1;
+            changed += stays && comp.solution == solutions[i] ? 0 : 1;
+        }
+        m_fixed = {{"cells", parts.cells.size()},
+                   {"blocks", parts.blocks.size()},
+                   {"wider_macros", m_copy ? m_copy->wider().size() : 0},
+                   {"changed", changed},
+                   {"moved", moved},
+                   {"placement", nullptr}};
+        if (changed > 0) {
+            state = measure(design, m_start);
+            m_fixed["placement"] = toJson(design, state);
+        }
+    }
+
+    static std::vector<int32_t> solutionsOf(const Design& design)
+    {
+        std::vector<int32_t> solutions;
+        for (const Component* comp : design.components) {
+            solutions.push_back(comp->solution);
+        }
+        return solutions;
+    }
+
+    /// The design, with the macros that the placer had, and with what stays where it is.
+    placer::Design readPlaced(const design::FixedParts& parts) const
+    {
+        Findings told; // by the judge
+        placer::Design placed;
+        placer::readLibrary(m_options.base + ".cells", m_options.cellPath, placed, told);
+        placer::readPlacement(m_options.base + ".place", placed, told);
+        for (const WiderMacro& wider : m_copy ? m_copy->wider() : std::vector<WiderMacro>()) {
+            placed.macros[static_cast<size_t>(wider.macro)].x = wider.x;
+            placed.macros[static_cast<size_t>(wider.macro)].width = wider.width;
+        }
+        design::addFixed(parts, m_options.cellPath, placed, told);
+        return placed;
+    }
+
+    /// Chooses solutions for fixed cells where the components are now, and changes components by it.
+    ///
+    /// @param placed  with the components as they were; out: where they were before the change
+    ChosenSolutions chooseIn(Design& design, SolutionChooser& chooser, placer::Design& placed) const
+    {
+        Findings told; // by the judge
+        for (size_t i = 0; i < placed.components.size(); ++i) {
+            placed.components[i].x = design.components[i]->x;
+            placed.components[i].y = design.components[i]->y;
+        }
+        design::restoreOrientations(m_options.base + ".place", placed, told);
+        ChosenSolutions chosen = chooser.choose(colorsOf(design));
+        for (const ChangedCell& change : chosen.changed) {
+            Component& comp = *design.components[static_cast<size_t>(change.component)];
+            comp.solution = change.solution;
+            comp.siteX += change.steps;
+            comp.x += change.steps * SITE_WIDTH;
+        }
+        return chosen;
     }
 
     /// Components that nobody could build where they are, by index.
@@ -141,7 +252,7 @@ private:
             const Cell& cell = design.cellOf(*comp);
             placer::ColorRecord& record = records.emplace_back();
             record.name = comp->name;
-            record.cell = m_unturned ? m_unturned->cellOf(comp->cellName) : comp->cellName;
+            record.cell = m_copy ? m_copy->cellOf(comp->cellName) : comp->cellName;
             if (comp->solution >= 0 && static_cast<size_t>(comp->solution) < cell.colors.size()) {
                 record.solution = comp->solution;
                 record.stitches = cell.stitchesOf(comp->solution);
@@ -176,14 +287,19 @@ private:
                 m_files.remove(m_options.out + extension);
             }
         }
+        if (!std::filesystem::exists(m_options.base + FIXED)) {
+            m_files.remove(m_options.out + FIXED);
+        }
     }
 
     const Options& m_options;
     ProgressLine m_line;
-    std::unique_ptr<UnturnedDesign> m_unturned; ///< what the placer gets, if not the design itself
-    std::vector<Point> m_start;                 ///< [component] positions before the placement
+    std::unique_ptr<PlacerCopy> m_copy; ///< what the placer gets, if not the design itself
+    std::vector<Point> m_start;         ///< [component] positions before the placement
     Json m_placement;
     Json m_rescue;
+    Json m_fixed;          ///< null if nothing stays where it is
+    int32_t m_minDist = 0; ///< distance that shapes of one mask need, library coordinates
     PlacerRun m_run;
     OutputSet m_files;
     bool m_clean = false;

@@ -21,6 +21,10 @@ constexpr size_t X_TOKEN = 6;
 constexpr size_t Y_TOKEN = 7;
 constexpr size_t ORIENT_TOKEN = 9;
 
+/// Tokens of a macro's record: "- NAME MASTER + ( X Y ) ( WIDTH HEIGHT ) ORIENT".
+constexpr size_t MACRO_X_TOKEN = 5;
+constexpr size_t MACRO_WIDTH_TOKEN = 9;
+
 /// The words of a line between blanks.
 std::vector<std::string_view> tokensOf(std::string_view line)
 {
@@ -34,11 +38,39 @@ std::vector<std::string_view> tokensOf(std::string_view line)
     return tokens;
 }
 
+/// Writes a line with other words in place of some.
+class LineWriter {
+public:
+    LineWriter(std::string_view line, const std::vector<std::string_view>& tokens, OutputFile& out)
+        : m_line(line), m_tokens(tokens), m_out(out)
+    {
+    }
+
+    /// Writes the line up to a token, which is behind those before, and a word in its place.
+    void put(size_t token, std::string_view word)
+    {
+        const auto begin = static_cast<size_t>(m_tokens[token].data() - m_line.data());
+        m_out << m_line.substr(m_done, begin - m_done) << word;
+        m_done = begin + m_tokens[token].size();
+    }
+
+    /// Writes the rest.
+    void finish() { m_out << m_line.substr(m_done); }
+
+private:
+    std::string_view m_line;
+    const std::vector<std::string_view>& m_tokens;
+    OutputFile& m_out;
+    size_t m_done = 0; ///< bytes of the line
+};
+
 /// Copies a placement file line by line, with changed records.
 class Rewriter {
 public:
-    Rewriter(const std::string& path, size_t count, const ChangesOf& changesOf, OutputFile& out)
-        : m_path(path), m_in(path, std::ios::binary), m_count(count), m_changesOf(changesOf), m_out(out)
+    Rewriter(const std::string& path, size_t count, const ChangesOf& changesOf, OutputFile& out,
+             const MacroChanges& macros)
+        : m_path(path), m_in(path, std::ios::binary), m_count(count), m_changesOf(changesOf), m_out(out),
+          m_macros(macros)
     {
         if (!m_in.is_open()) {
             throw systemFault("cannot open file " + path, errno);
@@ -48,6 +80,10 @@ public:
     void run()
     {
         while (next()) {
+            if (const auto macro = m_macros.find(m_number); macro != m_macros.end()) {
+                rewriteMacro(macro->second);
+                continue;
+            }
             copy();
             const std::vector<std::string_view> tokens = tokensOf(m_line);
             // A keyword counts at the start of its line only.
@@ -94,24 +130,32 @@ private:
         if (tokens.size() <= ORIENT_TOKEN || tokens[NAME_TOKEN] != m_changes.name) {
             fail("the record is not that of the component that was placed");
         }
-        size_t done = 0; // bytes of the line
-        const std::string_view line = m_line;
-        const auto put = [&](size_t token, std::string_view text) {
-            const auto begin = static_cast<size_t>(tokens[token].data() - line.data());
-            m_out << line.substr(done, begin - done) << text;
-            done = begin + tokens[token].size();
-        };
+        LineWriter line(m_line, tokens, m_out);
         if (!m_changes.cell.empty()) {
-            put(CELL_TOKEN, m_changes.cell);
+            line.put(CELL_TOKEN, m_changes.cell);
         }
         if (m_changes.at) {
-            put(X_TOKEN, std::to_string(m_changes.at->x));
-            put(Y_TOKEN, std::to_string(m_changes.at->y));
+            line.put(X_TOKEN, std::to_string(m_changes.at->x));
+            line.put(Y_TOKEN, std::to_string(m_changes.at->y));
         }
         if (!m_changes.orient.empty()) {
-            put(ORIENT_TOKEN, m_changes.orient);
+            line.put(ORIENT_TOKEN, m_changes.orient);
         }
-        m_out << line.substr(done) << (m_in.eof() ? "" : "\n");
+        line.finish();
+        m_out << (m_in.eof() ? "" : "\n");
+    }
+
+    void rewriteMacro(const MacroChange& change)
+    {
+        const std::vector<std::string_view> tokens = tokensOf(m_line);
+        if (tokens.size() <= MACRO_WIDTH_TOKEN) {
+            fail("the record is not that of a macro");
+        }
+        LineWriter line(m_line, tokens, m_out);
+        line.put(MACRO_X_TOKEN, std::to_string(change.x));
+        line.put(MACRO_WIDTH_TOKEN, std::to_string(change.width));
+        line.finish();
+        m_out << (m_in.eof() ? "" : "\n");
     }
 
     [[noreturn]] void fail(const std::string& what)
@@ -124,6 +168,7 @@ private:
     size_t m_count; ///< components
     const ChangesOf& m_changesOf;
     OutputFile& m_out;
+    const MacroChanges& m_macros;
     std::string m_line;
     RecordChanges m_changes; ///< of the record at hand
     int64_t m_number = 0;    ///< of m_line
@@ -132,9 +177,10 @@ private:
 
 } // namespace
 
-void rewritePlacement(const std::string& path, size_t count, const ChangesOf& changesOf, OutputFile& out)
+void rewritePlacement(const std::string& path, size_t count, const ChangesOf& changesOf, OutputFile& out,
+                      const MacroChanges& macros)
 {
-    Rewriter(path, count, changesOf, out).run();
+    Rewriter(path, count, changesOf, out, macros).run();
 }
 
 } // namespace kit::place

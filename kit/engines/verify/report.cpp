@@ -184,7 +184,9 @@ Json countsOf(const design::ColoredPlacement& input, const design::Issues& issue
     const std::vector<int64_t> counts = countKinds(issues);
     Json json{{"input-fault", input.faults.size()}};
     for (size_t i = 0; i < counts.size(); ++i) {
-        json[design::KINDS[i].name] = counts[i];
+        if (i != static_cast<size_t>(design::Kind::NO_MASKS) || !input.design.fixed.empty()) {
+            json[design::KINDS[i].name] = counts[i];
+        }
     }
     return json;
 }

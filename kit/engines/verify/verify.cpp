@@ -139,6 +139,20 @@ void checkLeftOut(const placer::Design& design, design::Issues& issues)
     }
 }
 
+/// What stays where it is and is not judged, as nobody has chosen its masks.
+void checkFixed(const design::ColoredPlacement& input, design::Issues& issues)
+{
+    const auto isBare = [](const placer::ColorRecord& record) { return record.solution < 0; };
+    const auto count = std::ranges::count_if(input.fixedColors, isBare);
+    if (count > 0) {
+        const auto first = std::ranges::find_if(input.fixedColors, isBare);
+        issues.push_back({.kind = design::Kind::NO_MASKS,
+                          .what = counted(count, "fixed cell") + (count == 1 ? " has" : " have") +
+                                  " no solution, and the metal is not judged; the first: " + first->name +
+                                  " (" + first->cell + ")"});
+    }
+}
+
 design::FineBox boxOf(const placer::Macro& macro)
 {
     return {design::Scale::ofDbu(macro.x), design::Scale::ofDbu(macro.y),
@@ -168,8 +182,8 @@ void checkBand(const placer::Design& design, const design::Band& band,
     }
     geometry::sweepRows(band.spans, spans, /*reach=*/0, [&](size_t cell, size_t macro) {
         const design::FineBox outline = band.cells[cell].outline();
-        if (geometry::common(outline, boxOf(*macros[macro])).hasArea()) {
-            const int32_t component = band.cells[cell].component;
+        const int32_t component = band.cells[cell].component;
+        if (!design.isFixed(component) && geometry::common(outline, boxOf(*macros[macro])).hasArea()) {
             const placer::Component& comp = design.component(component);
             issues.push_back({.kind = design::Kind::MACRO_OVERLAP,
                               .line = comp.line,
@@ -233,6 +247,9 @@ private:
 
     bool checkPair(const design::Standing& a, const design::Standing& b, design::Kind kindOfConflict)
     {
+        if (!design::areCompared(m_design, a.component, b.component)) {
+            return true;
+        }
         checkOutlines(a, b);
         const design::ClosePair close = m_gauge.measure(a, b);
         if (close.metal.shapePairs > 0) {
@@ -280,6 +297,9 @@ private:
 
     void checkOutlines(const design::Standing& a, const design::Standing& b)
     {
+        if (m_design.isFixed(a.component) || m_design.isFixed(b.component)) {
+            return; // what overlaps one of these overlaps a macro
+        }
         const design::FineBox common = geometry::common(a.outline(), b.outline());
         if (common.hasArea()) {
             design::Issue issue = issueOf(design::Kind::CELL_OVERLAP, a, b);
@@ -290,8 +310,10 @@ private:
 
     design::Issue issueOf(design::Kind kind, const design::Standing& a, const design::Standing& b) const
     {
+        // What stays where it is has no line in the placement.
+        const int32_t told = m_design.isFixed(a.component) ? b.component : a.component;
         return {.kind = kind,
-                .line = m_design.component(a.component).line,
+                .line = m_design.component(told).line,
                 .component = a.component,
                 .other = b.component};
     }
@@ -349,12 +371,14 @@ design::Issues judge(const design::ColoredPlacement& input, const Rules& rules)
 {
     const design::Scale scale = scaleOf(input.design);
     design::Issues issues;
-    const design::Matching matching = design::matchColors(input.design, input.colors, issues);
+    design::Matching matching = design::matchColors(input.design, input.colors, issues);
     design::checkColors(input.design, matching, issues);
+    design::addFixedColors(input.fixedColors, matching);
     checkPlaces(input.design, scale, issues);
     const design::Layout layout(input.design, matching, scale);
     checkMacros(input.design, layout, issues);
     checkPairs(input.design, layout, scale, rules, issues);
+    checkFixed(input, issues);
     return issues;
 }
 

@@ -50,7 +50,9 @@ std::vector<Conflict> findConflicts(const placer::Design& design,
         geometry::sweepRow(band.spans, least, [&](size_t left, size_t right) {
             const design::Standing& first = band.cells[left];
             const design::Standing& second = band.cells[right];
-            const design::Closeness found = gauge.measure(first, second).metal;
+            const bool compared = design::areCompared(design, first.component, second.component);
+            const design::Closeness found =
+                compared ? gauge.measure(first, second).metal : design::Closeness{};
             if (found.shapePairs > 0) {
                 conflicts.push_back({first.component, second.component, gapOf(found.first, found.second)});
             }

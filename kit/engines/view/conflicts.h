@@ -16,7 +16,7 @@ inline constexpr size_t MOST_CONFLICTS = 200'000;
 /// Cells in one row whose metal is on one mask and closer than allowed, by geometry; one conflict per pair of
 /// cells, where they are closest.
 ///
-/// @param colours  [components] nullptr where they are unknown
+/// @param colours  [as in Design::component()] nullptr where they are unknown
 /// @param step     site width of the design, DBU
 /// @param minDist  least distance, library units
 std::vector<Conflict> findConflicts(const placer::Design& design,

@@ -88,6 +88,9 @@ Density densityOf(const Scene& scene, bool before)
     }
     Lengths used(grid);
     for (const Cell& cell : scene.cells) {
+        if (cell.isFixed) {
+            continue;
+        }
         const Place& place = before ? cell.before : cell.place;
         used.add({place.x, place.y, place.x + widthOf(scene, cell), place.y + scene.rowHeight});
     }

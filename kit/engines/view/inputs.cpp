@@ -8,6 +8,7 @@
 #include "kit/base/fault.h"
 #include "kit/base/files/folder.h"
 #include "kit/design/coloredPlacement.h"
+#include "kit/design/fixedCells.h"
 #include "kit/design/nameMap.h"
 #include "kit/engines/view/conflicts.h"
 #include "kit/engines/view/scene.h"
@@ -97,7 +98,8 @@ std::vector<std::string> allOf(const InputPaths& paths)
 {
     std::vector<std::string> all = filesIn(paths.cellDir);
     all.insert(all.end(), {paths.placement, paths.before, paths.cells, paths.pins, paths.netlist,
-                           paths.colors, design::mapOf(paths.placement), design::mapOf(paths.before)});
+                           paths.colors, design::mapOf(paths.placement), design::mapOf(paths.before),
+                           design::fixedOf(paths.placement)});
     return all;
 }
 
@@ -114,10 +116,17 @@ Scene readScene(const InputPaths& paths, const design::Distance& minDist, Findin
     }
     Extras extras;
     std::vector<placer::ColorRecord> records;
+    std::vector<placer::ColorRecord> fixedRecords;
+    if (!paths.cellDir.empty()) {
+        const design::FixedParts fixed = design::readFixed(design::fixedOf(paths.placement), findings);
+        design::addFixed(fixed, paths.cellDir, design, findings);
+        fixedRecords = design::fixedColorsOf(fixed, design);
+    }
     if (!paths.colors.empty()) {
         records = placer::readColors(paths.colors, findings);
         extras.colours = matchByName(design.components, records);
         checkColours(extras.colours, paths);
+        design::addFixedColors(fixedRecords, extras.colours);
     }
     placer::Design before;
     if (!paths.before.empty()) {
@@ -133,6 +142,13 @@ Scene readScene(const InputPaths& paths, const design::Distance& minDist, Findin
     scene.minDistText = minDist.textOn(site);
     if (scene.coloured) {
         scene.conflicts = findConflicts(design, extras.colours, scene.siteWidth, scene.minDist);
+        const std::vector<int32_t> drawn = drawnCells(design);
+        for (Conflict& conflict : scene.conflicts) { // one with a block is shown at the cell
+            const int32_t left = drawn[static_cast<size_t>(conflict.left)];
+            const int32_t right = drawn[static_cast<size_t>(conflict.right)];
+            conflict.left = left < 0 ? right : left;
+            conflict.right = right < 0 ? left : right;
+        }
     }
     return scene;
 }

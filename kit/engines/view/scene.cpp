@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <limits>
 #include <map>
+#include <numeric>
 #include <utility>
 
 #include "kit/design/standing.h"
@@ -144,14 +145,20 @@ int32_t solutionOf(const Extras& extras, const Scene& scene, size_t component, i
 
 void addCells(Scene& scene, const placer::Design& design, const Extras& extras)
 {
-    scene.cells.reserve(design.components.size());
-    for (const placer::Component& comp : design.components) {
+    const std::vector<int32_t> drawn = drawnCells(design);
+    scene.cells.reserve(drawn.size());
+    for (size_t i = 0; i < drawn.size(); ++i) {
+        if (drawn[i] < 0) {
+            continue;
+        }
+        const placer::Component& comp = design.component(static_cast<int32_t>(i));
         Cell cell;
+        cell.isFixed = design.isFixed(static_cast<int32_t>(i));
         cell.name = comp.name;
         cell.kind = comp.cell;
         cell.place = placeOf(comp);
         cell.before = cell.place;
-        cell.colouring = solutionOf(extras, scene, scene.cells.size(), comp.cell);
+        cell.colouring = solutionOf(extras, scene, i, comp.cell);
         scene.cells.push_back(std::move(cell));
     }
 }
@@ -261,6 +268,17 @@ bool isStitch(const Joint& joint, const Colouring& colouring)
         return index < colouring.masks.size() ? colouring.masks[index] : -1;
     };
     return maskOf(joint.first) != maskOf(joint.second);
+}
+
+std::vector<int32_t> drawnCells(const placer::Design& design)
+{
+    std::vector<int32_t> cells(design.components.size());
+    std::iota(cells.begin(), cells.end(), 0);
+    auto next = static_cast<int32_t>(cells.size());
+    for (const placer::Component& fixed : design.fixed) {
+        cells.push_back(fixed.cell >= 0 ? next++ : -1);
+    }
+    return cells;
 }
 
 Scene buildScene(const placer::Design& design, const Extras& extras)

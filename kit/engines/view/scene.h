@@ -71,6 +71,7 @@ struct Cell {
     Place place;
     Place before;           ///< in the input placement; the same as place if it is not there
     int32_t colouring = -1; ///< index in Kind::colourings, -1 if unknown
+    bool isFixed = false;   ///< it stays where it is, and takes no room of a stretch
 };
 
 /// A fixed block, or a row.
@@ -107,7 +108,7 @@ struct Scene {
     std::vector<Box> stretches;    ///< what no macro covers of them
     std::vector<Block> macros;     ///< file order
     std::vector<Kind> kinds;       ///< order of the cell list
-    std::vector<Cell> cells;       ///< file order
+    std::vector<Cell> cells;       ///< file order; those that stay where they are come last
     std::vector<Terminal> pins;    ///< file order
     std::vector<int32_t> netBegin; ///< [nets + 1] first member of each net
     std::vector<int32_t> members;  ///< index in cells, or -1 - index in pins
@@ -162,9 +163,14 @@ std::vector<const Record*> matchByName(const std::vector<Named>& named, const st
 
 /// What to draw besides the design.
 struct Extras {
-    std::vector<const placer::ColorRecord*> colours; ///< [components] nullptr if unknown; not owned; or empty
+    std::vector<const placer::ColorRecord*> colours; ///< [as in Design::component()] nullptr if unknown; not
+                                                     ///< owned; or empty
     const placer::Design* before = nullptr; ///< the input placement, found by names; not owned; or none
 };
+
+/// [as in Design::component()] the cell of the scene that a component is drawn as, -1 for one that stays
+/// where it is, and is no cell.
+std::vector<int32_t> drawnCells(const placer::Design& design);
 
 /// A design as it is drawn. Coordinates beyond +-500 million DBU are drawn there.
 Scene buildScene(const placer::Design& design, const Extras& extras);

@@ -101,24 +101,36 @@ struct Cell {
     int64_t line = 0;      ///< in the cell list
 };
 
+/// Metal of a component that stays where it is, on masks that nobody knows.
+struct BlockMetal {
+    int32_t fixed = 0;  ///< index of the component in Design::fixed
+    geometry::Rect box; ///< DBU
+};
+
 /// A design with its library.
 struct Design {
     std::string name;         ///< of the placement's DESIGN statement, empty if it has none
     int32_t dbuPerMicron = 0; ///< of its UNITS statement, 0 if it has none
     std::vector<Row> rows;
     std::vector<Macro> macros;
-    std::vector<Component> components; ///< those that the placer places
-    std::vector<Component> fillers;    ///< from FILLER_1 to the end of its section: the placer skips them
+    std::vector<Component> components;  ///< those that the placer places
+    std::vector<Component> fillers;     ///< from FILLER_1 to the end of its section: the placer skips them
+    std::vector<Component> fixed;       ///< those that stay where they are; to the placer they are macros
+    std::vector<BlockMetal> blockMetal; ///< of those among them that are no cells
     std::vector<Pin> pins;
     std::vector<Net> nets;
     std::vector<Cell> cells;
 
-    /// A component by its index in components.
+    /// A component by its index in components; those that stay where they are come behind.
     const Component& component(int32_t index) const
     {
-        assert(index >= 0 && static_cast<size_t>(index) < components.size());
-        return components[static_cast<size_t>(index)];
+        assert(index >= 0 && static_cast<size_t>(index) < components.size() + fixed.size());
+        const auto i = static_cast<size_t>(index);
+        return i < components.size() ? components[i] : fixed[i - components.size()];
     }
+
+    /// Whether a component, by its index as in component(), stays where it is.
+    bool isFixed(int32_t index) const { return static_cast<size_t>(index) >= components.size(); }
 
     /// The cell of a component, nullptr if there is none of that name.
     const Cell* cellOf(const Component& comp) const

@@ -157,7 +157,12 @@ private:
             OutputSet set;
             addLibrary(set);
             for (const std::string extension : RESULTS) {
-                if (extension != ".json") {
+                if (extension == ".json") {
+                    continue;
+                }
+                if (extension == ".fixed" && !fs::exists(m_places.placed + extension)) {
+                    set.remove(m_options.out + extension); // that of an earlier run
+                } else {
                     set.addCopy(m_options.out + extension, m_places.placed + extension);
                 }
             }
@@ -180,7 +185,7 @@ private:
         set.add(folder + MARK, [](OutputFile& /*file*/) {});
         for (const std::string& cell : m_colored) {
             const std::string path = m_places.cellDir + "/" + cell + ".color";
-            if (fs::exists(path)) { // a filler may have none
+            if (fs::exists(path)) { // one that is not placed may have none
                 set.addCopy(folder + cell + ".color", path);
             }
         }
@@ -304,15 +309,24 @@ private:
             m_cells.push_back(name);
         }
         m_colored = m_cells;
-        for (const Json& filler : m_result["filler_masters"].items()) {
-            if (!m_options.noFill) {
-                m_colored.push_back(filler.asString());
-            }
+        addColored(m_result["fixed_masters"]);
+        if (!m_options.noFill) {
+            addColored(m_result["filler_masters"]);
         }
         OutputFile colored(m_places.colored);
         placer::writeCellList(colored, m_colored);
         colored.commit();
         return true;
+    }
+
+    /// Adds those masters that are not coloured yet.
+    void addColored(const Json& masters)
+    {
+        for (const Json& master : masters.items()) {
+            if (std::ranges::find(m_colored, master.asString()) == m_colored.end()) {
+                m_colored.push_back(master.asString());
+            }
+        }
     }
 
     /// The size of a site that import found, W,H in micrometres.
@@ -323,7 +337,8 @@ private:
         return lefdef::micrometres(map.siteWidth) + "," + lefdef::micrometres(map.siteHeight);
     }
 
-    /// Colours the cells in use, and the fillers, unless that was done before.
+    /// Colours the cells in use, those that stay where they are, and the fillers, unless that was done
+    /// before.
     bool colour()
     {
         const std::string site = siteFound();
@@ -350,6 +365,19 @@ private:
         return requireCells();
     }
 
+    /// Shows the errors of `color` about cells in use.
+    void tellErrorsOfCells(const std::string& messages)
+    {
+        std::istringstream lines(messages);
+        for (std::string line; std::getline(lines, line);) {
+            const size_t error = line.find(": error: ");
+            const std::string what = error == std::string::npos ? "" : line.substr(error + 9);
+            if (std::ranges::find(m_cells, what.substr(0, what.find(' '))) != m_cells.end()) {
+                m_errors << line << "\n";
+            }
+        }
+    }
+
     /// Whether every cell in use has a colour file.
     bool requireCells()
     {
@@ -363,6 +391,7 @@ private:
         m_errors << "\nCells in use without a colouring:" << missing << "\n";
         const std::string messages = m_places.cellDir + "/messages";
         if (fs::exists(messages)) {
+            tellErrorsOfCells(readFile(messages));
             m_errors << "Why is in " << messages << "\n";
         }
         m_errors
@@ -387,7 +416,7 @@ private:
     std::ostream& m_errors; ///< messages and failures
     Places m_places;
     std::vector<std::string> m_cells;   ///< names of those in use
-    std::vector<std::string> m_colored; ///< and of the fillers that the gaps may get
+    std::vector<std::string> m_colored; ///< and of those that stay where they are, and that the gaps may get
     process::Ending m_ending;           ///< of the last step
     Json m_result;                      ///< of the last step, null if it gave none
     Json m_steps = Json::array();       ///< what each took and gave

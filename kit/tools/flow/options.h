@@ -35,11 +35,11 @@ struct Options {
     bool force = false;         ///< replace earlier results
 };
 
-/// The results, and what `export` needs to make them again: OUT with these extensions, and the folder of the
-/// colour files.
+/// The results, and what `export` needs to make them again: OUT with these extensions, of which not every
+/// design has .fixed, and the folder of the colour files.
 inline constexpr const char* RESULTS[] = {".place", ".colors",  ".cells", ".pins", ".netlist",
-                                          ".map",   ".offsets", ".def",   ".gds",  ".lyp",
-                                          ".lyrdb", ".html",    ".json"};
+                                          ".map",   ".offsets", ".fixed", ".def",  ".gds",
+                                          ".lyp",   ".lyrdb",   ".html",  ".json"};
 inline constexpr const char* LIBRARY = ".library";
 
 } // namespace kit::flow

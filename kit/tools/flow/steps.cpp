@@ -51,7 +51,9 @@ std::string placementSummary(const Json& result)
     if (result["placement"].isNull()) {
         return "no placement";
     }
-    const Json& after = result["rescue"].isNull() ? result["placement"] : result["rescue"]["placement"];
+    const Json& rescued = result["rescue"].isNull() ? result["placement"] : result["rescue"]["placement"];
+    const Json& recolored = result.atPointer("/fixed/placement");
+    const Json& after = recolored.isNull() ? rescued : recolored;
     std::ostringstream text;
     text << "HPWL " << result["report"]["init HPWL"] << " -> " << after["hpwl"] << ", " << after["stitches"]
          << " stitches, " << after["conflicts"] << " conflicts";
@@ -110,10 +112,11 @@ Step colorStep(const Options& options, const Places& places, const std::string& 
     if (options.railsConflict) {
         words.emplace_back("--rails-conflict");
     }
-    // Status 1 is that of cells that cannot be coloured; flow names them.
+    // Statuses 1 and 2 are those of cells that cannot be coloured; flow names the ones that it needs.
     return {.name = "color",
             .words = words,
-            .goodStatus = 1,
+            .needs = "summary",
+            .goodStatus = 2,
             .advice = SEE_MESSAGES,
             .tellsMessages = false}; // one for each cell without a good colouring; the summary counts them
 }

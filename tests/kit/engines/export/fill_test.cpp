@@ -73,6 +73,28 @@ protected:
     SmallExport m_files{"- u INV + PLACED ( 380 0 ) N\n ;\n", "- u INV + PLACED ( 0 0 ) N ;\n"};
 };
 
+TEST(KitFillFixed, KeepsOffTheMetalOfFixedCellsAndBlocks)
+{
+    const auto filled = [](const std::string& fixed) {
+        SmallExport files("- u INV + PLACED ( 380 0 ) N\n ;\n",
+                          "- u INV + PLACED ( 0 0 ) N ;\n- f INV + FIXED ( 1140 0 ) N ;\n"
+                          "- b BAR + PLACED ( 760 1400 ) N ;\n");
+        // Its bar is 150 from either edge, and on mask 1.
+        files.write("lib/BAR.color", "380 1400\n1 0 0 380 1400\n1\n1 150 400 230 800\n1\n0 1\n");
+        files.write("more.lef", "MACRO BAR\n  CLASS CORE SPACER ;\n  SIZE 0.38 BY 1.4 ;\n  OBS LAYER M1 ;\n"
+                                "    RECT 0.15 0.4 0.23 0.8 ;\n  END\nEND BAR\nEND LIBRARY\n");
+        files.write("out.fixed", "VIRELOCE FIXED 1\n" + fixed + "END\n");
+        files.colors = "u INV 1 0 0 0 1 2\n";
+        const KitOutcome outcome = files.run(
+            {"--lef", files.path("lef"), "--lef", files.path("more.lef"), "--layer", "M1", "--fill"});
+        EXPECT_EQ(outcome.status, 0) << outcome.error;
+        return files.output("new.def").find(" BAR + SOURCE DIST + PLACED ( 760 0 ) N ;") != std::string::npos;
+    };
+    EXPECT_TRUE(filled("CELLS 1\nINV 1140 0 N 2 f\nBLOCKS 0\n"));
+    EXPECT_FALSE(filled("CELLS 1\nINV 1140 0 N 0 f\nBLOCKS 0\n")) << "its left bar is on mask 1, 170 away";
+    EXPECT_FALSE(filled("CELLS 0\nBLOCKS 1\nBLOCK RAM 0 0 1 r\n1160 500 1300 600\n"));
+}
+
 TEST_F(KitFill, PutsTheSameMastersIntoTheGapsWidestFirst)
 {
     const KitOutcome outcome = fill("- a FILL1 + PLACED ( 570 0 ) N ;\n- b FILL3 + PLACED ( 760 0 ) N ;\n");

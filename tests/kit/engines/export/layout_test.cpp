@@ -100,6 +100,26 @@ TEST(KitLayout, ComponentsThatStayHaveTheMetalOfTheLibrary)
     EXPECT_EQ(boxesOn(library.structures.at("FILL1_N"), 99), (Boxes{{0, 0, 190, 1400}}));
 }
 
+TEST(KitLayout, FixedCellsHaveTheirMasks)
+{
+    SmallExport files("- a INV + PLACED ( 0 0 ) N\n ;\n",
+                      "- a INV ;\n- f INV + FIXED ( 760 0 ) FN ;\n- g INV + FIXED ( 1140 1400 ) FS ;\n"
+                      "- h INV + FIXED ( 1520 0 ) N ;\n");
+    files.colors = "a INV 1 0 0 0 1 2\n";
+    files.write("out.fixed", "VIRELOCE FIXED 1\nCELLS 3\nINV 760 0 FN 2 f\nINV 1140 1400 FS 1 g\n"
+                             "INV 1520 0 N -1 h\nBLOCKS 0\nEND\n");
+    EXPECT_EQ(files.run({"--gds", files.path("new.gds"), "--lef", files.path("lef"), "--layer", "M1"}).error,
+              "");
+    const GdsLibrary library = readGds(files.output("new.gds"));
+    EXPECT_EQ(library.structures.at("small").instances,
+              (std::vector<GdsInstance>{{"INV_S1_N", {0, 0}, "a"},
+                                        {"INV_S2_FN", {760, 0}, "f"},
+                                        {"INV_S1_FS", {1140, 1400}, "g"},
+                                        {"INV_N", {1520, 0}, "h"}}));
+    EXPECT_EQ(boxesOn(library.structures.at("INV_S2_FN"), 102), (Boxes{{290, 300, 360, 900}}));
+    EXPECT_EQ(boxesOn(library.structures.at("INV_N"), 102), Boxes{}) << "it has no solution";
+}
+
 TEST(KitLayout, DroppedFillersAreNotThere)
 {
     SmallExport files("- a INV + PLACED ( 0 0 ) N\n ;\n", "- a INV ;\n- g FILL1 + PLACED ( 570 0 ) N ;\n");

@@ -186,6 +186,21 @@ TEST(KitLefMasks, FileHasTheHeadOfItsSource)
               std::string::npos);
 }
 
+TEST(KitLefMasks, FixedCellsHaveMastersOfTheirSolutionsToo)
+{
+    SmallExport files("- a INV + PLACED ( 0 0 ) N\n ;\n", "- a INV ;\n- f INV + FIXED ( 760 0 ) FN ;\n");
+    files.colors = "a INV 2 0 0 0 2 1\n";
+    files.write("out.fixed", "VIRELOCE FIXED 1\nCELLS 1\nINV 760 0 FN 0 f\nBLOCKS 0\nEND\n");
+    const KitOutcome outcome = files.run({"--lef", files.path("lef"), "--layer", "M1", "--lef-masks",
+                                          files.path("new.lef"), "--def-masks", files.path("new2.def")});
+    EXPECT_EQ(outcome.error, "");
+    EXPECT_NE(files.output("new.lef").find("\nMACRO INV_S0\n"), std::string::npos);
+    EXPECT_NE(
+        files.output("new2.def").find("- a INV_S2 + PLACED ( 0 0 ) N ;\n- f INV_S0 + FIXED ( 760 0 ) FN ;\n"),
+        std::string::npos);
+    EXPECT_NE(files.output("new.def").find("- f INV + FIXED ( 760 0 ) FN ;\n"), std::string::npos);
+}
+
 TEST(KitLefMasks, NamesOfTheLibraryAreNotTaken)
 {
     SmallExport files("- a INV + PLACED ( 0 0 ) N\n ;\n", "- a INV ;\n");

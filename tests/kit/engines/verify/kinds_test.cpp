@@ -258,7 +258,7 @@ TEST(KitVerify, KindsHaveDifferentNames)
     for (const kit::design::KindInfo& info : kit::design::KINDS) {
         EXPECT_TRUE(names.insert(info.name).second) << info.name;
     }
-    EXPECT_EQ(names.size(), static_cast<size_t>(Kind::FILLERS) + 1);
+    EXPECT_EQ(names.size(), static_cast<size_t>(Kind::NO_MASKS) + 1);
 }
 
 TEST(KitVerify, ExitStatusFollowsTheWorst)

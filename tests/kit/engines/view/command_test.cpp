@@ -63,6 +63,41 @@ protected:
     TempDir m_dir;
 };
 
+TEST_F(ViewFiles, FixedCellsAreDrawnInTheirColours)
+{
+    // The metal of the cell on its left ends 130 library units before the edge; this one's begins 30 behind.
+    m_dir.write("o.fixed", "VIRELOCE FIXED 1\nCELLS 2\nINV 1140 0 N 0 f\nNONE 0 2800 FS -1 g\n"
+                           "BLOCKS 1\nBLOCK RAM 1700 0 1 r\n1600 1000 1900 1200\nEND\n");
+    Options options = base();
+    options.placement = m_dir.path("o");
+    options.cells = m_dir.path("d.cells");
+    options.colors = m_dir.path("o.colors");
+    const Scene scene = read(options);
+    ASSERT_EQ(scene.cells.size(), 3U) << "without a colour file there is nothing to draw";
+    EXPECT_EQ(scene.cells[2].name, "f");
+    EXPECT_TRUE(scene.cells[2].isFixed);
+    EXPECT_FALSE(scene.cells[1].isFixed);
+    EXPECT_EQ(scene.cells[2].colouring, 0);
+    EXPECT_EQ(scene.cells[2].place.x, 1140);
+    ASSERT_EQ(scene.conflicts.size(), 1U);
+    EXPECT_EQ(scene.conflicts[0].left, 1);
+    EXPECT_EQ(scene.conflicts[0].right, 2);
+}
+
+TEST_F(ViewFiles, ConflictWithTheMetalOfABlockIsShownAtTheCell)
+{
+    m_dir.write("o.fixed", "VIRELOCE FIXED 1\nCELLS 0\nBLOCKS 1\nBLOCK RAM 1200 0 1 r\n"
+                           "1200 1200 1900 1400\nEND\n");
+    Options options = base();
+    options.placement = m_dir.path("o");
+    options.cells = m_dir.path("d.cells");
+    options.colors = m_dir.path("o.colors");
+    const Scene scene = read(options);
+    ASSERT_EQ(scene.conflicts.size(), 1U);
+    EXPECT_EQ(scene.conflicts[0].left, 1);
+    EXPECT_EQ(scene.conflicts[0].right, 1);
+}
+
 TEST_F(ViewFiles, ADesignIsFoundByItsBaseNameOrItsPlacement)
 {
     for (const char* const name : {"d", "d.place"}) {

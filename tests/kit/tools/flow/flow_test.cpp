@@ -77,7 +77,7 @@ TEST_F(KitFlow, GoesFromLefAndDefToTheMasks)
         EXPECT_TRUE(exists(extension)) << extension;
     }
     EXPECT_TRUE(says("import", "426 components of 34 cells in 21 rows")) << m_output;
-    EXPECT_TRUE(says("color", "40 cells")) << m_output;
+    EXPECT_TRUE(says("color", "41 cells")) << m_output;
     EXPECT_TRUE(says("lint", "0 errors")) << m_output;
     EXPECT_TRUE(says("place", "HPWL 4337460 -> ")) << m_output;
     EXPECT_TRUE(says("place", "; from pin to pin 2170.1 um -> ")) << m_output;
@@ -493,6 +493,41 @@ TEST_F(SmallFlow, MirroredCellsKeepTheirDistance)
     const Json result = Json::parse(test::contentOf(out() + ".json"));
     EXPECT_EQ(result["judge"]["conflicts"], Json(0));
     EXPECT_EQ(result["options"]["true_orientation"], Json(true));
+}
+
+/// A tap with metal, and an end cap whose metal reaches beyond it, so that it cannot be coloured.
+constexpr const char* FIXED_LEF = R"(MACRO TAP CLASS CORE WELLTAP ; SIZE 0.2 BY 2 ;
+  OBS LAYER metal1 ; RECT 0.02 0.5 0.18 1.5 ; END
+END TAP
+MACRO CAP CLASS ENDCAP PRE ; SIZE 0.2 BY 2 ; OBS LAYER metal1 ; RECT -0.1 0.5 0.18 1.5 ; END END CAP
+)";
+
+TEST_F(SmallFlow, FixedCellsAreColouredAndGetSolutions)
+{
+    m_dir.write("fixed.lef", FIXED_LEF);
+    const std::string fixed = "- t TAP + FIXED ( 1400 0 ) FN ;\n- w C + FIXED ( 1600 0 ) N ;\n";
+    EXPECT_EQ(small("- u C + PLACED ( 1000 0 ) N ;\n" + fixed, {"--lef", m_dir.path("fixed.lef")}), 0)
+        << m_output << m_error;
+    EXPECT_TRUE(says("verify", "clean, 0 errors, 0 notes")) << m_output;
+    EXPECT_TRUE(std::filesystem::exists(out() + ".library/TAP.color"));
+    EXPECT_NE(contentOf(out() + ".fixed").find("CELLS 2\nTAP 1400 0 FN "), std::string::npos);
+    EXPECT_EQ(contentOf(out() + ".fixed").find(" -1 "), std::string::npos);
+    const Json result = Json::parse(contentOf(out() + ".json"));
+    EXPECT_EQ(test::faultsOf(result, test::placeSchema()), Words{});
+
+    EXPECT_EQ(small(GOOD, {"--force"}), 0) << m_error;
+    EXPECT_FALSE(exists(".fixed")) << "that of the earlier run";
+}
+
+TEST_F(SmallFlow, FixedCellThatCannotBeColouredDoesNotStopIt)
+{
+    m_dir.write("fixed.lef", FIXED_LEF);
+    EXPECT_EQ(small("- u C + PLACED ( 1400 0 ) N ;\n- e CAP + FIXED ( 1000 0 ) N ;\n",
+                    {"--lef", m_dir.path("fixed.lef")}),
+              0)
+        << m_output << m_error;
+    EXPECT_TRUE(says("verify", "clean, 0 errors, 1 note")) << m_output;
+    EXPECT_NE(contentOf(out() + ".fixed").find("CAP 1000 0 N -1 e\n"), std::string::npos);
 }
 
 TEST_F(SmallFlow, WritesWhatItHasOfAPlacementThatIsNotClean)
