@@ -60,7 +60,8 @@ class Case:
         run("export", self.path("out.json"), "--def", self.original, "-o", self.path("new.def"),
             "--gds", self.path("new.gds"), "--force", *more)
         self.placed = kitfiles.components_of(text_of(self.path("out.place")))
-        self.colors = kitfiles.read_colors(self.path("out.colors"))
+        self.fixed = kitfiles.read_fixed(self.path("out.fixed"))
+        self.colors = kitfiles.read_colors(self.path("out.colors")) | self.fixed
         self.components = kitfiles.components_of(text_of(self.path("new.def")))
         self.layout = Layout(self.path("new.gds"))
         step = kitfiles.rows_of(text_of(self.path("out.place")))[0][4]
@@ -96,6 +97,8 @@ class Case:
             _, _, x, y, orient = self.components[self.name_in_def(name)]
             places[name] = (x, y, orient)
         text = kitfiles.with_places(text_of(self.path("out.place")), places)
+        if self.fixed:
+            write(self.path("true.fixed"), text_of(self.path("out.fixed")))
         report = json.loads(run(
             "verify", write(self.path("true.place"), text), "--colors", self.path("out.colors"),
             "--cell-path", self.cells, "--mindp", str(MINDP), "--json", statuses=(0, 1)))

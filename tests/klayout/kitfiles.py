@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: BSD-3-Clause
 """The kit's files, read anew: nothing here is shared with the programs under test."""
 
+import os
 import re
 
 SITE = 190  # width of a site in the colour files
@@ -36,6 +37,15 @@ def read_colors(path):
     lines = text_of(path).split("\n")
     words = [line.split() for line in lines[2 : lines.index("END")]]
     return {word[0]: (word[1], int(word[2])) for word in words}
+
+
+def read_fixed(path):
+    """Chosen colours of the cells that stay where they are, by component: (cell, solution)."""
+    if not os.path.exists(path):
+        return {}
+    lines = text_of(path).split("\n")
+    words = [line.split(" ", 5) for line in lines[2 : 2 + int(lines[1].split()[1])]]
+    return {word[5]: (word[0], int(word[4])) for word in words}
 
 
 COMPONENT = re.compile(
