@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Components put into segments and onto rows, and the search for segments.
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <algorithm>
 #include <cmath>
@@ -10,6 +9,7 @@
 #include <vector>
 
 #include "app/parameters.h"
+#include "support/property.h"
 #include "support/tinyDesign.h"
 
 namespace {
@@ -316,14 +316,13 @@ std::map<const Component*, Segment*> homesOf(const Design& design)
 void checkAssignment(int most)
 {
     Sites t;
-    const int segmentCount = *rc::gen::inRange(0, most + 1);
+    const int segmentCount = test::draw(0, most + 1);
     for (int i = 0; i < segmentCount; ++i) {
-        t.addSegment(*rc::gen::inRange(-20, 20) * 100, *rc::gen::inRange(-3, 4) * 1900,
-                     *rc::gen::inRange(0, 8));
+        t.addSegment(test::draw(-20, 20) * 100, test::draw(-3, 4) * 1900, test::draw(0, 8));
     }
-    const int compCount = *rc::gen::inRange(0, 30);
+    const int compCount = test::draw(0, 30);
     for (int i = 0; i < compCount; ++i) {
-        t.addAt(*rc::gen::inRange(-25, 35) * 100, *rc::gen::inRange(-8, 9) * 950, *rc::gen::inRange(0, 3));
+        t.addAt(test::draw(-25, 35) * 100, test::draw(-8, 9) * 950, test::draw(0, 3));
     }
     const std::string report = t.assign();
 
@@ -365,12 +364,12 @@ void checkAssignment(int most)
     }
 }
 
-RC_GTEST_PROP(InitCompInSegments, AssignsLikeALinearScanWhereOneLeafHoldsAllSegments, ())
+PROPERTY(InitCompInSegments, AssignsLikeALinearScanWhereOneLeafHoldsAllSegments)
 {
     checkAssignment(8);
 }
 
-RC_GTEST_PROP(InitCompInSegments, AssignsToASegmentUnderTheComponentInATreeOfManyLeaves, ())
+PROPERTY(InitCompInSegments, AssignsToASegmentUnderTheComponentInATreeOfManyLeaves)
 {
     checkAssignment(60);
 }
@@ -486,17 +485,16 @@ TEST(SearchSegments, ResultIsInSearchOrder)
     EXPECT_EQ(t.design.searchSegments(0, 0, 9999), (std::vector<Segment*>{a, b, c}));
 }
 
-RC_GTEST_PROP(SearchSegments, FindsWhatALinearScanFinds, ())
+PROPERTY(SearchSegments, FindsWhatALinearScanFinds)
 {
     Sites t;
-    const int count = *rc::gen::inRange(0, 60);
+    const int count = test::draw(0, 60);
     for (int i = 0; i < count; ++i) {
-        t.addSegment(*rc::gen::inRange(-3000, 3000), *rc::gen::inRange(-6000, 6000),
-                     *rc::gen::inRange(0, 20));
+        t.addSegment(test::draw(-3000, 3000), test::draw(-6000, 6000), test::draw(0, 20));
     }
-    const int x = *rc::gen::inRange(-4000, 4000);
-    const int y = *rc::gen::inRange(-8000, 8000);
-    const int range = *rc::gen::inRange(-200, 3000);
+    const int x = test::draw(-4000, 4000);
+    const int y = test::draw(-8000, 8000);
+    const int range = test::draw(-200, 3000);
     std::vector<Segment*> found = t.design.searchSegments(x, y, range);
     std::sort(found.begin(), found.end(), [](auto* a, auto* b) { return a->id < b->id; });
     std::vector<Segment*> want;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The measures of a placement, the final report, and the hooks that are no part of a run.
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -12,6 +11,7 @@
 
 #include "app/parameters.h"
 #include "support/extremes.h"
+#include "support/property.h"
 #include "support/tinyDesign.h"
 
 namespace {
@@ -139,28 +139,28 @@ TEST(EvaluateHPWL, LengthOfANetIsOf32BitsAndWrapsAround)
     EXPECT_EQ(t.design.evaluateHPWL(), 4'000'000'000 - 4'294'967'296);
 }
 
-RC_GTEST_PROP(EvaluateHPWL, IsTheSumOfTheLargestDistancesInXAndInY, ())
+PROPERTY(EvaluateHPWL, IsTheSumOfTheLargestDistancesInXAndInY)
 {
     TinyDesign t;
     for (int i = 0; i < 3; ++i) {
-        addCellOfWidth(t, *rc::gen::inRange(0, 900));
-        t.design.lut.cells.back()->height = *rc::gen::inRange(0, 3000);
+        addCellOfWidth(t, test::draw(0, 900));
+        t.design.lut.cells.back()->height = test::draw(0, 3000);
     }
     for (int i = 0; i < 10; ++i) {
-        addAt(t, *rc::gen::inRange(0, 3), *rc::gen::inRange(-5000, 5000), *rc::gen::inRange(-5000, 5000));
-        t.addPin(*rc::gen::inRange(-5000, 5000), *rc::gen::inRange(-5000, 5000));
+        addAt(t, test::draw(0, 3), test::draw(-5000, 5000), test::draw(-5000, 5000));
+        t.addPin(test::draw(-5000, 5000), test::draw(-5000, 5000));
     }
-    const int netCount = *rc::gen::inRange(0, 8);
+    const int netCount = test::draw(0, 8);
     for (int i = 0; i < netCount; ++i) {
-        const int compCount = *rc::gen::inRange(0, 5);
-        const int pinCount = *rc::gen::inRange(compCount == 0 ? 1 : 0, 4);
+        const int compCount = test::draw(0, 5);
+        const int pinCount = test::draw(compCount == 0 ? 1 : 0, 4);
         std::vector<Component*> comps;
         std::vector<Pin*> pins;
         for (int k = 0; k < compCount; ++k) {
-            comps.push_back(t.design.components[*rc::gen::inRange<size_t>(0, 10)]);
+            comps.push_back(t.design.components[test::draw<size_t>(0, 10)]);
         }
         for (int k = 0; k < pinCount; ++k) {
-            pins.push_back(t.design.pins[*rc::gen::inRange<size_t>(0, 10)]);
+            pins.push_back(t.design.pins[test::draw<size_t>(0, 10)]);
         }
         t.addNet(comps, pins);
     }
@@ -331,24 +331,24 @@ TEST(EvaluateConflictNum, UsesTheChosenSolutions)
     EXPECT_EQ(t.design.evaluateConflictNum(), 0);
 }
 
-RC_GTEST_PROP(EvaluateConflictNum, AndStitchNumAreWhatADirectRecountGives, ())
+PROPERTY(EvaluateConflictNum, AndStitchNumAreWhatADirectRecountGives)
 {
     TinyDesign t;
-    SITE_WIDTH = *rc::gen::inRange(1, 200);
+    SITE_WIDTH = test::draw(1, 200);
     for (int i = 0; i < 3; ++i) {
-        t.addCell(*rc::gen::inRange(1, 4), *rc::gen::container<std::vector<int>>(2, rc::gen::inRange(0, 9)));
+        t.addCell(test::draw(1, 4), {test::draw(0, 9), test::draw(0, 9)});
     }
     const int cellCount = 3;
     for (int i = 0; i < cellCount * cellCount * 4; ++i) {
-        t.setDist(i / 4 / cellCount, i / 4 % cellCount, i / 2 % 2, i % 2, *rc::gen::inRange(0, 900));
+        t.setDist(i / 4 / cellCount, i / 4 % cellCount, i / 2 % 2, i % 2, test::draw(0, 900));
     }
-    const int segmentCount = *rc::gen::inRange(0, 4);
+    const int segmentCount = test::draw(0, 4);
     for (int i = 0; i < segmentCount; ++i) {
         Segment* segment = t.addSegment(0, i * 1900, 50);
-        const int compCount = *rc::gen::inRange(0, 8);
+        const int compCount = test::draw(0, 8);
         for (int k = 0, site = 0; k < compCount; ++k) {
-            site += *rc::gen::inRange(0, 6);
-            t.addComponent(segment, *rc::gen::inRange(0, cellCount), site, *rc::gen::inRange(0, 2));
+            site += test::draw(0, 6);
+            t.addComponent(segment, test::draw(0, cellCount), site, test::draw(0, 2));
         }
     }
 

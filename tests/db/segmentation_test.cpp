@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Rows cut into segments at the edges of macros.
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <algorithm>
 #include <memory>
@@ -12,6 +11,7 @@
 #include "db/design.h"
 #include "qlib/qLibRTree.h"
 #include "support/guards.h"
+#include "support/property.h"
 
 namespace {
 
@@ -257,17 +257,16 @@ Pieces cutLiterally(const Row& row, const std::vector<Macro*>& macros)
     return pieces;
 }
 
-RC_GTEST_PROP(InitSegments, CutsAnyRowsAndMacrosAsTheRuleSays, ())
+PROPERTY(InitSegments, CutsAnyRowsAndMacrosAsTheRuleSays)
 {
-    Floor floor(*rc::gen::inRange(1, 9), *rc::gen::inRange(0, 30));
-    const int rowCount = *rc::gen::inRange(0, 8);
+    Floor floor(test::draw(1, 9), test::draw(0, 30));
+    const int rowCount = test::draw(0, 8);
     for (int i = 0; i < rowCount; ++i) {
-        floor.addRow(*rc::gen::inRange(-50, 50), *rc::gen::inRange(-60, 60), *rc::gen::inRange(-3, 40));
+        floor.addRow(test::draw(-50, 50), test::draw(-60, 60), test::draw(-3, 40));
     }
-    const int macroCount = *rc::gen::inRange(0, 40);
+    const int macroCount = test::draw(0, 40);
     for (int i = 0; i < macroCount; ++i) {
-        floor.addMacro(*rc::gen::inRange(-80, 200), *rc::gen::inRange(-80, 80), *rc::gen::inRange(-4, 60),
-                       *rc::gen::inRange(-4, 60));
+        floor.addMacro(test::draw(-80, 200), test::draw(-80, 80), test::draw(-4, 60), test::draw(-4, 60));
     }
     floor.design.initSegments();
 
@@ -286,25 +285,25 @@ RC_GTEST_PROP(InitSegments, CutsAnyRowsAndMacrosAsTheRuleSays, ())
     RC_ASSERT(inTree == rowByRow);
 }
 
-RC_GTEST_PROP(InitSegments, SegmentsAreTheFreeStretchesIfMacrosAreInsideAndApart, ())
+PROPERTY(InitSegments, SegmentsAreTheFreeStretchesIfMacrosAreInsideAndApart)
 {
     constexpr int HEIGHT = 10;
-    Floor floor(*rc::gen::inRange(1, 8), HEIGHT);
-    const int length = *rc::gen::inRange(1, 60) * SITE_WIDTH;
-    const int left = *rc::gen::inRange(-100, 100);
-    const int rowCount = *rc::gen::inRange(1, 5);
+    Floor floor(test::draw(1, 8), HEIGHT);
+    const int length = test::draw(1, 60) * SITE_WIDTH;
+    const int left = test::draw(-100, 100);
+    const int rowCount = test::draw(1, 5);
     for (int i = 0; i < rowCount; ++i) {
         floor.addRow(left, i * HEIGHT, length / SITE_WIDTH);
     }
     // Macros side by side, each over some whole rows and parts of others.
-    for (int x = *rc::gen::inRange(0, 10); x < length;) {
-        const int width = *rc::gen::inRange(1, 25);
+    for (int x = test::draw(0, 10); x < length;) {
+        const int width = test::draw(1, 25);
         if (x + width > length) {
             break;
         }
-        const int y = *rc::gen::inRange(0, rowCount * HEIGHT);
-        floor.addMacro(left + x, y, width, *rc::gen::inRange(0, 3 * HEIGHT));
-        x += width + *rc::gen::inRange(0, 20);
+        const int y = test::draw(0, rowCount * HEIGHT);
+        floor.addMacro(left + x, y, width, test::draw(0, 3 * HEIGHT));
+        x += width + test::draw(0, 20);
     }
     floor.design.initSegments();
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The colouring kernel against the graph itself, with any costs.
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <vector>
 

@@ -9,6 +9,7 @@
 #include <limits>
 
 #include "legalizer/randomDesign.h"
+#include "support/property.h"
 #include "support/tinyDesign.h"
 
 namespace {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The operations on profiles: every instruction set against plain loops.
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <algorithm>
 #include <cmath>
@@ -12,6 +11,7 @@
 #include "legalizer/randomDesign.h"
 #include "qlib/exact.h"
 #include "support/extremes.h"
+#include "support/property.h"
 
 namespace {
 
@@ -236,11 +236,11 @@ TEST_P(EveryProfileOps, TakesTheLeastOfEveryEntryAndThoseBeforeIt)
     }
 }
 
-RC_GTEST_PROP(ProfileOps, AllSetsGiveTheSameToTheBit, ())
+PROPERTY(ProfileOps, AllSetsGiveTheSameToTheBit)
 {
-    const auto count = *rc::gen::inRange(1, 200);
-    const auto numTerms = *rc::gen::inRange(1, 9);
-    Random random(*rc::gen::arbitrary<uint32_t>());
+    const auto count = test::draw(1, 200);
+    const auto numTerms = test::draw(1, 9);
+    Random random(static_cast<uint32_t>(test::drawInt()));
     std::vector<Profile> profiles;
     std::vector<ProfileTerm> terms;
     for (int32_t t = 0; t < numTerms; ++t) {

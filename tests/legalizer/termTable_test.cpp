@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The table of wirelength terms against sums that are truncated one by one.
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <algorithm>
 #include <cmath>
@@ -10,6 +9,7 @@
 #include "legalizer/termTable.h"
 #include "qlib/exact.h"
 #include "support/extremes.h"
+#include "support/property.h"
 
 namespace {
 
@@ -213,19 +213,19 @@ TEST(TermTable, IsMadeAnewForAnotherWeightOrALargerRange)
     EXPECT_EQ(table.falling(10)[10], 0);
 }
 
-RC_GTEST_PROP(TermTable, NeverVouchesForASumThatIsTruncatedDifferently, ())
+PROPERTY(TermTable, NeverVouchesForASumThatIsTruncatedDifferently)
 {
     const float weight =
-        static_cast<float>(*rc::gen::inRange(0, 1 << 24)) / static_cast<float>(1 << *rc::gen::inRange(4, 24));
-    const auto most = *rc::gen::inRange(0, 500);
+        static_cast<float>(test::draw(0, 1 << 24)) / static_cast<float>(1 << test::draw(4, 24));
+    const auto most = test::draw(0, 500);
     TermTable table;
     table.prepare(weight, most);
     for (int i = 0; i < 50; ++i) {
-        const auto d = *rc::gen::inRange(0, most + 1);
+        const auto d = test::draw(0, most + 1);
         const int32_t limit = table.additiveLimit(d);
         const int32_t room = limit > 0 ? limit - table.rising()[d] : 0;
         if (room > 0) {
-            const auto cost = *rc::gen::oneOf(rc::gen::inRange(0, room), rc::gen::just(room - 1));
+            const auto cost = test::drawOne({test::draw(0, room), room - 1});
             RC_ASSERT(adds(table, weight, cost, d));
         }
     }

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <sstream>
 
 #include "lut/cells.h"
 #include "lut/library.h"
+#include "support/property.h"
 
 namespace {
 
@@ -364,32 +364,33 @@ std::string colorText(const Cell& cell, int32_t dx, int32_t dy)
     return out.str();
 }
 
-RC_GTEST_PROP(ReadCell, GivesBackWhatWasWrittenWhereverTheShapesStand, ())
+PROPERTY(ReadCell, GivesBackWhatWasWrittenWhereverTheShapesStand)
 {
-    const rc::Gen<int32_t> coordinate = rc::gen::inRange(0, 500);
+    const auto coordinate = [] { return test::draw(0, 500); };
     const auto corners = [&coordinate] {
-        return Corners{*coordinate, *coordinate, *coordinate, *coordinate};
+        return Corners{coordinate(), coordinate(), coordinate(), coordinate()};
     };
-    const auto shapeCount = *rc::gen::inRange(0, 5);
+    const auto shapeCount = test::draw(0, 5);
     // One rectangle at the origin, so that the shapes already stand at their lower-left extent.
     ShapeList shapes{{{0, 0, 1, 1}}};
     for (int i = 0; i < shapeCount; ++i) {
         shapes.emplace_back();
-        for (int r = *rc::gen::inRange(0, 4); r > 0; --r) {
+        for (int r = test::draw(0, 4); r > 0; --r) {
             shapes.back().push_back(corners());
         }
     }
-    const auto colors = *rc::gen::container<test::MaskList>(
-        static_cast<size_t>(*rc::gen::inRange(0, 4)),
-        rc::gen::container<std::vector<int32_t>>(shapes.size(), rc::gen::inRange(-1, 5)));
-    const auto written = test::makeCell(*rc::gen::inRange(0, 2000), *coordinate, shapes, colors);
+    test::MaskList colors(test::draw<size_t>(0, 4), std::vector<int32_t>(shapes.size()));
+    for (std::vector<int32_t>& masks : colors) {
+        std::generate(masks.begin(), masks.end(), [] { return test::draw(-1, 5); });
+    }
+    const auto written = test::makeCell(test::draw(0, 2000), coordinate(), shapes, colors);
     written->headerBoxes = test::boxesOf({corners(), corners()});
     for (int32_t& stitches : written->stitchNums) {
-        stitches = *rc::gen::inRange(0, 9);
+        stitches = test::draw(0, 9);
     }
 
     Library library;
-    library.addFile("X", colorText(*written, *rc::gen::inRange(-900, 900), *rc::gen::inRange(-900, 900)));
+    library.addFile("X", colorText(*written, test::draw(-900, 900), test::draw(-900, 900)));
     RC_ASSERT(reportOf([&] { library.lut.readCell("X"); }) == "");
     const Cell& cell = *library.lut.cells.at(0);
     RC_ASSERT(cell.width == written->width);

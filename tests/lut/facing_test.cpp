@@ -3,13 +3,13 @@
 #include "lut/facing.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include "lut/cells.h"
 #include "lut/lutable.h"
 #include "lut/randomCell.h"
 #include "support/extremes.h"
 #include "support/guards.h"
+#include "support/property.h"
 
 namespace {
 
@@ -44,32 +44,32 @@ void compareTables(int32_t minDist, int32_t scale)
 {
     const test::ParameterGuard parameters;
     MINDPLDIST = minDist;
-    const auto stickOut = *rc::gen::element(0, 0, 3, 60);
+    const auto stickOut = test::drawOne({0, 0, 3, 60});
     LUTable lut;
-    for (int n = *rc::gen::inRange(1, 4); n > 0; --n) {
+    for (int n = test::draw(1, 4); n > 0; --n) {
         lut.cells.push_back(test::pickCell(scale, stickOut).release());
     }
     // A width that is not the outline's comes from no file, but a caller may set it.
-    lut.cells[0]->outlineXh += *rc::gen::weightedElement<int32_t>({{9, 0}, {1, 7}, {1, -7}});
+    lut.cells[0]->outlineXh += test::drawOne({0, 0, 0, 0, 0, 0, 0, 0, 0, 7, -7});
     const std::string want = reportOf([&lut] { fillLiterally(lut); });
     const auto wantTable = lut.distTable;
     RC_ASSERT(reportOf([&lut] { lut.genLUTable(); }) == want);
     RC_ASSERT(lut.distTable == wantTable);
 }
 
-RC_GTEST_PROP(SpacingTable, IsTheLiteralOne, ())
+PROPERTY(SpacingTable, IsTheLiteralOne)
 {
     // Entries count sites of 190: only large distances tell one pair of rectangles from another.
-    const auto scale = *rc::gen::element(1, 20, 100);
-    compareTables(*rc::gen::inRange(1, 400) * scale, scale);
+    const auto scale = test::drawOne({1, 20, 100});
+    compareTables(test::draw(1, 400) * scale, scale);
 }
 
-RC_GTEST_PROP(SpacingTable, IsTheLiteralOneAtAnyMinimumDistance, ())
+PROPERTY(SpacingTable, IsTheLiteralOneAtAnyMinimumDistance)
 {
     const auto minDist =
-        *rc::gen::oneOf(rc::gen::element(0, -1, -60, 1, 46340, 46341, 65536, 65537, LARGEST, SMALLEST),
-                        rc::gen::inRange(-200, 200000), rc::gen::arbitrary<int32_t>());
-    compareTables(minDist, *rc::gen::element(1, 100, 300, 1000000, 5000000));
+        test::drawOne({test::drawOne({0, -1, -60, 1, 46340, 46341, 65536, 65537, LARGEST, SMALLEST}),
+                       test::draw(-200, 200000), test::drawInt()});
+    compareTables(minDist, test::drawOne({1, 100, 300, 1000000, 5000000}));
 }
 
 constexpr int32_t MIN_DIST = 185;

@@ -2,7 +2,6 @@
 #include "lut/lutable.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <filesystem>
 

@@ -2,12 +2,12 @@
 // Random library cells for property tests.
 #pragma once
 
-#include <rapidcheck.h>
-
+#include <algorithm>
 #include <memory>
-#include <tuple>
+#include <vector>
 
 #include "lut/cells.h"
+#include "support/property.h"
 
 namespace test {
 
@@ -18,26 +18,21 @@ namespace test {
 ///                  overlap those of a neighbour
 inline std::unique_ptr<Cell> pickCell(int32_t scale, int32_t stickOut = 60)
 {
-    const auto width = *rc::gen::inRange(1, 400);
-    const auto height = *rc::gen::inRange(100, 600);
-    const rc::Gen<int32_t> x = rc::gen::inRange(-stickOut, width + stickOut + 1);
-    const rc::Gen<int32_t> y = rc::gen::weightedOneOf<int32_t>(
-        {{6, rc::gen::inRange(1, height)}, {1, rc::gen::inRange(-9, height + 9)}});
-    const rc::Gen<Corners> rectangle = rc::gen::map(
-        rc::gen::tuple(x, y, x, y), [scale](const std::tuple<int32_t, int32_t, int32_t, int32_t>& c) {
-            const auto& [x1, y1, x2, y2] = c;
-            return Corners{x1 * scale, y1, x2 * scale, y2};
-        });
-    ShapeList shapes;
-    for (int k = *rc::gen::inRange(0, 4); k > 0; --k) {
-        shapes.push_back(*rc::gen::container<std::vector<Corners>>(
-            static_cast<size_t>(*rc::gen::inRange(0, 4)), rectangle));
+    const auto width = draw(1, 400);
+    const auto height = draw(100, 600);
+    const auto x = [&] { return draw(-stickOut, width + stickOut + 1) * scale; };
+    const auto y = [&] { return drawIndex(7) < 6 ? draw(1, height) : draw(-9, height + 9); };
+    ShapeList shapes(draw<size_t>(0, 4));
+    for (auto& rectangles : shapes) {
+        for (int left = draw(0, 4); left > 0; --left) {
+            rectangles.push_back(Corners{x(), y(), x(), y()});
+        }
     }
-    const auto colors = *rc::gen::container<MaskList>(
-        static_cast<size_t>(*rc::gen::inRange(1, 4)),
-        rc::gen::container<std::vector<int32_t>>(
-            shapes.size(),
-            rc::gen::weightedOneOf<int32_t>({{1, rc::gen::inRange(-1, 5)}, {4, rc::gen::inRange(0, 3)}})));
+    MaskList colors(draw<size_t>(1, 4), std::vector<int32_t>(shapes.size()));
+    for (std::vector<int32_t>& masks : colors) {
+        std::generate(masks.begin(), masks.end(),
+                      [] { return drawIndex(5) == 0 ? draw(-1, 5) : draw(0, 3); });
+    }
     return makeCell(width * scale, height, shapes, colors);
 }
 

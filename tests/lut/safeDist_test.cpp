@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The safe distance of two abutting cells: case by case, and against the rules written a second time.
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
+#include <rapidcheck/Log.h>
 
 #include <cmath>
 #include <limits>
@@ -11,6 +11,7 @@
 #include "lut/lutable.h"
 #include "lut/randomCell.h"
 #include "support/guards.h"
+#include "support/property.h"
 
 namespace {
 
@@ -507,18 +508,18 @@ void comparePairs(int32_t minDist, int32_t scale)
     }
 }
 
-RC_GTEST_PROP(GetSafeDistOfAnyCells, IsWhatTheRulesGive, ())
+PROPERTY(GetSafeDistOfAnyCells, IsWhatTheRulesGive)
 {
-    comparePairs(*rc::gen::oneOf(rc::gen::just(185), rc::gen::inRange(1, 400)), 1);
+    comparePairs(test::drawOne({185, test::draw(1, 400)}), 1);
 }
 
-RC_GTEST_PROP(GetSafeDistOfAnyCells, IsWhatTheRulesGiveAtAnyMinimumDistance, ())
+PROPERTY(GetSafeDistOfAnyCells, IsWhatTheRulesGiveAtAnyMinimumDistance)
 {
-    const auto minDist = *rc::gen::oneOf(rc::gen::element(0, -1, -60, 1, 46340, 46341, 65535, 65536, 65537,
-                                                          92682, 92683, std::numeric_limits<int32_t>::max(),
-                                                          std::numeric_limits<int32_t>::min()),
-                                         rc::gen::inRange(-200, 200000), rc::gen::arbitrary<int32_t>());
-    comparePairs(minDist, *rc::gen::element(1, 100, 300, 1000000));
+    const auto minDist = test::drawOne(
+        {test::drawOne({0, -1, -60, 1, 46340, 46341, 65535, 65536, 65537, 92682, 92683,
+                        std::numeric_limits<int32_t>::max(), std::numeric_limits<int32_t>::min()}),
+         test::draw(-200, 200000), test::drawInt()});
+    comparePairs(minDist, test::drawOne({1, 100, 300, 1000000}));
 }
 
 } // namespace

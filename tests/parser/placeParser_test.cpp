@@ -3,7 +3,6 @@
 #include "parser/placeParser.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <cstring>
 #include <limits>
@@ -14,6 +13,7 @@
 #include "db/memberOrder.h"
 #include "parser/reading.h"
 #include "qlib/qLibRTree.h"
+#include "support/property.h"
 
 namespace {
 
@@ -194,13 +194,14 @@ TEST(PlaceParser, MapHoldsTheComponentsOfAllSections)
     EXPECT_EQ(r.design.compIndex, want);
 }
 
-RC_GTEST_PROP(PlaceParser, MapHoldsTheLastComponentOfEveryName, ())
+PROPERTY(PlaceParser, MapHoldsTheLastComponentOfEveryName)
 {
     // Names that are alike, differ late, begin with each other, or hold bytes beyond ASCII.
-    const auto names = *rc::gen::container<std::vector<std::string>>(
-        rc::gen::map(rc::gen::pair(rc::gen::element<std::string>("", "u", "core/alu/", "core/alu/adder/bit_"),
-                                   rc::gen::container<std::string>(rc::gen::element('a', 'b', '1', '\xe4'))),
-                     [](const std::pair<std::string, std::string>& n) { return n.first + n.second + "x"; }));
+    std::vector<std::string> names(test::drawCount());
+    for (std::string& name : names) {
+        name = test::drawOne<std::string>({"", "u", "core/alu/", "core/alu/adder/bit_"});
+        name += test::drawText("ab1\xe4") + "x";
+    }
     std::string text = "COMPONENTS " + std::to_string(names.size()) + "\n";
     std::map<std::string, int32_t> want;
     for (size_t i = 0; i < names.size(); ++i) {

@@ -2,8 +2,6 @@
 // Rectangles for the tests of the spatial index: how to make them at random, and what a search must find.
 #pragma once
 
-#include <rapidcheck.h>
-
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -12,6 +10,7 @@
 #include <vector>
 
 #include "qlib/qLibRTree.h"
+#include "support/property.h"
 
 namespace test {
 
@@ -70,33 +69,35 @@ inline std::vector<int> scan(const std::vector<Box>& boxes, const Box& query)
     return indices;
 }
 
-/// Rectangles with corners from 0 to `last`, and extents from 0 to `extent`, times `step`.
-inline rc::Gen<Box> gridBox(int32_t last, int32_t extent, int32_t stepX, int32_t stepY)
+/// A rectangle with corners from 0 to `last`, and extents from 0 to `extent`, times `step`.
+inline Box gridBox(int32_t last, int32_t extent, int32_t stepX, int32_t stepY)
 {
-    return rc::gen::map(rc::gen::tuple(rc::gen::inRange(0, last + 1), rc::gen::inRange(0, last + 1),
-                                       rc::gen::inRange(0, extent + 1), rc::gen::inRange(0, extent + 1)),
-                        [stepX, stepY](const std::tuple<int32_t, int32_t, int32_t, int32_t>& n) {
-                            const auto& [x, y, width, height] = n;
-                            return Box{x * stepX, y * stepY, (x + width) * stepX, (y + height) * stepY};
-                        });
+    const int32_t x = draw(0, last + 1);
+    const int32_t y = draw(0, last + 1);
+    return {x * stepX, y * stepY, (x + draw(0, extent + 1)) * stepX, (y + draw(0, extent + 1)) * stepY};
 }
 
-/// Rectangles anywhere in the range of the coordinates.
-inline rc::Gen<Box> anyBox()
+/// A rectangle anywhere in the range of the coordinates.
+inline Box anyBox()
 {
-    const auto coordinate = rc::gen::oneOf(rc::gen::inRange(-FAR, FAR), rc::gen::inRange(-1000, 1000),
-                                           rc::gen::element(-FAR - 1, -1, 0, 1, FAR));
-    return rc::gen::map(
-        rc::gen::tuple(coordinate, coordinate, coordinate, coordinate),
-        [](const std::tuple<int32_t, int32_t, int32_t, int32_t>& n) {
-            const auto& [x1, y1, x2, y2] = n;
-            return Box{std::min(x1, x2), std::min(y1, y2), std::max(x1, x2), std::max(y1, y2)};
-        });
+    const auto coordinate = [] {
+        switch (drawIndex(3)) {
+        case 0:
+            return draw(-FAR, FAR);
+        case 1:
+            return draw(-1000, 1000);
+        default:
+            return drawOne({-FAR - 1, -1, 0, 1, FAR});
+        }
+    };
+    const auto [xl, xh] = std::minmax({coordinate(), coordinate()});
+    const auto [yl, yh] = std::minmax({coordinate(), coordinate()});
+    return {xl, yl, xh, yh};
 }
 
-/// Rectangles of one kind: crowded ones, many of them equal, touching or without extent; ones that look like
+/// A rectangle of a kind: crowded ones, many of them equal, touching or without extent; ones that look like
 /// the segments of a design; ones anywhere.
-inline rc::Gen<Box> boxOfKind(int kind)
+inline Box boxOfKind(int kind)
 {
     switch (kind) {
     case 0:
@@ -119,11 +120,12 @@ struct BoxesAndQueries {
 /// @param most  largest number of rectangles
 inline BoxesAndQueries pickBoxes(int most)
 {
-    const rc::Gen<Box> box = boxOfKind(*rc::gen::inRange(0, 3));
-    BoxesAndQueries picked;
-    picked.boxes =
-        *rc::gen::container<std::vector<Box>>(static_cast<size_t>(*rc::gen::inRange(0, most + 1)), box);
-    picked.queries = *rc::gen::container<std::vector<Box>>(5, box);
+    const int kind = draw(0, 3);
+    BoxesAndQueries picked{std::vector<Box>(draw<size_t>(0, static_cast<size_t>(most) + 1)),
+                           std::vector<Box>(5)};
+    for (std::vector<Box>* boxes : {&picked.boxes, &picked.queries}) {
+        std::generate(boxes->begin(), boxes->end(), [kind] { return boxOfKind(kind); });
+    }
     picked.queries.push_back(EVERYWHERE);
     return picked;
 }

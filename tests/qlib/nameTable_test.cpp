@@ -2,9 +2,10 @@
 #include "qlib/nameTable.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <map>
+
+#include "support/property.h"
 
 namespace {
 
@@ -66,8 +67,13 @@ TEST(NameTable, FindsEveryNameOfALargeTable)
     }
 }
 
-RC_GTEST_PROP(NameTable, FindsWhatAMapFinds, (const Numbers& numbers, const std::string& other))
+PROPERTY(NameTable, FindsWhatAMapFinds)
 {
+    Numbers numbers;
+    for (size_t left = test::drawCount(); left > 0; --left) {
+        numbers.emplace(test::drawText(), test::drawInt());
+    }
+    const std::string other = test::drawText();
     NameTable table(numbers.size());
     table.insertAll(numbers);
     for (const auto& [name, number] : numbers) {

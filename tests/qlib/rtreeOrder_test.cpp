@@ -2,7 +2,6 @@
 // The order in which a search reports its hits reaches the report of a run, so it is checked to the last
 // place: against the same rules written a second time, as plainly as they can be said.
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <cmath>
 #include <memory>
@@ -10,6 +9,7 @@
 #include <sstream>
 
 #include "qlib/boxes.h"
+#include "support/property.h"
 
 namespace {
 
@@ -295,7 +295,7 @@ PlainTree plainTreeOf(const std::vector<Box>& boxes)
     return plain;
 }
 
-RC_GTEST_PROP(RTreeOrder, EveryInsertionGivesTheTreeThatThePlainRulesGive, ())
+PROPERTY(RTreeOrder, EveryInsertionGivesTheTreeThatThePlainRulesGive)
 {
     test::BoxesAndQueries picked = test::pickBoxes(60);
     BoxTree tree;
@@ -308,7 +308,7 @@ RC_GTEST_PROP(RTreeOrder, EveryInsertionGivesTheTreeThatThePlainRulesGive, ())
     }
 }
 
-RC_GTEST_PROP(RTreeOrder, SearchReportsInTheOrderThatThePlainRulesGive, ())
+PROPERTY(RTreeOrder, SearchReportsInTheOrderThatThePlainRulesGive)
 {
     test::BoxesAndQueries picked = test::pickBoxes(300);
     BoxTree tree;

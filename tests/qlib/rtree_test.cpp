@@ -2,7 +2,6 @@
 #include "qlib/rtree.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <array>
 #include <cmath>
@@ -11,6 +10,7 @@
 #include <type_traits>
 
 #include "qlib/boxes.h"
+#include "support/property.h"
 
 namespace {
 
@@ -669,7 +669,7 @@ TEST(ChoosePartition, LeastFillIsThatOfTheArgument)
     EXPECT_EQ(vars.count[1], 1);
 }
 
-RC_GTEST_PROP(RTree, FindsWhatALookAtEveryRectangleFinds, ())
+PROPERTY(RTree, FindsWhatALookAtEveryRectangleFinds)
 {
     test::BoxesAndQueries picked = test::pickBoxes(150);
     BoxTree tree;
@@ -679,7 +679,7 @@ RC_GTEST_PROP(RTree, FindsWhatALookAtEveryRectangleFinds, ())
     }
 }
 
-RC_GTEST_PROP(RTree, NodesKeepTheirFillLevelAndCover, ())
+PROPERTY(RTree, NodesKeepTheirFillLevelAndCover)
 {
     test::BoxesAndQueries picked = test::pickBoxes(150);
     BoxTree tree;

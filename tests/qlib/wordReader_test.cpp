@@ -2,12 +2,12 @@
 #include "qlib/wordReader.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <sstream>
 
 #include "support/extremes.h"
 #include "support/guards.h"
+#include "support/property.h"
 
 namespace {
 
@@ -270,19 +270,24 @@ int64_t lineOfNextWord(const std::string& text, size_t from)
     return 1 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(word), '\n');
 }
 
-RC_GTEST_PROP(WordReader, ReadsAnyBytesAsAStringStreamDoes, ())
+PROPERTY(WordReader, ReadsAnyBytesAsAStringStreamDoes)
 {
-    const rc::Gen<char> byte =
-        rc::gen::weightedOneOf<char>({{8, rc::gen::element('0', '1', '2', '4', '7', '8', '9')},
-                                      {4, rc::gen::element(' ', '\n', '\t', '\r', '\v', '\f')},
-                                      {2, rc::gen::element('-', '+')},
-                                      {1, rc::gen::arbitrary<char>()}});
-    const auto text = *rc::gen::container<std::string>(byte);
-    const auto wantsInt = *rc::gen::container<std::vector<bool>>(60, rc::gen::arbitrary<bool>());
+    std::string text;
+    for (size_t left = test::drawCount(); left > 0; --left) {
+        const size_t kind = test::drawIndex(15);
+        if (kind < 8) {
+            text += test::drawOne({'0', '1', '2', '4', '7', '8', '9'});
+        } else if (kind < 12) {
+            text += test::drawOne({' ', '\n', '\t', '\r', '\v', '\f'});
+        } else {
+            text += kind < 14 ? test::drawOne({'-', '+'}) : static_cast<char>(test::draw(-128, 128));
+        }
+    }
 
     std::istringstream stream(text);
     TextReader in(text);
-    for (const bool isInt : wantsInt) {
+    for (int i = 0; i < 60; ++i) {
+        const bool isInt = test::drawIndex(2) == 0;
         const auto at =
             static_cast<size_t>(stream.rdbuf()->pubseekoff(0, std::ios_base::cur, std::ios_base::in));
         const bool wasGood = !in.failed();
@@ -304,13 +309,11 @@ RC_GTEST_PROP(WordReader, ReadsAnyBytesAsAStringStreamDoes, ())
     }
 }
 
-RC_GTEST_PROP(WordReader, ReadsNumbersWithinAndBeyondTheRangeAsAStringStreamDoes, ())
+PROPERTY(WordReader, ReadsNumbersWithinAndBeyondTheRangeAsAStringStreamDoes)
 {
-    const auto number = *rc::gen::oneOf(
-        rc::gen::map(rc::gen::inRange<int64_t>(-3000000000, 3000000000),
-                     [](int64_t n) { return std::to_string(n); }),
-        rc::gen::map(rc::gen::pair(rc::gen::element<int64_t>(LARGEST, SMALLEST), rc::gen::inRange(-3, 4)),
-                     [](const std::pair<int64_t, int>& n) { return std::to_string(n.first + n.second); }));
+    const std::string number = std::to_string(
+        test::drawIndex(2) == 0 ? test::draw<int64_t>(-3000000000, 3000000000)
+                                : test::drawOne<int64_t>({LARGEST, SMALLEST}) + test::draw(-3, 4));
     std::istringstream stream(number);
     TextReader in(number);
     int32_t want = 0;

@@ -2,8 +2,8 @@
 // What most tests include, compiled once for all of them. Each includes what it uses all the same.
 #pragma once
 
+#include "support/property.h"
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <algorithm>
 #include <filesystem>

@@ -2,10 +2,10 @@
 #include "kit/design/distance.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include "kit/base/fault.h"
 #include "kit/kitRun.h"
+#include "support/property.h"
 
 namespace {
 
@@ -68,10 +68,10 @@ TEST(KitDistance, PeopleReadLibraryUnitsAndMicrometres)
     EXPECT_DOUBLE_EQ(Distance(190).micronsOn(SITE_OF_460), 0.46);
 }
 
-RC_GTEST_PROP(KitDistance, NeverIsLessThanTheLength, ())
+PROPERTY(KitDistance, NeverIsLessThanTheLength)
 {
-    const auto length = *rc::gen::inRange<int64_t>(0, 1'000'000);
-    const auto site = *rc::gen::inRange<int64_t>(50'000, 1'000'000);
+    const auto length = test::draw<int64_t>(0, 1'000'000);
+    const auto site = test::draw<int64_t>(50'000, 1'000'000);
     const std::optional<Distance> distance = Distance::parse(std::to_string(length) + "e-3nm");
     RC_ASSERT(distance.has_value());
     const int64_t units = distance->unitsOn(site);

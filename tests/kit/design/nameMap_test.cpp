@@ -2,11 +2,11 @@
 #include "kit/design/nameMap.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include "kit/base/fault.h"
 #include "kit/base/files/writeOutput.h"
 #include "kit/kitRun.h"
+#include "support/property.h"
 
 namespace {
 using kit::Findings;
@@ -133,17 +133,19 @@ TEST(KitNameMap, HashIsThatOfTheBytes)
     EXPECT_EQ(kit::design::hashOf("a"), "af63dc4c8601ec8c");
 }
 
-RC_GTEST_PROP(KitNameMap, ComesBackAsItWasWritten, ())
+PROPERTY(KitNameMap, ComesBackAsItWasWritten)
 {
     NameMap map{.def = "x.def", .hash = kit::design::hashOf("x")};
-    map.siteWidth = *rc::gen::inRange(1, 1'000'000'000);
-    map.siteHeight = *rc::gen::inRange(1, 1'000'000'000);
-    const auto text = rc::gen::container<std::string>(rc::gen::inRange<char>('!', '~'));
-    int number = 0;
-    for (const auto& original : *rc::gen::container<std::vector<std::string>>(rc::gen::nonEmpty(text))) {
-        map.names.push_back({"n" + std::to_string(number++), original});
+    map.siteWidth = test::draw(1, 1'000'000'000);
+    map.siteHeight = test::draw(1, 1'000'000'000);
+    std::string characters;
+    for (char byte = '!'; byte < '~'; ++byte) {
+        characters += byte;
     }
-    for (int i = *rc::gen::inRange(0, 4); i > 0; --i) {
+    for (size_t i = test::drawCount(); i > 0; --i) {
+        map.names.push_back({"n" + std::to_string(i), test::drawText(characters) + "x"});
+    }
+    for (int i = test::draw(0, 4); i > 0; --i) {
         map.flipped.push_back("n" + std::to_string(i));
     }
     const TempDir dir;

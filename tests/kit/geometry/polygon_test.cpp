@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include <rapidcheck.h>
+#include "support/property.h"
 
 namespace {
 
@@ -23,32 +23,28 @@ bool isInside(const std::vector<Point>& corners, int64_t x, int64_t y)
     return inside;
 }
 
-TEST(Polygon, IsCutWithoutGapsAndOverlaps)
+PROPERTY(Polygon, IsCutWithoutGapsAndOverlaps)
 {
-    const bool passed = rc::check("each unit square is covered once if it is inside", [] {
-        // Any walk with turns at right angles, on a small grid so that edges meet and cross.
-        std::vector<Point> corners;
-        Point at{*rc::gen::inRange(0, 8), *rc::gen::inRange(0, 8)};
-        for (int32_t i = *rc::gen::inRange(1, 9); i > 0; --i) {
-            at.x = *rc::gen::inRange(0, 8);
-            corners.push_back(at);
-            at.y = *rc::gen::inRange(0, 8);
-            corners.push_back(at);
+    // Any walk with turns at right angles, on a small grid so that edges meet and cross.
+    std::vector<Point> corners;
+    Point at{test::draw(0, 8), test::draw(0, 8)};
+    for (int32_t i = test::draw(1, 9); i > 0; --i) {
+        at.x = test::draw(0, 8);
+        corners.push_back(at);
+        at.y = test::draw(0, 8);
+        corners.push_back(at);
+    }
+    corners.push_back({corners[0].x, at.y}); // closes it
+    RC_ASSERT(isRectilinear(corners));
+    const std::vector<Rect> rects = cutIntoRects(corners);
+    for (int32_t x = 0; x < 8; ++x) {
+        for (int32_t y = 0; y < 8; ++y) {
+            const auto covers = [&](const Rect& rect) {
+                return rect.xl <= x && x < rect.xh && rect.yl <= y && y < rect.yh;
+            };
+            RC_ASSERT(std::count_if(rects.begin(), rects.end(), covers) == (isInside(corners, x, y) ? 1 : 0));
         }
-        corners.push_back({corners[0].x, at.y}); // closes it
-        RC_ASSERT(isRectilinear(corners));
-        const std::vector<Rect> rects = cutIntoRects(corners);
-        for (int32_t x = 0; x < 8; ++x) {
-            for (int32_t y = 0; y < 8; ++y) {
-                const auto covers = [&](const Rect& rect) {
-                    return rect.xl <= x && x < rect.xh && rect.yl <= y && y < rect.yh;
-                };
-                RC_ASSERT(std::count_if(rects.begin(), rects.end(), covers) ==
-                          (isInside(corners, x, y) ? 1 : 0));
-            }
-        }
-    });
-    EXPECT_TRUE(passed);
+    }
 }
 
 TEST(Polygon, BandsOfOneWidthAreOneRectangle)

@@ -2,11 +2,11 @@
 #include "kit/base/text/base64.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include "kit/base/files/outputFile.h"
 #include "kit/base/text/decoded.h"
 #include "kit/kitRun.h"
+#include "support/property.h"
 
 namespace {
 
@@ -28,8 +28,9 @@ TEST(Base64, NumbersHaveTheirLowestByteFirst)
     EXPECT_EQ(base64(bytesOf(std::vector<int32_t>{1, -1})), "AQAAAP////8=");
 }
 
-RC_GTEST_PROP(Base64, DecodesToTheSameBytes, (const std::string& text))
+PROPERTY(Base64, DecodesToTheSameBytes)
 {
+    const std::string text = test::drawText();
     RC_ASSERT(test::decoded(base64(bytesOf(text))) == text);
 }
 

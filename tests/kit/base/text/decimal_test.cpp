@@ -2,7 +2,8 @@
 #include "kit/base/text/decimal.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck.h>
+
+#include "support/property.h"
 
 namespace {
 
@@ -55,18 +56,15 @@ TEST(Decimal, Forms)
     EXPECT_EQ(parseDecimal("0.001", 6, 1000).value, 1000);
 }
 
-TEST(Decimal, IsExact)
+PROPERTY(Decimal, IsExact)
 {
-    const bool passed = rc::check("a number of millionths written with a point", [] {
-        const int64_t value = *rc::gen::inRange<int64_t>(-1'000'000'000'000, 1'000'000'000'000);
-        std::string digits = std::to_string(std::abs(value));
-        digits.insert(0, digits.size() < 7 ? 7 - digits.size() : 0, '0');
-        digits.insert(digits.size() - 6, ".");
-        const Decimal number = parseDecimal((value < 0 ? "-" : "") + digits, 6, 1'000'000'000'000);
-        RC_ASSERT(number.kind == Decimal::Kind::GOOD);
-        RC_ASSERT(number.value == value);
-    });
-    EXPECT_TRUE(passed);
+    const int64_t value = test::draw<int64_t>(-1'000'000'000'000, 1'000'000'000'000);
+    std::string digits = std::to_string(std::abs(value));
+    digits.insert(0, digits.size() < 7 ? 7 - digits.size() : 0, '0');
+    digits.insert(digits.size() - 6, ".");
+    const Decimal number = parseDecimal((value < 0 ? "-" : "") + digits, 6, 1'000'000'000'000);
+    RC_ASSERT(number.kind == Decimal::Kind::GOOD);
+    RC_ASSERT(number.value == value);
 }
 
 } // namespace

@@ -2,13 +2,12 @@
 // Cells from their metal to what their colour files say.
 #include "kit/engines/color/cell.h"
 
-#include <rapidcheck.h>
-
 #include <map>
 
 #include "kit/engines/color/cuts.h"
 #include "kit/engines/color/judge.h"
 #include "kit/engines/color/smallCell.h"
+#include "support/property.h"
 
 namespace {
 
@@ -303,14 +302,14 @@ TEST(KitColorCell, TooIntricateCellIsGivenUp)
 CellMetal someCell(int most)
 {
     std::vector<Rects> polygons;
-    const int count = *rc::gen::inRange(2, most + 1);
+    const int count = test::draw(2, most + 1);
     for (int tries = 0; tries < 60 && static_cast<int>(polygons.size()) < count; ++tries) {
-        const int32_t x = *rc::gen::inRange(0, 10) * 60;
-        const int32_t y = 100 + *rc::gen::inRange(0, 10) * 60;
-        const int32_t length = *rc::gen::inRange(1, 9) * 60;
-        const bool flat = *rc::gen::inRange(0, 2) == 0;
+        const int32_t x = test::draw(0, 10) * 60;
+        const int32_t y = 100 + test::draw(0, 10) * 60;
+        const int32_t length = test::draw(1, 9) * 60;
+        const bool flat = test::draw(0, 2) == 0;
         Rects rects{flat ? Rect{x, y, x + length, y + 60} : Rect{x, y, x + 60, y + length}};
-        if (*rc::gen::inRange(0, 3) == 0) {
+        if (test::draw(0, 3) == 0) {
             rects.push_back({x, y, x + 60, y + 300});
         }
         const bool apart = std::all_of(polygons.begin(), polygons.end(),
@@ -328,10 +327,10 @@ CellMetal barsUnderABridge()
 {
     std::vector<Rects> polygons{{{0, 400, 1000, 460}, {0, 0, 60, 460}}};
     int32_t x = 60;
-    const int bars = *rc::gen::inRange(2, 6);
+    const int bars = test::draw(2, 6);
     for (int i = 0; i < bars; ++i) {
-        x += *rc::gen::element(80, 100, 130, 190);
-        polygons.push_back({{x, 0, x + 60, *rc::gen::element(150, 300)}});
+        x += test::drawOne({80, 100, 130, 190});
+        polygons.push_back({{x, 0, x + 60, test::drawOne({150, 300})}});
         x += 60;
     }
     return metal(1900, polygons);
@@ -422,18 +421,18 @@ int32_t expectBest(const CellMetal& cell, const Settings& settings, const AllPar
 TEST(KitColorCell, RandomCellsHaveTheFewestStitchesAndNoConflicts)
 {
     std::map<int32_t, int32_t> cells; // by their fewest stitches
-    EXPECT_TRUE(rc::check([&cells] {
+    test::tryCases([&cells] {
         for (int i = 0; i < 5; ++i) {
             const CellMetal cell = i % 2 == 0 ? someCell(6) : barsUnderABridge();
             Settings settings;
-            settings.rules.distance = *rc::gen::element(125, 185, 250);
-            settings.rules.stitchOverlap = *rc::gen::element(0, 10);
+            settings.rules.distance = test::drawOne({125, 185, 250});
+            settings.rules.stitchOverlap = test::drawOne({0, 10});
             const AllParts parts(cell, settings.rules);
             if (parts.shapes.size() <= 8) { // or there are too many colourings to try them all
                 ++cells[expectBest(cell, settings, parts)];
             }
         }
-    }));
+    });
     EXPECT_GT(cells[-1], 0);
     EXPECT_GT(cells[0], 0);
     EXPECT_GT(cells[1], 0);
@@ -460,7 +459,7 @@ bool isWithin(const Graph& graph, size_t end, size_t body)
 TEST(KitColorParts, EndThatGainsNothingStaysJoined)
 {
     size_t dropped = 0;
-    EXPECT_TRUE(rc::check([&dropped] {
+    test::tryCases([&dropped] {
         CellMetal cell = someCell(8);
         for (Polygon& polygon : cell.polygons) { // no neighbour sees it
             for (Rect& rect : polygon.rects) {
@@ -480,14 +479,14 @@ TEST(KitColorParts, EndThatGainsNothingStaysJoined)
             RC_ASSERT(uses(joint.a) > 1 || !isWithin(graph, joint.a, joint.b));
             RC_ASSERT(uses(joint.b) > 1 || !isWithin(graph, joint.b, joint.a));
         }
-    }));
+    });
     EXPECT_GT(dropped, 0U);
 }
 
 TEST(KitColorCell, LeftConflictsOfRandomCellsAreAsFarAsCanBe)
 {
     int32_t troubles = 0;
-    EXPECT_TRUE(rc::check([&troubles] {
+    test::tryCases([&troubles] {
         const CellMetal cell = someCell(6);
         Settings settings;
         settings.rules.distance = 300; // much is too close
@@ -512,14 +511,14 @@ TEST(KitColorCell, LeftConflictsOfRandomCellsAreAsFarAsCanBe)
         RC_ASSERT(coloured(cell, settings).file.has_value());
         ++settings.rules.distance;
         RC_ASSERT(!coloured(cell, settings).file.has_value());
-    }));
+    });
     EXPECT_GT(troubles, 0);
 }
 
 TEST(KitColorCell, ReasonOfRandomCellsIsMinimal)
 {
     int32_t troubles = 0;
-    EXPECT_TRUE(rc::check([&troubles] {
+    test::tryCases([&troubles] {
         const CellMetal cell = someCell(6);
         Settings settings;
         settings.rules.distance = 300;
@@ -542,7 +541,7 @@ TEST(KitColorCell, ReasonOfRandomCellsIsMinimal)
         for (const size_t polygon : got.trouble->polygons) {
             RC_ASSERT(possible(polygon));
         }
-    }));
+    });
     EXPECT_GT(troubles, 0);
 }
 

@@ -2,11 +2,10 @@
 // Where stitches may lie, and how polygons are cut there.
 #include "kit/engines/color/cuts.h"
 
-#include <rapidcheck.h>
-
 #include "kit/engines/color/judge.h"
 #include "kit/engines/color/parts.h"
 #include "kit/engines/color/smallCell.h"
+#include "support/property.h"
 
 namespace {
 
@@ -136,44 +135,42 @@ TEST(KitColorCuts, PolygonFromSideToSideIsCutInItsMiddle)
     EXPECT_EQ(cutsAtSides({{185, 500, 900, 570}}, 1000), "");
 }
 
-TEST(KitColorPieces, HaveTheMetalOfThePolygon)
+PROPERTY(KitColorPieces, HaveTheMetalOfThePolygon)
 {
-    EXPECT_TRUE(rc::check([] {
-        Rects others;
-        std::vector<Rects> polygons(3);
-        for (Rects& rects : polygons) {
-            int32_t x = *rc::gen::inRange(0, 1000);
-            int32_t y = *rc::gen::inRange(0, 1000);
-            for (int i = *rc::gen::inRange(1, 5); i > 0; --i) { // a wire with corners
-                const int32_t length = *rc::gen::inRange(100, 600);
-                const bool flat = *rc::gen::inRange(0, 2) == 0;
-                rects.push_back(flat ? Rect{x, y, x + length, y + 70} : Rect{x, y, x + 70, y + length});
-                x += flat ? length - 70 : 0;
-                y += flat ? 0 : length - 70;
-            }
+    Rects others;
+    std::vector<Rects> polygons(3);
+    for (Rects& rects : polygons) {
+        int32_t x = test::draw(0, 1000);
+        int32_t y = test::draw(0, 1000);
+        for (int i = test::draw(1, 5); i > 0; --i) { // a wire with corners
+            const int32_t length = test::draw(100, 600);
+            const bool flat = test::draw(0, 2) == 0;
+            rects.push_back(flat ? Rect{x, y, x + length, y + 70} : Rect{x, y, x + 70, y + length});
+            x += flat ? length - 70 : 0;
+            y += flat ? 0 : length - 70;
         }
-        const Rules rules{185, *rc::gen::element(0, 20)};
-        const Polygon a{0, polygons[0]};
-        const Polygon b{1, polygons[1]};
-        const Polygon c{2, polygons[2]};
-        const std::vector<Cut> cuts = kit::color::cutsOf(a, {&b, &c}, rules, 3000);
-        const kit::color::Pieces pieces = kit::color::cutUp(a.rects, cuts);
-        Rects all = a.rects;
-        int64_t sum = 0;
-        for (const Rects& piece : pieces.rects) {
-            all.insert(all.end(), piece.begin(), piece.end());
-            sum += areaOf(piece);
-        }
-        int64_t common = 0;
-        for (size_t i = 0; i < cuts.size(); ++i) {
-            const auto [p, q] = pieces.joined[i];
-            common += p == q ? 0 : areaOf({cuts[i].box});
-            RC_ASSERT(meet(pieces.rects[p], {cuts[i].box}));
-            RC_ASSERT(meet(pieces.rects[q], {cuts[i].box}));
-        }
-        RC_ASSERT(areaOf(all) == areaOf(a.rects));
-        RC_ASSERT(sum == areaOf(a.rects) + common);
-    }));
+    }
+    const Rules rules{185, test::drawOne({0, 20})};
+    const Polygon a{0, polygons[0]};
+    const Polygon b{1, polygons[1]};
+    const Polygon c{2, polygons[2]};
+    const std::vector<Cut> cuts = kit::color::cutsOf(a, {&b, &c}, rules, 3000);
+    const kit::color::Pieces pieces = kit::color::cutUp(a.rects, cuts);
+    Rects all = a.rects;
+    int64_t sum = 0;
+    for (const Rects& piece : pieces.rects) {
+        all.insert(all.end(), piece.begin(), piece.end());
+        sum += areaOf(piece);
+    }
+    int64_t common = 0;
+    for (size_t i = 0; i < cuts.size(); ++i) {
+        const auto [p, q] = pieces.joined[i];
+        common += p == q ? 0 : areaOf({cuts[i].box});
+        RC_ASSERT(meet(pieces.rects[p], {cuts[i].box}));
+        RC_ASSERT(meet(pieces.rects[q], {cuts[i].box}));
+    }
+    RC_ASSERT(areaOf(all) == areaOf(a.rects));
+    RC_ASSERT(sum == areaOf(a.rects) + common);
 }
 
 TEST(KitColorPieces, CornerAloneHoldsThemTogether)

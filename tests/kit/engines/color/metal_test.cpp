@@ -2,12 +2,11 @@
 // The metal of a master as nets and polygons.
 #include "kit/engines/color/metal.h"
 
-#include <rapidcheck.h>
-
 #include "kit/engines/color/grid.h"
 #include "kit/engines/color/judge.h"
 #include "kit/engines/color/smallCell.h"
 #include "kit/formats/lefdef/units.h"
+#include "support/property.h"
 
 namespace {
 
@@ -229,48 +228,44 @@ TEST(KitColorMicron, TextHasNoZerosAtItsEnd)
 /// Random rectangles with few different coordinates.
 Rects someRects()
 {
-    const auto count = *rc::gen::inRange(1, 8);
+    const auto count = test::draw(1, 8);
     Rects rects;
     for (int i = 0; i < count; ++i) {
-        const int32_t x = *rc::gen::inRange(0, 8);
-        const int32_t y = *rc::gen::inRange(0, 8);
-        rects.push_back({x, y, x + *rc::gen::inRange(1, 4), y + *rc::gen::inRange(1, 4)});
+        const int32_t x = test::draw(0, 8);
+        const int32_t y = test::draw(0, 8);
+        rects.push_back({x, y, x + test::draw(1, 4), y + test::draw(1, 4)});
     }
     return rects;
 }
 
-TEST(KitColorGrid, TidiedRectanglesCoverTheSameWithoutOverlap)
+PROPERTY(KitColorGrid, TidiedRectanglesCoverTheSameWithoutOverlap)
 {
-    EXPECT_TRUE(rc::check([] {
-        const Rects rects = someRects();
-        const Rects tidied = kit::color::tidied(rects);
-        Rects both = rects;
-        both.insert(both.end(), tidied.begin(), tidied.end());
-        int64_t sum = 0;
-        for (const Rect& rect : tidied) {
-            sum += int64_t{rect.xh - rect.xl} * (rect.yh - rect.yl);
-        }
-        RC_ASSERT(areaOf(both) == areaOf(rects));
-        RC_ASSERT(sum == areaOf(rects));
-    }));
+    const Rects rects = someRects();
+    const Rects tidied = kit::color::tidied(rects);
+    Rects both = rects;
+    both.insert(both.end(), tidied.begin(), tidied.end());
+    int64_t sum = 0;
+    for (const Rect& rect : tidied) {
+        sum += int64_t{rect.xh - rect.xl} * (rect.yh - rect.yl);
+    }
+    RC_ASSERT(areaOf(both) == areaOf(rects));
+    RC_ASSERT(sum == areaOf(rects));
 }
 
-TEST(KitColorGrid, SlabsReachFromEdgeToEdge)
+PROPERTY(KitColorGrid, SlabsReachFromEdgeToEdge)
 {
-    EXPECT_TRUE(rc::check([] {
-        const Rects rects = someRects();
-        const auto isMetal = [&](int32_t x, int32_t y) {
-            return std::any_of(rects.begin(), rects.end(), [&](const Rect& rect) {
-                return rect.xl <= x && x < rect.xh && rect.yl <= y && y < rect.yh;
-            });
-        };
-        for (const Rect& slab : kit::color::Grid(rects).slabs()) {
-            for (int32_t x = slab.xl; x < slab.xh; ++x) {
-                RC_ASSERT(!isMetal(x, slab.yl - 1));
-                RC_ASSERT(!isMetal(x, slab.yh));
-            }
+    const Rects rects = someRects();
+    const auto isMetal = [&](int32_t x, int32_t y) {
+        return std::any_of(rects.begin(), rects.end(), [&](const Rect& rect) {
+            return rect.xl <= x && x < rect.xh && rect.yl <= y && y < rect.yh;
+        });
+    };
+    for (const Rect& slab : kit::color::Grid(rects).slabs()) {
+        for (int32_t x = slab.xl; x < slab.xh; ++x) {
+            RC_ASSERT(!isMetal(x, slab.yl - 1));
+            RC_ASSERT(!isMetal(x, slab.yh));
         }
-    }));
+    }
 }
 
 } // namespace

@@ -3,9 +3,10 @@
 #include "kit/engines/color/search.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck.h>
 
 #include <map>
+
+#include "support/property.h"
 
 namespace {
 
@@ -105,22 +106,22 @@ std::map<Masks, uint32_t> leastBySides(const Graph& graph, const Rules& rules)
 Graph someGraph()
 {
     Graph graph;
-    const auto parts = static_cast<size_t>(*rc::gen::inRange(1, 9));
+    const auto parts = static_cast<size_t>(test::draw(1, 9));
     for (size_t i = 0; i < parts; ++i) {
-        const bool goesOn = i > 0 && *rc::gen::inRange(0, 2) == 0;
+        const bool goesOn = i > 0 && test::draw(0, 2) == 0;
         const size_t polygon = i == 0 ? 0 : graph.parts.back().polygon + (goesOn ? 0 : 1);
-        const int32_t x = *rc::gen::inRange(0, 100);
+        const int32_t x = test::draw(0, 100);
         graph.parts.push_back({polygon,
                                {{x, 0, x + 1, 1}},
-                               *rc::gen::weightedElement<uint8_t>({{8, 7}, {1, 6}, {1, 3}}),
-                               *rc::gen::inRange(0, 3) == 0});
+                               test::drawOne<uint8_t>({7, 7, 7, 7, 7, 7, 7, 7, 6, 3}),
+                               test::draw(0, 3) == 0});
         if (goesOn) { // it hangs on one before it in the polygon
             const auto first =
                 static_cast<size_t>(std::find_if(graph.parts.begin(), graph.parts.end(),
                                                  [&](const Part& part) { return part.polygon == polygon; }) -
                                     graph.parts.begin());
             graph.joints.push_back(
-                {first + static_cast<size_t>(*rc::gen::inRange(0, static_cast<int>(i - first))), i, {}});
+                {first + static_cast<size_t>(test::draw(0, static_cast<int>(i - first))), i, {}});
         }
     }
     const auto meet = [&](size_t a, size_t b) {
@@ -129,9 +130,9 @@ Graph someGraph()
     };
     for (size_t b = 0; b < parts; ++b) {
         for (size_t a = 0; a < b; ++a) {
-            const int64_t squared = *rc::gen::element<int64_t>(50 * 50, 100 * 100, 150 * 150);
+            const int64_t squared = test::drawOne<int64_t>({50 * 50, 100 * 100, 150 * 150});
             const size_t polygon = graph.parts[a].polygon;
-            const int chance = *rc::gen::inRange(0, 10);
+            const int chance = test::draw(0, 10);
             if (polygon != graph.parts[b].polygon && chance < 6) {
                 graph.pairs.push_back({a, b, squared});
             } else if (polygon == graph.parts[b].polygon && !meet(a, b) && chance < 1) {
@@ -142,7 +143,7 @@ Graph someGraph()
     for (size_t b = 0; b < parts; ++b) {
         for (size_t a = 0; a < b; ++a) {
             if (graph.parts[a].polygon == graph.parts[b].polygon && !meet(a, b)) {
-                Bond bond{a, b, *rc::gen::element<int64_t>(50 * 50, 150 * 150), {}};
+                Bond bond{a, b, test::drawOne<int64_t>({50 * 50, 150 * 150}), {}};
                 for (size_t i = 0; i < parts; ++i) {
                     if (graph.parts[i].polygon == graph.parts[a].polygon) {
                         bond.members.push_back(i);
@@ -158,78 +159,74 @@ Graph someGraph()
 Rules someRules()
 {
     Rules rules;
-    rules.bearable = *rc::gen::element(Rules::NONE, 60, 100, 0);
+    rules.bearable = test::drawOne({Rules::NONE, 60, 100, 0});
     return rules;
 }
 
-TEST(KitColorSearch, FindsTheLeastCostForEveryLookOfTheSides)
+PROPERTY(KitColorSearch, FindsTheLeastCostForEveryLookOfTheSides)
 {
-    EXPECT_TRUE(rc::check([] {
-        const Graph graph = someGraph();
-        const Rules rules = someRules();
-        const Limits limits;
-        const std::map<Masks, uint32_t> want = leastBySides(graph, rules);
-        const Colourings got = kit::color::colouringsOf(graph, rules, limits);
-        RC_ASSERT((got.outcome == Outcome::NONE) == want.empty());
-        if (want.empty()) {
-            return;
-        }
-        uint32_t least = IMPOSSIBLE;
-        for (const auto& [sides, cost] : want) {
-            least = std::min(least, cost);
-        }
-        std::map<Masks, uint32_t> found;
-        for (const Colouring& colouring : got.all) {
-            RC_ASSERT(colouring.sides == sidesOf(graph, colouring.masks));
-            RC_ASSERT(colouring.cost == costOf(graph, colouring.masks, rules));
-            RC_ASSERT(found.try_emplace(colouring.sides, colouring.cost).second);
-        }
-        RC_ASSERT(got.all.front().cost == least);
-        for (const auto& [sides, cost] : want) {
-            const auto same = found.find(sides);
-            const bool isWanted = cost <= least + limits.moreStitches;
-            RC_ASSERT(isWanted == (same != found.end()));
-            RC_ASSERT((!isWanted || same->second == cost)); // or both sides are worked out
-        }
-    }));
+    const Graph graph = someGraph();
+    const Rules rules = someRules();
+    const Limits limits;
+    const std::map<Masks, uint32_t> want = leastBySides(graph, rules);
+    const Colourings got = kit::color::colouringsOf(graph, rules, limits);
+    RC_ASSERT((got.outcome == Outcome::NONE) == want.empty());
+    if (want.empty()) {
+        return;
+    }
+    uint32_t least = IMPOSSIBLE;
+    for (const auto& [sides, cost] : want) {
+        least = std::min(least, cost);
+    }
+    std::map<Masks, uint32_t> found;
+    for (const Colouring& colouring : got.all) {
+        RC_ASSERT(colouring.sides == sidesOf(graph, colouring.masks));
+        RC_ASSERT(colouring.cost == costOf(graph, colouring.masks, rules));
+        RC_ASSERT(found.try_emplace(colouring.sides, colouring.cost).second);
+    }
+    RC_ASSERT(got.all.front().cost == least);
+    for (const auto& [sides, cost] : want) {
+        const auto same = found.find(sides);
+        const bool isWanted = cost <= least + limits.moreStitches;
+        RC_ASSERT(isWanted == (same != found.end()));
+        RC_ASSERT((!isWanted || same->second == cost)); // or both sides are worked out
+    }
 }
 
-TEST(KitColorSearch, SaysWhetherSomePartsCanBeColoured)
+PROPERTY(KitColorSearch, SaysWhetherSomePartsCanBeColoured)
 {
-    EXPECT_TRUE(rc::check([] {
-        const Graph graph = someGraph();
-        std::vector<bool> polygons(graph.parts.size());
-        for (size_t i = 0; i < polygons.size(); ++i) {
-            polygons[i] = *rc::gen::inRange(0, 3) > 0;
+    const Graph graph = someGraph();
+    std::vector<bool> polygons(graph.parts.size());
+    for (size_t i = 0; i < polygons.size(); ++i) {
+        polygons[i] = test::draw(0, 3) > 0;
+    }
+    Graph rest; // the wanted parts as a graph of their own
+    std::vector<size_t> renamed(graph.parts.size(), graph.parts.size());
+    std::vector<bool> wanted;
+    for (size_t i = 0; i < graph.parts.size(); ++i) {
+        wanted.push_back(polygons[graph.parts[i].polygon]);
+        if (wanted.back()) {
+            renamed[i] = rest.parts.size();
+            rest.parts.push_back(graph.parts[i]);
         }
-        Graph rest; // the wanted parts as a graph of their own
-        std::vector<size_t> renamed(graph.parts.size(), graph.parts.size());
-        std::vector<bool> wanted;
-        for (size_t i = 0; i < graph.parts.size(); ++i) {
-            wanted.push_back(polygons[graph.parts[i].polygon]);
-            if (wanted.back()) {
-                renamed[i] = rest.parts.size();
-                rest.parts.push_back(graph.parts[i]);
-            }
+    }
+    for (const Joint& joint : graph.joints) {
+        if (wanted[joint.a] && wanted[joint.b]) {
+            rest.joints.push_back({renamed[joint.a], renamed[joint.b], {}});
         }
-        for (const Joint& joint : graph.joints) {
-            if (wanted[joint.a] && wanted[joint.b]) {
-                rest.joints.push_back({renamed[joint.a], renamed[joint.b], {}});
-            }
+    }
+    for (const Pair& pair : graph.pairs) {
+        if (wanted[pair.a] && wanted[pair.b]) {
+            rest.pairs.push_back({renamed[pair.a], renamed[pair.b], pair.squared});
         }
-        for (const Pair& pair : graph.pairs) {
-            if (wanted[pair.a] && wanted[pair.b]) {
-                rest.pairs.push_back({renamed[pair.a], renamed[pair.b], pair.squared});
-            }
+    }
+    for (const Bond& bond : graph.bonds) {
+        if (wanted[bond.a]) {
+            rest.bonds.push_back({renamed[bond.a], renamed[bond.b], bond.squared, {}});
         }
-        for (const Bond& bond : graph.bonds) {
-            if (wanted[bond.a]) {
-                rest.bonds.push_back({renamed[bond.a], renamed[bond.b], bond.squared, {}});
-            }
-        }
-        const bool possible = rest.parts.empty() || !leastBySides(rest, {}).empty();
-        RC_ASSERT(kit::color::isColourable(graph, wanted, {}, {}) == possible);
-    }));
+    }
+    const bool possible = rest.parts.empty() || !leastBySides(rest, {}).empty();
+    RC_ASSERT(kit::color::isColourable(graph, wanted, {}, {}) == possible);
 }
 
 /// Parts in a row, each close to the next so many, all at the sides.

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // New places in a DEF file, and everything else as it was.
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include "kit/base/files/writeOutput.h"
 #include "kit/design/nameMap.h"
 #include "kit/engines/export/smallExport.h"
 #include "kit/formats/lefdef/edits.h"
+#include "support/property.h"
 
 namespace {
 
@@ -245,16 +245,17 @@ TEST(KitExportKeptRouting, StaysWhereItIsToStayWithAWarning)
     EXPECT_EQ(files.output("new.def"), with(files.def, "u INV + PLACED ( 0 0 )", "u INV + PLACED ( 380 0 )"));
 }
 
-RC_GTEST_PROP(KitExportEdits, KeepWhatIsOutsideOfThem, (const std::string& text))
+PROPERTY(KitExportEdits, KeepWhatIsOutsideOfThem)
 {
+    const std::string text = test::drawText();
     Edits edits;
     std::string expected;
     size_t done = 0;
     std::vector<std::tuple<size_t, size_t, std::string>> all;
-    for (int i = *rc::gen::inRange(0, 4); i > 0 && done <= text.size(); --i) {
-        const size_t begin = *rc::gen::inRange(done, text.size() + 1);
-        const size_t end = *rc::gen::inRange(begin, text.size() + 1);
-        const auto by = *rc::gen::arbitrary<std::string>();
+    for (int i = test::draw(0, 4); i > 0 && done <= text.size(); --i) {
+        const size_t begin = test::draw(done, text.size() + 1);
+        const size_t end = test::draw(begin, text.size() + 1);
+        const auto by = test::drawText();
         expected += text.substr(done, begin - done) + by;
         all.emplace_back(begin, end, by);
         done = end + 1; // two at one place have no order

@@ -3,10 +3,10 @@
 #include "kit/engines/export/layout.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include "kit/engines/export/smallExport.h"
 #include "kit/formats/gds/gdsReader.h"
+#include "support/property.h"
 
 namespace {
 
@@ -230,20 +230,20 @@ INSTANTIATE_TEST_SUITE_P(Each, KitGrid,
                                          Units{"TooLarge", 400, 2'147'483'647 / 19 + 1, 2000, 400, true}),
                          [](const auto& param) { return param.param.name; });
 
-RC_GTEST_PROP(KitGrid, LibraryUnitsAreWholeUnlessItSaysOtherwise, ())
+PROPERTY(KitGrid, LibraryUnitsAreWholeUnlessItSaysOtherwise)
 {
-    const int64_t step = *rc::gen::inRange(1, 5000);
-    const int64_t length = *rc::gen::inRange(-100'000, 100'000);
+    const int64_t step = test::draw(1, 5000);
+    const int64_t length = test::draw(-100'000, 100'000);
     const Grid grid(1000, step, 1'000'000);
     RC_ASSERT(!grid.isRounded());
     const int64_t perDbu = grid.ofDbu(1);
     RC_ASSERT(grid.ofLibrary(length) * 190 == length * step * perDbu);
 }
 
-RC_GTEST_PROP(KitGrid, LengthsAreRoundedToTheNearestUnit, ())
+PROPERTY(KitGrid, LengthsAreRoundedToTheNearestUnit)
 {
-    const int64_t length = *rc::gen::inRange<int64_t>(-2'000'000'000'000, 2'000'000'000'000);
-    const int64_t micron = *rc::gen::inRange(1, 20'000);
+    const int64_t length = test::draw<int64_t>(-2'000'000'000'000, 2'000'000'000'000);
+    const int64_t micron = test::draw(1, 20'000);
     const int64_t dbu = kit::exporter::dbuOf(length, micron);
     // The distance from the exact value is at most half a unit.
     RC_ASSERT(std::abs(length * micron - dbu * 1'000'000) * 2 <= 1'000'000);

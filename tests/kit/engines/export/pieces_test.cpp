@@ -3,9 +3,10 @@
 #include "kit/engines/export/pieces.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <array>
+
+#include "support/property.h"
 
 namespace {
 
@@ -41,27 +42,27 @@ Squares covered(Squares squares)
 
 Box anyBox()
 {
-    const int xl = *rc::gen::inRange(0, SIZE - 1);
-    const int yl = *rc::gen::inRange(0, SIZE - 1);
-    return {xl, yl, *rc::gen::inRange(xl + 1, SIZE + 1), *rc::gen::inRange(yl + 1, SIZE + 1)};
+    const int xl = test::draw(0, SIZE - 1);
+    const int yl = test::draw(0, SIZE - 1);
+    return {xl, yl, test::draw(xl + 1, SIZE + 1), test::draw(yl + 1, SIZE + 1)};
 }
 
 std::vector<Box> anyBoxes(int most)
 {
-    std::vector<Box> boxes(static_cast<size_t>(*rc::gen::inRange(0, most + 1)));
+    std::vector<Box> boxes(static_cast<size_t>(test::draw(0, most + 1)));
     for (Box& box : boxes) {
         box = anyBox();
     }
     return boxes;
 }
 
-RC_GTEST_PROP(KitPieces, UnionCoversTheSameOnce, ())
+PROPERTY(KitPieces, UnionCoversTheSameOnce)
 {
     const std::vector<Box> boxes = anyBoxes(6);
     RC_ASSERT(squaresOf(unite(boxes)) == covered(squaresOf(boxes)));
 }
 
-RC_GTEST_PROP(KitPieces, DifferenceCoversTheRestOnce, ())
+PROPERTY(KitPieces, DifferenceCoversTheRestOnce)
 {
     const Box from = anyBox();
     const std::vector<Box> boxes = anyBoxes(5);
@@ -75,14 +76,14 @@ RC_GTEST_PROP(KitPieces, DifferenceCoversTheRestOnce, ())
     RC_ASSERT(squaresOf(subtract(from, boxes)) == expected);
 }
 
-RC_GTEST_PROP(KitPieces, EveryMaskHasItsMetal, ())
+PROPERTY(KitPieces, EveryMaskHasItsMetal)
 {
     const std::vector<Box> boxes = anyBoxes(3);
     std::vector<MaskBox> metal;
     std::array<std::vector<Box>, 3> ofMask;
     std::vector<Box> all;
     for (const Box& box : anyBoxes(6)) {
-        metal.push_back({box, *rc::gen::inRange(0, 3)});
+        metal.push_back({box, test::draw(0, 3)});
         ofMask[static_cast<size_t>(metal.back().mask)].push_back(box);
         all.push_back(box);
     }

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // When the metal of two cells is too close.
 #include <gtest/gtest.h>
-#include <rapidcheck.h>
-#include <rapidcheck/gtest.h>
 
 #include <cmath>
 #include <map>
@@ -12,6 +10,7 @@
 #include "kit/design/standing.h"
 #include "kit/engines/verify/judged.h"
 #include "kit/geometry/sweep.h"
+#include "support/property.h"
 
 namespace {
 
@@ -285,20 +284,20 @@ std::set<std::pair<size_t, size_t>> slowPairs(const std::vector<Span>& a, const 
 std::vector<Span> randomSpans()
 {
     std::vector<Span> spans;
-    const auto count = *rc::gen::inRange(0, 40);
+    const auto count = test::draw(0, 40);
     for (int i = 0; i < count; ++i) {
-        const int64_t from = *rc::gen::inRange(-200, 200);
-        const bool isLong = *rc::gen::inRange(0, 5) == 0;
-        spans.push_back({from, from + *rc::gen::inRange(1, isLong ? 200 : 20)});
+        const int64_t from = test::draw(-200, 200);
+        const bool isLong = test::draw(0, 5) == 0;
+        spans.push_back({from, from + test::draw(1, isLong ? 200 : 20)});
     }
     std::sort(spans.begin(), spans.end(), [](const Span& x, const Span& y) { return x.from < y.from; });
     return spans;
 }
 
-RC_GTEST_PROP(KitVerifySweep, RowFindsEveryPairOnce, ())
+PROPERTY(KitVerifySweep, RowFindsEveryPairOnce)
 {
     const std::vector<Span> spans = randomSpans();
-    const int64_t reach = *rc::gen::inRange(0, 60);
+    const int64_t reach = test::draw(0, 60);
     std::set<std::pair<size_t, size_t>> found;
     RC_ASSERT(kit::geometry::sweepRow(spans, reach, [&](size_t i, size_t j) {
         RC_ASSERT(found.emplace(i, j).second);
@@ -307,11 +306,11 @@ RC_GTEST_PROP(KitVerifySweep, RowFindsEveryPairOnce, ())
     RC_ASSERT(found == slowPairs(spans, spans, reach, true));
 }
 
-RC_GTEST_PROP(KitVerifySweep, TwoRowsFindEveryPairOnce, ())
+PROPERTY(KitVerifySweep, TwoRowsFindEveryPairOnce)
 {
     const std::vector<Span> first = randomSpans();
     const std::vector<Span> second = randomSpans();
-    const int64_t reach = *rc::gen::inRange(0, 60);
+    const int64_t reach = test::draw(0, 60);
     std::set<std::pair<size_t, size_t>> found;
     RC_ASSERT(kit::geometry::sweepRows(first, second, reach, [&](size_t i, size_t j) {
         RC_ASSERT(found.emplace(i, j).second);
@@ -410,31 +409,31 @@ Found slowConflicts(const Judged& judged, double step)
 
 Cell randomCell(int index)
 {
-    const int32_t width = 190 * *rc::gen::inRange(1, 4);
+    const int32_t width = 190 * test::draw(1, 4);
     std::vector<Rect> rects;
     std::vector<int32_t> masks;
-    const auto count = *rc::gen::inRange(0, 5);
+    const auto count = test::draw(0, 5);
     for (int i = 0; i < count; ++i) {
-        const int32_t x = *rc::gen::inRange(-20, width);
-        const int32_t y = *rc::gen::inRange(-50, 1400);
-        rects.push_back({x, y, x + *rc::gen::inRange(10, 150), y + *rc::gen::inRange(10, 400)});
-        masks.push_back(*rc::gen::inRange(0, 3));
+        const int32_t x = test::draw(-20, width);
+        const int32_t y = test::draw(-50, 1400);
+        rects.push_back({x, y, x + test::draw(10, 150), y + test::draw(10, 400)});
+        masks.push_back(test::draw(0, 3));
     }
     Cell cell = makeCell("C" + std::to_string(index), width, rects, masks);
-    if (count > 0 && *rc::gen::arbitrary<bool>()) {
+    if (count > 0 && test::draw(0, 2) == 0) {
         cell.shapes[0].rects.push_back({60, 600, 90, 700});
     }
     return cell;
 }
 
-RC_GTEST_PROP(KitVerifyConflict, AgreesWithAllPairsOnRandomRows, ())
+PROPERTY(KitVerifyConflict, AgreesWithAllPairsOnRandomRows)
 {
-    const int32_t step = *rc::gen::element(190, 380, 123);
+    const int32_t step = test::drawOne({190, 380, 123});
     Judged judged({randomCell(0), randomCell(1), randomCell(2)}, step);
-    const auto count = *rc::gen::inRange(2, 16);
+    const auto count = test::draw(2, 16);
     for (int i = 0; i < count; ++i) { // overlaps and cells beyond the rows are welcome
-        judged.add(*rc::gen::inRange(0, 3), *rc::gen::inRange(0, 25), *rc::gen::inRange(0, 3), 0,
-                   *rc::gen::element<std::string>("N", "FN", "S", "FS"));
+        judged.add(test::draw(0, 3), test::draw(0, 25), test::draw(0, 3), 0,
+                   test::drawOne<std::string>({"N", "FN", "S", "FS"}));
     }
     Found found;
     for (const Issue& issue : kit::verify::judge(judged.input, {.rails = true})) {

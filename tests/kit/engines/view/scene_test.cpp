@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // What is drawn: boxes, density, index, joints.
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include "kit/engines/view/density.h"
 #include "kit/engines/view/html.h"
 #include "kit/engines/view/scene.h"
 #include "kit/engines/view/scenes.h"
+#include "support/property.h"
 
 namespace kit::view {
 
@@ -135,11 +135,11 @@ TEST(ViewDensity, BinsWithoutRowsAreToldFromEmptyOnes)
     EXPECT_EQ(densityOf(scene, /*before=*/false).shares[2], Density::NO_ROWS);
 }
 
-RC_GTEST_PROP(ViewDensity, HasFewBinsWhateverTheSize, ())
+PROPERTY(ViewDensity, HasFewBinsWhateverTheSize)
 {
     Scene scene = smallScene();
-    const int32_t width = *rc::gen::inRange(1, 1'000'000'000);
-    const int32_t height = *rc::gen::inRange(1, 1'000'000'000);
+    const int32_t width = test::draw(1, 1'000'000'000);
+    const int32_t height = test::draw(1, 1'000'000'000);
     scene.rows.push_back({"r", {0, 0, width, height}});
     const Density grid = densityOf(scene, /*before=*/false);
     const int64_t bins = int64_t{grid.columns} * grid.lines;
@@ -149,13 +149,13 @@ RC_GTEST_PROP(ViewDensity, HasFewBinsWhateverTheSize, ())
     RC_ASSERT(int64_t{grid.lines} * grid.side >= height);
 }
 
-RC_GTEST_PROP(ViewIndex, DealsEveryCellToItsStripeFromTheLeft, ())
+PROPERTY(ViewIndex, DealsEveryCellToItsStripeFromTheLeft)
 {
     Scene scene = smallScene();
-    const auto count = *rc::gen::inRange<size_t>(0, 60);
+    const auto count = test::draw<size_t>(0, 60);
     scene.cells.clear();
     for (size_t i = 0; i < count; ++i) {
-        const Place place{*rc::gen::inRange(-1000, 1000), *rc::gen::inRange(-3000, 3000)};
+        const Place place{test::draw(-1000, 1000), test::draw(-3000, 3000)};
         scene.cells.push_back({"u", 0, place, {place.x + 7, place.y - 400}, -1});
     }
     for (const bool before : {false, true}) {

@@ -4,7 +4,6 @@
 #include "kit/formats/gds/gdsReader.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <algorithm>
 #include <set>
@@ -13,6 +12,7 @@
 #include "kit/base/files/outputFile.h"
 #include "kit/formats/gds/gdsWriter.h"
 #include "kit/kitRun.h"
+#include "support/property.h"
 
 namespace {
 
@@ -55,15 +55,15 @@ INSTANTIATE_TEST_SUITE_P(Known, KitReal8,
                                          Real{"Nanometre", 1e-9, 0x3944B82FA09B5A54}),
                          [](const auto& param) { return param.param.name; });
 
-RC_GTEST_PROP(KitReal8, IsExact, (int mantissa))
+PROPERTY(KitReal8, IsExact)
 {
-    const double value = std::ldexp(mantissa, *rc::gen::inRange(-240, 200));
+    const double value = std::ldexp(test::drawInt(), test::draw(-240, 200));
     RC_ASSERT(test::gdsReal(real8Of(value)) == value);
 }
 
-RC_GTEST_PROP(KitReal8, HasAFractionOfASixteenthAtLeast, ())
+PROPERTY(KitReal8, HasAFractionOfASixteenthAtLeast)
 {
-    const double value = std::ldexp(*rc::gen::inRange(1, 1 << 30), *rc::gen::inRange(-240, 200));
+    const double value = std::ldexp(test::draw(1, 1 << 30), test::draw(-240, 200));
     RC_ASSERT(((real8Of(value) >> 52U) & 0xfU) != 0U);
 }
 

@@ -9,8 +9,7 @@
 #include "kit/formats/lefdef/scanner.h"
 #include "kit/formats/lefdef/source.h"
 #include "support/guards.h"
-
-#include <rapidcheck.h>
+#include "support/property.h"
 
 namespace {
 
@@ -119,32 +118,29 @@ void skipLiterally(Scanner& scanner, const std::string& all)
     }
 }
 
-TEST(Scanner, SkipsToTheNextSign)
+PROPERTY(Scanner, SkipsToTheNextSign)
 {
-    const bool passed = rc::check("as token by token", [] {
-        static const std::vector<std::string> s_parts{";", "+",  "-",  "END", "End", "E",  "ENDX",
-                                                      "a", "1",  "-2", ")",   "NEW", "\"", "\\",
-                                                      "#", "\n", " ",  "  ",  " ",   "x;", ";x"};
-        std::string text;
-        for (int32_t i = *rc::gen::inRange(0, 40); i > 0; --i) {
-            text += *rc::gen::elementOf(s_parts);
+    static const std::vector<std::string> s_parts{";", "+",  "-",  "END", "End", "E",  "ENDX",
+                                                  "a", "1",  "-2", ")",   "NEW", "\"", "\\",
+                                                  "#", "\n", " ",  "  ",  " ",   "x;", ";x"};
+    std::string text;
+    for (int32_t i = test::draw(0, 40); i > 0; --i) {
+        text += s_parts[test::drawIndex(s_parts.size())];
+    }
+    Scanner fast(text);
+    Scanner slow(text);
+    while (slow.token().kind != Token::Kind::END) {
+        fast.skipToSign();
+        skipLiterally(slow, text);
+        RC_ASSERT(fast.token().kind == slow.token().kind);
+        RC_ASSERT(fast.token().text == slow.token().text);
+        RC_ASSERT(fast.offset() == slow.offset());
+        RC_ASSERT(fast.end() == slow.end());
+        for (int32_t i = test::draw(1, 3); i > 0; --i) {
+            fast.advance();
+            slow.advance();
         }
-        Scanner fast(text);
-        Scanner slow(text);
-        while (slow.token().kind != Token::Kind::END) {
-            fast.skipToSign();
-            skipLiterally(slow, text);
-            RC_ASSERT(fast.token().kind == slow.token().kind);
-            RC_ASSERT(fast.token().text == slow.token().text);
-            RC_ASSERT(fast.offset() == slow.offset());
-            RC_ASSERT(fast.end() == slow.end());
-            for (int32_t i = *rc::gen::inRange(1, 3); i > 0; --i) {
-                fast.advance();
-                slow.advance();
-            }
-        }
-    });
-    EXPECT_TRUE(passed);
+    }
 }
 
 TEST(Source, PlacesCountLinesAndColumns)
@@ -201,33 +197,32 @@ TEST(SourceReporter, StopsAfterAThousandOfASeverity)
     EXPECT_EQ(test::describe(findings[2001]), "note n 1:4: what; advice");
 }
 
-TEST(NameTable, FindsTheFirstOfEachName)
+PROPERTY(NameTable, FindsTheFirstOfEachName)
 {
-    const bool passed = rc::check("as a map does", [] {
-        const auto names = *rc::gen::container<std::vector<std::string>>(
-            rc::gen::map(rc::gen::inRange(0, 300), [](int i) { return std::to_string(i * 7919); }));
-        std::map<std::string, uint32_t> model;
-        struct Named {
-            std::string name;
-        };
-        std::vector<Named> records;
-        NameTable<Named> table(records);
-        for (const std::string& name : names) {
-            const auto [at, isNew] = model.emplace(name, static_cast<uint32_t>(records.size()));
-            RC_ASSERT(table.indexOf(name) == (isNew ? -1 : static_cast<int32_t>(at->second)));
-            RC_ASSERT(table.add(name) == at->second);
-            if (isNew) {
-                records.push_back({name});
-            }
-            RC_ASSERT(table.indexOf(name) == static_cast<int32_t>(at->second));
+    std::vector<std::string> names(test::drawCount());
+    for (std::string& name : names) {
+        name = std::to_string(test::draw(0, 300) * 7919);
+    }
+    std::map<std::string, uint32_t> model;
+    struct Named {
+        std::string name;
+    };
+    std::vector<Named> records;
+    NameTable<Named> table(records);
+    for (const std::string& name : names) {
+        const auto [at, isNew] = model.emplace(name, static_cast<uint32_t>(records.size()));
+        RC_ASSERT(table.indexOf(name) == (isNew ? -1 : static_cast<int32_t>(at->second)));
+        RC_ASSERT(table.add(name) == at->second);
+        if (isNew) {
+            records.push_back({name});
         }
-        NameTable<Named> again(records);
-        again.addAll();
-        RC_ASSERT(std::all_of(model.begin(), model.end(), [&](const auto& entry) {
-            return again.indexOf(entry.first) == static_cast<int32_t>(entry.second);
-        }));
-    });
-    EXPECT_TRUE(passed);
+        RC_ASSERT(table.indexOf(name) == static_cast<int32_t>(at->second));
+    }
+    NameTable<Named> again(records);
+    again.addAll();
+    RC_ASSERT(std::all_of(model.begin(), model.end(), [&](const auto& entry) {
+        return again.indexOf(entry.first) == static_cast<int32_t>(entry.second);
+    }));
 }
 
 } // namespace

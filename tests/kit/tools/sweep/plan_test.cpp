@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // From studies to tasks and shards.
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <filesystem>
 #include <set>
@@ -12,6 +11,7 @@
 #include "kit/tools/sweep/plan.h"
 #include "kit/tools/sweep/shard.h"
 #include "kit/tools/sweep/sweepCase.h"
+#include "support/property.h"
 
 namespace {
 
@@ -269,21 +269,20 @@ TEST(KitSweepShard, IsReadAsIndexAndCount)
     }
 }
 
-std::vector<Task> tasksOfSeconds(const std::vector<uint16_t>& seconds)
+std::vector<Task> someTasks()
 {
-    std::vector<Task> tasks;
-    for (const uint16_t length : seconds) {
-        Task& task = tasks.emplace_back();
-        task.id = std::to_string(tasks.size());
-        task.seconds = length / 100.0;
+    std::vector<Task> tasks(test::drawCount());
+    for (size_t i = 0; i < tasks.size(); ++i) {
+        tasks[i].id = std::to_string(i + 1);
+        tasks[i].seconds = test::draw(0, 1 << 16) / 100.0;
     }
     return tasks;
 }
 
-RC_GTEST_PROP(KitSweepShard, CutCoversEveryTaskOnce, (const std::vector<uint16_t>& seconds))
+PROPERTY(KitSweepShard, CutCoversEveryTaskOnce)
 {
-    const std::vector<Task> tasks = tasksOfSeconds(seconds);
-    const int32_t count = *rc::gen::inRange(1, 40);
+    const std::vector<Task> tasks = someTasks();
+    const int32_t count = test::draw(1, 40);
     std::vector<std::string> met;
     for (int32_t index = 1; index <= count; ++index) {
         size_t last = 0;
@@ -297,10 +296,10 @@ RC_GTEST_PROP(KitSweepShard, CutCoversEveryTaskOnce, (const std::vector<uint16_t
     RC_ASSERT(std::set<std::string>(met.begin(), met.end()).size() == tasks.size());
 }
 
-RC_GTEST_PROP(KitSweepShard, NoShardHasMoreThanTheMeanAndOneTask, (const std::vector<uint16_t>& seconds))
+PROPERTY(KitSweepShard, NoShardHasMoreThanTheMeanAndOneTask)
 {
-    const std::vector<Task> tasks = tasksOfSeconds(seconds);
-    const int32_t count = *rc::gen::inRange(1, 40);
+    const std::vector<Task> tasks = someTasks();
+    const int32_t count = test::draw(1, 40);
     double sum = 0;
     double longest = 0;
     for (const Task& task : tasks) {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Pictures of results.
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <algorithm>
 #include <cmath>
@@ -13,6 +12,7 @@
 #include "kit/tools/sweep/plot.h"
 #include "kit/tools/sweep/sweepCase.h"
 #include "support/pattern.h"
+#include "support/property.h"
 
 namespace {
 
@@ -44,10 +44,19 @@ std::vector<size_t> frontByPairs(const std::vector<Costs>& points)
     return front;
 }
 
-RC_GTEST_PROP(KitSweepPareto, FrontIsWhatNoOtherBeats, ())
+/// Some pairs of numbers below two limits.
+std::vector<std::pair<int, int>> pairsBelow(int x, int y)
 {
-    const auto numbers = *rc::gen::container<std::vector<std::pair<int, int>>>(
-        rc::gen::pair(rc::gen::inRange(0, 9), rc::gen::inRange(0, 9)));
+    std::vector<std::pair<int, int>> pairs(test::drawCount());
+    for (auto& pair : pairs) {
+        pair = {test::draw(0, x), test::draw(0, y)};
+    }
+    return pairs;
+}
+
+PROPERTY(KitSweepPareto, FrontIsWhatNoOtherBeats)
+{
+    const auto numbers = pairsBelow(9, 9);
     std::vector<Costs> points;
     for (const auto& [x, y] : numbers) {
         points.push_back({static_cast<double>(x), static_cast<double>(y)});
@@ -92,10 +101,10 @@ TEST(KitSweepAxis, LogarithmicTicksAreRound)
                                         "1000", "",  "", "10000", "",   "", "100000", "",    "", "1000000"}));
 }
 
-RC_GTEST_PROP(KitSweepAxis, ValuesAreInsideAndTicksFewAndInOrder, ())
+PROPERTY(KitSweepAxis, ValuesAreInsideAndTicksFewAndInOrder)
 {
-    const double low = *rc::gen::inRange(0, 1'000'000);
-    const double high = low + *rc::gen::inRange(0, 1'000'000'000);
+    const double low = test::draw(0, 1'000'000);
+    const double high = low + test::draw(0, 1'000'000'000);
     for (const Axis& axis :
          {kit::sweep::linearAxis("a", "DBU", low, high), kit::sweep::linearAxis("a", "", low, high),
           kit::sweep::logarithmicAxis("a", low + 1, high + 1)}) {
@@ -114,13 +123,12 @@ RC_GTEST_PROP(KitSweepAxis, ValuesAreInsideAndTicksFewAndInOrder, ())
     }
 }
 
-RC_GTEST_PROP(KitSweepLabels, NoneOverlapsAnythingOrLeavesTheFrame, ())
+PROPERTY(KitSweepLabels, NoneOverlapsAnythingOrLeavesTheFrame)
 {
     const Rect frame{0, 0, 300, 200};
     Labels labels(frame);
     std::vector<Rect> taken;
-    const auto points = *rc::gen::container<std::vector<std::pair<int, int>>>(
-        rc::gen::pair(rc::gen::inRange(0, 300), rc::gen::inRange(0, 200)));
+    const auto points = pairsBelow(300, 200);
     for (const auto& [x, y] : points) {
         taken.push_back({x - 5.0, y - 5.0, 10, 10});
         labels.block(taken.back());
