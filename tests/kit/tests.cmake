@@ -2,7 +2,7 @@ find_package(LibLZMA REQUIRED)
 find_package(SQLite3 REQUIRED)
 set(VIRELOCE_SHARED "${PROJECT_SOURCE_DIR}/../shared" CACHE PATH
     "Folder of real designs, data/designs, and of tools that judge them; tests skip what is not there")
-vireloce_test(kit SHARDS 4
+vireloce_test(kit SHARDS 8
     kit/base/files/outputFile_test.cpp
     kit/base/files/outputPaths_test.cpp
     kit/base/files/outputSet_test.cpp
