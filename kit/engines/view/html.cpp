@@ -131,6 +131,8 @@ std::string describe(const Scene& scene)
               {"siteWidth", scene.siteWidth},
               {"rowHeight", scene.rowHeight},
               {"minDist", scene.minDistText},
+              {"pinLength", scene.pinLength},
+              {"pinLengthBefore", scene.pinLengthBefore},
               {"coloured", scene.coloured},
               {"moved", scene.moved},
               {"bounds", corners(boundsOf(scene))},

@@ -10,6 +10,7 @@
 #include "kit/design/coloredPlacement.h"
 #include "kit/design/fixedCells.h"
 #include "kit/design/nameMap.h"
+#include "kit/design/pinOffsets.h"
 #include "kit/engines/view/conflicts.h"
 #include "kit/engines/view/scene.h"
 #include "kit/formats/placer/colors.h"
@@ -75,6 +76,15 @@ void checkColours(const std::vector<const placer::ColorRecord*>& colours, const 
     }
 }
 
+/// Wirelength from pin to pin for people; empty if it is not known.
+std::string pinLengthText(const std::string& placement, const placer::Design& design, int32_t dbuPerMicron,
+                          Findings& findings)
+{
+    const Json length =
+        design::pinLengthJson(design::pinLengthBeside(placement, design, findings), dbuPerMicron);
+    return length.isObject() ? design::micrometresText(length) : "";
+}
+
 } // namespace
 
 InputPaths findInputs(const Options& options)
@@ -114,6 +124,8 @@ Scene readScene(const InputPaths& paths, const design::Distance& minDist, Findin
         }
         placer::readNets(paths.netlist, design, findings);
     }
+    const int32_t dbuPerMicron = design::frameOf(design, paths.placement).dbuPerMicron;
+    const std::string pinLength = pinLengthText(paths.placement, design, dbuPerMicron, findings);
     Extras extras;
     std::vector<placer::ColorRecord> records;
     std::vector<placer::ColorRecord> fixedRecords;
@@ -136,7 +148,11 @@ Scene readScene(const InputPaths& paths, const design::Distance& minDist, Findin
     }
     Scene scene = buildScene(design, extras);
     scene.title = paths.placement;
-    scene.dbuPerMicron = design::frameOf(design, paths.placement).dbuPerMicron;
+    scene.dbuPerMicron = dbuPerMicron;
+    scene.pinLength = pinLength;
+    if (scene.moved) {
+        scene.pinLengthBefore = pinLengthText(paths.before, before, dbuPerMicron, findings);
+    }
     const lefdef::Length site = design::siteLength(design);
     scene.minDist = minDist.unitsOn(site);
     scene.minDistText = minDist.textOn(site);

@@ -102,6 +102,8 @@ struct Scene {
     int32_t rowHeight = 0;         ///< DBU
     int32_t minDist = 0;           ///< of metal on one mask, library units
     std::string minDistText;       ///< the same for people
+    std::string pinLength;         ///< wirelength from pin to pin for people; empty if it is not known
+    std::string pinLengthBefore;   ///< that of the input placement
     bool coloured = false;         ///< the colour solutions are known
     bool moved = false;            ///< Cell::before is known
     std::vector<Block> rows;       ///< file order

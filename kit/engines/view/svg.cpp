@@ -58,6 +58,9 @@ std::string subtitleOf(const Scene& scene, Detail detail)
         text += ", " + std::to_string(stitches) + (stitches == 1 ? " stitch, " : " stitches, ") +
                 number(scene.conflicts, "conflict");
     }
+    if (!scene.pinLength.empty()) {
+        text += ", wires of " + scene.pinLength + " from pin to pin";
+    }
     if (detail == Detail::BOXES) {
         text += ". Simplified: cells are boxes, as the design has too much metal for a small file";
     } else if (detail == Detail::MAP) {

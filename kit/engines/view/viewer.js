@@ -1292,6 +1292,12 @@ function fillFacts() {
     facts.push(["Stitches", number(stitches)], ["Conflicts", number(conflicts.length / CONFLICT_SIZE)],
       ["Least distance", design.minDist]);
   }
+  if (design.pinLength !== "") {
+    facts.push(["Wirelength from pin to pin", design.pinLength]);
+  }
+  if (design.pinLengthBefore !== "") {
+    facts.push(["Before", design.pinLengthBefore]);
+  }
   if (design.moved) {
     facts.push(...displacementFacts());
   }

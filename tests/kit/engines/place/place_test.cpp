@@ -175,6 +175,14 @@ TEST(KitPlacePins, WirelengthByPinsOfAnImportedDesignIsThatOfItsDefFiles)
                              " DBU, " + kit::design::micrometresText(result["hpwl_pins"]["after"]) + "\n";
     EXPECT_NE(runKit(verify).output.find(line), std::string::npos) << line;
     EXPECT_NE(runKit({"compare", out + ".json"}).output.find("| HPWL by pins, um | "), std::string::npos);
+    const std::string after = kit::design::micrometresText(result["hpwl_pins"]["after"]);
+    ASSERT_EQ(runKit({"view", out, "--before", base, "-o", dir.path("out.html")}).status, 0);
+    const std::string page = contentOf(dir.path("out.html"));
+    EXPECT_NE(page.find("\"pinLength\":\"" + after + "\",\"pinLengthBefore\":\"2170.1 um\""),
+              std::string::npos);
+    ASSERT_EQ(runKit({"view", out, "-o", dir.path("out.svg")}).status, 0);
+    EXPECT_NE(contentOf(dir.path("out.svg")).find("wires of " + after + " from pin to pin"),
+              std::string::npos);
 
     std::filesystem::remove(base + ".offsets");
     ASSERT_EQ(runKit({"place", base, "--cell-path", lib, "-o", out, "--force"}).status, 0);
