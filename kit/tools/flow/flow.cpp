@@ -5,6 +5,8 @@
 #include <array>
 #include <cstdio>
 #include <filesystem>
+#include <future>
+#include <memory>
 #include <ostream>
 #include <sstream>
 
@@ -117,12 +119,16 @@ private:
             !runStep(placeStep(m_options, m_places))) {
             return FAILED;
         }
-        if (!runStep(verifyStep(m_options, m_places))) {
+        // None of these needs what another one makes.
+        Running verify = started(verifyStep(m_options, m_places));
+        Running exporting = started(exportStep(m_options, m_places));
+        Running view = started(viewStep(m_options, m_places));
+        if (!finish(verify)) {
             return FAILED;
         }
         m_status = m_ending.status;
         const Json judgement = std::move(m_result);
-        if (!runStep(exportStep(m_options, m_places)) || !runStep(viewStep(m_options, m_places))) {
+        if (!finish(exporting) || !finish(view)) {
             return FAILED;
         }
         writeResults();
@@ -203,15 +209,39 @@ private:
         return json.dump(1);
     }
 
+    /// A step at work.
+    struct Running {
+        Step step;
+        std::vector<std::string> words;     ///< what is run
+        std::unique_ptr<MemoryFile> errors; ///< says that the disk is full even then
+        std::future<process::Ending> ending;
+    };
+
+    Running started(const Step& step) const
+    {
+        Running running{step, {process::ownPath()}, std::make_unique<MemoryFile>(), {}};
+        running.words.insert(running.words.end(), step.words.begin(), step.words.end());
+        running.ending = std::async(std::launch::async, [words = running.words, log = logOf(step.name),
+                                                         errors = running.errors->path()] {
+            return process::run(words, log, errors);
+        });
+        return running;
+    }
+
     /// Runs a step and writes its line. @return whether to go on
     bool runStep(const Step& step)
     {
+        Running running = started(step);
+        return finish(running);
+    }
+
+    /// Waits for the end of a step, and writes its line. @return whether to go on
+    bool finish(Running& running)
+    {
+        const Step& step = running.step;
         const std::string log = logOf(step.name);
-        const MemoryFile errors; // says that the disk is full even then
-        std::vector<std::string> words{process::ownPath()};
-        words.insert(words.end(), step.words.begin(), step.words.end());
-        m_ending = process::run(words, log, errors.path());
-        const std::string messages = readFile(errors.path());
+        m_ending = running.ending.get();
+        const std::string messages = readFile(running.errors->path());
         const std::string resultPath = step.result.empty() ? log : step.result;
         m_result = fs::exists(resultPath) ? Json::tryParse(readFile(resultPath)).value_or(nullptr) : nullptr;
         const bool good = m_ending.signal == 0 && m_ending.status <= step.goodStatus &&
@@ -226,7 +256,7 @@ private:
         }
         if (!good) {
             tellErrors(m_result["findings"], log);
-            tellFailure(step, words,
+            tellFailure(step, running.words,
                         messages.empty() && !summary.empty() ? step.name + ": " + summary
                                                              : lastLine(messages));
         }
