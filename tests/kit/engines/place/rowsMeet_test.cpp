@@ -32,6 +32,9 @@ MACRO EDGES CLASS CORE ; SIZE 0.38 BY 1.4 ; SITE core ;
   PIN A PORT LAYER metal1 ; RECT 0.04 0.05 0.15 0.5 ; END END A
   PIN Z PORT LAYER metal1 ; RECT 0.04 0.9 0.15 1.35 ; END END Z
 END EDGES
+MACRO RIGHT CLASS CORE ; SIZE 0.38 BY 1.4 ; SITE core ;
+  PIN A PORT LAYER metal1 ; RECT 0.3 0.05 0.36 0.5 ; END END A
+END RIGHT
 END LIBRARY
 )";
 
@@ -40,20 +43,29 @@ class KitPlaceRowsMeet : public testing::Test {
 protected:
     void SetUp() override
     {
-        std::string def = "VERSION 5.8 ;\nDESIGN d ;\nUNITS DISTANCE MICRONS 1000 ;\n";
-        std::string components;
+        Words records;
         for (int row = 0; row < 4; ++row) {
-            const std::string y = std::to_string(1400 * row);
-            const std::string orient = row % 2 == 0 ? "N" : "FS";
-            def +=
-                "ROW r" + std::to_string(row) + " core 0 " + y + " " + orient + " DO 12 BY 1 STEP 190 0 ;\n";
-            components += "- f" + std::to_string(row) + " EDGES + FIXED ( 0 " + y + " ) " + orient + " ;\n";
-            components +=
-                "- u" + std::to_string(row) + " EDGES + PLACED ( 760 " + y + " ) " + orient + " ;\n";
+            const std::string place = std::to_string(1400 * row) + (row % 2 == 0 ? " ) N" : " ) FS");
+            records.push_back("f" + std::to_string(row) + " EDGES + FIXED ( 0 " + place);
+            records.push_back("u" + std::to_string(row) + " EDGES + PLACED ( 760 " + place);
         }
-        def += "COMPONENTS 8 ;\n" + components + "END COMPONENTS\nEND DESIGN\n";
+        import(records, 12);
+    }
+
+    void import(const Words& records, int32_t sites) const
+    {
+        std::string def = "VERSION 5.8 ;\nDESIGN d ;\nUNITS DISTANCE MICRONS 1000 ;\n";
+        for (int row = 0; row < 4; ++row) {
+            def += "ROW r" + std::to_string(row) + " core 0 " + std::to_string(1400 * row) +
+                   (row % 2 == 0 ? " N" : " FS") + " DO " + std::to_string(sites) + " BY 1 STEP 190 0 ;\n";
+        }
+        def += "COMPONENTS " + std::to_string(records.size()) + " ;\n";
+        for (const std::string& record : records) {
+            def += "- " + record + " ;\n";
+        }
+        def += "END COMPONENTS\nEND DESIGN\n";
         const KitOutcome outcome = runKit({"import", "--lef", m_dir.write("l.lef", EDGES_LEF), "--def",
-                                           m_dir.write("d.def", def), "-o", base()});
+                                           m_dir.write("d.def", def), "-o", base(), "--force"});
         ASSERT_EQ(outcome.status, 0) << outcome.error;
     }
 
@@ -78,6 +90,17 @@ protected:
                                                 "--cell-path", lib(), "--across-rows", "--json"})
                                             .output);
         return judged["counts"]["row-conflict"];
+    }
+
+    /// Numbers of the solutions of all fixed cells.
+    std::string fixedSolutions() const
+    {
+        kit::Findings findings;
+        std::string solutions;
+        for (const kit::design::FixedCell& cell : kit::design::readFixed(out() + ".fixed", findings).cells) {
+            solutions += std::to_string(cell.solution);
+        }
+        return solutions;
     }
 
     std::string lib() const { return m_dir.path("lib"); }
@@ -126,12 +149,15 @@ TEST_F(KitPlaceRowsMeet, EverySecondRowHasSolutionsOfTheSecondKind)
     EXPECT_EQ(contentOf(out() + ".colors"),
               "VIRELOCE COLORS 1\nCOMPONENTS 4\nu0 EDGES 0 0 0 1 1\n"
               "u1 EDGES 1 0 0 2 2\nu2 EDGES 0 0 0 1 1\nu3 EDGES 1 0 0 2 2\nEND\n");
-    kit::Findings findings;
-    std::string fixed;
-    for (const kit::design::FixedCell& cell : kit::design::readFixed(out() + ".fixed", findings).cells) {
-        fixed += std::to_string(cell.solution);
-    }
-    EXPECT_EQ(fixed, "0101");
+    EXPECT_EQ(fixedSolutions(), "0101");
+}
+
+TEST_F(KitPlaceRowsMeet, FixedCellsGetNoSolutionOfTheOtherKind)
+{
+    import({"f RIGHT + FIXED ( 0 0 ) N", "u EDGES + PLACED ( 380 0 ) N"}, 4);
+    color({"--rows-meet"});
+    EXPECT_EQ(place({"--rows-meet"}).status, 1) << "there is no room, and both have metal near the next rows";
+    EXPECT_EQ(fixedSolutions(), "0");
 }
 
 TEST_F(KitPlaceRowsMeet, CellsThatAreNotColouredForItAreAnError)
