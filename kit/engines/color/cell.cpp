@@ -289,7 +289,7 @@ int32_t leastDepthOf(const std::vector<CellMetal>& cells)
             }
         }
     }
-    return least;
+    return least == Rules::NONE ? 0 : least;
 }
 
 std::vector<placer::Shape> railsOf(const CellMetal& metal, int32_t bottom)

@@ -81,8 +81,8 @@ ColouredCell colour(const CellMetal& metal, const Settings& settings, int32_t bo
 /// The lowest metal of some cells, at most 0.
 int32_t bottomOf(const std::vector<CellMetal>& cells);
 
-/// How far metal but rails is at least from the bottom and the top edge of some cells, less than 0 beyond
-/// them.
+/// How far metal but rails is at least from the bottom and the top edge of some cells: less than 0 beyond
+/// them, 0 if there is none.
 int32_t leastDepthOf(const std::vector<CellMetal>& cells);
 
 /// The rails as shapes of the file, with what the placer needs to read the cell right.

@@ -22,12 +22,12 @@ public:
     Builder(const CellMetal& metal, const Rules& rules, int32_t bottom)
         : m_metal(metal), m_rules(rules), m_bottom(bottom), m_cuts(metal.polygons.size())
     {
-        // As close as the metal of the next rows may come.
-        const int32_t depth = rules.leastDepth;
-        const int32_t left = -rules.distance;
-        const int32_t right = metal.width + rules.distance;
-        m_nextRows = {{{}, {{left, -depth - 1, right, -depth}}},
-                      {{}, {{left, metal.height + depth, right, metal.height + depth + 1}}}};
+        if (rules.rowsMeet) {
+            const int32_t below = -rules.leastDepth;
+            const int32_t above = metal.height + rules.leastDepth;
+            m_nextRows = {{.rects = {{0, below - 1, metal.width, below}}},
+                          {.rects = {{0, above, metal.width, above + 1}}}};
+        }
     }
 
     Graph run()
@@ -67,9 +67,7 @@ private:
             }
         }
         for (const Polygon& row : m_nextRows) {
-            if (m_rules.rowsMeet) {
-                others.push_back(&row);
-            }
+            others.push_back(&row);
         }
         return others;
     }
@@ -91,7 +89,7 @@ private:
             if (part.atRail && m_rules.railsConflict) {
                 part.masks = NOT_MASK_0;
             }
-            if (m_rules.rowsMeet && isNear(m_nextRows, rects)) {
+            if (isNear(m_nextRows, rects)) {
                 part.masks = ONLY_MASK_1;
             }
             m_graph.parts.push_back(std::move(part));
@@ -216,7 +214,7 @@ private:
     const CellMetal& m_metal;
     const Rules& m_rules;
     int32_t m_bottom;
-    std::vector<Polygon> m_nextRows;      ///< what they may have close to the cell
+    std::vector<Polygon> m_nextRows;      ///< where they meet: as close to the cell as their metal may be
     std::vector<std::vector<Cut>> m_cuts; ///< [polygon]
     Graph m_graph;
     std::vector<std::vector<Close>> m_close; ///< [part] those that are closer than the distance

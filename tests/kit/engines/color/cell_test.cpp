@@ -134,6 +134,7 @@ TEST(KitColorRowsMeet, LeastDepthIsThatOfMetalButRails)
     EXPECT_EQ(kit::color::leastDepthOf({sorted(macro(1900, pins))}), 150);
     EXPECT_EQ(kit::color::leastDepthOf({sorted(macro(1900, pins)), metal(190, {{{0, 500, 90, 1290}}})}), 110);
     EXPECT_EQ(kit::color::leastDepthOf({metal(190, {{{0, -40, 90, 600}}})}), -40);
+    EXPECT_EQ(kit::color::leastDepthOf({metal(190, {})}), 0);
 }
 
 /// How cells are coloured where the next row may have metal 90 from its edge.
