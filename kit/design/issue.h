@@ -91,6 +91,7 @@ struct Issue {
     int32_t component = -1; ///< index as in Design::component(), -1 if it is about none
     int32_t other = -1;     ///< the other cell of a pair, -1 if there is none
     std::string what{};     ///< what is wrong; empty for pairs but those with a macro
+    std::string reason{};   ///< of conflicts across rows: why it is left, where that is known
     double distance = 0;    ///< of conflicts: least distance of two shapes, library coordinates
     int32_t shapePairs = 0; ///< of conflicts: pairs of shapes that are too close
     int32_t mask = -1;      ///< of conflicts: mask of the two closest shapes

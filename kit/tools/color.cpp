@@ -34,6 +34,8 @@ void addRules(const Command& command, Settings& settings)
                  "write the least bad solutions of a cell that has none without conflicts");
     command.flag("--rails-conflict", settings.rules.railsConflict,
                  "keep metal near rails off mask 0, in every cell that can be coloured so");
+    command.flag("--rows-meet", settings.rules.rowsMeet,
+                 "keep metal near the bottom and the top on masks that no row shares with the next");
 }
 
 } // namespace

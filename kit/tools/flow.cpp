@@ -44,6 +44,8 @@ void addFiles(const Command& command, Options& options)
                  "take the least bad colouring of a cell that has no good one");
     command.flag("--rails-conflict", options.railsConflict,
                  "keep metal near rails off mask 0, in every cell that can be coloured so");
+    command.flag("--rows-meet", options.rowsMeet,
+                 "color, place and verify so that cells in different rows do not conflict");
     command.flag("--no-fill", options.noFill, "put no fillers into the gaps of a DEF file that has some");
     command.flag("--keep", options.keep, "keep all files in between, in OUT.flow");
     command.flag("--force", options.force, "replace earlier results");

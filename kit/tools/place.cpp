@@ -30,6 +30,8 @@ void addFileOptions(const Command& command, Options& options)
     command.add("-o,--output", options.out, "path of the result files without extension").required();
     command.flag("--true-orientation", options.trueOrientation,
                  "take mirrored cells as they lie; the placer takes them as they are drawn");
+    command.flag("--rows-meet", options.rowsMeet,
+                 "exchange masks 1 and 2 in every second row; for colours of `color --rows-meet`");
     command.flag("--rescue", options.rescue, "find places for the cells that the placer leaves without one");
     command.flag("--force", options.force, "replace earlier results");
     command.flag("--quiet", options.quiet, "no progress line");

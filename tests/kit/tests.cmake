@@ -19,6 +19,7 @@ vireloce_test(kit SHARDS 8
     kit/design/frame_test.cpp
     kit/design/nameMap_test.cpp
     kit/design/pinOffsets_test.cpp
+    kit/design/rowKinds_test.cpp
     kit/engines/color/cell_test.cpp
     kit/engines/color/command_test.cpp
     kit/engines/color/cuts_test.cpp
@@ -51,6 +52,7 @@ vireloce_test(kit SHARDS 8
     kit/engines/place/fixed_test.cpp
     kit/engines/place/place_test.cpp
     kit/engines/place/progressLine_test.cpp
+    kit/engines/place/rowsMeet_test.cpp
     kit/engines/verify/command_test.cpp
     kit/engines/verify/conflict_test.cpp
     kit/engines/verify/fixed_test.cpp

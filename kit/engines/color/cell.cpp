@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "kit/base/text/text.h"
+#include "kit/design/rowKinds.h"
 #include "kit/engines/color/grid.h"
 #include "kit/geometry/sets.h"
 
@@ -177,6 +178,46 @@ private:
     placer::Cell m_cell;
 };
 
+/// A search by some rules.
+struct Attempt {
+    Rules rules;
+    Graph graph;
+    Colourings found{Outcome::NONE, {}};
+};
+
+/// The first search that finds something, or the last. What a cell cannot have is given up: the rails first,
+/// then the next rows.
+Attempt firstFound(const CellMetal& metal, const Rules& wanted, int32_t bottom, const Limits& limits)
+{
+    Attempt attempt;
+    for (const bool rowsMeet : {true, false}) {
+        for (const bool railsConflict : {true, false}) {
+            const bool isAsked = (wanted.rowsMeet || !rowsMeet) && (wanted.railsConflict || !railsConflict);
+            if (!isAsked || attempt.found.outcome == Outcome::FOUND) {
+                continue;
+            }
+            attempt.rules = wanted;
+            attempt.rules.rowsMeet = rowsMeet;
+            attempt.rules.railsConflict = railsConflict;
+            attempt.graph = graphOf(metal, attempt.rules, bottom);
+            attempt.found = colouringsOf(attempt.graph, attempt.rules, limits);
+        }
+    }
+    return attempt;
+}
+
+/// Adds the solutions for every second row.
+void addOtherRows(ColouredCell& cell)
+{
+    std::vector<placer::Solution>& solutions = cell.file->solutions;
+    const size_t count = solutions.size();
+    for (size_t i = 0; i < count; ++i) {
+        solutions.push_back(placer::Solution(solutions[i]));
+        design::exchangeMasks(solutions.back().masks);
+        cell.conflicts.push_back(std::vector(cell.conflicts[i]));
+    }
+}
+
 } // namespace
 
 std::string distanceText(int64_t squared)
@@ -238,6 +279,19 @@ int32_t bottomOf(const std::vector<CellMetal>& cells)
     return bottom;
 }
 
+int32_t leastDepthOf(const std::vector<CellMetal>& cells)
+{
+    int32_t least = Rules::NONE;
+    for (const CellMetal& cell : cells) {
+        for (const Polygon& polygon : cell.polygons) {
+            for (const Rect& rect : polygon.rects) {
+                least = std::min({least, rect.yl, cell.height - rect.yh});
+            }
+        }
+    }
+    return least == Rules::NONE ? 0 : least;
+}
+
 std::vector<placer::Shape> railsOf(const CellMetal& metal, int32_t bottom)
 {
     const Rect anchor{0, bottom, 0, std::max(-bottom, 1)};
@@ -264,29 +318,28 @@ std::vector<placer::Shape> railsOf(const CellMetal& metal, int32_t bottom)
 
 ColouredCell colour(const CellMetal& metal, const Settings& settings, int32_t bottom)
 {
-    Rules rules = settings.rules;
-    Graph graph = graphOf(metal, rules, bottom);
-    Colourings found = colouringsOf(graph, rules, settings.limits);
-    if (rules.railsConflict && found.outcome != Outcome::FOUND) {
-        rules.railsConflict = false;
-        graph = graphOf(metal, rules, bottom);
-        found = colouringsOf(graph, rules, settings.limits);
-    }
-    const bool isClearOfRails = rules.railsConflict;
+    Attempt attempt = firstFound(metal, settings.rules, bottom, settings.limits);
+    const bool isClearOfRails = attempt.rules.railsConflict;
     std::optional<Trouble> trouble;
-    if (found.outcome == Outcome::NONE) {
-        trouble = explain(metal, graph, rules, bottom, settings.limits);
+    if (attempt.found.outcome == Outcome::NONE) {
+        trouble = explain(metal, attempt.graph, attempt.rules, bottom, settings.limits);
         if (settings.allowConflicts) {
+            Rules rules = settings.rules;
+            rules.railsConflict = false;
             rules.bearable = trouble->goodDistance;
-            graph = graphOf(metal, rules, bottom);
-            found = colouringsOf(graph, rules, settings.limits);
+            attempt = firstFound(metal, rules, bottom, settings.limits);
         }
     }
     ColouredCell result;
-    if (found.outcome == Outcome::FOUND) {
-        result = Assembly(metal, graph, chosen(found.all, settings.mostSolutions), bottom).run();
+    if (attempt.found.outcome == Outcome::FOUND) {
+        result =
+            Assembly(metal, attempt.graph, chosen(attempt.found.all, settings.mostSolutions), bottom).run();
+        result.meetsRows = attempt.rules.rowsMeet;
+        if (settings.rules.rowsMeet) {
+            addOtherRows(result);
+        }
     }
-    result.tooLarge = found.outcome == Outcome::TOO_LARGE;
+    result.tooLarge = attempt.found.outcome == Outcome::TOO_LARGE;
     result.isClearOfRails = isClearOfRails;
     result.trouble = std::move(trouble);
     return result;

@@ -65,17 +65,25 @@ struct ColouredCell {
     std::optional<Trouble> trouble;   ///< why it cannot be coloured without conflicts
     bool tooLarge = false;            ///< the search was given up
     bool isClearOfRails = false; ///< rails conflict with nothing; only told where Rules::railsConflict asks
+    bool meetsRows = false;      ///< no row need conflict with the next; only told where Rules::rowsMeet asks
     std::vector<std::string> shapeNames;              ///< [shape of the file] net
     std::vector<std::vector<LeftConflict>> conflicts; ///< [solution of the file]
 };
 
 /// Colours a cell.
 ///
+/// Where rows meet, each solution has a second one behind all of them, with masks 1 and 2 exchanged: it is
+/// for every second row. So metal near the next row is on mask 1 in one row and on mask 2 in the next.
+///
 /// @param bottom  lowest metal in all cells of the library, at most 0
 ColouredCell colour(const CellMetal& metal, const Settings& settings, int32_t bottom);
 
 /// The lowest metal of some cells, at most 0.
 int32_t bottomOf(const std::vector<CellMetal>& cells);
+
+/// How far metal but rails is at least from the bottom and the top edge of some cells: less than 0 beyond
+/// them, 0 if there is none.
+int32_t leastDepthOf(const std::vector<CellMetal>& cells);
 
 /// The rails as shapes of the file, with what the placer needs to read the cell right.
 ///

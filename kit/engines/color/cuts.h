@@ -25,6 +25,8 @@ struct Rules {
     int32_t stitchOverlap = 0;  ///< by how much two masks overlap at a stitch, library coordinates
     int32_t bearable = NONE;    ///< conflicts of this distance or more may be left; NONE: none may
     bool railsConflict = false; ///< rails are metal of mask 0 like any other
+    bool rowsMeet = false;      ///< metal that the next row may have metal close to has mask 1
+    int32_t leastDepth = 0;     ///< of metal but rails from the bottom and top edges, over the library
 
     static constexpr int32_t NONE = std::numeric_limits<int32_t>::max();
 

@@ -47,7 +47,8 @@ bool isSupply(const LefPin& pin)
 /// Builds the metal of a cell.
 class Sorter {
 public:
-    Sorter(const LefMacro& macro, const Scale& scale) : m_macro(macro), m_scale(scale)
+    Sorter(const LefMacro& macro, const Scale& scale, Rails rails)
+        : m_macro(macro), m_scale(scale), m_whichRails(rails)
     {
         m_metal.name = macro.name;
         m_metal.width = toUnits(macro.width);
@@ -158,21 +159,43 @@ private:
     int32_t railPlace(const std::vector<size_t>& group, size_t net) const
     {
         constexpr int32_t NOT_A_RAIL = 3;
+        const auto isAtBottom = [](const geometry::Rect& piece) { return piece.yl <= 0; };
+        const auto isAtTop = [this](const geometry::Rect& piece) { return piece.yh >= m_macro.height; };
         if (net >= m_macro.pins.size() || !isSupply(m_macro.pins[net])) {
-            return NOT_A_RAIL;
+            const bool asked = m_whichRails == Rails::ALONG_EDGE;
+            return asked && coverWidth(group, isAtBottom) ? 1
+                   : asked && coverWidth(group, isAtTop)  ? 2
+                                                          : NOT_A_RAIL;
         }
         const auto any = [&](auto test) {
             return std::ranges::any_of(group, [&](size_t i) { return test(m_pieces[i].rect); });
         };
-        if (any([](const geometry::Rect& piece) { return piece.yl <= 0; })) {
+        if (any(isAtBottom)) {
             return 1;
         }
-        if (any([this](const geometry::Rect& piece) { return piece.yh >= m_macro.height; })) {
+        if (any(isAtTop)) {
             return 2;
         }
         const bool across = any([](const geometry::Rect& piece) { return piece.xl <= 0; }) &&
                             any([this](const geometry::Rect& piece) { return piece.xh >= m_macro.width; });
         return across ? 0 : NOT_A_RAIL;
+    }
+
+    /// Whether some pieces of a group together reach from the cell's left edge to its right.
+    bool coverWidth(const std::vector<size_t>& group, auto isWanted) const
+    {
+        std::vector<std::pair<Length, Length>> ranges;
+        for (const size_t i : group) {
+            if (isWanted(m_pieces[i].rect)) {
+                ranges.emplace_back(m_pieces[i].rect.xl, m_pieces[i].rect.xh);
+            }
+        }
+        std::ranges::sort(ranges);
+        Length end = 0;
+        for (const auto& [begin, next] : ranges) {
+            end = begin <= end ? std::max(end, next) : end;
+        }
+        return !ranges.empty() && end >= m_macro.width;
     }
 
     void add(const std::vector<size_t>& group, size_t net)
@@ -219,6 +242,7 @@ private:
 
     const LefMacro& m_macro;
     const Scale& m_scale;
+    Rails m_whichRails;
     CellMetal m_metal;
     std::vector<Piece> m_pieces;
     std::map<std::pair<size_t, int32_t>, std::vector<Rect>> m_rails; ///< by net and place
@@ -245,9 +269,9 @@ std::string textOf(const Rect& rect)
            std::to_string(rect.yh);
 }
 
-CellMetal metalOf(const LefMacro& macro, const Scale& scale)
+CellMetal metalOf(const LefMacro& macro, const Scale& scale, Rails rails)
 {
-    return Sorter(macro, scale).run();
+    return Sorter(macro, scale, rails).run();
 }
 
 } // namespace kit::color

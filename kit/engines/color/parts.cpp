@@ -14,6 +14,7 @@ namespace kit::color {
 namespace {
 
 constexpr uint8_t NOT_MASK_0 = 6;
+constexpr uint8_t ONLY_MASK_1 = 2;
 
 /// Builds the graph of a cell.
 class Builder {
@@ -21,6 +22,12 @@ public:
     Builder(const CellMetal& metal, const Rules& rules, int32_t bottom)
         : m_metal(metal), m_rules(rules), m_bottom(bottom), m_cuts(metal.polygons.size())
     {
+        if (rules.rowsMeet) {
+            const int32_t below = -rules.leastDepth;
+            const int32_t above = metal.height + rules.leastDepth;
+            m_nextRows = {{.rects = {{0, below - 1, metal.width, below}}},
+                          {.rects = {{0, above, metal.width, above + 1}}}};
+        }
     }
 
     Graph run()
@@ -59,6 +66,9 @@ private:
                 others.push_back(&rail);
             }
         }
+        for (const Polygon& row : m_nextRows) {
+            others.push_back(&row);
+        }
         return others;
     }
 
@@ -75,9 +85,12 @@ private:
                 part.atSide =
                     part.atSide || rect.xl < m_rules.distance || m_metal.width - rect.xh < m_rules.distance;
             }
-            part.atRail = isNearRail(rects);
+            part.atRail = isNear(m_metal.rails, rects);
             if (part.atRail && m_rules.railsConflict) {
                 part.masks = NOT_MASK_0;
+            }
+            if (isNear(m_nextRows, rects)) {
+                part.masks = ONLY_MASK_1;
             }
             m_graph.parts.push_back(std::move(part));
         }
@@ -87,10 +100,10 @@ private:
         }
     }
 
-    bool isNearRail(const std::vector<Rect>& rects) const
+    bool isNear(const std::vector<Polygon>& polygons, const std::vector<Rect>& rects) const
     {
-        return std::ranges::any_of(m_metal.rails, [&](const Polygon& rail) {
-            return design::closestOf(rail.rects, rects).squared <
+        return std::ranges::any_of(polygons, [&](const Polygon& polygon) {
+            return design::closestOf(polygon.rects, rects).squared <
                    int64_t{m_rules.distance} * m_rules.distance;
         });
     }
@@ -201,6 +214,7 @@ private:
     const CellMetal& m_metal;
     const Rules& m_rules;
     int32_t m_bottom;
+    std::vector<Polygon> m_nextRows;      ///< where they meet: as close to the cell as their metal may be
     std::vector<std::vector<Cut>> m_cuts; ///< [polygon]
     Graph m_graph;
     std::vector<std::vector<Close>> m_close; ///< [part] those that are closer than the distance

@@ -52,7 +52,8 @@ struct Graph {
 /// The graph of a cell with its possible stitches.
 ///
 /// A part that reaches the cell's bottom or top may not have mask 0, or the placer would take it for a rail.
-/// Where rails conflict, nor may a part within the distance of a rail.
+/// Where rails conflict, nor may a part within the distance of a rail. Where rows meet, a part that the next
+/// row may have metal too close to has mask 1.
 /// A part at the end of a polygon that has nothing close but what the part it hangs on has, and that no
 /// neighbour of the cell sees, is left joined: parting it gains nothing.
 ///

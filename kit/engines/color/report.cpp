@@ -283,8 +283,10 @@ void writeSummary(const Result& result, const Options& options, std::ostream& ou
     size_t files = 0;
     size_t bad = 0;
     size_t clear = 0;
+    size_t meeting = 0;
     for (const ColouredCell& cell : result.colours) {
         clear += cell.isClearOfRails ? 1 : 0;
+        meeting += cell.meetsRows ? 1 : 0;
         bad += cell.trouble || cell.tooLarge ? 1 : 0;
         files += cell.file ? 1 : 0;
         if (cell.file) {
@@ -299,15 +301,18 @@ void writeSummary(const Result& result, const Options& options, std::ostream& ou
         design::Distance::text(options.settings.rules.distance, result.selection.site.width);
     const std::string without =
         counted(static_cast<int64_t>(bad), "cell") + " without a colouring free of conflicts";
-    const bool railsConflict = options.settings.rules.railsConflict;
+    const Rules& rules = options.settings.rules;
     if (options.json) {
         Json summary{{"schema", 1},
                      {"summary", cells + "; " + without},
                      {"cells", result.colours.size()},
                      {"files", files},
                      {"without_coloring", bad}};
-        if (railsConflict) {
+        if (rules.railsConflict) {
             summary["clear_of_rails"] = clear;
+        }
+        if (rules.rowsMeet) {
+            summary["rows_meet"] = meeting;
         }
         out << summary << std::endl;
         return;
@@ -316,8 +321,12 @@ void writeSummary(const Result& result, const Options& options, std::ostream& ou
     writeHistogram(solutions, "solutions", out);
     writeHistogram(stitches, "stitches", out);
     out << '\n' << without << '\n';
-    if (railsConflict) {
+    if (rules.railsConflict) {
         out << counted(static_cast<int64_t>(clear), "cell") << " with all metal near rails off mask 0\n";
+    }
+    if (rules.rowsMeet) {
+        out << counted(static_cast<int64_t>(meeting), "cell")
+            << " with all metal near the next rows on mask 1\n";
     }
     writeTroubles(result, out);
     std::ostringstream seconds; // the stream's own format stays as it is

@@ -134,7 +134,10 @@ std::string pathOf(const Options& options, const std::string& cell, const char* 
 /// Reads the metal of the cells, and says what is wrong with it.
 class MetalReader {
 public:
-    MetalReader(const Library& library, Result& result) : m_library(library), m_result(result) {}
+    MetalReader(const Library& library, Rails rails, Result& result)
+        : m_library(library), m_rails(rails), m_result(result)
+    {
+    }
 
     void run()
     {
@@ -151,7 +154,7 @@ private:
             if (!isFileName(macro.name)) {
                 throw CellFault("its name cannot be that of a file");
             }
-            CellMetal metal = metalOf(macro, Scale(m_result.selection.site.width));
+            CellMetal metal = metalOf(macro, Scale(m_result.selection.site.width), m_rails);
             tellOddities(macro, metal, reporter);
             m_result.metal.push_back(std::move(metal));
         } catch (const CellFault& fault) {
@@ -198,6 +201,7 @@ private:
     }
 
     const Library& m_library;
+    Rails m_rails;
     Result& m_result;
     bool m_inexactTold = false;
     bool m_masksTold = false;
@@ -243,7 +247,9 @@ void tellTroubles(const Options& options, const Library& library, Result& result
     for (size_t i = 0; i < result.colours.size(); ++i) {
         const ColouredCell& cell = result.colours[i];
         const bool isBad = cell.trouble || cell.tooLarge;
-        if (!isBad && (cell.isClearOfRails || !options.settings.rules.railsConflict)) {
+        const bool isNearRail = !isBad && options.settings.rules.railsConflict && !cell.isClearOfRails;
+        const bool isNearRow = cell.file && options.settings.rules.rowsMeet && !cell.meetsRows;
+        if (!isBad && !isNearRail && !isNearRow) {
             continue;
         }
         const auto macro = std::ranges::find_if(result.selection.cells, [&](const LefMacro* other) {
@@ -255,10 +261,16 @@ void tellTroubles(const Options& options, const Library& library, Result& result
                 cell.file ? Severity::WARNING : Severity::ERROR,
                 cell.tooLarge ? "too-intricate" : "no-coloring", (*macro)->offset,
                 troubleText(result.metal[i], cell, options.settings.rules, result.selection.site.width), "");
-        } else {
+        }
+        if (isNearRail) {
             reporter.add(Severity::NOTE, "near-rail", (*macro)->offset,
                          (*macro)->name + " has no colouring that keeps all metal near its rails off mask 0",
                          "");
+        }
+        if (isNearRow) {
+            reporter.add(
+                Severity::NOTE, "near-row", (*macro)->offset,
+                (*macro)->name + " has no colouring that keeps all metal near the next rows on mask 1", "");
         }
     }
 }
@@ -372,10 +384,12 @@ int run(Options options)
     result.selection = selectCells(library, listed, options.site, result.findings);
     options.layer = library.lef.layer;
     options.settings.rules.distance = options.minDist.unitsOn(result.selection.site.width);
-    MetalReader(library, result).run();
+    const bool rowsMeet = options.settings.rules.rowsMeet;
+    MetalReader(library, rowsMeet ? Rails::ALONG_EDGE : Rails::SUPPLY, result).run();
     checkOutputsOf(options, result.metal);
     makeFolder(options.outDir);
     const bool errors = hasErrors(result.findings);
+    options.settings.rules.leastDepth = leastDepthOf(result.metal);
     result.colours = colourAll(result.metal, options.settings, bottomOf(result.metal), options.jobs);
     writeFiles(options, result);
     tellTroubles(options, library, result);

@@ -48,7 +48,8 @@ Judgement judge(const Options& options, int32_t minDist, const OutputSet& files)
                                           .fixed = fixed,
                                           .cellDir = options.cellPath,
                                           .cells = options.base + ".cells"});
-        for (const design::Issue& issue : verify::judge(input, {.minDist = minDist})) {
+        for (const design::Issue& issue :
+             verify::judge(input, {.minDist = minDist, .acrossRows = options.rowsMeet})) {
             const bool isError = severityOf(issue) == Severity::ERROR;
             judgement.errors += isError ? 1 : 0;
             judgement.notes += isError ? 0 : 1;

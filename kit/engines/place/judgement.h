@@ -22,7 +22,8 @@ struct Judgement {
 };
 
 /// Judges OUT.place with OUT.colors, which need not have their names yet. The placer's own count of conflicts
-/// follows its spacing rules, which take mirrored cells as unmirrored; this one is of the shapes as they lie.
+/// follows its spacing rules, which take mirrored cells as unmirrored; this one is of the shapes as they lie,
+/// where rows meet across them as well.
 ///
 /// @param minDist  distance that shapes of one mask need, library coordinates
 /// @param files    has both

@@ -22,6 +22,7 @@ struct Options {
     std::optional<int32_t> moveRange;        ///< move range of the local shift program, sites
     std::optional<double> weight;            ///< cost of a site of wirelength against a stitch
     bool trueOrientation = false;            ///< take turned cells as they lie
+    bool rowsMeet = false;                   ///< exchange masks 1 and 2 in every second row
     bool rescue = false;                     ///< find places for the cells that the placer left without one
     bool force = false;                      ///< replace earlier results
     bool quiet = false;                      ///< no progress line

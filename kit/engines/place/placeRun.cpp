@@ -13,6 +13,7 @@
 #include "kit/base/text/escape.h"
 #include "kit/design/fixedCells.h"
 #include "kit/design/nameMap.h"
+#include "kit/engines/place/firstKinds.h"
 #include "kit/engines/place/fixedSolutions.h"
 #include "kit/engines/place/judgement.h"
 #include "kit/engines/place/placementText.h"
@@ -50,15 +51,22 @@ vireloce::PlaceOptions beginReport(const Options& options)
 /// Looks on while the placer runs, and writes what comes out.
 class KeptRun {
 public:
-    explicit KeptRun(const Options& options) : m_options(options), m_line(options.quiet) {}
+    explicit KeptRun(const Options& options) : m_options(options), m_seen(options), m_line(options.quiet) {}
 
     int run()
     {
         const auto begin = std::chrono::steady_clock::now();
         vireloce::PlaceOptions options = beginReport(m_options);
         m_minDist = options.parameters.minDist;
+        if (m_options.rowsMeet) {
+            m_firstKinds = FirstKinds::of(m_options);
+        }
+        if (m_firstKinds) {
+            m_seen.cellPath = m_firstKinds->path();
+            options.cellPath = m_seen.cellPath;
+        }
         if (m_options.trueOrientation || std::filesystem::exists(m_options.base + FIXED)) {
-            m_copy = PlacerCopy::of(m_options, m_minDist);
+            m_copy = PlacerCopy::of(m_seen, m_minDist);
         }
         if (m_copy) {
             options.placePath = m_copy->base();
@@ -156,7 +164,9 @@ private:
             chosen = chooseIn(design, chooser, placed);
         }
         for (size_t i = 0; i < parts.cells.size() && i < chosen.fixed.size(); ++i) {
-            parts.cells[i].solution = chosen.fixed[i];
+            design::FixedCell& cell = parts.cells[i];
+            cell.solution = m_firstKinds ? m_firstKinds->solutionAt(cell.master, chosen.fixed[i], cell.y)
+                                         : chosen.fixed[i];
         }
         m_files.add(m_options.out + FIXED, [&parts](OutputFile& out) { writeFixed(parts, out); });
         int64_t changed = 0;
@@ -193,13 +203,13 @@ private:
     {
         Findings told; // by the judge
         placer::Design placed;
-        placer::readLibrary(m_options.base + ".cells", m_options.cellPath, placed, told);
+        placer::readLibrary(m_options.base + ".cells", m_seen.cellPath, placed, told);
         placer::readPlacement(m_options.base + ".place", placed, told);
         for (const WiderMacro& wider : m_copy ? m_copy->wider() : std::vector<WiderMacro>()) {
             placed.macros[static_cast<size_t>(wider.macro)].x = wider.x;
             placed.macros[static_cast<size_t>(wider.macro)].width = wider.width;
         }
-        design::addFixed(parts, m_options.cellPath, placed, told);
+        design::addFixed(parts, m_seen.cellPath, placed, told);
         return placed;
     }
 
@@ -262,6 +272,16 @@ private:
         return records;
     }
 
+    /// The colours as the result has them.
+    std::vector<placer::ColorRecord> finalColorsOf(const Design& design) const
+    {
+        std::vector<placer::ColorRecord> records = colorsOf(design);
+        for (size_t i = 0; i < records.size() && m_firstKinds; ++i) {
+            m_firstKinds->settle(records[i], design.components[i]->y);
+        }
+        return records;
+    }
+
     void writePlacement(const Design& design, OutputFile& out) const
     {
         const auto changesOf = [&design](size_t index, RecordChanges& changes) {
@@ -275,7 +295,7 @@ private:
     {
         m_files.add(m_options.out + ".place", [&](OutputFile& out) { writePlacement(design, out); });
         m_files.add(m_options.out + ".colors",
-                    [&](OutputFile& out) { placer::writeColors(colorsOf(design), out); });
+                    [&](OutputFile& out) { placer::writeColors(finalColorsOf(design), out); });
         for (const char* extension : COPIED) {
             m_files.addCopy(m_options.out + extension, m_options.base + extension);
         }
@@ -293,9 +313,11 @@ private:
     }
 
     const Options& m_options;
+    Options m_seen; ///< with the colour files that the run sees
     ProgressLine m_line;
-    std::unique_ptr<PlacerCopy> m_copy; ///< what the placer gets, if not the design itself
-    std::vector<Point> m_start;         ///< [component] positions before the placement
+    std::unique_ptr<FirstKinds> m_firstKinds; ///< those, if rows meet
+    std::unique_ptr<PlacerCopy> m_copy;       ///< what the placer gets, if not the design itself
+    std::vector<Point> m_start;               ///< [component] positions before the placement
     Json m_placement;
     Json m_rescue;
     Json m_fixed;          ///< null if nothing stays where it is

@@ -68,6 +68,9 @@ Json optionsJson(const Options& options, int32_t minDist)
     addGiven("weight", options.weight);
     json["true_orientation"] = options.trueOrientation;
     json["rescue"] = options.rescue;
+    if (options.rowsMeet) {
+        json["rows_meet"] = true;
+    }
     return json;
 }
 

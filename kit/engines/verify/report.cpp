@@ -205,7 +205,7 @@ std::string textOf(const design::Issue& issue, const placer::Design& design, con
     }
     return pair + " have shapes of mask " + std::to_string(issue.mask) + " " + rounded(issue.distance) +
            " apart, " + minDist + " are needed; " + counted(issue.shapePairs, "pair") +
-           " of shapes too close";
+           " of shapes too close" + (issue.reason.empty() ? "" : "; " + issue.reason);
 }
 
 std::string summaryOf(const design::ColoredPlacement& input, const design::Issues& issues)

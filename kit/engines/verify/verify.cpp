@@ -8,6 +8,7 @@
 #include "kit/base/fault.h"
 #include "kit/base/text/text.h"
 #include "kit/design/nameMap.h"
+#include "kit/design/rowKinds.h"
 #include "kit/design/standing.h"
 #include "kit/engines/verify/checks.h"
 #include "kit/formats/placer/design.h"
@@ -330,6 +331,51 @@ private:
     design::Issue m_closestToRail; ///< of those pairs
 };
 
+/// Tells of conflicts across rows why they are left, in a design that is coloured for rows that meet.
+class RowReasons {
+public:
+    explicit RowReasons(const placer::Design& design) : m_design(design), m_kinds(design.rows) {}
+
+    void tell(design::Issues& issues) const
+    {
+        const bool coloured = std::ranges::all_of(m_design.cells, [](const placer::Cell& cell) {
+            return cell.solutions.empty() || design::isPaired(cell);
+        });
+        for (design::Issue& issue : issues) {
+            if (coloured && issue.kind == design::Kind::ROW_CONFLICT) {
+                issue.reason = reasonOf(issue);
+            }
+        }
+    }
+
+private:
+    std::string reasonOf(const design::Issue& issue) const
+    {
+        const std::string first = faultOf(issue.component, issue.mask);
+        const std::string second = faultOf(issue.other, issue.mask);
+        if (first.empty() && second.empty()) {
+            return "both rows have metal near the next rows on mask " + std::to_string(issue.mask);
+        }
+        return first + (first.empty() || second.empty() ? "" : "; ") + second;
+    }
+
+    /// What is wrong with a component that has metal of a mask near another row; nothing if it should have.
+    std::string faultOf(int32_t component, int32_t mask) const
+    {
+        const placer::Component& comp = m_design.component(component);
+        if (comp.cell < 0) {
+            return comp.name + " is a macro, whose metal counts as all masks";
+        }
+        const int32_t wanted = m_kinds.isOther(comp.y) ? 2 : 1;
+        return mask == wanted ? ""
+                              : comp.cellName + " has metal near the next rows on other masks than " +
+                                    std::to_string(wanted) + ", that of its row";
+    }
+
+    const placer::Design& m_design;
+    design::RowKinds m_kinds;
+};
+
 /// The scale of a design; without rows that of the library.
 design::Scale scaleOf(const placer::Design& design)
 {
@@ -378,6 +424,7 @@ design::Issues judge(const design::ColoredPlacement& input, const Rules& rules)
     const design::Layout layout(input.design, matching, scale);
     checkMacros(input.design, layout, issues);
     checkPairs(input.design, layout, scale, rules, issues);
+    RowReasons(input.design).tell(issues);
     checkFixed(input, issues);
     return issues;
 }

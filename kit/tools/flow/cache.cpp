@@ -48,7 +48,7 @@ std::string cachedFolder(const Options& options, const std::string& site,
     for (const std::string& option :
          {version, options.layer, site, options.minDist ? options.minDist->given() : "",
           numberText(options.maxSolutions), std::string(options.allowConflicts ? "conflicts" : ""),
-          std::string(options.railsConflict ? "rails" : "")}) {
+          std::string(options.railsConflict ? "rails" : ""), std::string(options.rowsMeet ? "rows" : "")}) {
         hash.add(option);
         hash.add(std::string_view("\0", 1)); // "a" and "bc" are not "ab" and "c"
     }

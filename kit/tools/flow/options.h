@@ -30,6 +30,7 @@ struct Options {
     bool legalize = false;                   ///< put cells without a legal place on free sites
     bool allowConflicts = false;             ///< take the least bad colouring of a cell that has no good one
     bool railsConflict = false; ///< keep metal near rails off mask 0, in cells that can be coloured so
+    bool rowsMeet = false;      ///< keep metal of one mask in different rows apart
     bool noFill = false;        ///< leave gaps without fillers
     bool keep = false;          ///< keep all files in between
     bool force = false;         ///< replace earlier results

@@ -112,6 +112,9 @@ Step colorStep(const Options& options, const Places& places, const std::string& 
     if (options.railsConflict) {
         words.emplace_back("--rails-conflict");
     }
+    if (options.rowsMeet) {
+        words.emplace_back("--rows-meet");
+    }
     // Statuses 1 and 2 are those of cells that cannot be coloured; flow names the ones that it needs.
     return {.name = "color",
             .words = words,
@@ -134,6 +137,9 @@ Step placeStep(const Options& options, const Places& places)
     if (!options.asDrawn) {
         words.emplace_back("--true-orientation");
     }
+    if (options.rowsMeet) {
+        words.emplace_back("--rows-meet");
+    }
     addDistance(words, options);
     addGiven(words, "--algo", options.algo);
     addGiven(words, "--weight", options.weight);
@@ -153,6 +159,9 @@ Step verifyStep(const Options& options, const Places& places)
     Words words{"verify",      places.placed + ".place", "--colors", places.placed + ".colors",
                 "--cell-path", places.cellDir,           "--lyrdb",  markers,
                 "--json"};
+    if (options.rowsMeet) {
+        words.emplace_back("--across-rows");
+    }
     addDistance(words, options);
     return {.name = "verify",
             .words = words,

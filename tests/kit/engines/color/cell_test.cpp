@@ -3,7 +3,9 @@
 #include "kit/engines/color/cell.h"
 
 #include <map>
+#include <set>
 
+#include "kit/design/rowKinds.h"
 #include "kit/engines/color/cuts.h"
 #include "kit/engines/color/judge.h"
 #include "kit/engines/color/smallCell.h"
@@ -122,6 +124,103 @@ TEST(KitColorCell, RailsThatConflictMayBeAStitchAway)
     };
     EXPECT_EQ(stitchesOf(false), 0);
     EXPECT_EQ(stitchesOf(true), 1);
+}
+
+TEST(KitColorRowsMeet, LeastDepthIsThatOfMetalButRails)
+{
+    std::vector<LefPin> pins = rails(1900);
+    pins.push_back(pin("A", {rectShape(800, 150, 870, 1250)}));
+    EXPECT_EQ(kit::color::leastDepthOf({sorted(macro(1900, pins))}), 150);
+    EXPECT_EQ(kit::color::leastDepthOf({sorted(macro(1900, pins)), metal(190, {{{0, 500, 90, 1290}}})}), 110);
+    EXPECT_EQ(kit::color::leastDepthOf({metal(190, {{{0, -40, 90, 600}}})}), -40);
+    EXPECT_EQ(kit::color::leastDepthOf({metal(190, {})}), 0);
+}
+
+/// How cells are coloured where the next row may have metal 90 from its edge.
+Settings meetingRows()
+{
+    Settings settings;
+    settings.rules.rowsMeet = true;
+    settings.rules.leastDepth = 90;
+    return settings;
+}
+
+TEST(KitColorRowsMeet, MetalNearTheNextRowHasMask1InOneKindOfRowsAndMask2InTheOther)
+{
+    const CellMetal cell =
+        metal(1900, {{{800, 94, 870, 300}}, {{800, 1000, 870, 1306}}, {{800, 500, 870, 800}}});
+    const ColouredCell found = coloured(cell, meetingRows());
+    ASSERT_TRUE(found.file);
+    EXPECT_TRUE(found.meetsRows);
+    EXPECT_TRUE(kit::design::isPaired(*found.file));
+    const std::vector<kit::placer::Solution>& solutions = found.file->solutions;
+    for (size_t i = 0; i < solutions.size(); ++i) {
+        const int32_t mask = i < solutions.size() / 2 ? 1 : 2;
+        EXPECT_EQ(solutions[i].masks[1], mask);
+        EXPECT_EQ(solutions[i].masks[2], mask);
+    }
+    EXPECT_EQ(found.conflicts.size(), solutions.size());
+}
+
+TEST(KitColorRowsMeet, MetalThatIsFarEnoughHasAnyMask)
+{
+    const ColouredCell found = coloured(metal(190, {{{60, 95, 130, 1305}}}), meetingRows());
+    ASSERT_TRUE(found.file);
+    EXPECT_TRUE(found.meetsRows);
+    std::set<int32_t> masks;
+    for (size_t i = 0; i < found.file->solutions.size() / 2; ++i) {
+        masks.insert(found.file->solutions[i].masks[1]);
+    }
+    EXPECT_EQ(masks, (std::set<int32_t>{0, 1, 2}));
+}
+
+TEST(KitColorRowsMeet, NearMetalMayBeAStitchAway)
+{
+    // Both ends of the bar would have mask 1: the lower for the row below, but not the upper, as the other
+    // bar has it for the row above.
+    const CellMetal cell = metal(1900, {{{800, 90, 870, 1000}}, {{930, 900, 1000, 1310}}});
+    EXPECT_EQ(coloured(cell).file->solutions.front().stitches, 0);
+    const ColouredCell found = coloured(cell, meetingRows());
+    ASSERT_TRUE(found.file);
+    EXPECT_TRUE(found.meetsRows);
+    EXPECT_EQ(found.file->solutions.front().stitches, 1);
+}
+
+TEST(KitColorRowsMeet, CellThatCannotIsColouredAsUsual)
+{
+    const CellMetal cell = metal(1900, {{{800, 90, 870, 300}}, {{930, 90, 1000, 300}}});
+    const ColouredCell found = coloured(cell, meetingRows());
+    ASSERT_TRUE(found.file);
+    EXPECT_FALSE(found.meetsRows);
+    EXPECT_FALSE(found.trouble);
+    EXPECT_TRUE(kit::design::isPaired(*found.file));
+}
+
+TEST(KitColorRowsMeet, CellWithConflictsInsideKeepsThemFromTheNextRow)
+{
+    CellMetal cell = fourSquares();
+    cell.polygons.push_back({0, {{1500, 90, 1570, 300}}});
+    Settings settings = meetingRows();
+    EXPECT_FALSE(coloured(cell, settings).file);
+    settings.allowConflicts = true;
+    const ColouredCell found = coloured(cell, settings);
+    ASSERT_TRUE(found.file);
+    EXPECT_TRUE(found.trouble);
+    EXPECT_TRUE(found.meetsRows);
+    EXPECT_EQ(found.file->solutions.front().masks.back(), 1);
+}
+
+TEST(KitColorRowsMeet, RailsAreGivenUpFirst)
+{
+    std::vector<LefPin> pins = rails(1900); // three squares near the rail, one of them near the next row
+    pins.push_back(pin("A", {rectShape(800, 94, 850, 350)}));
+    pins.push_back(pin("B", {rectShape(900, 150, 950, 350)}));
+    pins.push_back(pin("C", {rectShape(1000, 150, 1050, 350)}));
+    Settings settings = meetingRows();
+    settings.rules.railsConflict = true;
+    const ColouredCell found = coloured(sorted(macro(1900, pins)), settings);
+    EXPECT_TRUE(found.meetsRows);
+    EXPECT_FALSE(found.isClearOfRails);
 }
 
 struct RailCase {

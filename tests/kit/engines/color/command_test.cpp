@@ -84,6 +84,24 @@ TEST_F(KitColorCommand, SummaryAsJson)
               "colouring free of conflicts");
 }
 
+TEST_F(KitColorCommand, CellsWhoseRowsMeetAreCountedAndTheOthersNamed)
+{
+    const std::string near = "        RECT 0.1 0.05 0.17 0.9 ;\n";
+    const std::string close = "        RECT 0.05 0.05 0.1 0.9 ;\n        RECT 0.2 0.05 0.25 0.9 ;\n";
+    write(SITE + master("INV", near) + master("BUF", close));
+    const KitOutcome outcome = color({"--rows-meet"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_NE(outcome.output.find("\n1 cell with all metal near the next rows on mask 1\n"),
+              std::string::npos)
+        << outcome.output;
+    EXPECT_NE(messageOf(outcome).find(
+                  "note: BUF has no colouring that keeps all metal near the next rows on mask 1\n"),
+              std::string::npos)
+        << outcome.error;
+    EXPECT_EQ(kit::Json::parse(color({"--rows-meet", "--json", "--force"}).output).at("rows_meet"), 1);
+    EXPECT_FALSE(kit::Json::parse(color({"--json", "--force"}).output).contains("rows_meet"));
+}
+
 TEST_F(KitColorCommand, LayerIsFoundIfItIsNotGiven)
 {
     write(SITE + master("INV", BAR));

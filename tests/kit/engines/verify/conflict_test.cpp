@@ -7,6 +7,7 @@
 #include <set>
 #include <tuple>
 
+#include "kit/design/rowKinds.h"
 #include "kit/design/standing.h"
 #include "kit/engines/verify/judged.h"
 #include "kit/geometry/sweep.h"
@@ -456,6 +457,66 @@ Judged nearARail()
     judged.add(0, 0, 0);
     judged.add(1, 2, 0);
     return judged;
+}
+
+/// A cell with a bar at either edge, and a solution of each kind of rows.
+Cell edgeCell(const std::string& name, int32_t lower, int32_t upper)
+{
+    Cell cell =
+        makeCell(name, 190, {{0, 0, 0, 1}, {40, 50, 150, 500}, {40, 900, 150, 1350}}, {0, lower, upper});
+    kit::placer::Solution other = cell.solutions[0];
+    kit::design::exchangeMasks(other.masks);
+    cell.solutions.push_back(other);
+    return cell;
+}
+
+/// The reasons of all conflicts across rows.
+std::string reasonsOf(const Issues& issues)
+{
+    std::string reasons;
+    for (const Issue& issue : issues) {
+        reasons += issue.kind == Kind::ROW_CONFLICT ? issue.reason + "\n" : "";
+    }
+    return reasons;
+}
+
+TEST(KitVerifyRows, ConflictIsTheFaultOfTheCellThatIsNotOnTheMaskOfItsRow)
+{
+    Judged judged({edgeCell("GOOD", 1, 1), edgeCell("BAD", 1, 2)});
+    judged.add(0, 0, 0);
+    judged.add(1, 0, 1);
+    EXPECT_EQ(reasonsOf(judged.judge()),
+              "BAD has metal near the next rows on other masks than 2, that of its row\n");
+}
+
+TEST(KitVerifyRows, ConflictOnMask0IsTheFaultOfBoth)
+{
+    Judged judged({edgeCell("A", 1, 0), edgeCell("B", 0, 1)});
+    judged.add(0, 0, 0);
+    judged.add(1, 0, 1);
+    EXPECT_EQ(reasonsOf(judged.judge()),
+              "A has metal near the next rows on other masks than 1, that of its row; "
+              "B has metal near the next rows on other masks than 2, that of its row\n");
+}
+
+TEST(KitVerifyRows, ReasonIsToldOnlyWhereAllCellsAreColouredForRowsThatMeet)
+{
+    Judged judged({edgeCell("A", 1, 1), makeCell("B", 190, {{40, 50, 150, 500}}, {1})});
+    judged.add(0, 0, 0);
+    judged.add(1, 0, 1);
+    EXPECT_EQ(reasonsOf(judged.judge()), "\n");
+}
+
+TEST(KitVerifyRows, ReasonEndsTheMessage)
+{
+    Judged judged({edgeCell("A", 1, 2), edgeCell("B", 2, 1)});
+    judged.add(0, 0, 0);
+    judged.add(1, 0, 1);
+    const std::string text = kit::verify::textOf(onlyIssue(judged.judge()), judged.input.design, "185");
+    EXPECT_EQ(
+        text,
+        "u0 (A) at (0, 0) and u1 (B) at (0, 1400) have shapes of mask 2 100.0 apart, 185 are needed; "
+        "1 pair of shapes too close; A has metal near the next rows on other masks than 1, that of its row");
 }
 
 TEST(KitVerifyRails, MetalTooCloseToARailIsCountedInANote)

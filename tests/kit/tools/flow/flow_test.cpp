@@ -418,6 +418,9 @@ TEST_F(SmallFlow, TheEndOfAVersionIsNoPartOfTheLayer)
     const std::string plain = kit::flow::cachedFolder(options, "", {});
     options.railsConflict = true;
     EXPECT_NE(kit::flow::cachedFolder(options, "", {}), plain);
+    options.railsConflict = false;
+    options.rowsMeet = true;
+    EXPECT_NE(kit::flow::cachedFolder(options, "", {}), plain);
 }
 
 /// A flow that has been run well, to be run again with less room.
@@ -493,6 +496,38 @@ TEST_F(SmallFlow, MirroredCellsKeepTheirDistance)
     const Json result = Json::parse(test::contentOf(out() + ".json"));
     EXPECT_EQ(result["judge"]["conflicts"], Json(0));
     EXPECT_EQ(result["options"]["true_orientation"], Json(true));
+}
+
+/// A cell with a bar at either edge of its row, and rails among its obstructions.
+constexpr const char* MEETING_LEF = R"(MACRO M CLASS CORE ; SIZE 0.4 BY 2 ; SITE core ;
+  PIN A PORT LAYER metal1 ; RECT 0.1 0.08 0.25 0.5 ; RECT 0.1 1.5 0.25 1.92 ; END END A
+  OBS LAYER metal1 ; RECT 0 -0.05 0.4 0.05 ; RECT 0 1.95 0.4 2.05 ; END
+END M
+)";
+
+TEST_F(SmallFlow, RowsMeetWithoutConflictsWhereAsked)
+{
+    m_dir.write("meeting.lef", MEETING_LEF);
+    const std::string cells = "- u M + PLACED ( 1000 0 ) N ;\n- v M + PLACED ( 1000 2000 ) FS ;\n";
+    const Words words{"--lef", m_dir.path("meeting.lef"), "--max-solutions", "1", "--allow-conflicts"};
+    EXPECT_EQ(small(cells, words), 0) << m_output << m_error;
+    EXPECT_TRUE(says("verify", "clean, 0 errors, 1 note")) << m_output;
+    Words meeting = words;
+    meeting.insert(meeting.end(), {"--rows-meet", "--force"});
+    EXPECT_EQ(small(cells, meeting), 0) << m_output << m_error;
+    EXPECT_TRUE(says("verify", "clean, 0 errors, 0 notes")) << m_output;
+}
+
+TEST_F(SmallFlow, RowThatDoesNotMeetTheNextIsTold)
+{
+    m_dir.write("meeting.lef", "MACRO M CLASS CORE ; SIZE 0.4 BY 2 ; SITE core ;\n"
+                               "  PIN A PORT LAYER metal1 ; RECT 0.05 0.05 0.15 0.5 ; END END A\n"
+                               "  PIN B PORT LAYER metal1 ; RECT 0.2 0.05 0.3 0.5 ; END END B\nEND M\n");
+    const std::string cells = "- u M + PLACED ( 1000 0 ) FS ;\n- v M + PLACED ( 1000 2000 ) N ;\n";
+    EXPECT_EQ(small(cells, {"--lef", m_dir.path("meeting.lef"), "--rows-meet", "--max-solutions", "1"}), 1)
+        << m_output << m_error;
+    EXPECT_NE(m_error.find("; M has metal near the next rows on other masks than "), std::string::npos)
+        << m_error;
 }
 
 /// A tap with metal, and an end cap whose metal reaches beyond it, so that it cannot be coloured.
