@@ -47,8 +47,7 @@ bool isSupply(const LefPin& pin)
 /// Builds the metal of a cell.
 class Sorter {
 public:
-    Sorter(const LefMacro& macro, const Scale& scale, Rails rails)
-        : m_macro(macro), m_scale(scale), m_whichRails(rails)
+    Sorter(const LefMacro& macro, const Scale& scale) : m_macro(macro), m_scale(scale)
     {
         m_metal.name = macro.name;
         m_metal.width = toUnits(macro.width);
@@ -162,10 +161,7 @@ private:
         const auto isAtBottom = [](const geometry::Rect& piece) { return piece.yl <= 0; };
         const auto isAtTop = [this](const geometry::Rect& piece) { return piece.yh >= m_macro.height; };
         if (net >= m_macro.pins.size() || !isSupply(m_macro.pins[net])) {
-            const bool asked = m_whichRails == Rails::ALONG_EDGE;
-            return asked && coverWidth(group, isAtBottom) ? 1
-                   : asked && coverWidth(group, isAtTop)  ? 2
-                                                          : NOT_A_RAIL;
+            return coverWidth(group, isAtBottom) ? 1 : coverWidth(group, isAtTop) ? 2 : NOT_A_RAIL;
         }
         const auto any = [&](auto test) {
             return std::ranges::any_of(group, [&](size_t i) { return test(m_pieces[i].rect); });
@@ -242,7 +238,6 @@ private:
 
     const LefMacro& m_macro;
     const Scale& m_scale;
-    Rails m_whichRails;
     CellMetal m_metal;
     std::vector<Piece> m_pieces;
     std::map<std::pair<size_t, int32_t>, std::vector<Rect>> m_rails; ///< by net and place
@@ -269,9 +264,9 @@ std::string textOf(const Rect& rect)
            std::to_string(rect.yh);
 }
 
-CellMetal metalOf(const LefMacro& macro, const Scale& scale, Rails rails)
+CellMetal metalOf(const LefMacro& macro, const Scale& scale)
 {
-    return Sorter(macro, scale, rails).run();
+    return Sorter(macro, scale).run();
 }
 
 } // namespace kit::color

@@ -65,22 +65,16 @@ struct CellMetal {
 /// A rectangle as in colour files: "0 10 190 100".
 std::string textOf(const Rect& rect);
 
-/// Which metal can be a rail.
-enum class Rails {
-    SUPPLY,    ///< that of power and ground pins
-    ALONG_EDGE ///< also whatever lies along all of the bottom or the top edge: the next row's is one with it
-};
-
 /// Sorts the metal of a master by nets.
 ///
 /// Of a pin's rectangles those that touch are one polygon. Obstructions that touch each other are a net of
 /// their own; those that touch a pin belong to it. Pins that touch are one net, with a remark. Metal of a
 /// power or ground pin that reaches the bottom or the top of the cell, or from its left to its right edge, is
-/// a rail with all that hangs on it; what a pin has at one of the edges is one rail, in parts or not. With
-/// Rails::ALONG_EDGE so is other metal that covers the bottom or the top edge from end to end.
+/// a rail with all that hangs on it; what a pin has at one of the edges is one rail, in parts or not. So is
+/// any other metal that covers the bottom or the top edge from end to end: the next row's is one with it.
 ///
 /// Errors: throws CellFault for a polygon that is not rectilinear, for metal but rails beyond the left or
 /// right edge, for too many rectangles and too large coordinates.
-CellMetal metalOf(const lefdef::LefMacro& macro, const Scale& scale, Rails rails = Rails::SUPPLY);
+CellMetal metalOf(const lefdef::LefMacro& macro, const Scale& scale);
 
 } // namespace kit::color

@@ -134,10 +134,7 @@ std::string pathOf(const Options& options, const std::string& cell, const char* 
 /// Reads the metal of the cells, and says what is wrong with it.
 class MetalReader {
 public:
-    MetalReader(const Library& library, Rails rails, Result& result)
-        : m_library(library), m_rails(rails), m_result(result)
-    {
-    }
+    MetalReader(const Library& library, Result& result) : m_library(library), m_result(result) {}
 
     void run()
     {
@@ -154,7 +151,7 @@ private:
             if (!isFileName(macro.name)) {
                 throw CellFault("its name cannot be that of a file");
             }
-            CellMetal metal = metalOf(macro, Scale(m_result.selection.site.width), m_rails);
+            CellMetal metal = metalOf(macro, Scale(m_result.selection.site.width));
             tellOddities(macro, metal, reporter);
             m_result.metal.push_back(std::move(metal));
         } catch (const CellFault& fault) {
@@ -201,7 +198,6 @@ private:
     }
 
     const Library& m_library;
-    Rails m_rails;
     Result& m_result;
     bool m_inexactTold = false;
     bool m_masksTold = false;
@@ -384,8 +380,7 @@ int run(Options options)
     result.selection = selectCells(library, listed, options.site, result.findings);
     options.layer = library.lef.layer;
     options.settings.rules.distance = options.minDist.unitsOn(result.selection.site.width);
-    const bool rowsMeet = options.settings.rules.rowsMeet;
-    MetalReader(library, rowsMeet ? Rails::ALONG_EDGE : Rails::SUPPLY, result).run();
+    MetalReader(library, result).run();
     checkOutputsOf(options, result.metal);
     makeFolder(options.outDir);
     const bool errors = hasErrors(result.findings);

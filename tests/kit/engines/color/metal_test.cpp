@@ -70,6 +70,15 @@ const NetCase NETS[] = {
      {},
      "VDD: 10 500 80 600"},
     {"SignalAtTheEdgeIsNoRail", {pin("A", {rectShape(10, -85, 80, 600)})}, {}, "A: 10 -85 80 600"},
+    {"ObstructionThatEndsBeforeTheSideIsNoRail",
+     {},
+     {rectShape(0, -85, 189, 85)},
+     "obstruction 1: 0 -85 189 85"},
+    {"ObstructionsWithAGapAtTheEdgeAreNoRail",
+     {},
+     {rectShape(0, 0, 90, 85), rectShape(100, 0, 190, 85), rectShape(0, 85, 190, 95)},
+     "obstruction 1: 0 0 90 85, 100 0 190 85, 0 85 190 95"},
+    {"ObstructionFromSideToSideInsideIsNoRail", {}, {rectShape(0, 5, 190, 95)}, "obstruction 1: 0 5 190 95"},
 };
 
 class KitColorNets : public testing::TestWithParam<NetCase> {};
@@ -84,7 +93,7 @@ TEST_P(KitColorNets, AreFoundByTouch)
 INSTANTIATE_TEST_SUITE_P(All, KitColorNets, testing::ValuesIn(NETS),
                          [](const auto& row) { return std::string(row.param.name); });
 
-const NetCase SUPPLY_METAL[] = {
+const NetCase RAIL_METAL[] = {
     {"FingersBelongToTheirRail",
      {pin("VSS", {rectShape(0, -85, 190, 85), rectShape(20, -85, 50, 300)}, PinUse::GROUND)},
      {rectShape(50, 250, 90, 300)},
@@ -110,21 +119,6 @@ const NetCase SUPPLY_METAL[] = {
      {pin("Z", {rectShape(50, 85, 60, 200)}), pin("VSS", {rectShape(0, -85, 190, 85)}, PinUse::GROUND)},
      {},
      "VSS: 50 85 60 200, 0 -85 190 85"},
-};
-
-class KitColorRails : public testing::TestWithParam<NetCase> {};
-
-TEST_P(KitColorRails, AreSupplyMetalAtTheEdge)
-{
-    const CellMetal found = sorted(macro(190, GetParam().pins, GetParam().obstructions));
-    EXPECT_EQ(textOf(found, found.rails), GetParam().want);
-    EXPECT_TRUE(found.polygons.empty());
-}
-
-INSTANTIATE_TEST_SUITE_P(All, KitColorRails, testing::ValuesIn(SUPPLY_METAL),
-                         [](const auto& row) { return std::string(row.param.name); });
-
-const NetCase ALONG_EDGE[] = {
     {"ObstructionAlongTheBottom",
      {},
      {rectShape(0, -85, 190, 85), rectShape(20, 85, 50, 300)},
@@ -133,47 +127,22 @@ const NetCase ALONG_EDGE[] = {
      {pin("A", {rectShape(0, 1315, 190, 1400)})},
      {rectShape(20, 1200, 50, 1320)},
      "A: 0 1315 190 1400, 20 1200 50 1320"},
-    {"PartsTogether",
+    {"PartsAlongTheBottomTogether",
      {},
      {rectShape(100, 0, 190, 85), rectShape(0, -20, 100, 85)},
      "obstruction 1: 100 0 190 85, 0 -20 100 85"},
 };
 
-/// What may be at an edge but does not cover it.
-const NetCase NOT_ALONG_EDGE[] = {
-    {"ShortOfAnEnd", {}, {rectShape(0, -85, 189, 85)}, "obstruction 1: 0 -85 189 85"},
-    {"Gap",
-     {},
-     {rectShape(0, 0, 90, 85), rectShape(100, 0, 190, 85), rectShape(0, 85, 190, 95)},
-     "obstruction 1: 0 0 90 85, 100 0 190 85, 0 85 190 95"},
-    {"Inside", {}, {rectShape(0, 5, 190, 95)}, "obstruction 1: 0 5 190 95"},
-};
+class KitColorRails : public testing::TestWithParam<NetCase> {};
 
-class KitColorAlongEdge : public testing::TestWithParam<NetCase> {};
-
-TEST_P(KitColorAlongEdge, AnyMetalIsARailWhereAsked)
+TEST_P(KitColorRails, AreSupplyMetalAtTheEdgeAndAnyAlongAllOfIt)
 {
-    const LefMacro cell = macro(190, GetParam().pins, GetParam().obstructions);
-    const CellMetal found = sorted(cell, kit::color::Rails::ALONG_EDGE);
+    const CellMetal found = sorted(macro(190, GetParam().pins, GetParam().obstructions));
     EXPECT_EQ(textOf(found, found.rails), GetParam().want);
     EXPECT_TRUE(found.polygons.empty());
-    EXPECT_TRUE(sorted(cell).rails.empty());
 }
 
-INSTANTIATE_TEST_SUITE_P(All, KitColorAlongEdge, testing::ValuesIn(ALONG_EDGE),
-                         [](const auto& row) { return std::string(row.param.name); });
-
-class KitColorNotAlongEdge : public testing::TestWithParam<NetCase> {};
-
-TEST_P(KitColorNotAlongEdge, NoneIsARail)
-{
-    const CellMetal found =
-        sorted(macro(190, GetParam().pins, GetParam().obstructions), kit::color::Rails::ALONG_EDGE);
-    EXPECT_EQ(textOf(found, found.polygons), GetParam().want);
-    EXPECT_TRUE(found.rails.empty());
-}
-
-INSTANTIATE_TEST_SUITE_P(All, KitColorNotAlongEdge, testing::ValuesIn(NOT_ALONG_EDGE),
+INSTANTIATE_TEST_SUITE_P(All, KitColorRails, testing::ValuesIn(RAIL_METAL),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST(KitColorMetal, PinsThatTouchAreRemarkedOnce)

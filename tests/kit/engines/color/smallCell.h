@@ -54,9 +54,9 @@ inline LefMacro macro(Length width, const std::vector<LefPin>& pins,
     return result;
 }
 
-inline CellMetal sorted(const LefMacro& master, kit::color::Rails rails = kit::color::Rails::SUPPLY)
+inline CellMetal sorted(const LefMacro& master)
 {
-    return kit::color::metalOf(master, kit::color::Scale(190 * NM), rails);
+    return kit::color::metalOf(master, kit::color::Scale(190 * NM));
 }
 
 /// Rails along the bottom and the top of a cell.
