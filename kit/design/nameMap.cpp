@@ -15,6 +15,7 @@ namespace {
 
 constexpr std::string_view HEADER = "VIRELOCE MAP 1";
 constexpr std::string_view END = "END";
+constexpr const char* MIRRORABLE = "MIRRORABLE";
 
 /// A whole text as a decimal integer that is not negative.
 std::optional<int64_t> numberOf(std::string_view text)
@@ -38,7 +39,8 @@ public:
 
     NameMap read()
     {
-        if (readHeader() && readDef() && readHash() && readSite() && readNames() && readFlipped()) {
+        if (readHeader() && readDef() && readHash() && readSite() && readNames() && readFlipped() &&
+            readMirrorable()) {
             readEnd();
         }
         return std::move(m_map);
@@ -142,15 +144,24 @@ private:
                          });
     }
 
-    bool readFlipped()
+    /// Reads names, one in a line.
+    bool readWords(const std::string& keyword, const std::string& expected, std::vector<std::string>& names)
     {
-        return readLines("FLIPPED", "the name of a flipped component", [this](std::string_view line) {
+        return readLines(keyword, expected, [&names](std::string_view line) {
             if (line.empty() || line.find(' ') != std::string_view::npos) {
                 return std::string_view();
             }
-            m_map.flipped.emplace_back(line);
+            names.emplace_back(line);
             return line;
         });
+    }
+
+    bool readFlipped() { return readWords("FLIPPED", "the name of a flipped component", m_map.flipped); }
+
+    bool readMirrorable()
+    {
+        return !m_text.starts_with(MIRRORABLE) ||
+               readWords(MIRRORABLE, "the name of a mirrorable cell", m_map.mirrorable);
     }
 
     bool readEnd()
@@ -201,6 +212,10 @@ void writeNameMap(const NameMap& map, OutputFile& out)
     }
     out << "FLIPPED " << map.flipped.size() << "\n";
     for (const std::string& name : map.flipped) {
+        out << name << "\n";
+    }
+    out << MIRRORABLE << " " << map.mirrorable.size() << "\n";
+    for (const std::string& name : map.mirrorable) {
         out << name << "\n";
     }
     out << END << "\n";

@@ -9,10 +9,12 @@
 //     <name in BASE.place> <name in the DEF file, to the end of the line>
 //     FLIPPED <count>
 //     <name in BASE.place>
+//     MIRRORABLE <count>
+//     <name of a cell>
 //     END
 //
 // Words are parted by single blanks, and every line ends with a line feed. With the rows, it tells how each
-// component lies.
+// component lies. The part from MIRRORABLE on may be missing: then nothing is known to be mirrorable.
 #pragma once
 
 #include <cstdint>
@@ -38,12 +40,13 @@ struct Renamed {
 
 /// The way back from a placement to the DEF file that it was made from.
 struct NameMap {
-    std::string def;                    ///< path of the DEF file, for information
-    std::string hash;                   ///< of its bytes, as hashOf() gives it
-    int64_t siteWidth = 0;              ///< picometres
-    int64_t siteHeight = 0;             ///< picometres
-    std::vector<Renamed> names{};       ///< those that had to be changed
-    std::vector<std::string> flipped{}; ///< components whose up-down flip differs from their row's
+    std::string def;                       ///< path of the DEF file, for information
+    std::string hash;                      ///< of its bytes, as hashOf() gives it
+    int64_t siteWidth = 0;                 ///< picometres
+    int64_t siteHeight = 0;                ///< picometres
+    std::vector<Renamed> names{};          ///< those that had to be changed
+    std::vector<std::string> flipped{};    ///< components whose up-down flip differs from their row's
+    std::vector<std::string> mirrorable{}; ///< cells that may be mirrored left to right
 };
 
 /// The hash of a file's bytes, 16 hexadecimal digits.

@@ -208,11 +208,18 @@ private:
                             .siteWidth = inPicometres(m_core.siteWidth),
                             .siteHeight = inPicometres(m_core.siteHeight),
                             .names = renamed};
+        std::set<std::string> mirrorable;
         for (size_t i = 0; i < m_cells.movable.size(); ++i) {
-            if (m_cells.movable[i].flipped) {
+            const Cell& cell = m_cells.movable[i];
+            if (cell.flipped) {
                 map.flipped.push_back(files.cellNames[i]);
             }
+            if (const lefdef::LefMacro& macro = m_lef.macros[m_cells.masterOf[cell.component]];
+                macro.symmetryY) {
+                mirrorable.insert(macro.name);
+            }
         }
+        map.mirrorable.assign(mirrorable.begin(), mirrorable.end());
         set.add(m_options.out + ".map", [&map](OutputFile& out) { writeNameMap(map, out); });
         if (m_cells.fixed.empty()) {
             set.remove(m_options.out + ".fixed"); // that of an earlier design

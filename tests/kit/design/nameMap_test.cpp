@@ -14,7 +14,7 @@ using kit::design::NameMap;
 using test::TempDir;
 
 const std::string GOOD = "VIRELOCE MAP 1\nDEF a b.def\nHASH 0123456789abcdef\nSITE 190000 1400000\n"
-                         "NAMES 2\nFILLER_1_ FILLER_1\nu$1 u 1\nFLIPPED 1\nu$1\nEND\n";
+                         "NAMES 2\nFILLER_1_ FILLER_1\nu$1 u 1\nFLIPPED 1\nu$1\nMIRRORABLE 1\nINV_X1\nEND\n";
 
 NameMap readMap(const std::string& text, Findings& findings)
 {
@@ -35,6 +35,18 @@ TEST(KitNameMap, HasAllThatTheFileSays)
     EXPECT_EQ(map.names[0].name, "FILLER_1_");
     EXPECT_EQ(map.names[1].original, "u 1");
     EXPECT_EQ(map.flipped, std::vector<std::string>{"u$1"});
+    EXPECT_EQ(map.mirrorable, std::vector<std::string>{"INV_X1"});
+}
+
+TEST(KitNameMap, WithoutMirrorableCellsNoneIsKnownToBe)
+{
+    std::string text = GOOD;
+    text.erase(text.find("MIRRORABLE"), std::string("MIRRORABLE 1\nINV_X1\n").size());
+    Findings findings;
+    const NameMap map = readMap(text, findings);
+    EXPECT_TRUE(findings.empty());
+    EXPECT_EQ(map.flipped, std::vector<std::string>{"u$1"});
+    EXPECT_TRUE(map.mirrorable.empty());
 }
 
 struct Damage {
@@ -84,11 +96,15 @@ INSTANTIATE_TEST_SUITE_P(
         Damage{"NoNewName", "u$1 u 1", " u", 7, NO_NAMES},
         Damage{"NameTwice", "u$1 u 1", "FILLER_1_ u", 7, "the name FILLER_1_ comes twice"},
         Damage{"BlankInAFlippedName", "\nu$1\n", "\nu 1\n", 9, NO_FLIPPED},
-        Damage{"FlippedTwice", "1\nu$1\nEND", "2\nu$1\nu$1\nEND", 10, "the name u$1 comes twice"},
-        Damage{"NoEnd", "END", "FIN", 10, "the line is not \"END\""},
-        Damage{"TextBehindTheEnd", "END\n", "END\n\n", 11,
+        Damage{"FlippedTwice", "1\nu$1\nMIRR", "2\nu$1\nu$1\nMIRR", 10, "the name u$1 comes twice"},
+        Damage{"NoCountOfMirrorable", "MIRRORABLE 1", "MIRRORABLE", 10,
+               "the line is not \"MIRRORABLE\" and a count"},
+        Damage{"BlankInAMirrorableName", "INV_X1", "INV X1", 11,
+               "the line is not the name of a mirrorable cell, of which there should be 1"},
+        Damage{"NoEnd", "END", "FIN", 12, "the line is not \"END\""},
+        Damage{"TextBehindTheEnd", "END\n", "END\n\n", 13,
                "the line is not the end of the file, which \"END\" is"},
-        Damage{"LineCutOff", "END\n", "END", 10, "the line is not \"END\""}),
+        Damage{"LineCutOff", "END\n", "END", 12, "the line is not \"END\""}),
     [](const auto& param) { return param.param.name; });
 
 TEST(KitNameMap, EveryShorterFileHasAFinding)
@@ -147,6 +163,7 @@ PROPERTY(KitNameMap, ComesBackAsItWasWritten)
     }
     for (int i = test::draw(0, 4); i > 0; --i) {
         map.flipped.push_back("n" + std::to_string(i));
+        map.mirrorable.push_back("CELL" + std::to_string(i));
     }
     const TempDir dir;
     test::writeOutput(dir.path("d.map"),
@@ -159,6 +176,7 @@ PROPERTY(KitNameMap, ComesBackAsItWasWritten)
     RC_ASSERT(back.siteWidth == map.siteWidth);
     RC_ASSERT(back.siteHeight == map.siteHeight);
     RC_ASSERT(back.flipped == map.flipped);
+    RC_ASSERT(back.mirrorable == map.mirrorable);
     RC_ASSERT(back.names.size() == map.names.size());
     for (size_t i = 0; i < map.names.size(); ++i) {
         RC_ASSERT(back.names[i].name == map.names[i].name);

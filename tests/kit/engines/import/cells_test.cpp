@@ -75,6 +75,18 @@ TEST_F(KitImportCells, OrientationIsMirroredOrNot)
     EXPECT_EQ(fileOf(".cells"), "1\nA\n");
 }
 
+TEST_F(KitImportCells, MastersOfSymmetryYAreKnownToBeMirrorable)
+{
+    std::string lef = test::SMALL_LEF;
+    lef.replace(lef.find("SIZE 0.4 BY 2"), 0, "SYMMETRY X Y ; ");
+    const std::string cells = components({"a A + PLACED ( 1000 0 ) N", "b B + PLACED ( 1400 0 ) N"});
+    EXPECT_EQ(import(cells, {}, test::TWO_ROWS, lef).status, 0);
+    EXPECT_EQ(map().mirrorable, Words{"A"});
+    lef.replace(lef.find("SYMMETRY X Y"), 12, "SYMMETRY X");
+    EXPECT_EQ(import(cells, {}, test::TWO_ROWS, lef).status, 0);
+    EXPECT_EQ(map().mirrorable, Words{});
+}
+
 TEST_F(KitImportCells, UpsideDownInTheirRowAreKeptAside)
 {
     const auto outcome = import(components({"a A + PLACED ( 1000 0 ) FS", "b A + PLACED ( 1400 2000 ) N"}));
