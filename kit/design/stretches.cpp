@@ -39,8 +39,8 @@ void addStretch(std::vector<Stretch>& stretches, size_t row, Range range, int32_
 {
     const int64_t sites = (range.end - range.begin) / site;
     if (sites > 0) {
-        stretches.push_back(
-            {static_cast<int32_t>(row), static_cast<int32_t>(range.begin), static_cast<int32_t>(sites)});
+        stretches.push_back({static_cast<int32_t>(row), static_cast<int32_t>(range.begin),
+                             static_cast<int32_t>(sites), range.end});
     }
 }
 

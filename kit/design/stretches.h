@@ -14,6 +14,7 @@ struct Stretch {
     int32_t row = 0;      ///< index in Design::rows
     int32_t x = 0;        ///< left end, DBU
     int32_t numSites = 0; ///< whole sites from there
+    int64_t end = 0;      ///< where the next macro begins, or the row ends, DBU
 };
 
 /// Height of the design's rows, DBU: the least distance of two of them; with fewer than two, the height of

@@ -32,7 +32,9 @@ void addFileOptions(const Command& command, Options& options)
                  "take mirrored cells as they lie; the placer takes them as they are drawn");
     command.flag("--rows-meet", options.rowsMeet,
                  "exchange masks 1 and 2 in every second row; for colours of `color --rows-meet`");
-    command.flag("--rescue", options.rescue, "find places for the cells that the placer leaves without one");
+    command.flag(
+        "--rescue", options.rescue,
+        "find places for the cells that the placer leaves without one, and mend pairs that are too close");
     command.flag("--force", options.force, "replace earlier results");
     command.flag("--quiet", options.quiet, "no progress line");
 }

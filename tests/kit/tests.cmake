@@ -52,6 +52,7 @@ vireloce_test(kit SHARDS 8
     kit/engines/place/fixed_test.cpp
     kit/engines/place/place_test.cpp
     kit/engines/place/progressLine_test.cpp
+    kit/engines/place/rescue_test.cpp
     kit/engines/place/rowsMeet_test.cpp
     kit/engines/verify/command_test.cpp
     kit/engines/verify/conflict_test.cpp

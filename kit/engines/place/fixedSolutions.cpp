@@ -211,21 +211,6 @@ private:
                     {cell.standing.component, way.choices[i].solution, way.choices[i].steps});
             }
         }
-        takeCrowded(way);
-    }
-
-    void takeCrowded(const Way& way)
-    {
-        for (size_t i = 0; i < m_row.size(); ++i) {
-            const RowCell& cell = m_row[i];
-            if (blockConflicts(cell, way.choices[i]) > 0) {
-                m_chosen.crowded.push_back({cell.standing.component, cell.roomLeft < cell.roomRight});
-            }
-            if (isTooClose(way, i) && cell.isFixed != m_row[i - 1].isFixed) {
-                const RowCell& placed = cell.isFixed ? m_row[i - 1] : cell;
-                m_chosen.crowded.push_back({placed.standing.component, m_row[i - 1].isFixed});
-            }
-        }
     }
 
     /// Whether a cell of the row and the one before are too close, and one of them is fixed.

@@ -18,17 +18,10 @@ struct ChangedCell {
     int32_t steps = 0; ///< sites to the right
 };
 
-/// A component that is too close to what stays where it is whatever is chosen.
-struct CrowdedCell {
-    int32_t component = 0; ///< index in Design::components
-    bool onLeft = false;   ///< what it is too close to is on its left
-};
-
 /// Solutions chosen.
 struct ChosenSolutions {
     std::vector<int32_t> fixed;       ///< [Design::fixed] -1 for one without solutions
     std::vector<ChangedCell> changed; ///< components
-    std::vector<CrowdedCell> crowded; ///< components
 };
 
 /// Chooses solutions for the fixed cells of placements of a design.

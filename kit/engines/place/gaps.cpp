@@ -3,56 +3,20 @@
 
 #include <algorithm>
 #include <cmath>
-#include <vector>
+#include <map>
 
-#include "app/parameters.h"
-#include "db/design.h"
+#include "kit/design/stretches.h"
 
 namespace kit::place {
 
 namespace {
 
-/// A rectangle that may conflict, as its cell stands, in library coordinates from the cell's left edge.
-struct Patch {
-    int64_t xl;
-    int64_t xh;
-    int64_t yl;
-    int64_t yh;
-    int32_t mask;
-};
+constexpr size_t TURNS = 4;
 
-std::vector<Patch> patchesOf(const Cell& cell, const Component& comp)
+/// Horizontal distance from which on two rectangles are far enough apart, fine units.
+int64_t neededDistance(const design::FineBox& a, const design::FineBox& b, int64_t least)
 {
-    std::vector<Patch> patches;
-    const auto solution = static_cast<size_t>(comp.solution);
-    if (solution >= cell.colors.size()) {
-        return patches;
-    }
-    for (size_t k = 0; k < cell.shapes.size(); ++k) {
-        const int32_t mask = cell.colors[solution][k];
-        if (mask < 0 || mask > 2 || cell.isVDDGND(static_cast<int>(k), comp.solution) != 0) {
-            continue; // on no mask, or a rail
-        }
-        for (const qBox* box : cell.shapes[k]) {
-            const bool flip = comp.orient == Component::FN;
-            patches.push_back({.xl = flip ? cell.outlineXh - box->xh : box->xl,
-                               .xh = flip ? cell.outlineXh - box->xl : box->xh,
-                               .yl = box->yl,
-                               .yh = box->yh,
-                               .mask = mask});
-        }
-    }
-    return patches;
-}
-
-/// Horizontal distance, library coordinates, from which on two patches of one mask are far enough apart.
-int64_t neededDistance(const Patch& a, const Patch& b)
-{
-    const int64_t least = MINDPLDIST;
-    const int64_t dy = std::max({b.yl - a.yh, a.yl - b.yh, int64_t{0}});
-    if (least <= 0 || dy >= least) {
-        return 0;
-    }
+    const int64_t dy = geometry::gapOf(a.yl, a.yh, b.yl, b.yh);
     auto dx = static_cast<int64_t>(std::sqrt(static_cast<double>(least * least - dy * dy)));
     while (dx * dx + dy * dy < least * least) {
         ++dx;
@@ -60,34 +24,173 @@ int64_t neededDistance(const Patch& a, const Patch& b)
     return dx;
 }
 
-} // namespace
-
-int32_t Gaps::between(const Component& left, const Component& right)
+/// DBU that have at least so many fine units.
+int64_t toDbu(int64_t fine)
 {
-    const Key key{left.cellIdx, left.orient, left.solution, right.cellIdx, right.orient, right.solution};
-    const auto [at, isNew] = m_known.try_emplace(key, 0);
-    if (isNew) {
-        at->second =
-            std::max(m_design.safeSites(left, left.solution, right, right.solution), byShapes(left, right));
-    }
-    return at->second;
+    const int64_t unit = design::Scale::ofDbu(1);
+    return fine > 0 ? (fine + unit - 1) / unit : 0;
 }
 
-int32_t Gaps::byShapes(const Component& left, const Component& right) const
+} // namespace
+
+Gaps::Gaps(const placer::Design& design, int32_t minDist)
+    : m_design(design), m_scale{design.rows.front().step}, m_least(m_scale.ofLibrary(minDist)),
+      m_stencils(TURNS * design.cells.size())
 {
-    const Cell& leftCell = m_design.cellOf(left);
-    const std::vector<Patch> rightPatches = patchesOf(m_design.cellOf(right), right);
-    const int64_t end = int64_t{leftCell.siteWidth} * LIBRARY_SITE_WIDTH;
-    int64_t sites = 0;
-    for (const Patch& a : patchesOf(leftCell, left)) {
-        for (const Patch& b : rightPatches) {
-            if (a.mask == b.mask) {
-                const int64_t lacking = neededDistance(a, b) - (end + b.xl - a.xh);
-                sites = std::max(sites, (lacking + LIBRARY_SITE_WIDTH - 1) / LIBRARY_SITE_WIDTH);
+    for (size_t i = 0; i < design.cells.size(); ++i) {
+        placer::Component comp;
+        comp.cell = static_cast<int32_t>(i);
+        m_widths.push_back(int64_t{design::widthInSites(design, comp)} * m_scale.step);
+        const design::Stencil& stencil = stencilOf({.cell = comp.cell});
+        m_overhang = std::max({m_overhang, -stencil.extent.xl, stencil.extent.xh - stencil.outline.xh});
+        m_widest = std::max(m_widest, m_widths.back());
+    }
+    m_reach = toDbu(m_least + 2 * m_overhang);
+}
+
+std::pair<int64_t, Lie> Gaps::addObstacle(const design::Standing& standing, bool turned)
+{
+    const int64_t unit = design::Scale::ofDbu(1);
+    const design::FineBox extent = standing.extent();
+    const int64_t left = extent.xl / unit - (extent.xl % unit < 0 ? 1 : 0);
+    design::Stencil stencil = *standing.stencil;
+    for (design::Piece& piece : stencil.pieces) {
+        piece.box = piece.box.shifted(standing.x - left * unit, 0);
+    }
+    stencil.outline = extent.shifted(-left * unit, -standing.y);
+    stencil.extent = stencil.outline;
+    const auto index = static_cast<int32_t>(m_widths.size());
+    m_widths.push_back(toDbu(stencil.outline.xh));
+    m_stencils.resize(m_stencils.size() + TURNS);
+    m_stencils[turnIndex({.cell = index})].push_back(std::move(stencil));
+    std::vector<int32_t> masks(standing.masks.begin(), standing.masks.end());
+    m_masks.push_back({{.masks = std::move(masks)}});
+    return {left, {.cell = index, .upsideDown = turned}};
+}
+
+const std::vector<placer::Solution>& Gaps::solutionsOf(int32_t cell) const
+{
+    return isObstacle(cell) ? m_masks[static_cast<size_t>(cell) - m_design.cells.size()]
+                            : m_design.cells[static_cast<size_t>(cell)].solutions;
+}
+
+size_t Gaps::turnIndex(const Lie& lie)
+{
+    return TURNS * static_cast<size_t>(lie.cell) + (lie.mirrored ? 1U : 0U) + (lie.upsideDown ? 2U : 0U);
+}
+
+const design::Stencil& Gaps::stencilOf(Lie lie, bool turned)
+{
+    lie.upsideDown = lie.upsideDown != turned;
+    std::vector<design::Stencil>& slot = m_stencils[turnIndex(lie)];
+    if (slot.empty()) {
+        slot.push_back(design::stencilOf(m_design.cells[static_cast<size_t>(lie.cell)],
+                                         {.mirrorX = lie.mirrored, .mirrorY = lie.upsideDown}, m_scale));
+    }
+    return slot.front();
+}
+
+bool Gaps::isNear(const design::Piece& piece, const design::Stencil& stencil, bool onRight) const
+{
+    const int64_t reach = m_least + m_overhang;
+    return onRight ? piece.box.xh > stencil.outline.xh - reach : piece.box.xl < reach;
+}
+
+/// Without regard to metal.
+int64_t Gaps::leastBetween(const Lie& left, const Lie& right) const
+{
+    return isObstacle(left.cell) || isObstacle(right.cell) ? 0 : widthOf(left.cell);
+}
+
+std::vector<Gaps::Need> Gaps::needsOf(const Lie& left, const Lie& right)
+{
+    const bool turned =
+        (isObstacle(left.cell) && left.upsideDown) || (isObstacle(right.cell) && right.upsideDown);
+    const design::Stencil& first = stencilOf(left, turned);
+    const design::Stencil& second = stencilOf(right, turned);
+    std::vector<Need> needs;
+    for (const design::Piece& a : first.pieces) {
+        if (!isNear(a, first, true)) {
+            continue;
+        }
+        for (const design::Piece& b : second.pieces) {
+            if (!isNear(b, second, false) ||
+                geometry::gapOf(a.box.yl, a.box.yh, b.box.yl, b.box.yh) >= m_least) {
+                continue;
+            }
+            const int64_t apart = toDbu(neededDistance(a.box, b.box, m_least) + a.box.xh - b.box.xl);
+            if (apart > leastBetween(left, right)) {
+                needs.push_back(
+                    {apart, static_cast<size_t>(a.shape), static_cast<size_t>(b.shape), a.atEdge, b.atEdge});
             }
         }
     }
-    return static_cast<int32_t>(sites);
+    std::ranges::stable_sort(needs, std::ranges::greater(), &Need::apart);
+    return needs;
+}
+
+int64_t Gaps::between(const Lie& left, const Lie& right)
+{
+    const std::vector<placer::Solution>& rights = solutionsOf(right.cell);
+    const uint64_t key = uint64_t{turnIndex(left)} << 32 | uint64_t{turnIndex(right)};
+    if (m_last == nullptr || key != m_lastKey) {
+        const auto [at, isNew] = m_known.try_emplace(key);
+        if (isNew) {
+            at->second.needs = needsOf(left, right);
+            at->second.apart.assign(solutionsOf(left.cell).size() * rights.size(), -1);
+        }
+        m_lastKey = key;
+        m_last = &at->second;
+    }
+    int64_t& apart =
+        m_last
+            ->apart[static_cast<size_t>(left.solution) * rights.size() + static_cast<size_t>(right.solution)];
+    if (apart < 0) {
+        const placer::Solution& first = solutionsOf(left.cell)[static_cast<size_t>(left.solution)];
+        const placer::Solution& second = rights[static_cast<size_t>(right.solution)];
+        const auto need = std::ranges::find_if(m_last->needs, [&](const Need& one) {
+            const int32_t mask = first.masks[one.left];
+            const bool isRail = mask == 0 && (one.leftRail || one.rightRail);
+            return mask == second.masks[one.right] && mask >= 0 && mask < design::MASKS && !isRail;
+        });
+        apart = need != m_last->needs.end() ? need->apart : leastBetween(left, right);
+    }
+    return apart;
+}
+
+Sides Gaps::sidesOf(const Lie& lie)
+{
+    m_sides.resize(m_stencils.size());
+    std::vector<Sides>& sides = m_sides[turnIndex(lie)];
+    if (sides.empty()) {
+        const std::vector<int32_t> lefts = sideNumbers(lie, /*onRight=*/false);
+        const std::vector<int32_t> rights = sideNumbers(lie, /*onRight=*/true);
+        for (size_t s = 0; s < lefts.size(); ++s) {
+            sides.push_back({lefts[s], rights[s]});
+        }
+    }
+    return sides[static_cast<size_t>(lie.solution)];
+}
+
+/// [solution] the number of a side.
+std::vector<int32_t> Gaps::sideNumbers(const Lie& lie, bool onRight)
+{
+    const design::Stencil& stencil = stencilOf(lie, isObstacle(lie.cell) && lie.upsideDown);
+    std::map<std::vector<int32_t>, int32_t> known; // numbers by the masks of what is near the side
+    std::vector<int32_t> numbers;
+    for (const placer::Solution& solution : solutionsOf(lie.cell)) {
+        std::vector<int32_t> masks;
+        for (const design::Piece& piece : stencil.pieces) {
+            if (isNear(piece, stencil, onRight)) {
+                const int32_t mask = solution.masks[static_cast<size_t>(piece.shape)];
+                masks.push_back(piece.atEdge && mask == 0 ? -1 : mask);
+            }
+        }
+        const auto [at, isNew] = known.try_emplace(std::move(masks), m_sideCount);
+        m_sideCount += isNew ? 1 : 0;
+        numbers.push_back(at->second);
+    }
+    return numbers;
 }
 
 } // namespace kit::place

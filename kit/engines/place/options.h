@@ -23,7 +23,7 @@ struct Options {
     std::optional<double> weight;            ///< cost of a site of wirelength against a stitch
     bool trueOrientation = false;            ///< take turned cells as they lie
     bool rowsMeet = false;                   ///< exchange masks 1 and 2 in every second row
-    bool rescue = false;                     ///< find places for the cells that the placer left without one
+    bool rescue = false;                     ///< make the placement legal if that can be done
     bool force = false;                      ///< replace earlier results
     bool quiet = false;                      ///< no progress line
 };

@@ -5,12 +5,14 @@
 #include <chrono>
 #include <filesystem>
 #include <iostream>
+#include <map>
 
 #include "app/driver.h"
 #include "app/parameters.h"
 #include "db/design.h"
 #include "kit/base/files/outputFile.h"
 #include "kit/base/text/escape.h"
+#include "kit/base/text/text.h"
 #include "kit/design/fixedCells.h"
 #include "kit/design/nameMap.h"
 #include "kit/engines/place/firstKinds.h"
@@ -20,9 +22,8 @@
 #include "kit/engines/place/placerCopy.h"
 #include "kit/engines/place/progressLine.h"
 #include "kit/engines/place/resultJson.h"
-#include "kit/engines/place/segmentEnds.h"
+#include "kit/engines/place/trueDesign.h"
 #include "kit/formats/placer/colors.h"
-#include "kit/formats/placer/reader.h"
 
 namespace kit::place {
 
@@ -31,10 +32,6 @@ namespace {
 constexpr int CLEAN = 0;
 constexpr int NOT_CLEAN = 1;
 constexpr int UNREADABLE = 2;
-
-/// Times that cells are rescued from beside what stays where it is: one of them may come to stand beside
-/// another.
-constexpr int32_t MOST_ROUNDS = 5;
 
 /// Prints what the report begins with; gives the options of the placer.
 vireloce::PlaceOptions beginReport(const Options& options)
@@ -124,114 +121,101 @@ private:
     {
         State state = measure(design, m_start);
         m_placement = toJson(design, state);
+        if (m_options.rescue || std::filesystem::exists(m_options.base + FIXED)) {
+            improve(design, state);
+        }
+        // A rescue goes by the shapes as they lie, as the judge does; the placer's spacings take mirrored
+        // cells as unmirrored.
+        m_clean = (m_options.rescue || state.conflicts == 0) && withoutPlace(state).empty();
+        addFiles(design);
+    }
+
+    /// Chooses solutions of what stays where it is, and rescues.
+    ///
+    /// @param state  in: as the placer left it; out: what became of it
+    void improve(Design& design, State& state)
+    {
+        Findings told; // by the judge
+        design::FixedParts parts = design::readFixed(m_options.base + FIXED, told);
+        TrueDesign truth = readTrueDesign(m_options.base, m_seen.cellPath, parts,
+                                          m_copy ? m_copy->wider() : std::vector<WiderMacro>(), told);
+        const std::vector<int32_t> stray = withoutPlace(state);
+        const bool areKnown = !hasErrors(told) && truth.design.components.size() == design.components.size();
+        if (std::filesystem::exists(m_options.base + FIXED)) {
+            if (areKnown) {
+                settleFixed(design, stray, parts, truth, state);
+            } else {
+                m_files.addCopy(m_options.out + FIXED, m_options.base + FIXED);
+            }
+        }
         if (m_options.rescue) {
-            const Rescue done = rescue(design, withoutPlace(state), m_start);
+            const Rescue done = rescue(design, truth, stray, m_start);
+            for (const int32_t id : done.mirrored) {
+                m_mirrored.emplace(static_cast<size_t>(id),
+                                   mirrored(truth.design.components[static_cast<size_t>(id)].orient));
+            }
             m_rescue = toJson(design, done);
-            state = measure(design, m_start);
+            if (done.pairs > 0 || !done.cells.empty()) {
+                state = measure(design, m_start);
+            }
             m_rescue["placement"] = toJson(design, state);
             nameHelpless(design, done);
         }
-        if (std::filesystem::exists(m_options.base + FIXED)) {
-            settleFixed(design, state);
-        }
-        m_clean = state.conflicts == 0 && withoutPlace(state).empty();
-        addFiles(design);
+    }
+
+    /// An orientation mirrored left to right, as a placement file names it.
+    static const char* mirrored(const std::string& orient)
+    {
+        return orient == "FN" ? "N" : orient == "S" ? "FS" : orient == "FS" ? "S" : "FN";
     }
 
     /// Chooses the solutions of what stays where it is, and adds it to the files. Where that is not enough,
     /// components get other solutions and places.
     ///
-    /// @param state  out: measured anew if any did
-    void settleFixed(Design& design, State& state)
+    /// @param stray  components that are not where they will be
+    /// @param truth  out: with the solutions
+    /// @param state  out: measured anew if any component was changed
+    void settleFixed(Design& design, const std::vector<int32_t>& stray, design::FixedParts& parts,
+                     TrueDesign& truth, State& state)
     {
         Findings told; // by the judge
-        design::FixedParts parts = design::readFixed(m_options.base + FIXED, told);
-        placer::Design placed = readPlaced(parts);
-        if (hasErrors(told) || placed.components.size() != design.components.size()) {
-            m_files.addCopy(m_options.out + FIXED, m_options.base + FIXED);
-            return;
-        }
-        const std::vector<int32_t> solutions = solutionsOf(design);
-        const std::vector<Point> places = positionsOf(design);
-        const std::vector<placer::Component> before = placed.components;
-        SolutionChooser chooser(placed, m_minDist);
-        ChosenSolutions chosen = chooseIn(design, chooser, placed);
-        for (int32_t i = 0; i < MOST_ROUNDS && m_options.rescue; ++i) {
-            if (!makeRoom(design, chosen.crowded, m_start)) {
-                break;
-            }
-            placed.components = before;
-            chosen = chooseIn(design, chooser, placed);
-        }
-        for (size_t i = 0; i < parts.cells.size() && i < chosen.fixed.size(); ++i) {
-            design::FixedCell& cell = parts.cells[i];
-            cell.solution = m_firstKinds ? m_firstKinds->solutionAt(cell.master, chosen.fixed[i], cell.y)
-                                         : chosen.fixed[i];
-        }
-        m_files.add(m_options.out + FIXED, [&parts](OutputFile& out) { writeFixed(parts, out); });
-        int64_t changed = 0;
-        int64_t moved = 0;
-        for (size_t i = 0; i < solutions.size(); ++i) {
-            const Component& comp = *design.components[i];
-            const bool stays = comp.x == places[i].x && comp.y == places[i].y;
-            moved += stays ? 0 : 1;
-            changed += stays && comp.solution == solutions[i] ? 0 : 1;
-        }
-        m_fixed = {{"cells", parts.cells.size()},
-                   {"blocks", parts.blocks.size()},
-                   {"wider_macros", m_copy ? m_copy->wider().size() : 0},
-                   {"changed", changed},
-                   {"moved", moved},
-                   {"placement", nullptr}};
-        if (changed > 0) {
-            state = measure(design, m_start);
-            m_fixed["placement"] = toJson(design, state);
-        }
-    }
-
-    static std::vector<int32_t> solutionsOf(const Design& design)
-    {
-        std::vector<int32_t> solutions;
-        for (const Component* comp : design.components) {
-            solutions.push_back(comp->solution);
-        }
-        return solutions;
-    }
-
-    /// The design, with the macros that the placer had, and with what stays where it is.
-    placer::Design readPlaced(const design::FixedParts& parts) const
-    {
-        Findings told; // by the judge
-        placer::Design placed;
-        placer::readLibrary(m_options.base + ".cells", m_seen.cellPath, placed, told);
-        placer::readPlacement(m_options.base + ".place", placed, told);
-        for (const WiderMacro& wider : m_copy ? m_copy->wider() : std::vector<WiderMacro>()) {
-            placed.macros[static_cast<size_t>(wider.macro)].x = wider.x;
-            placed.macros[static_cast<size_t>(wider.macro)].width = wider.width;
-        }
-        design::addFixed(parts, m_seen.cellPath, placed, told);
-        return placed;
-    }
-
-    /// Chooses solutions for fixed cells where the components are now, and changes components by it.
-    ///
-    /// @param placed  with the components as they were; out: where they were before the change
-    ChosenSolutions chooseIn(Design& design, SolutionChooser& chooser, placer::Design& placed) const
-    {
-        Findings told; // by the judge
+        placer::Design placed = truth.design;
         for (size_t i = 0; i < placed.components.size(); ++i) {
             placed.components[i].x = design.components[i]->x;
             placed.components[i].y = design.components[i]->y;
         }
+        for (const int32_t id : stray) {
+            placed.components[static_cast<size_t>(id)].cell = -1;
+        }
         design::restoreOrientations(m_options.base + ".place", placed, told);
-        ChosenSolutions chosen = chooser.choose(colorsOf(design));
+        const ChosenSolutions chosen = SolutionChooser(placed, m_minDist).choose(colorsOf(design));
+        int64_t moved = 0;
         for (const ChangedCell& change : chosen.changed) {
             Component& comp = *design.components[static_cast<size_t>(change.component)];
             comp.solution = change.solution;
             comp.siteX += change.steps;
             comp.x += change.steps * SITE_WIDTH;
+            moved += change.steps != 0 ? 1 : 0;
         }
-        return chosen;
+        for (size_t i = 0; i < parts.cells.size() && i < chosen.fixed.size(); ++i) {
+            parts.cells[i].solution = chosen.fixed[i];
+        }
+        truth.fixedColors = design::fixedColorsOf(parts, truth.design);
+        for (design::FixedCell& cell : parts.cells) {
+            cell.solution =
+                m_firstKinds ? m_firstKinds->solutionAt(cell.master, cell.solution, cell.y) : cell.solution;
+        }
+        m_files.add(m_options.out + FIXED, [&parts](OutputFile& out) { writeFixed(parts, out); });
+        m_fixed = {{"cells", parts.cells.size()},
+                   {"blocks", parts.blocks.size()},
+                   {"wider_macros", m_copy ? m_copy->wider().size() : 0},
+                   {"changed", chosen.changed.size()},
+                   {"moved", moved},
+                   {"placement", nullptr}};
+        if (!chosen.changed.empty()) {
+            state = measure(design, m_start);
+            m_fixed["placement"] = toJson(design, state);
+        }
     }
 
     /// Components that nobody could build where they are, by index.
@@ -251,6 +235,14 @@ private:
                 std::cerr << "vireloce-kit: no legal place for component "
                           << printable(design.components[static_cast<size_t>(cell.component)]->name) << '\n';
             }
+        }
+        if (done.mendedPairs < done.pairs) {
+            std::cerr << "vireloce-kit: no legal places for "
+                      << counted(done.pairs - done.mendedPairs, "pair") << " of cells too close\n";
+        }
+        if (done.searchesGivenUp > 0) {
+            std::cerr << "vireloce-kit: orders of cells in long rows were left untried, "
+                      << counted(done.searchesGivenUp, "time") << '\n';
         }
     }
 
@@ -284,9 +276,12 @@ private:
 
     void writePlacement(const Design& design, OutputFile& out) const
     {
-        const auto changesOf = [&design](size_t index, RecordChanges& changes) {
+        const auto changesOf = [&](size_t index, RecordChanges& changes) {
             const Component& comp = *design.components[index];
             changes = {.name = comp.name, .at = Point{comp.x, comp.y}};
+            if (const auto turned = m_mirrored.find(index); turned != m_mirrored.end()) {
+                changes.orient = turned->second;
+            }
         };
         rewritePlacement(m_options.base + ".place", design.components.size(), changesOf, out);
     }
@@ -318,6 +313,7 @@ private:
     std::unique_ptr<FirstKinds> m_firstKinds; ///< those, if rows meet
     std::unique_ptr<PlacerCopy> m_copy;       ///< what the placer gets, if not the design itself
     std::vector<Point> m_start;               ///< [component] positions before the placement
+    std::map<size_t, const char*> m_mirrored; ///< new orientations, by component
     Json m_placement;
     Json m_rescue;
     Json m_fixed;          ///< null if nothing stays where it is

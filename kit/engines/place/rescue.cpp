@@ -2,314 +2,353 @@
 #include "kit/engines/place/rescue.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <limits>
+#include <optional>
 #include <set>
+#include <utility>
 
 #include "app/parameters.h"
 #include "db/design.h"
+#include "kit/engines/place/bands.h"
 #include "kit/engines/place/gaps.h"
+#include "kit/engines/place/planner.h"
 
 namespace kit::place {
 
 namespace {
 
-/// Segments with room that are tried for a component, the nearest first.
-constexpr size_t MOST_SEGMENTS = 6;
-
-/// Places in a segment that are tried in full, the nearest first.
-constexpr size_t MOST_PLACES = 4;
-
-/// Where a component might go.
-struct Place {
-    Segment* segment = nullptr;
-    size_t index = 0;     ///< in front of which component of the segment
-    int32_t site = 0;     ///< its left end
-    int32_t solution = 0; ///< its colours
-    int64_t distance = 0; ///< from where it began, sites
-};
-
-/// A component that is tried somewhere else.
-struct Move {
-    Component* comp;
-    int32_t siteX;
-    int32_t x;
-    int32_t y;
-    int32_t solution;
-};
+/// Cells and pairs, helped or not, for which all is tried anew if any is left.
+constexpr int64_t MOST_ANEW = 100;
 
 class Rescuer {
 public:
-    Rescuer(Design& design, const std::vector<int32_t>& stray) : m_design(design), m_gaps(design)
+    /// @param ownRowFirst  whether nothing leaves its row that can stay there
+    Rescuer(Design& design, const TrueDesign& truth, const std::vector<int32_t>& stray,
+            const std::vector<Point>& start, bool ownRowFirst)
+        : m_design(design), m_truth(truth), m_ownRowFirst(ownRowFirst), m_gaps(truth.design, MINDPLDIST),
+          m_planner(design, truth, start, m_gaps), m_bands(bandsOf(design, truth, m_gaps))
     {
-        std::vector<bool> isStray(design.components.size(), false);
+        for (const Component* comp : design.components) {
+            m_lies.push_back(lieOf(*comp));
+            m_before.push_back({comp->id, comp->x, m_lies.back()});
+            m_yBefore.push_back(comp->y);
+        }
+        settle(stray);
+    }
+
+    /// Looks for places. @return what was done
+    Rescue run()
+    {
+        for (Band& band : m_bands) {
+            if (notePairs(band)) {
+                mendPairs(band);
+            }
+        }
+        for (Rescued& cell : m_result.cells) {
+            cell.helped = help(cell.component);
+        }
+        for (Band* const band : m_close) {
+            removeFromPairs(*band);
+        }
+        for (Rescued& cell : m_result.cells) { // a cell that left its row may have made room
+            cell.helped = cell.helped || (m_removed && help(cell.component));
+        }
+        count();
+        return m_result;
+    }
+
+    /// Gives the placer's segments what stands in them now.
+    void enter()
+    {
+        for (const Band& band : m_bands) {
+            if (band.changed) {
+                enterTenants(band, m_gaps, m_design);
+            }
+        }
+    }
+
+    /// Puts all where run() has put it.
+    void redo()
+    {
+        for (const Band& band : m_bands) {
+            for (const Tenant& tenant : band.tenants) {
+                put(tenant, band.y);
+            }
+        }
+    }
+
+    /// Puts all back where it was.
+    void undo()
+    {
+        for (size_t id = 0; id < m_before.size(); ++id) {
+            put(m_before[id], m_yBefore[id]);
+        }
+    }
+
+private:
+    Lie lieOf(const Component& comp) const
+    {
+        const auto id = static_cast<size_t>(comp.id);
+        const placer::Component& inFile = m_truth.design.components[id];
+        return {.cell = inFile.cell,
+                .solution = comp.solution,
+                .mirrored = design::turnOf(inFile.orient).mirrorX,
+                .upsideDown = m_truth.upsideDown[id]};
+    }
+
+    Component& componentOf(const Tenant& tenant)
+    {
+        return *m_design.components[static_cast<size_t>(tenant.component)];
+    }
+
+    Band* bandAt(int64_t y)
+    {
+        const auto band = std::ranges::lower_bound(m_bands, y, {}, &Band::y);
+        return band != m_bands.end() && band->y == y ? &*band : nullptr;
+    }
+
+    /// Makes tenants of the components that have a place; the others are without.
+    void settle(const std::vector<int32_t>& stray)
+    {
+        std::vector<bool> isStray(m_design.components.size(), false);
         for (const int32_t id : stray) {
             isStray[static_cast<size_t>(id)] = true;
         }
-        for (Segment* segment : design.segments) {
-            segment->components.remove_if(
-                [&](const Component* comp) { return isStray[static_cast<size_t>(comp->id)]; });
-            m_cells.emplace_back(segment->components.begin(), segment->components.end());
-        }
-    }
-
-    /// Puts a component where wirelength grows least.
-    ///
-    /// @return whether there is a place
-    bool help(Component& comp, Point start)
-    {
-        std::vector<Place> places = placesNear(comp, start);
-        if (places.empty()) {
-            return false;
-        }
-        int64_t least = std::numeric_limits<int64_t>::max();
-        const Place* best = nullptr;
-        for (const Place& place : places) {
-            m_moves.clear();
-            const int64_t growth = tryPlace(comp, place);
-            undo();
-            if (growth < least) {
-                least = growth;
-                best = &place;
-            }
-        }
-        m_moves.clear();
-        tryPlace(comp, *best);
-        for (const Move& move : m_moves) {
-            if (move.comp != &comp) {
-                m_moved.insert(move.comp->id);
-            }
-        }
-        enter(comp, *best);
-        return true;
-    }
-
-    int32_t movedNeighbours() const { return static_cast<int32_t>(m_moved.size()); }
-
-private:
-    std::vector<Component*>& cellsOf(const Segment& segment)
-    {
-        return m_cells[static_cast<size_t>(segment.id)];
-    }
-
-    int32_t widthOf(const Component& comp) const { return m_design.cellOf(comp).siteWidth; }
-
-    /// Segments from the nearest to a point on.
-    std::vector<Segment*> segmentsFrom(Point start) const
-    {
-        const auto distance = [start](const Segment* segment) {
-            const int64_t right = segment->x + int64_t{segment->numSites} * SITE_WIDTH;
-            const int64_t dx = std::max({segment->x - int64_t{start.x}, start.x - right, int64_t{0}});
-            return dx + std::abs(int64_t{segment->y} - start.y);
-        };
-        std::vector<Segment*> segments = m_design.segments;
-        std::stable_sort(segments.begin(), segments.end(),
-                         [&](const Segment* a, const Segment* b) { return distance(a) < distance(b); });
-        return segments;
-    }
-
-    std::vector<Place> placesNear(Component& comp, Point start)
-    {
-        std::vector<Place> all;
-        size_t found = 0;
-        for (Segment* segment : segmentsFrom(start)) {
-            const std::vector<Place> places = placesIn(comp, *segment, start);
-            all.insert(all.end(), places.begin(), places.end());
-            found += places.empty() ? 0 : 1;
-            if (found == MOST_SEGMENTS) {
-                break;
-            }
-        }
-        return all;
-    }
-
-    /// The nearest places in a segment that its cells can make room for.
-    std::vector<Place> placesIn(Component& comp, Segment& segment, Point start)
-    {
-        const std::vector<Component*>& cells = cellsOf(segment);
-        packCells(segment);
-        std::vector<Place> places;
-        for (size_t i = 0; i <= cells.size(); ++i) {
-            addPlace(comp, segment, i, start, places);
-        }
-        const auto nearer = [](const Place& a, const Place& b) { return a.distance < b.distance; };
-        std::stable_sort(places.begin(), places.end(), nearer);
-        places.resize(std::min(places.size(), MOST_PLACES));
-        return places;
-    }
-
-    /// Sites that two neighbours must keep: no more than they have.
-    int32_t keptGap(const Component& left, const Component& right)
-    {
-        return std::min(m_gaps.between(left, right), std::max(right.siteX - left.siteX - widthOf(left), 0));
-    }
-
-    /// Fills m_packedLeft and m_packedRight for a segment.
-    void packCells(const Segment& segment)
-    {
-        const std::vector<Component*>& cells = cellsOf(segment);
-        m_packedLeft.assign(cells.size() + 1, 0);
-        m_packedRight.assign(cells.size() + 1, segment.numSites);
-        for (size_t i = 0; i < cells.size(); ++i) {
-            const int32_t gap = i > 0 ? keptGap(*cells[i - 1], *cells[i]) : 0;
-            m_packedLeft[i + 1] = m_packedLeft[i] + gap + widthOf(*cells[i]);
-        }
-        for (size_t i = cells.size(); i-- > 0;) {
-            const int32_t gap = i + 1 < cells.size() ? keptGap(*cells[i], *cells[i + 1]) : 0;
-            m_packedRight[i] = m_packedRight[i + 1] - gap - widthOf(*cells[i]);
-        }
-    }
-
-    /// Adds the best solution in front of a cell of a segment, if there can be room.
-    void addPlace(Component& comp, Segment& segment, size_t index, Point start, std::vector<Place>& places)
-    {
-        const int32_t width = widthOf(comp);
-        if (m_packedRight[index] - m_packedLeft[index] < width) {
-            return;
-        }
-        const std::vector<Component*>& cells = cellsOf(segment);
-        const int32_t wanted = (start.x - segment.x) / SITE_WIDTH;
-        const int32_t before = comp.solution;
-        Place best{.distance = std::numeric_limits<int64_t>::max()};
-        int32_t fewest = std::numeric_limits<int32_t>::max(); // stitches of the best
-        const auto solutions = static_cast<int32_t>(m_design.cellOf(comp).colors.size());
-        for (comp.solution = 0; comp.solution < solutions; ++comp.solution) {
-            const int32_t lo =
-                m_packedLeft[index] + (index > 0 ? m_gaps.between(*cells[index - 1], comp) : 0);
-            const int32_t hi = m_packedRight[index] - width -
-                               (index < cells.size() ? m_gaps.between(comp, *cells[index]) : 0);
-            if (lo > hi) {
+        for (const Component* comp : m_design.components) {
+            const auto id = static_cast<size_t>(comp->id);
+            Band* const band = bandAt(comp->y);
+            const bool hasColors = comp->solution >= 0 &&
+                                   static_cast<size_t>(comp->solution) < m_design.cellOf(*comp).colors.size();
+            if (!isStray[id] && hasColors && band != nullptr &&
+                band->runOf(comp->x, m_gaps.widthOf(m_lies[id].cell))) {
+                band->tenants.push_back({comp->id, comp->x, m_lies[id]});
                 continue;
             }
-            const int32_t site = std::clamp(wanted, lo, hi);
-            const int64_t distance =
-                std::abs(int64_t{site} - wanted) + std::abs(int64_t{segment.y} - start.y) / SITE_WIDTH;
-            const int32_t stitches = m_design.cellOf(comp).stitchesOf(comp.solution);
-            if (std::pair(distance, stitches) < std::pair(best.distance, fewest)) {
-                best = {&segment, index, site, comp.solution, distance};
-                fewest = stitches;
+            if (band != nullptr) {
+                band->changed = true;
             }
+            m_result.cells.push_back({.component = comp->id, .fromX = comp->x, .fromY = comp->y});
         }
-        comp.solution = before;
-        if (best.segment != nullptr) {
-            places.push_back(best);
+        for (Band& band : m_bands) {
+            std::ranges::stable_sort(band.tenants, {}, &Tenant::x);
         }
     }
 
-    /// Moves a component there, and its neighbours out of the way.
+    /// Notes what is too close in a band. @return whether anything is
+    bool notePairs(Band& band)
+    {
+        const std::vector<ClosePair> pairs = closePairs(band, m_gaps);
+        for (const ClosePair& pair : pairs) {
+            m_pairs.emplace_back(pair.first, pair.second);
+        }
+        if (!pairs.empty()) {
+            m_close.push_back(&band);
+        }
+        return !pairs.empty();
+    }
+
+    void mendPairs(Band& band)
+    {
+        forEachPair(band, [&](size_t left, size_t right) {
+            const std::optional<Plan> plan = m_planner.planPair(band, left, right);
+            if (plan) {
+                apply(*plan);
+            }
+            return plan.has_value();
+        });
+    }
+
+    /// Shows each pair of a band that is too close once, though the band changes meanwhile.
     ///
-    /// @return growth of the wirelength, DBU
-    int64_t tryPlace(Component& comp, const Place& place)
+    /// @param change  gets the ranks of both. @return whether it has changed the band
+    template <typename Change>
+    void forEachPair(const Band& band, Change change)
     {
-        const std::vector<Component*>& cells = cellsOf(*place.segment);
-        note(comp);
-        const size_t first = m_moves.size();
-        const int32_t solution = comp.solution;
-        comp.solution = place.solution;
-        int32_t right = place.site + widthOf(comp);
-        const Component* last = &comp;
-        for (size_t i = place.index; i < cells.size(); ++i) {
-            const int32_t gap = last == &comp ? m_gaps.between(comp, *cells[i]) : keptGap(*last, *cells[i]);
-            if (cells[i]->siteX >= right + gap) {
-                break;
-            }
-            note(*cells[i]);
-            m_targets.push_back(right + gap);
-            right += gap + widthOf(*cells[i]);
-            last = cells[i];
-        }
-        int32_t left = place.site;
-        last = &comp;
-        for (size_t i = place.index; i-- > 0;) {
-            const int32_t gap = last == &comp ? m_gaps.between(*cells[i], comp) : keptGap(*cells[i], *last);
-            if (cells[i]->siteX + widthOf(*cells[i]) + gap <= left) {
-                break;
-            }
-            left -= gap + widthOf(*cells[i]);
-            note(*cells[i]);
-            m_targets.push_back(left);
-            last = cells[i];
-        }
-        comp.solution = solution;
-        const int64_t before = lengthOfTouched();
-        moveTo(comp, *place.segment, place.site);
-        comp.solution = place.solution;
-        for (size_t k = first; k < m_moves.size(); ++k) {
-            moveTo(*m_moves[k].comp, *place.segment, m_targets[k - first]);
-        }
-        m_targets.clear();
-        return lengthOfTouched() - before;
-    }
-
-    void note(Component& comp) { m_moves.push_back({&comp, comp.siteX, comp.x, comp.y, comp.solution}); }
-
-    static void moveTo(Component& comp, const Segment& segment, int32_t site)
-    {
-        comp.siteX = site;
-        comp.x = segment.x + site * SITE_WIDTH;
-        comp.y = segment.y;
-    }
-
-    void undo()
-    {
-        for (const Move& move : m_moves) {
-            move.comp->siteX = move.siteX;
-            move.comp->x = move.x;
-            move.comp->y = move.y;
-            move.comp->solution = move.solution;
-        }
-    }
-
-    /// Wirelength of the nets of all components in m_moves, DBU.
-    int64_t lengthOfTouched()
-    {
-        std::set<int32_t> nets;
-        for (const Move& move : m_moves) {
-            for (const Net* net : move.comp->nets) {
-                nets.insert(net->id);
+        std::set<std::pair<int32_t, int32_t>> seen; // components
+        bool again = true;
+        while (again) {
+            again = false;
+            for (const ClosePair& pair : closePairs(band, m_gaps)) {
+                if (seen.emplace(pair.first, pair.second).second && change(pair.left, pair.right)) {
+                    again = true;
+                    break;
+                }
             }
         }
-        int64_t sum = 0;
-        for (const int32_t id : nets) {
-            Net* net = m_design.nets[static_cast<size_t>(id)];
-            m_design.evaluateBound(net);
-            sum += int64_t{net->boxXh} - net->boxXl + net->boxYh - net->boxYl;
-        }
-        return sum;
     }
 
-    /// Makes a component one of a segment.
-    void enter(Component& comp, const Place& place)
+    void apply(const Plan& plan)
     {
-        std::vector<Component*>& cells = cellsOf(*place.segment);
-        cells.insert(cells.begin() + static_cast<std::ptrdiff_t>(place.index), &comp);
-        place.segment->components.assign(cells.begin(), cells.end());
+        std::vector<Tenant>& tenants = plan.band->tenants;
+        const auto begin = tenants.begin();
+        const auto at = tenants.erase(begin + static_cast<std::ptrdiff_t>(plan.first),
+                                      begin + static_cast<std::ptrdiff_t>(plan.last));
+        tenants.insert(at, plan.after.begin(), plan.after.end());
+        plan.band->changed = true;
+        for (const Tenant& tenant : plan.after) {
+            put(tenant, plan.band->y);
+            m_lies[static_cast<size_t>(tenant.component)] = tenant.lie;
+        }
+    }
+
+    void put(const Tenant& tenant, int64_t y)
+    {
+        Component& comp = componentOf(tenant);
+        comp.x = static_cast<int32_t>(tenant.x);
+        comp.y = static_cast<int32_t>(y);
+        comp.solution = tenant.lie.solution;
+    }
+
+    /// Finds a place for a component without one. @return whether there is one
+    bool help(int32_t component)
+    {
+        const Component& comp = *m_design.components[static_cast<size_t>(component)];
+        const Tenant tenant{component, comp.x, m_lies[static_cast<size_t>(component)]};
+        Band* const own = bandAt(comp.y);
+        std::optional<Plan> plan;
+        if (own != nullptr) {
+            plan = m_planner.planFor(*own, tenant, /*anyOrder=*/true);
+        }
+        if (!plan || (plan->moves && !m_ownRowFirst)) {
+            plan = m_planner.planElsewhere(m_bands, tenant, own, std::move(plan));
+        }
+        if (plan) {
+            apply(*plan);
+        }
+        return plan.has_value();
+    }
+
+    /// Moves one cell of each pair that is still too close to another row.
+    void removeFromPairs(Band& band)
+    {
+        forEachPair(band, [&](size_t left, size_t right) {
+            const bool leftFirst =
+                m_gaps.widthOf(band.tenants[left].lie.cell) <= m_gaps.widthOf(band.tenants[right].lie.cell);
+            if (!removeOne(band, leftFirst ? left : right) &&
+                (left == right || !removeOne(band, leftFirst ? right : left))) {
+                return false;
+            }
+            band.refused.clear();
+            m_removed = true;
+            mendPairs(band);
+            return true;
+        });
+    }
+
+    bool removeOne(Band& band, size_t rank)
+    {
+        const Tenant tenant = band.tenants[rank];
+        const auto at = band.tenants.begin() + static_cast<std::ptrdiff_t>(rank);
+        band.tenants.erase(at);
+        if (const std::optional<Plan> plan = m_planner.planElsewhere(m_bands, tenant, &band, {})) {
+            apply(*plan);
+            band.changed = true;
+            return true;
+        }
+        band.tenants.insert(band.tenants.begin() + static_cast<std::ptrdiff_t>(rank), tenant);
+        return false;
+    }
+
+    void count()
+    {
+        std::vector<bool> isStray(m_design.components.size(), false);
+        for (const Rescued& cell : m_result.cells) {
+            isStray[static_cast<size_t>(cell.component)] = true;
+        }
+        for (const Component* comp : m_design.components) {
+            const auto id = static_cast<size_t>(comp->id);
+            const Lie& before = m_before[id].lie;
+            if (m_lies[id].mirrored != before.mirrored) {
+                m_result.mirrored.push_back(comp->id);
+            }
+            if (!isStray[id]) {
+                m_result.movedNeighbours += comp->x != m_before[id].x || comp->y != m_yBefore[id] ? 1 : 0;
+                m_result.recolored += m_lies[id].solution != before.solution ? 1 : 0;
+            }
+        }
+        countMended();
+        m_result.searchesGivenUp = m_planner.searchesGivenUp();
+    }
+
+    void countMended()
+    {
+        std::set<std::pair<int32_t, int32_t>> left;
+        for (const Band* const band : m_close) {
+            for (const ClosePair& pair : closePairs(*band, m_gaps)) {
+                left.emplace(std::minmax(pair.first, pair.second));
+            }
+        }
+        m_result.pairs = static_cast<int32_t>(m_pairs.size());
+        for (const auto& [a, b] : m_pairs) {
+            m_result.mendedPairs += left.contains(std::minmax(a, b)) ? 0 : 1;
+        }
     }
 
     Design& m_design;
+    const TrueDesign& m_truth;
+    bool m_ownRowFirst;
     Gaps m_gaps;
-    std::vector<std::vector<Component*>> m_cells; ///< [segment id] its components, from the left
-    std::vector<int32_t> m_packedLeft;            ///< [index] least end of the cells before it
-    std::vector<int32_t> m_packedRight;           ///< [index] largest begin of the cells from it on
-    std::vector<Move> m_moves;                    ///< of the place that is tried, with what was before
-    std::vector<int32_t> m_targets;               ///< sites of the neighbours among them
-    std::set<int32_t> m_moved;                    ///< neighbours that made room
+    Planner m_planner;
+    std::vector<Band> m_bands;
+    std::vector<Lie> m_lies;                          ///< [component]
+    std::vector<Tenant> m_before;                     ///< [component] as the placer left it
+    std::vector<int32_t> m_yBefore;                   ///< [component]
+    std::vector<std::pair<int32_t, int32_t>> m_pairs; ///< components that the placer left too close
+    std::vector<Band*> m_close;                       ///< bands with such pairs
+    Rescue m_result;
+    bool m_removed = false; ///< whether a cell of a pair went to another row
 };
+
+/// Cells and pairs that were not helped.
+int64_t helplessIn(const Rescue& done)
+{
+    return done.pairs - done.mendedPairs + std::ranges::count(done.cells, false, &Rescued::helped);
+}
+
+/// A cell that goes to another row because it is cheaper there may be in the way of one that has to. So if
+/// any is left over, all is done anew with cells in their rows, and the better result is taken.
+Rescue rescueTwice(Design& design, const TrueDesign& truth, const std::vector<int32_t>& stray,
+                   const std::vector<Point>& start)
+{
+    Rescuer first(design, truth, stray, start, false);
+    Rescue done = first.run();
+    const int64_t all = done.pairs + static_cast<int64_t>(done.cells.size());
+    if (helplessIn(done) > 0 && all <= MOST_ANEW) {
+        first.undo();
+        Rescuer second(design, truth, stray, start, true);
+        if (Rescue again = second.run(); helplessIn(again) < helplessIn(done)) {
+            second.enter();
+            return again;
+        }
+        second.undo();
+        first.redo();
+    }
+    first.enter();
+    return done;
+}
+
+/// Whether there are sites, and a cell of each component.
+bool isKnown(const TrueDesign& truth, const Design& design)
+{
+    const placer::Design& files = truth.design;
+    return !files.rows.empty() && files.rows.front().step > 0 &&
+           files.components.size() == design.components.size() &&
+           std::ranges::all_of(files.components, [](const auto& comp) { return comp.cell >= 0; });
+}
 
 } // namespace
 
-Rescue rescue(Design& design, const std::vector<int32_t>& stray, const std::vector<Point>& start)
+Rescue rescue(Design& design, const TrueDesign& truth, const std::vector<int32_t>& stray,
+              const std::vector<Point>& start)
 {
-    Rescuer rescuer(design, stray);
-    Rescue result;
-    for (const int32_t id : stray) {
-        Component& comp = *design.components[static_cast<size_t>(id)];
-        const Rescued before{.component = id, .fromX = comp.x, .fromY = comp.y};
-        result.cells.push_back(before);
-        result.cells.back().helped = rescuer.help(comp, start[static_cast<size_t>(id)]);
+    if (isKnown(truth, design)) {
+        return rescueTwice(design, truth, stray, start);
     }
-    result.movedNeighbours = rescuer.movedNeighbours();
-    return result;
+    Rescue nothing;
+    for (const int32_t id : stray) {
+        const Component& comp = *design.components[static_cast<size_t>(id)];
+        nothing.cells.push_back({.component = id, .fromX = comp.x, .fromY = comp.y});
+    }
+    return nothing;
 }
 
 } // namespace kit::place

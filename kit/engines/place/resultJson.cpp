@@ -155,7 +155,13 @@ Json toJson(const Design& design, const Rescue& rescue)
         cell["to"] = rescued.helped ? Json::array({comp.x, comp.y}) : Json(nullptr);
         cells.push_back(std::move(cell));
     }
-    return {{"cells", cells}, {"moved_neighbours", rescue.movedNeighbours}};
+    return {{"cells", cells},
+            {"pairs", rescue.pairs},
+            {"mended_pairs", rescue.mendedPairs},
+            {"moved_neighbours", rescue.movedNeighbours},
+            {"recolored_cells", rescue.recolored},
+            {"mirrored_cells", rescue.mirrored.size()},
+            {"searches_given_up", rescue.searchesGivenUp}};
 }
 
 Json resultJson(const Options& options, int32_t minDist, const PlacerRun& run, Json placement, Json rescue,

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/tools/flow/steps.h"
 
+#include <algorithm>
 #include <sstream>
 
 #include "kit/base/process/childProcess.h"
@@ -45,18 +46,35 @@ void addLefs(Words& words, const Options& options)
     }
 }
 
+/// What a rescue did, if there was anything to do.
+std::string rescueSummary(const Json& rescue)
+{
+    const int64_t pairs = rescue.isNull() ? 0 : rescue["pairs"].asInteger();
+    if (rescue.isNull() || (pairs == 0 && rescue["cells"].empty())) {
+        return "";
+    }
+    const Json& cells = rescue["cells"];
+    const auto helped =
+        std::ranges::count_if(cells.items(), [](const Json& cell) { return cell["helped"] == true; });
+    return "; rescued " + std::to_string(helped) + " of " +
+           counted(static_cast<int64_t>(cells.size()), "cell") + " and " + rescue["mended_pairs"].dump() +
+           " of " + counted(pairs, "pair") + ", for which " +
+           counted(rescue["moved_neighbours"].asInteger(), "other cell") + " moved";
+}
+
 /// The result file of a placement in a few words.
 std::string placementSummary(const Json& result)
 {
     if (result["placement"].isNull()) {
         return "no placement";
     }
-    const Json& rescued = result["rescue"].isNull() ? result["placement"] : result["rescue"]["placement"];
     const Json& recolored = result.atPointer("/fixed/placement");
-    const Json& after = recolored.isNull() ? rescued : recolored;
+    const Json& settled = recolored.isNull() ? result["placement"] : recolored;
+    const Json& after = result["rescue"].isNull() ? settled : result["rescue"]["placement"];
     std::ostringstream text;
     text << "HPWL " << result["report"]["init HPWL"] << " -> " << after["hpwl"] << ", " << after["stitches"]
          << " stitches, " << after["conflicts"] << " conflicts";
+    text << rescueSummary(result["rescue"]);
     if (result["judge"].isObject() && result["judge"]["errors"].asInteger() > 0) {
         text << "; verify finds " << counted(result["judge"]["errors"].asInteger(), "error");
     }

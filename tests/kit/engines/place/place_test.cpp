@@ -377,6 +377,34 @@ TEST_F(KitPlace, OptionThatIsNoNumberIsStatus2)
     EXPECT_EQ(place({"--weight", "heavy"}).status, 2);
 }
 
+TEST(KitPlaceRescue, MirroredCellsTooCloseAreMended)
+{
+    const test::GeneratedDesign design({"--mirrored", "30"});
+    const test::TempDir dir;
+    const std::string out = dir.path("out");
+    const KitOutcome outcome =
+        runKit({"place", design.base(), "--cell-path", design.lib(), "-o", out, "--rescue"});
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_EQ(outcome.error, "");
+    const Json result = Json::parse(contentOf(out + ".json"));
+    EXPECT_EQ(test::faultsOf(result, test::placeSchema()), Words{});
+    EXPECT_GT(result["rescue"]["pairs"].asInteger(), 0);
+    EXPECT_EQ(result["rescue"]["mended_pairs"], result["rescue"]["pairs"]);
+    EXPECT_EQ(result["rescue"]["mirrored_cells"], 0) << "nothing tells that they may be";
+    EXPECT_EQ(result["judge"]["errors"], 0);
+    EXPECT_EQ(
+        runKit({"verify", out + ".place", "--colors", out + ".colors", "--cell-path", design.lib()}).status,
+        0);
+}
+
+TEST_F(KitPlace, WithNothingToRescueTheResultIsThatWithoutIt)
+{
+    ASSERT_EQ(place().status, 0);
+    const std::string plain = contentOf(out(".place")) + contentOf(out(".colors"));
+    ASSERT_EQ(place({"--rescue", "--force"}).status, 0);
+    EXPECT_EQ(contentOf(out(".place")) + contentOf(out(".colors")), plain);
+}
+
 /// Two rows of 20 sites of 190 DBU, cells of 5 sites without shapes that matter.
 class KitRescue : public testing::Test {
 protected:
@@ -433,6 +461,28 @@ TEST_F(KitRescue, ACellMovedIntoAnEmptySegmentIsDroppedAndFoundAPlace)
     const KitOutcome verify = runKit({"verify", m_dir.path("o.place"), "--colors", m_dir.path("o.colors"),
                                       "--cell-path", m_dir.path("lib")});
     EXPECT_EQ(verify.status, 0) << verify.output;
+}
+
+TEST_F(KitRescue, CellsThatTheMapKnowsToBeMirrorableAreMirrored)
+{
+    // Drawn with metal at the right edge, which the second one has at its left.
+    m_dir.write("lib/A.color", "1900 1900  0  1  1  1880 500 1900 900  1  0 1");
+    for (const char* const orient : {"FN", "S"}) {
+        components({{0, 0}, {1900, 0}});
+        std::string text = contentOf(m_dir.path("d.place"));
+        text.replace(text.rfind(") N") + 2, 1, orient);
+        m_dir.write("d.place", text);
+        m_dir.write("d.map",
+                    "VIRELOCE MAP 1\nDEF d.def\nHASH 0123456789abcdef\nSITE 190000 1900000\nNAMES 0\n"
+                    "FLIPPED 0\nMIRRORABLE 1\nA\nEND\n");
+        const KitOutcome outcome = place({"--rescue"});
+        EXPECT_EQ(outcome.status, 0) << outcome.output << outcome.error;
+        EXPECT_EQ(result()["rescue"]["mirrored_cells"], 1);
+        EXPECT_EQ(result()["rescue"]["moved_neighbours"], 0);
+        const KitOutcome verify = runKit({"verify", m_dir.path("o.place"), "--colors", m_dir.path("o.colors"),
+                                          "--cell-path", m_dir.path("lib")});
+        EXPECT_EQ(verify.status, 0) << orient << verify.output;
+    }
 }
 
 TEST_F(KitRescue, ARunWithoutAPlacementLeavesItsSetUpAlone)
