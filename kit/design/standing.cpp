@@ -9,6 +9,7 @@
 #include <tuple>
 
 #include "kit/design/stretches.h"
+#include "kit/formats/placer/metal.h"
 
 namespace kit::design {
 
@@ -48,6 +49,18 @@ double distanceOf(const FineBox& a, const FineBox& b)
     return std::sqrt(squareOf(gap.x) + squareOf(gap.y));
 }
 
+/// A rectangle of true metal in fine units, rounded outward, as a component of that orientation has it.
+FineBox fineOf(const FineBox& rect, const placer::TrueMetal& metal, const Turn& turn, const Scale& scale)
+{
+    const FineBox lying{
+        turn.mirrorX ? metal.width - rect.xh : rect.xl, turn.mirrorY ? metal.height - rect.yh : rect.yl,
+        turn.mirrorX ? metal.width - rect.xl : rect.xh, turn.mirrorY ? metal.height - rect.yl : rect.yh};
+    const auto down = [&](int64_t length) {
+        return geometry::floorDiv(length * Scale::ofDbu(scale.step), metal.siteWidth);
+    };
+    return {down(lying.xl), down(lying.yl), -down(-lying.xh), -down(-lying.yh)};
+}
+
 } // namespace
 
 DbuBox Scale::toDbu(const FineBox& box)
@@ -76,6 +89,7 @@ placer::Rect turned(const placer::Rect& rect, const placer::Cell& cell, const Tu
 placer::Cell turned(const placer::Cell& cell, const Turn& turn)
 {
     placer::Cell result = cell;
+    result.trueMetal.reset(); // the rounded shapes have it in them
     for (placer::Rect& box : result.headerBoxes) {
         box = turned(box, cell, turn);
     }
@@ -92,6 +106,15 @@ Stencil stencilOf(const placer::Cell& cell, const Turn& turn, const Scale& scale
     Stencil stencil;
     stencil.outline = {0, 0, scale.ofLibrary(cell.width), scale.ofLibrary(cell.height)};
     stencil.extent = stencil.outline;
+    for (const geometry::Labelled& piece : placer::truePiecesOf(cell)) {
+        const FineBox box = fineOf(piece.box, *cell.trueMetal, turn, scale);
+        stencil.pieces.push_back(
+            {box, piece.label, reachesEdge(cell, cell.shapes[static_cast<size_t>(piece.label)])});
+        stencil.extent = around(stencil.extent, box);
+    }
+    if (!stencil.pieces.empty()) {
+        return stencil;
+    }
     for (size_t k = 0; k < cell.shapes.size(); ++k) {
         const bool atEdge = reachesEdge(cell, cell.shapes[k]);
         for (const placer::Rect& rect : cell.shapes[k].rects) {

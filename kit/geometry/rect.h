@@ -60,6 +60,12 @@ RectOf<Length> common(const RectOf<Length>& a, const RectOf<Length>& b)
     return {std::max(a.xl, b.xl), std::max(a.yl, b.yl), std::min(a.xh, b.xh), std::min(a.yh, b.yh)};
 }
 
+/// A quotient rounded down. @param divisor  positive
+constexpr int64_t floorDiv(int64_t dividend, int64_t divisor)
+{
+    return dividend / divisor - (dividend % divisor < 0 ? 1 : 0);
+}
+
 /// Distance of two ranges, 0 if they touch or overlap.
 inline int64_t gapOf(int64_t aBegin, int64_t aEnd, int64_t bBegin, int64_t bEnd)
 {

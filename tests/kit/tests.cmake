@@ -33,7 +33,6 @@ vireloce_test(kit SHARDS 8
     kit/engines/export/layout_test.cpp
     kit/engines/export/lefMasks_test.cpp
     kit/engines/export/markers_test.cpp
-    kit/engines/export/pieces_test.cpp
     kit/engines/gen/cellLibrary_test.cpp
     kit/engines/gen/design_test.cpp
     kit/engines/gen/netlist_test.cpp
@@ -71,7 +70,9 @@ vireloce_test(kit SHARDS 8
     kit/formats/lefdef/parts_test.cpp
     kit/formats/lefdef/transform_test.cpp
     kit/formats/placer/colors_test.cpp
+    kit/formats/placer/metal_test.cpp
     kit/formats/placer/reader_test.cpp
+    kit/geometry/pieces_test.cpp
     kit/geometry/polygon_test.cpp
     kit/layers_test.cpp
     kit/tools/command_test.cpp

@@ -50,6 +50,7 @@ public:
     Sorter(const LefMacro& macro, const Scale& scale) : m_macro(macro), m_scale(scale)
     {
         m_metal.name = macro.name;
+        m_metal.metal = {scale.siteWidth(), macro.width, macro.height, {}};
         m_metal.width = toUnits(macro.width);
         m_metal.height = toUnits(macro.height);
     }
@@ -102,6 +103,7 @@ private:
         const geometry::Rect rect = geometry::rectBetween(a.x, a.y, b.x, b.y);
         if (rect.hasArea()) {
             m_pieces.push_back({rect, pin});
+            m_metal.metal.rects.push_back(rect);
         }
         if (m_pieces.size() > MOST_RECTS) {
             throw CellFault("the cell has more than " + std::to_string(MOST_RECTS) + " rectangles of metal");

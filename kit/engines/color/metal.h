@@ -29,6 +29,9 @@ public:
     /// @param site  width of the site that the rows have, picometres, positive
     explicit Scale(lefdef::Length site) : m_site(site) {}
 
+    /// Width of the site.
+    lefdef::Length siteWidth() const { return m_site; }
+
     /// A length, rounded to an integer; halves go up where it is the nearest.
     ///
     /// Errors: throws CellFault if it is beyond what a colour file may hold.
@@ -56,6 +59,7 @@ struct CellMetal {
     std::vector<Polygon> rails;       ///< one for each rail, cut to the outline; the lowest first
     std::vector<Polygon> polygons;    ///< all else, in the order of the pins, obstructions last
     bool exact = true;                ///< nothing was rounded
+    placer::TrueMetal metal;          ///< as in the LEF file
     std::vector<std::string> remarks; ///< what is odd about the cell, for warnings
 
     /// Name of a polygon's net.

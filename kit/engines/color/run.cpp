@@ -22,6 +22,7 @@
 #include "kit/base/finding.h"
 #include "kit/engines/color/report.h"
 #include "kit/formats/lefdef/units.h"
+#include "kit/formats/placer/metal.h"
 #include "kit/formats/placer/writer.h"
 
 namespace kit::color {
@@ -208,6 +209,9 @@ void checkOutputsOf(const Options& options, const std::vector<CellMetal>& cells)
     std::vector<std::string> outputs;
     for (const CellMetal& cell : cells) {
         outputs.push_back(pathOf(options, cell.name, ".color"));
+        if (!cell.exact) {
+            outputs.push_back(pathOf(options, cell.name, ".metal"));
+        }
         if (options.svg) {
             outputs.push_back(pathOf(options, cell.name, ".svg"));
         }
@@ -227,6 +231,12 @@ void writeFiles(const Options& options, const Result& result)
         if (result.colours[i].file) {
             set.add(pathOf(options, name, ".color"),
                     [&](OutputFile& file) { placer::writeColorFile(file, *result.colours[i].file); });
+        }
+        if (result.colours[i].file && !result.metal[i].exact) {
+            set.add(pathOf(options, name, ".metal"),
+                    [&](OutputFile& file) { placer::writeMetal(file, result.metal[i].metal); });
+        } else {
+            set.remove(pathOf(options, name, ".metal")); // that of an earlier run
         }
         if (options.svg) {
             set.add(pathOf(options, name, ".svg"), [&](OutputFile& file) {

@@ -4,13 +4,13 @@
 #include <algorithm>
 #include <cmath>
 
-#include "kit/engines/export/pieces.h"
 #include "kit/geometry/sets.h"
 
 namespace kit::exporter {
 
 namespace {
 
+using Box = geometry::Rect;
 using lefdef::LefMacro;
 using lefdef::LefShape;
 using lefdef::Length;
@@ -42,7 +42,7 @@ std::optional<placer::Cell> railCell(const LefMacro& macro, Length siteWidth)
 {
     std::vector<Box> boxes;
     for (const LefShape* shape : shapesOf(macro)) {
-        const std::vector<Box> some = boxesOf(*shape);
+        const std::vector<Box> some = lefdef::boxesOf(*shape);
         if (some.empty()) {
             return {};
         }
@@ -60,8 +60,12 @@ std::optional<placer::Cell> railCell(const LefMacro& macro, Length siteWidth)
         return static_cast<int32_t>(
             std::lround(static_cast<double>(length) * placer::LIBRARY_SITE / static_cast<double>(siteWidth)));
     };
+    const auto down = [siteWidth](Length length) {
+        return static_cast<int32_t>(geometry::floorDiv(length * placer::LIBRARY_SITE, siteWidth));
+    };
     placer::Cell cell;
     cell.name = macro.name;
+    cell.trueMetal = {siteWidth, macro.width, macro.height, boxes};
     cell.width = library(macro.width);
     cell.height = library(macro.height);
     for (const std::vector<size_t>& set : sets.all()) {
@@ -73,7 +77,7 @@ std::optional<placer::Cell> railCell(const LefMacro& macro, Length siteWidth)
         placer::Shape& shape = cell.shapes.emplace_back();
         for (const size_t i : set) {
             const Box& box = boxes[i];
-            shape.rects.push_back({library(box.xl), library(box.yl), library(box.xh), library(box.yh)});
+            shape.rects.push_back({down(box.xl), down(box.yl), -down(-box.xh), -down(-box.yh)});
         }
     }
     cell.solutions.emplace_back().masks.resize(cell.shapes.size(), 0);

@@ -11,6 +11,7 @@
 #include "kit/engines/export/layerProperties.h"
 #include "kit/formats/gds/gdsNames.h"
 #include "kit/formats/lefdef/orient.h"
+#include "kit/formats/placer/metal.h"
 #include "kit/geometry/polygon.h"
 
 namespace kit::exporter {
@@ -157,16 +158,28 @@ private:
     void draw(const placer::Cell& cell, int32_t solution, Orient orient, const std::string& name)
     {
         m_gds.beginStructure(name);
-        Drawing drawing(m_gds, orient, m_grid.ofLibrary(cell.width), m_grid.ofLibrary(cell.height));
-        for (size_t i = 0; i < cell.shapes.size(); ++i) {
+        const std::vector<geometry::Labelled> pieces = placer::truePiecesOf(cell);
+        const bool isTrue = !pieces.empty();
+        Drawing drawing(m_gds, orient,
+                        isTrue ? m_grid.ofLength(cell.trueMetal->width) : m_grid.ofLibrary(cell.width),
+                        isTrue ? m_grid.ofLength(cell.trueMetal->height) : m_grid.ofLibrary(cell.height));
+        const auto add = [&](const gds::GdsBox& box, size_t shape) {
+            drawing.rectangle(METAL_LAYER, box);
+            if (solution >= 0) {
+                const int32_t mask = cell.solutions[static_cast<size_t>(solution)].masks[shape];
+                drawing.rectangle(static_cast<int16_t>(FIRST_MASK_LAYER + mask), box);
+            }
+        };
+        for (const auto& [box, shape] : pieces) {
+            add({m_grid.ofLength(box.xl), m_grid.ofLength(box.yl), m_grid.ofLength(box.xh),
+                 m_grid.ofLength(box.yh)},
+                static_cast<size_t>(shape));
+        }
+        for (size_t i = 0; i < cell.shapes.size() && !isTrue; ++i) {
             for (const placer::Rect& rect : cell.shapes[i].rects) {
-                const gds::GdsBox box{m_grid.ofLibrary(rect.xl), m_grid.ofLibrary(rect.yl),
-                                      m_grid.ofLibrary(rect.xh), m_grid.ofLibrary(rect.yh)};
-                drawing.rectangle(METAL_LAYER, box);
-                if (solution >= 0) {
-                    const int32_t mask = cell.solutions[static_cast<size_t>(solution)].masks[i];
-                    drawing.rectangle(static_cast<int16_t>(FIRST_MASK_LAYER + mask), box);
-                }
+                add({m_grid.ofLibrary(rect.xl), m_grid.ofLibrary(rect.yl), m_grid.ofLibrary(rect.xh),
+                     m_grid.ofLibrary(rect.yh)},
+                    i);
             }
         }
         m_gds.endStructure();

@@ -5,15 +5,16 @@
 #include <map>
 
 #include "kit/engines/export/grid.h"
-#include "kit/engines/export/pieces.h"
 #include "kit/formats/lefdef/edits.h"
 #include "kit/formats/lefdef/scanner.h"
 #include "kit/formats/lefdef/units.h"
+#include "kit/geometry/pieces.h"
 
 namespace kit::exporter {
 
 namespace {
 
+using Box = geometry::Rect;
 using lefdef::LefMacro;
 using lefdef::LefPoint;
 using lefdef::LefShape;
@@ -121,18 +122,19 @@ private:
         std::vector<Box> boxes;
         bool isCut = true;
         for (const LefShape* shape : shapes) {
-            const std::vector<Box> parts = boxesOf(*shape);
+            const std::vector<Box> parts = lefdef::boxesOf(*shape);
             boxes.insert(boxes.end(), parts.begin(), parts.end());
             isCut = isCut && !parts.empty();
         }
-        const std::vector<MaskBox> pieces = isCut ? cutByMask(boxes, m_metal) : std::vector<MaskBox>();
-        if (pieces.empty() || pieces.front().mask == NO_MASK) {
+        const std::vector<geometry::Labelled> pieces =
+            isCut ? geometry::cutByLabel(boxes, m_metal) : std::vector<geometry::Labelled>();
+        if (pieces.empty() || pieces.front().label == geometry::NO_LABEL) {
             ++m_result.bareMetal;
         }
         if (pieces.empty()) {
-            setMask(offset, NO_MASK); // slanting edges
-        } else if (pieces.front().mask == pieces.back().mask) {
-            setMask(offset, pieces.front().mask);
+            setMask(offset, geometry::NO_LABEL); // slanting edges
+        } else if (pieces.front().label == pieces.back().label) {
+            setMask(offset, pieces.front().label);
         } else {
             writeRects(offset, pieces);
         }
@@ -150,17 +152,19 @@ private:
             scanner.advance();
             end = scanner.end();
         }
-        m_edits.replace(behindWord, end, mask == NO_MASK ? "" : " MASK " + std::to_string(mask + 1));
+        m_edits.replace(behindWord, end,
+                        mask == geometry::NO_LABEL ? "" : " MASK " + std::to_string(mask + 1));
     }
 
-    void writeRects(size_t offset, const std::vector<MaskBox>& pieces)
+    void writeRects(size_t offset, const std::vector<geometry::Labelled>& pieces)
     {
         const size_t end = lefdef::endOfStatement(m_text, offset);
         const std::string indentation(lefdef::indentationOf(m_text, offset));
         std::string text;
-        for (const MaskBox& piece : pieces) {
+        for (const geometry::Labelled& piece : pieces) {
             text += text.empty() ? "" : " ;\n" + indentation;
-            text += piece.mask == NO_MASK ? "RECT" : "RECT MASK " + std::to_string(piece.mask + 1);
+            text +=
+                piece.label == geometry::NO_LABEL ? "RECT" : "RECT MASK " + std::to_string(piece.label + 1);
             for (const Length value : {piece.box.xl - m_origin.x, piece.box.yl - m_origin.y,
                                        piece.box.xh - m_origin.x, piece.box.yh - m_origin.y}) {
                 text += " " + lefdef::micronText(value);
@@ -173,7 +177,7 @@ private:
     const LefMacro& m_macro;
     Statements m_statements;
     LefPoint m_origin;
-    std::vector<MaskBox> m_metal;
+    std::vector<geometry::Labelled> m_metal;
     lefdef::Edits m_edits;
     MaskedMacro m_result;
 };

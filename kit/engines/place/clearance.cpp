@@ -159,7 +159,7 @@ private:
     {
         const int64_t reach = int64_t{m_minDist} * m_step / placer::LIBRARY_SITE + 1;
         const int64_t width =
-            -floorDiv(-int64_t{m_design.cellOf(comp)->width} * m_step, placer::LIBRARY_SITE);
+            -geometry::floorDiv(-int64_t{m_design.cellOf(comp)->width} * m_step, placer::LIBRARY_SITE);
         const int64_t right = comp.x + width;
         if (const auto at = begins.lower_bound({comp.y, right});
             at != begins.end() && at->first.first == comp.y && at->first.second < right + reach) {
@@ -172,8 +172,6 @@ private:
             }
         }
     }
-
-    static int64_t floorDiv(int64_t a, int64_t b) { return a / b - (a % b < 0 ? 1 : 0); }
 
     /// A fixed cell as one that ends where the stretch does.
     ///

@@ -62,6 +62,10 @@ struct LefMacro {
     size_t endOffset = 0;                 ///< behind its END and name
 };
 
+/// The rectangles of a shape, cut between its corners' heights if it is a polygon with axis-parallel edges.
+/// Empty for another polygon.
+std::vector<geometry::Rect> boxesOf(const LefShape& shape);
+
 /// Whether a macro is a filler: a cell without a function, of class CORE SPACER or PAD SPACER.
 bool isFiller(const LefMacro& macro);
 

@@ -10,6 +10,7 @@
 #include "kit/formats/lefdef/lef.h"
 #include "kit/formats/lefdef/macroReader.h"
 #include "kit/formats/lefdef/statements.h"
+#include "kit/geometry/polygon.h"
 
 namespace kit::lefdef {
 
@@ -221,6 +222,16 @@ bool hasMetal(const LefMacro& macro)
 {
     return !macro.obstructions.empty() ||
            std::ranges::any_of(macro.pins, [](const LefPin& pin) { return !pin.shapes.empty(); });
+}
+
+std::vector<geometry::Rect> boxesOf(const LefShape& shape)
+{
+    if (shape.polygon) {
+        return geometry::cutIntoRects(shape.points);
+    }
+    const LefPoint& a = shape.points.front();
+    const LefPoint& b = shape.points.back();
+    return {geometry::rectBetween(a.x, a.y, b.x, b.y)};
 }
 
 bool isFiller(const LefMacro& macro)

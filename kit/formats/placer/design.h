@@ -8,6 +8,7 @@
 
 #include <cassert>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -88,6 +89,14 @@ struct Solution {
     int64_t line = 0;           ///< in the colour file
 };
 
+/// Metal of a cell as its LEF file has it, picometres.
+struct TrueMetal {
+    int64_t siteWidth = 0; ///< what is LIBRARY_SITE in the colour file
+    int64_t width = 0;     ///< of the cell
+    int64_t height = 0;    ///< of the cell
+    std::vector<geometry::Rect> rects{};
+};
+
 /// A library cell.
 struct Cell {
     std::string name;
@@ -97,8 +106,9 @@ struct Cell {
     std::vector<Rect> headerBoxes;
     std::vector<Shape> shapes;
     std::vector<Solution> solutions;
-    bool complete = false; ///< the colour file could be read to its end
-    int64_t line = 0;      ///< in the cell list
+    std::optional<TrueMetal> trueMetal; ///< where the shapes are rounded, and it is known
+    bool complete = false;              ///< the colour file could be read to its end
+    int64_t line = 0;                   ///< in the cell list
 };
 
 /// Metal of a component that stays where it is, on masks that nobody knows.

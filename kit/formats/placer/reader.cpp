@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The files of a design but the placement: cell list, colour files, pins and netlist.
+#include <filesystem>
 #include <optional>
 #include <string_view>
 #include <unordered_map>
@@ -10,6 +11,7 @@
 #include "kit/base/finding.h"
 #include "kit/base/text/text.h"
 #include "kit/formats/placer/design.h"
+#include "kit/formats/placer/metal.h"
 #include "kit/formats/placer/reader.h"
 #include "kit/formats/placer/words.h"
 
@@ -159,6 +161,10 @@ std::string readCell(Cell& cell, Findings& findings)
     try {
         const std::string text = readFile(cell.path);
         ColourReader(text, cell, Reporter(findings, cell.path)).run();
+        const std::filesystem::path metal = std::filesystem::path(cell.path).replace_extension(".metal");
+        if (std::filesystem::exists(metal)) {
+            cell.trueMetal = readMetal(metal.string(), findings);
+        }
     } catch (const Fault& fault) {
         return fault.what();
     }

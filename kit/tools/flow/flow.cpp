@@ -190,9 +190,11 @@ private:
         }
         set.add(folder + MARK, [](OutputFile& /*file*/) {});
         for (const std::string& cell : m_colored) {
-            const std::string path = m_places.cellDir + "/" + cell + ".color";
-            if (fs::exists(path)) { // one that is not placed may have none
-                set.addCopy(folder + cell + ".color", path);
+            for (const char* extension : {".color", ".metal"}) {
+                const std::string path = m_places.cellDir + "/" + cell + extension;
+                if (fs::exists(path)) { // one that is not placed may have none
+                    set.addCopy(folder + cell + extension, path);
+                }
             }
         }
     }

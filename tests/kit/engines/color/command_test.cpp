@@ -187,6 +187,16 @@ TEST_F(KitColorCommand, RoundedLengthsAreToldOnce)
     EXPECT_EQ(outcome.error.find("lengths of BUF"), std::string::npos) << outcome.error;
 }
 
+TEST_F(KitColorCommand, MetalIsWrittenWhereLengthsAreRounded)
+{
+    write(master("INV", BAR));
+    color({"--site", "0.2,1.4"});
+    EXPECT_EQ(file("INV.metal").substr(0, 57),
+              "VIRELOCE METAL 1\nSITE 200000\nSIZE 380000 1400000\nRECTS 1\n");
+    color({"--site", "0.19,1.4", "--force"});
+    EXPECT_FALSE(exists("INV.metal")) << "that of the earlier run";
+}
+
 TEST_F(KitColorCommand, WidthThatIsNoMultipleOfTheSiteIsAWarning)
 {
     write(SITE + master("INV", BAR, "CLASS CORE ;", "SIZE 0.4 BY 1.4 ;"));

@@ -46,6 +46,22 @@ TEST(KitLayout, HasAStructurePerCellSolutionAndOrientation)
     EXPECT_EQ(library.metreUnit, 1e-9);
 }
 
+TEST(KitLayout, HasTheMetalOfTheLefFileWhereItIsKnown)
+{
+    SmallExport files("- a INV + PLACED ( 0 0 ) N\n ;\n- b INV + PLACED ( 0 1400 ) N\n ;\n",
+                      "- a INV ;\n- b INV ;\n");
+    files.colors = "a INV 1 0 0 0 1 2\nb INV 1 0 0 0 1 2\n";
+    files.write("lib/INV.metal", "VIRELOCE METAL 1\nSITE 190000\nSIZE 380000 1401000\nRECTS 4\n"
+                                 "0 -85000 380000 85000\n0 1315000 380000 1485000\n"
+                                 "21000 300000 90000 900000\n300000 301000 360000 900000\nEND\n");
+    EXPECT_EQ(files.run({"--gds", files.path("new.gds")}).error, "");
+    const auto structures = readGds(files.output("new.gds")).structures;
+    EXPECT_EQ(boxesOn(structures.at("INV_S1_N"), 101), (Boxes{{21, 300, 90, 900}}));
+    EXPECT_EQ(boxesOn(structures.at("INV_S1_N"), 102), (Boxes{{300, 301, 360, 900}}));
+    EXPECT_EQ(boxesOn(structures.at("INV_S1_FS"), 101), (Boxes{{21, 501, 90, 1101}}));
+    EXPECT_EQ(boxesOn(structures.at("INV_S1_FS"), 99), (Boxes{{0, 0, 380, 1401}}));
+}
+
 TEST(KitLayout, HasEveryShapeOnItsLayers)
 {
     SmallExport files("- a INV + PLACED ( 0 0 ) N\n ;\n", "- a INV ;\n");

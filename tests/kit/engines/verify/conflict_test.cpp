@@ -427,6 +427,25 @@ Cell randomCell(int index)
     return cell;
 }
 
+TEST(KitVerifyConflict, ShapesAreThoseOfTheLefFileWhereTheyAreKnown)
+{
+    struct Row {
+        const char* orient; // of the right one of two cells
+        double distance;
+    };
+    for (const Row& row : {Row{"N", 185.4}, Row{"FN", 185.0}, Row{"S", 185.0}, Row{"FS", 185.4}}) {
+        Cell cell = makeCell("BAR", 380, {{92, 400, 288, 1000}}, {1});
+        cell.trueMetal = {190'000, 380'000, 1'400'000, {{92'900, 400'000, 287'500, 1'000'000}}};
+        Judged design({cell});
+        design.add(0, 0, 0);
+        design.add(0, 2, 0, 0, row.orient);
+        EXPECT_EQ(kindsOf(design.judge()), "") << row.orient;
+        EXPECT_NEAR(onlyIssue(design.judge(186)).distance, row.distance, 1e-9) << row.orient;
+        design.input.design.cells[0].trueMetal.reset();
+        EXPECT_EQ(onlyIssue(design.judge()).distance, 184) << row.orient;
+    }
+}
+
 PROPERTY(KitVerifyConflict, AgreesWithAllPairsOnRandomRows)
 {
     const int32_t step = test::drawOne({190, 380, 123});

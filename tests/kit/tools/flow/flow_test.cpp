@@ -631,7 +631,7 @@ TEST_F(SmallFlow, SaysWhatTheJudgeHasAgainstAPlacementAndWhatToDo)
     EXPECT_EQ(m_error.substr(0, m_error.find("What to do: ")),
               "vireloce-kit: no legal places for 1 pair of cells too close\n\n" + out() +
                   ".place:17: error: u0 (C) at (1000, 0) and v0 (C) at (1400, 0) have shapes of mask "
-                  "0 18.0 apart, 185 (0.194736 um) are needed; 1 pair of shapes too close [conflict]\n\n"
+                  "0 19.0 apart, 185 (0.194736 um) are needed; 1 pair of shapes too close [conflict]\n\n"
                   "Not clean:\n  1  conflict: pairs of cells in a row with metal of one mask too close\n");
     EXPECT_NE(m_error.find("What to do: try another --algo (0, 1, 3), more --max-solutions or"),
               std::string::npos)

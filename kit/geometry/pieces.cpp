@@ -1,37 +1,34 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "kit/engines/export/pieces.h"
+#include "kit/geometry/pieces.h"
 
 #include <algorithm>
 #include <optional>
 #include <set>
 
-namespace kit::exporter {
+namespace kit::geometry {
 
 namespace {
 
-using lefdef::LefPoint;
-using lefdef::Length;
-
 /// A stretch of the x axis.
 struct Run {
-    Length xl;
-    Length xh;
+    int64_t xl;
+    int64_t xh;
 
     bool operator==(const Run&) const = default;
 };
 
 using Runs = std::vector<Run>;
 
-void sortUnique(std::vector<Length>& values)
+void sortUnique(std::vector<int64_t>& values)
 {
     std::sort(values.begin(), values.end());
     values.erase(std::unique(values.begin(), values.end()), values.end());
 }
 
-std::vector<Length> heightsOf(const std::vector<Box>& boxes)
+std::vector<int64_t> heightsOf(const std::vector<Rect>& boxes)
 {
-    std::vector<Length> heights;
-    for (const Box& box : boxes) {
+    std::vector<int64_t> heights;
+    for (const Rect& box : boxes) {
         heights.insert(heights.end(), {box.yl, box.yh});
     }
     sortUnique(heights);
@@ -39,10 +36,10 @@ std::vector<Length> heightsOf(const std::vector<Box>& boxes)
 }
 
 /// What the boxes take of the band between two heights, from the left, joined where they touch.
-Runs runsOf(const std::vector<Box>& boxes, Length yl, Length yh)
+Runs runsOf(const std::vector<Rect>& boxes, int64_t yl, int64_t yh)
 {
     Runs runs;
-    for (const Box& box : boxes) {
+    for (const Rect& box : boxes) {
         if (box.yl <= yl && box.yh >= yh && box.xl < box.xh) {
             runs.push_back({box.xl, box.xh});
         }
@@ -60,7 +57,7 @@ Runs runsOf(const std::vector<Box>& boxes, Length yl, Length yh)
 }
 
 /// What runs leave free between two ends.
-Runs gapsOf(const Runs& runs, Length xl, Length xh)
+Runs gapsOf(const Runs& runs, int64_t xl, int64_t xh)
 {
     Runs gaps;
     for (const Run& run : runs) {
@@ -78,7 +75,7 @@ Runs gapsOf(const Runs& runs, Length xl, Length xh)
 /// Makes boxes of the runs of bands, from the bottom to the top.
 class Stack {
 public:
-    void add(Length yl, Length yh, const Runs& runs)
+    void add(int64_t yl, int64_t yh, const Runs& runs)
     {
         std::vector<size_t> open;
         for (const Run& run : runs) {
@@ -91,44 +88,34 @@ public:
         m_open = std::move(open);
     }
 
-    std::vector<Box> take() { return std::move(m_boxes); }
+    std::vector<Rect> take() { return std::move(m_boxes); }
 
 private:
-    std::optional<size_t> boxBelow(const Run& run, Length yl) const
+    std::optional<size_t> boxBelow(const Run& run, int64_t yl) const
     {
         const auto below = std::find_if(m_open.begin(), m_open.end(), [&](size_t index) {
-            const Box& box = m_boxes[index];
+            const Rect& box = m_boxes[index];
             return box.xl == run.xl && box.xh == run.xh && box.yh == yl;
         });
         return below == m_open.end() ? std::nullopt : std::optional(*below);
     }
 
-    std::vector<Box> m_boxes;
+    std::vector<Rect> m_boxes;
     std::vector<size_t> m_open; ///< those of the band below
 };
 
 /// The common part of two boxes, if it has an area.
-std::optional<Box> common(const Box& a, const Box& b)
+std::optional<Rect> sharedBy(const Rect& a, const Rect& b)
 {
-    const Box box{std::max(a.xl, b.xl), std::max(a.yl, b.yl), std::min(a.xh, b.xh), std::min(a.yh, b.yh)};
-    return box.xl < box.xh && box.yl < box.yh ? std::optional(box) : std::nullopt;
+    const Rect shared = common(a, b);
+    return shared.hasArea() ? std::optional(shared) : std::nullopt;
 }
 
 } // namespace
 
-std::vector<Box> boxesOf(const lefdef::LefShape& shape)
+std::vector<Rect> unite(const std::vector<Rect>& boxes)
 {
-    if (shape.polygon) {
-        return geometry::cutIntoRects(shape.points);
-    }
-    const LefPoint& a = shape.points.front();
-    const LefPoint& b = shape.points.back();
-    return {{std::min(a.x, b.x), std::min(a.y, b.y), std::max(a.x, b.x), std::max(a.y, b.y)}};
-}
-
-std::vector<Box> unite(const std::vector<Box>& boxes)
-{
-    const std::vector<Length> heights = heightsOf(boxes);
+    const std::vector<int64_t> heights = heightsOf(boxes);
     Stack stack;
     for (size_t i = 0; i + 1 < heights.size(); ++i) {
         stack.add(heights[i], heights[i + 1], runsOf(boxes, heights[i], heights[i + 1]));
@@ -136,15 +123,15 @@ std::vector<Box> unite(const std::vector<Box>& boxes)
     return stack.take();
 }
 
-std::vector<Box> subtract(const Box& from, const std::vector<Box>& boxes)
+std::vector<Rect> subtract(const Rect& from, const std::vector<Rect>& boxes)
 {
-    std::vector<Box> inside;
-    for (const Box& box : boxes) {
-        if (const std::optional<Box> part = common(from, box)) {
+    std::vector<Rect> inside;
+    for (const Rect& box : boxes) {
+        if (const std::optional<Rect> part = sharedBy(from, box)) {
             inside.push_back(*part);
         }
     }
-    std::vector<Length> heights = heightsOf(inside);
+    std::vector<int64_t> heights = heightsOf(inside);
     heights.insert(heights.end(), {from.yl, from.yh});
     sortUnique(heights);
     Stack stack;
@@ -155,39 +142,40 @@ std::vector<Box> subtract(const Box& from, const std::vector<Box>& boxes)
     return stack.take();
 }
 
-std::vector<MaskBox> cutByMask(const std::vector<Box>& boxes, const std::vector<MaskBox>& metal)
+std::vector<Labelled> cutByLabel(const std::vector<Rect>& boxes, const std::vector<Labelled>& covers)
 {
-    std::vector<Box> covered;
-    std::set<int32_t> masks;
-    for (const MaskBox& piece : metal) {
+    std::vector<Rect> covered;
+    std::set<int32_t> labels;
+    for (const Labelled& piece : covers) {
         covered.push_back(piece.box);
-        masks.insert(piece.mask);
+        labels.insert(piece.label);
     }
-    std::vector<MaskBox> result;
-    const auto add = [&result](const std::vector<Box>& parts, int32_t mask) {
-        for (const Box& part : unite(parts)) {
-            result.push_back({part, mask});
+    std::vector<Labelled> result;
+    const auto add = [&result](const std::vector<Rect>& parts, int32_t label) {
+        for (const Rect& part : unite(parts)) {
+            result.push_back({part, label});
         }
     };
-    std::vector<Box> parts;
-    for (const Box& box : boxes) {
-        const std::vector<Box> bare = subtract(box, covered);
+    std::vector<Rect> parts;
+    for (const Rect& box : boxes) {
+        const std::vector<Rect> bare = subtract(box, covered);
         parts.insert(parts.end(), bare.begin(), bare.end());
     }
-    add(parts, NO_MASK);
-    for (const int32_t mask : masks) {
+    add(parts, NO_LABEL);
+    for (const int32_t label : labels) {
         parts.clear();
-        for (const Box& box : boxes) {
-            for (const MaskBox& piece : metal) {
-                const std::optional<Box> part = piece.mask == mask ? common(box, piece.box) : std::nullopt;
+        for (const Rect& box : boxes) {
+            for (const Labelled& piece : covers) {
+                const std::optional<Rect> part =
+                    piece.label == label ? sharedBy(box, piece.box) : std::nullopt;
                 if (part) {
                     parts.push_back(*part);
                 }
             }
         }
-        add(parts, mask);
+        add(parts, label);
     }
     return result;
 }
 
-} // namespace kit::exporter
+} // namespace kit::geometry

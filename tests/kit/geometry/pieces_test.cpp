@@ -1,16 +1,19 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Rectangles cut and joined, against a model of unit squares.
-#include "kit/engines/export/pieces.h"
+#include "kit/geometry/pieces.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 
+#include "kit/formats/lefdef/lef.h"
 #include "support/property.h"
 
 namespace {
 
-using namespace kit::exporter;
+using namespace kit::geometry;
+using Box = Rect;
+using kit::lefdef::boxesOf;
 
 constexpr int SIZE = 9;
 
@@ -79,30 +82,30 @@ PROPERTY(KitPieces, DifferenceCoversTheRestOnce)
 PROPERTY(KitPieces, EveryMaskHasItsMetal)
 {
     const std::vector<Box> boxes = anyBoxes(3);
-    std::vector<MaskBox> metal;
+    std::vector<Labelled> metal;
     std::array<std::vector<Box>, 3> ofMask;
     std::vector<Box> all;
     for (const Box& box : anyBoxes(6)) {
         metal.push_back({box, test::draw(0, 3)});
-        ofMask[static_cast<size_t>(metal.back().mask)].push_back(box);
+        ofMask[static_cast<size_t>(metal.back().label)].push_back(box);
         all.push_back(box);
     }
-    const std::vector<MaskBox> pieces = cutByMask(boxes, metal);
+    const std::vector<Labelled> pieces = cutByLabel(boxes, metal);
     RC_ASSERT(std::is_sorted(pieces.begin(), pieces.end(),
-                             [](const MaskBox& a, const MaskBox& b) { return a.mask < b.mask; }));
+                             [](const Labelled& a, const Labelled& b) { return a.label < b.label; }));
     const Squares wanted = covered(squaresOf(boxes));
-    for (int mask = NO_MASK; mask < 3; ++mask) {
+    for (int mask = NO_LABEL; mask < 3; ++mask) {
         std::vector<Box> found;
-        for (const MaskBox& piece : pieces) {
-            if (piece.mask == mask) {
+        for (const Labelled& piece : pieces) {
+            if (piece.label == mask) {
                 found.push_back(piece.box);
             }
         }
-        const Squares there = squaresOf(mask == NO_MASK ? all : ofMask[static_cast<size_t>(mask)]);
+        const Squares there = squaresOf(mask == NO_LABEL ? all : ofMask[static_cast<size_t>(mask)]);
         const Squares squares = squaresOf(found);
         for (size_t y = 0; y < SIZE; ++y) {
             for (size_t x = 0; x < SIZE; ++x) {
-                const bool isThere = mask == NO_MASK ? there[y][x] == 0 : there[y][x] > 0;
+                const bool isThere = mask == NO_LABEL ? there[y][x] == 0 : there[y][x] > 0;
                 RC_ASSERT(squares[y][x] == (isThere ? wanted[y][x] : 0));
             }
         }
@@ -112,19 +115,19 @@ PROPERTY(KitPieces, EveryMaskHasItsMetal)
 TEST(KitPieces, OneBoxOfOneMaskStaysWhole)
 {
     const Box box{0, 0, 9, 5};
-    EXPECT_EQ(cutByMask({box}, {{{0, 0, 4, 9}, 2}, {{4, -1, 9, 9}, 2}}), (std::vector<MaskBox>{{box, 2}}));
+    EXPECT_EQ(cutByLabel({box}, {{{0, 0, 4, 9}, 2}, {{4, -1, 9, 9}, 2}}), (std::vector<Labelled>{{box, 2}}));
 }
 
 TEST(KitPieces, BoxIsCutWhereTheMaskChanges)
 {
-    EXPECT_EQ(cutByMask({{0, 0, 9, 5}}, {{{0, 0, 4, 5}, 1}, {{4, 0, 9, 5}, 0}}),
-              (std::vector<MaskBox>{{{4, 0, 9, 5}, 0}, {{0, 0, 4, 5}, 1}}));
+    EXPECT_EQ(cutByLabel({{0, 0, 9, 5}}, {{{0, 0, 4, 5}, 1}, {{4, 0, 9, 5}, 0}}),
+              (std::vector<Labelled>{{{4, 0, 9, 5}, 0}, {{0, 0, 4, 5}, 1}}));
 }
 
 TEST(KitPieces, OverlapOfTwoMasksIsOnBoth)
 {
-    EXPECT_EQ(cutByMask({{0, 0, 9, 5}}, {{{0, 0, 5, 5}, 0}, {{4, 0, 9, 5}, 1}}),
-              (std::vector<MaskBox>{{{0, 0, 5, 5}, 0}, {{4, 0, 9, 5}, 1}}));
+    EXPECT_EQ(cutByLabel({{0, 0, 9, 5}}, {{{0, 0, 5, 5}, 0}, {{4, 0, 9, 5}, 1}}),
+              (std::vector<Labelled>{{{0, 0, 5, 5}, 0}, {{4, 0, 9, 5}, 1}}));
 }
 
 kit::lefdef::LefShape polygonOf(std::vector<kit::lefdef::LefPoint> points)
