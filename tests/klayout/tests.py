@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: BSD-3-Clause
 """What `vireloce-kit export` writes, as KLayout sees it. Run by scripts/klayout-tests."""
 
+import json
 import os
 import re
 import sys
@@ -12,7 +13,7 @@ sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 import pya
 
 import kitfiles
-from case import DEF, LEF, LIBRARY, MINDP, Case, imported, run, text_of, write
+from case import DEF, EXAMPLES, LEF, LIBRARY, MINDP, Case, imported, run, text_of, write
 from layout import MASKS, METAL, NAME, OUTLINE, Layout, close_pairs, def_instances, def_metal, edges_of, read_def
 
 WORK = os.environ["VIRELOCE_WORK"]
@@ -237,20 +238,30 @@ class UnitsOf4000(UnitsOf100):
 
 
 class ScaledGcd(Checks, unittest.TestCase):
-    """gcd at a site of 0.46 micrometres: no corner of the library is whole in the colour files' units."""
+    """gcd at a site of 0.46 micrometres: no corner of the library is whole in the colour files' units. Nor is the
+    metal of the LEF file there."""
 
     planted = True
     SITE, OLD_SITE = 460, 190
 
     @classmethod
+    def files(cls, folder):
+        """Writes the library and the design. Returns their paths."""
+        os.makedirs(folder, exist_ok=True)
+        return (write(os.path.join(folder, "scaled.lef"), cls.scaled_lef(text_of(LEF))),
+                write(os.path.join(folder, "scaled.def"),
+                      scaled_def(text_of(DEF), 1000, cls.SITE, cls.nanometres(1.4))))
+
+    @classmethod
     def setUpClass(cls):
         folder = os.path.join(WORK, cls.__name__)
-        os.makedirs(folder, exist_ok=True)
-        cls.lef = write(os.path.join(folder, "scaled.lef"), cls.scaled_lef(text_of(LEF)))
-        original = write(os.path.join(folder, "scaled.def"), scaled_def(text_of(DEF), 1000, cls.SITE, cls.nanometres(1.4)))
+        cls.lef, original = cls.files(folder)
         colors = os.path.join(folder, "colors")
         run("color", "--lef", cls.lef, "--layer", METAL_NAME, "-o", colors, "--allow-conflicts",
             "--stitch-overlap", "20", "--force", statuses=(0, 1))
+        for name in os.listdir(colors):
+            if name.endswith(".metal"):
+                os.remove(os.path.join(colors, name))
         cls.case = Case(folder, imported(folder, original, cls.lef), colors, original)
         assert cls.case.recolor(every=4) > 50
         cls.masks, cls.masked = cls.case.path("masks.lef"), cls.case.path("masked.def")
@@ -382,6 +393,73 @@ END LIBRARY
             self.assertGreater(drawn.area(), 0)
             self.assertEqual((drawn ^ expected).area(), 0, inst.property(NAME))
         self.assertEqual(instances, {})
+
+
+class KitsOfRoundedLengths(unittest.TestCase):
+    """Designs of libraries whose lengths are no whole units of the colour files: gcd, and others where they are."""
+
+    DESIGNS = {
+        "ihp130": (("tech.lef", "cells.lef"), "counter_board.def", "Metal1"),
+        "sky130hd": (("tech.lef", "cells.lef"), "circuitops_riscv32i.def", "li1"),
+        "asap7": (("tech.lef", "cells_28_R.lef", "cells_28_L.lef", "cells_28_SL.lef"),
+                  "ispd26_aes_v2_blockages.def", "M1"),
+    }
+
+    def flow(self, kit):
+        """Makes a design. Returns the base of its results, its LEF files and the layer."""
+        if kit == "gcd":
+            lef, original = ScaledGcd.files(os.path.join(WORK, "rounded"))
+            return self.result(kit, [lef], original, METAL_NAME)
+        lefs, original, layer = self.DESIGNS[kit]
+        path = lambda name: os.path.join(EXAMPLES, "..", "..", "shared", "data", "designs", kit, name)
+        if not os.path.exists(path(original)):
+            self.skipTest("there is no ../shared/data/designs/" + kit)
+        return self.result(kit, [path(lef) for lef in lefs], path(original), layer)
+
+    def result(self, kit, lefs, original, layer):
+        base = os.path.join(WORK, "rounded-" + kit)
+        words = [word for lef in lefs for word in ("--lef", lef)]
+        run("flow", *words, "--def", original, "--layer", layer, "--allow-conflicts", "--force", "-o", base,
+            "--cache", os.path.join(WORK, "cache"))
+        return base, lefs, layer
+
+    def test_metal_is_that_of_the_exported_def_file_with_its_library(self):
+        for kit in ("gcd", *self.DESIGNS):
+            with self.subTest(kit):
+                base, lefs, layer = self.flow(kit)
+                layout = Layout(base + ".gds")
+                whole = read_def(base + ".def", lefs, layout.layout.dbu)
+                difference = def_metal(whole, layer, (".PIN", ".OBS")) ^ layout.region(METAL)
+                self.assertEqual(difference.area(), 0)
+
+    def test_spacing_errors_at_a_larger_distance_are_those_that_verify_lists(self):
+        mindp = 260
+        base, _, _ = self.flow("gcd")
+        layout = Layout(base + ".gds")
+        instances = layout.instances()
+        rails = {}
+        for cell in {cell.name: cell for cell, _, _ in instances.values()}.values():
+            outline = layout.region(OUTLINE, cell).bbox()
+            rails[cell.name] = pya.Region([
+                polygon for polygon in layout.region(MASKS[0], cell).merged().each()
+                if polygon.bbox().bottom <= outline.bottom or polygon.bbox().top >= outline.top])
+        metal = []
+        for name, mask, box in layout.metal():
+            cell, x, y = instances[name]
+            if mask or (pya.Region(pya.Box(*box)) & rails[cell.name].moved(x, y)).is_empty():
+                metal.append((name, mask, box))
+        text = text_of(base + ".place")
+        unit = kitfiles.rows_of(text)[0][4] / int(re.search(r"MICRONS (\d+)", text)[1]) / layout.layout.dbu / kitfiles.SITE
+        found = close_pairs(metal, round(mindp * unit))
+        report = json.loads(run("verify", base + ".place", "--colors", base + ".colors", "--cell-path",
+                                base + ".library", "--mindp", str(mindp), "--json", statuses=(0, 1)))
+        expected = {
+            tuple(sorted((finding["component"], finding["other"])))
+            for finding in report["findings"]
+            if finding["code"] in ("conflict", "row-conflict")
+        }
+        self.assertGreater(len(found), 0)
+        self.assertEqual(found, expected)
 
 
 if __name__ == "__main__":
