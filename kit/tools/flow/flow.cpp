@@ -115,11 +115,15 @@ private:
 
     int runSteps()
     {
-        if (!import() || !colour() || !runStep(lintStep(m_options, m_places)) ||
-            !runStep(placeStep(m_options, m_places))) {
+        if (!import() || !colour()) {
             return FAILED;
         }
-        // None of these needs what another one makes.
+        // Steps side by side need nothing of each other.
+        Running lint = started(lintStep(m_options, m_places));
+        Running place = started(placeStep(m_options, m_places));
+        if (!finish(lint) || !finish(place)) {
+            return FAILED;
+        }
         Running verify = started(verifyStep(m_options, m_places));
         Running exporting = started(exportStep(m_options, m_places));
         Running view = started(viewStep(m_options, m_places));
