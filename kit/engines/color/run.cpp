@@ -209,9 +209,7 @@ void checkOutputsOf(const Options& options, const std::vector<CellMetal>& cells)
     std::vector<std::string> outputs;
     for (const CellMetal& cell : cells) {
         outputs.push_back(pathOf(options, cell.name, ".color"));
-        if (!cell.exact) {
-            outputs.push_back(pathOf(options, cell.name, ".metal"));
-        }
+        outputs.push_back(pathOf(options, cell.name, ".metal"));
         if (options.svg) {
             outputs.push_back(pathOf(options, cell.name, ".svg"));
         }

@@ -193,6 +193,9 @@ TEST_F(KitColorCommand, MetalIsWrittenWhereLengthsAreRounded)
     color({"--site", "0.2,1.4"});
     EXPECT_EQ(file("INV.metal").substr(0, 57),
               "VIRELOCE METAL 1\nSITE 200000\nSIZE 380000 1400000\nRECTS 1\n");
+    std::filesystem::remove(out() + "/INV.color");
+    EXPECT_EQ(color({"--site", "0.19,1.4"}).status, 2) << "INV.metal is there";
+    EXPECT_TRUE(exists("INV.metal"));
     color({"--site", "0.19,1.4", "--force"});
     EXPECT_FALSE(exists("INV.metal")) << "that of the earlier run";
 }
