@@ -17,6 +17,9 @@ namespace {
 
 constexpr size_t TURNS = 4;
 
+/// Sites, DBU, up to which true metal in fine units is within 64 bits.
+constexpr int64_t WIDEST_STEP = 1'000'000;
+
 /// Masks of the shapes of a block: each rectangle is three shapes.
 constexpr int32_t ALL_MASKS[MASKS] = {0, 1, 2};
 
@@ -106,7 +109,9 @@ Stencil stencilOf(const placer::Cell& cell, const Turn& turn, const Scale& scale
     Stencil stencil;
     stencil.outline = {0, 0, scale.ofLibrary(cell.width), scale.ofLibrary(cell.height)};
     stencil.extent = stencil.outline;
-    for (const geometry::Labelled& piece : placer::truePiecesOf(cell)) {
+    const std::vector<geometry::Labelled> pieces =
+        scale.step <= WIDEST_STEP ? placer::truePiecesOf(cell) : std::vector<geometry::Labelled>();
+    for (const geometry::Labelled& piece : pieces) {
         const FineBox box = fineOf(piece.box, *cell.trueMetal, turn, scale);
         stencil.pieces.push_back(
             {box, piece.label, reachesEdge(cell, cell.shapes[static_cast<size_t>(piece.label)])});

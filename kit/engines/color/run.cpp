@@ -230,7 +230,7 @@ void writeFiles(const Options& options, const Result& result)
             set.add(pathOf(options, name, ".color"),
                     [&](OutputFile& file) { placer::writeColorFile(file, *result.colours[i].file); });
         }
-        if (result.colours[i].file && !result.metal[i].exact) {
+        if (result.colours[i].file && !result.metal[i].exact && placer::fitsFile(result.metal[i].metal)) {
             set.add(pathOf(options, name, ".metal"),
                     [&](OutputFile& file) { placer::writeMetal(file, result.metal[i].metal); });
         } else {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kit/formats/placer/metal.h"
 
+#include <algorithm>
 #include <charconv>
 #include <set>
 #include <string_view>
@@ -13,7 +14,15 @@ namespace kit::placer {
 namespace {
 
 constexpr std::string_view FIRST_WORDS[] = {"VIRELOCE", "METAL", "1"};
-constexpr int64_t FARTHEST = 10'000'000'000; // picometres: a centimetre
+// Products of lengths, sites and library units stay within 64 bits.
+constexpr int64_t FARTHEST = 10'000'000'000;   // picometres
+constexpr int64_t WIDEST_SITE = 1'000'000'000; // picometres
+constexpr int64_t MOST_RECTS = 1000;
+
+bool isNear(int64_t length)
+{
+    return -FARTHEST <= length && length <= FARTHEST;
+}
 
 /// Reads the words of the file.
 class MetalReader {
@@ -29,12 +38,13 @@ public:
             good = good && take(word);
         }
         good = good && take("SITE") && take(metal.siteWidth) && take("SIZE") && take(metal.width) &&
-               take(metal.height) && take("RECTS") && take(count) && metal.siteWidth > 0 && count >= 0;
+               take(metal.height) && take("RECTS") && take(count) && count >= 0 && count <= MOST_RECTS;
         for (int64_t i = 0; i < count && good; ++i) {
             geometry::Rect& rect = metal.rects.emplace_back();
-            good = take(rect.xl) && take(rect.yl) && take(rect.xh) && take(rect.yh) && rect.hasArea();
+            good = take(rect.xl) && take(rect.yl) && take(rect.xh) && take(rect.yh);
         }
-        return good && take("END") && m_words.atEnd() ? std::optional(metal) : std::nullopt;
+        good = good && take("END") && m_words.atEnd() && fitsFile(metal);
+        return good ? std::optional(metal) : std::nullopt;
     }
 
     /// Where the last word was.
@@ -47,8 +57,7 @@ private:
     {
         const std::string_view word = next();
         const auto [stop, error] = std::from_chars(word.data(), word.data() + word.size(), value);
-        return error == std::errc() && stop == word.data() + word.size() && value <= FARTHEST &&
-               value >= -FARTHEST;
+        return error == std::errc() && stop == word.data() + word.size();
     }
 
     std::string_view next()
@@ -69,6 +78,16 @@ int64_t lowOf(int64_t units, int64_t siteWidth)
 }
 
 } // namespace
+
+bool fitsFile(const TrueMetal& metal)
+{
+    const auto isGood = [](const geometry::Rect& rect) {
+        return rect.hasArea() && isNear(rect.xl) && isNear(rect.yl) && isNear(rect.xh) && isNear(rect.yh);
+    };
+    return metal.siteWidth > 0 && metal.siteWidth <= WIDEST_SITE && isNear(metal.width) &&
+           isNear(metal.height) && static_cast<int64_t>(metal.rects.size()) <= MOST_RECTS &&
+           std::ranges::all_of(metal.rects, isGood);
+}
 
 void writeMetal(OutputFile& out, const TrueMetal& metal)
 {
@@ -98,7 +117,7 @@ std::optional<TrueMetal> readMetal(const std::string& path, Findings& findings)
 
 std::vector<geometry::Labelled> truePiecesOf(const Cell& cell)
 {
-    if (!cell.trueMetal) {
+    if (!cell.trueMetal || !fitsFile(*cell.trueMetal)) {
         return {};
     }
     const int64_t site = cell.trueMetal->siteWidth;

@@ -11,6 +11,7 @@
 // All lengths are picometres. `color` writes it where lengths of the colour file are rounded.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,7 +22,13 @@
 
 namespace kit::placer {
 
+/// Whether all of it is within what the file may hold: 1000 rectangles, a centimetre, and sites of a
+/// millimetre.
+bool fitsFile(const TrueMetal& metal);
+
 /// Writes the file. Errors: throws Fault if that cannot be done.
+///
+/// @pre   fitsFile()
 void writeMetal(OutputFile& out, const TrueMetal& metal);
 
 /// Reads the file. What is wrong with it is the error "metal-file", and nothing is read.

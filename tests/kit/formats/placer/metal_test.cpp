@@ -40,8 +40,8 @@ TEST(KitMetal, DamagedFileIsAnErrorAndNothingIsRead)
     for (const std::string& damaged :
          {std::string(), text.substr(0, text.size() - 5), text + "1", with("METAL 1", "METAL 2"),
           with("SITE 200000", "SITE 0"), with("RECTS 2", "RECTS 3"), with("RECTS 2", "RECTS -1"),
-          with("RECTS 2", "RECTS 2000000000"), with("90500", "50500"), with("90500", "9x"),
-          with("90500", "10000000001"), with("90500", "99999999999999999999")}) {
+          with("RECTS 2", "RECTS 2000000000"), with("SITE 200000", "SITE 1000000001"), with("90500", "50500"),
+          with("90500", "9x"), with("90500", "10000000001"), with("90500", "99999999999999999999")}) {
         Findings findings;
         EXPECT_FALSE(readMetal(dir.write("INV.metal", damaged), findings).has_value());
         ASSERT_EQ(findings.size(), 1U) << damaged;
