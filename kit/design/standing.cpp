@@ -227,6 +227,15 @@ void Layout::addBlocks(const placer::Design& design, std::vector<Standing>& all)
     }
 }
 
+int64_t horizontalDistance(int64_t dy, int64_t least)
+{
+    auto dx = static_cast<int64_t>(std::sqrt(static_cast<double>(least * least - dy * dy)));
+    while (dx * dx + dy * dy < least * least) {
+        ++dx;
+    }
+    return dx;
+}
+
 bool areCompared(const placer::Design& design, int32_t first, int32_t second)
 {
     const bool anyBlock = design.component(first).cell < 0 || design.component(second).cell < 0;

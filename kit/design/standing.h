@@ -120,6 +120,12 @@ private:
     int64_t m_tallest = 0;
 };
 
+/// Horizontal distance from which on two rectangles are far enough apart, fine units.
+///
+/// @param dy     their vertical distance, less than `least`
+/// @param least  distance that they need
+int64_t horizontalDistance(int64_t dy, int64_t least);
+
 /// Whether the metal of two components is compared, by their indices as in Design::component(). A block is
 /// not with what stays where it is as well: nobody knows its masks, and neither can help.
 bool areCompared(const placer::Design& design, int32_t first, int32_t second);

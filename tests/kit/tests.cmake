@@ -97,3 +97,7 @@ target_link_libraries(test_kit PRIVATE vireloce_kit LibLZMA::LibLZMA SQLite::SQL
 add_dependencies(test_kit vireloce-kit)
 set_source_files_properties(${CMAKE_CURRENT_LIST_DIR}/tools/command_test.cpp PROPERTIES
     COMPILE_DEFINITIONS VIRELOCE_VERSION="${PROJECT_VERSION}")
+
+# A figure or two of a model, for work on the search for shorter wires.
+add_executable(refine_inspect EXCLUDE_FROM_ALL kit/engines/refine/inspect.cpp)
+target_link_libraries(refine_inspect PRIVATE vireloce_kit vireloce_refine vireloce_warnings)

@@ -2,7 +2,6 @@
 #include "kit/engines/place/gaps.h"
 
 #include <algorithm>
-#include <cmath>
 #include <map>
 
 #include "kit/design/stretches.h"
@@ -12,17 +11,6 @@ namespace kit::place {
 namespace {
 
 constexpr size_t TURNS = 4;
-
-/// Horizontal distance from which on two rectangles are far enough apart, fine units.
-int64_t neededDistance(const design::FineBox& a, const design::FineBox& b, int64_t least)
-{
-    const int64_t dy = geometry::gapOf(a.yl, a.yh, b.yl, b.yh);
-    auto dx = static_cast<int64_t>(std::sqrt(static_cast<double>(least * least - dy * dy)));
-    while (dx * dx + dy * dy < least * least) {
-        ++dx;
-    }
-    return dx;
-}
 
 /// DBU that have at least so many fine units.
 int64_t toDbu(int64_t fine)
@@ -118,7 +106,9 @@ std::vector<Gaps::Need> Gaps::needsOf(const Lie& left, const Lie& right)
                 geometry::gapOf(a.box.yl, a.box.yh, b.box.yl, b.box.yh) >= m_least) {
                 continue;
             }
-            const int64_t apart = toDbu(neededDistance(a.box, b.box, m_least) + a.box.xh - b.box.xl);
+            const int64_t apart = toDbu(
+                design::horizontalDistance(geometry::gapOf(a.box.yl, a.box.yh, b.box.yl, b.box.yh), m_least) +
+                a.box.xh - b.box.xl);
             if (apart > leastBetween(left, right)) {
                 needs.push_back(
                     {apart, static_cast<size_t>(a.shape), static_cast<size_t>(b.shape), a.atEdge, b.atEdge});

@@ -1,0 +1,699 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "kit/engines/refine/model.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <tuple>
+#include <unordered_map>
+
+#include "kit/base/fault.h"
+#include "kit/design/standing.h"
+#include "kit/design/stretches.h"
+#include "kit/engines/refine/views.h"
+#include "kit/formats/placer/reader.h"
+
+namespace kit::refine {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Units of the model in a DBU.
+constexpr int32_t UNITS = 2;
+
+/// The model's number for a length. Errors: throws Fault if it has none.
+int32_t units(int64_t length)
+{
+    if (length < -::refine::FARTHEST || length > ::refine::FARTHEST) {
+        throw Fault("the design is too large: lengths go up to " +
+                    std::to_string(::refine::FARTHEST / UNITS) + " DBU");
+    }
+    return static_cast<int32_t>(length);
+}
+
+int32_t unitsOfDbu(int64_t dbu)
+{
+    return units(dbu * UNITS);
+}
+
+/// What makes cells of one kind.
+struct KindKey {
+    int32_t cell = 0;
+    bool upsideDown = false; ///< against its row
+    bool turns = false;      ///< may be mirrored
+    bool mirrored = false;   ///< is, if it may not be otherwise
+    bool bare = false;       ///< has no colors
+
+    auto operator<=>(const KindKey&) const = default;
+};
+
+/// A state before the views are known.
+struct RawState {
+    int32_t left = 0;  ///< number of a side
+    int32_t right = 0; ///< number of a side
+    int32_t stitches = 0;
+    int32_t solution = -1;
+    bool mirrored = false;
+};
+
+/// Makes the model.
+class Builder {
+public:
+    Builder(const Inputs& inputs, const Demands& demands)
+        : m_inputs(inputs), m_demands(demands), m_design(inputs.placed.design), m_rowKinds(m_design.rows)
+    {
+    }
+
+    Built build()
+    {
+        if (m_design.rows.empty() || m_design.rows.front().step <= 0) {
+            throw Fault("the design has no rows with sites");
+        }
+        m_step = m_design.rows.front().step;
+        m_scale = {m_step};
+        m_least = m_scale.ofLibrary(m_demands.minDist);
+        model().step = unitsOfDbu(m_step);
+        matchAll();
+        addRows();
+        prepareSides();
+        for (size_t i = 0; i < m_design.components.size(); ++i) {
+            addComponent(i);
+        }
+        addObstacles();
+        settleViews();
+        addPins();
+        return std::move(m_built);
+    }
+
+private:
+    ::refine::Model& model() { return m_built.model; }
+
+    /// Finds the colors of all.
+    void matchAll()
+    {
+        design::Issues issues;
+        m_matching = design::matchColors(m_design, m_inputs.placed.colors, issues);
+        design::checkColors(m_design, m_matching, issues);
+        for (const design::Issue& issue : issues) {
+            const bool isBare = issue.kind == design::Kind::NO_COLOURS ||
+                                (issue.kind == design::Kind::BAD_SOLUTION && isBareAt(issue.component)) ||
+                                (issue.kind == design::Kind::MASK_COUNT && isBareAt(issue.component));
+            if (severityOf(issue) == Severity::ERROR && !isBare) {
+                throw Fault("the colors are not those of the placement: " + issue.what);
+            }
+        }
+        for (const placer::Component& comp : m_design.components) {
+            if (comp.cell < 0) {
+                throw Fault("the cell of " + design::placeText(comp) + " is not known");
+            }
+        }
+        if (m_inputs.map) {
+            m_flipped = {m_inputs.map->flipped.begin(), m_inputs.map->flipped.end()};
+        }
+    }
+
+    /// Whether a component has no colors.
+    bool isBareAt(int32_t component) const
+    {
+        const placer::ColorRecord* const record = m_matching[static_cast<size_t>(component)];
+        return record == nullptr || (record->solution < 0 && record->masks.empty());
+    }
+
+    /// Rows of all bottom edges, and their free sites.
+    void addRows()
+    {
+        std::map<int32_t, bool> turned; // by bottom edges
+        for (const placer::Row& row : m_design.rows) {
+            turned[row.y] |= m_inputs.map && design::turnOf(row.orient).mirrorY;
+        }
+        for (const placer::Component& comp : m_design.components) {
+            turned.try_emplace(comp.y, false);
+        }
+        for (const auto& [y, isTurned] : turned) {
+            m_rowAt.emplace(y, static_cast<int32_t>(model().rows.size()));
+            model().rows.push_back({unitsOfDbu(y), isTurned});
+            m_built.otherRow.push_back(m_demands.rowsMeet && m_rowKinds.isOther(y));
+        }
+        addRuns();
+    }
+
+    void addRuns()
+    {
+        std::vector<std::vector<::refine::Run>> runs(model().rows.size());
+        for (const design::Stretch& stretch : design::freeStretches(m_design)) {
+            const placer::Row& row = m_design.rows[static_cast<size_t>(stretch.row)];
+            const int32_t index = m_rowAt.at(row.y);
+            const bool isTurned = m_inputs.map && design::turnOf(row.orient).mirrorY;
+            if (row.step != m_step || isTurned != model().rows[static_cast<size_t>(index)].turned) {
+                continue;
+            }
+            const int64_t x = onSite(row, stretch.x);
+            const int64_t end = std::min(stretch.end, row.x + int64_t{row.numSites} * row.step);
+            if (end - x >= m_step) {
+                runs[static_cast<size_t>(index)].push_back(
+                    {.row = index, .x = unitsOfDbu(x), .sites = static_cast<int32_t>((end - x) / m_step)});
+            }
+        }
+        for (std::vector<::refine::Run>& ofRow : runs) {
+            addRow(ofRow);
+        }
+    }
+
+    /// The first site of a row from x on.
+    static int64_t onSite(const placer::Row& row, int64_t x)
+    {
+        return x + (row.step - (x - row.x) % row.step) % row.step;
+    }
+
+    /// Adds the runs of a row: where some overlap, one begins behind the one before.
+    void addRow(std::vector<::refine::Run>& runs)
+    {
+        const int32_t step = model().step;
+        std::ranges::stable_sort(runs, {}, &::refine::Run::x);
+        m_firstRun.push_back(model().runs.size());
+        for (::refine::Run& run : runs) {
+            if (model().runs.size() > m_firstRun.back()) {
+                const ::refine::Run& before = model().runs.back();
+                const int32_t over = before.x + before.sites * step - run.x;
+                const int32_t taken = over > 0 ? (over + step - 1) / step : 0;
+                run.x += taken * step;
+                run.sites -= taken;
+            }
+            if (run.sites > 0) {
+                model().runs.push_back(run);
+            }
+        }
+    }
+
+    /// Whether a component stands on free sites of its row.
+    bool isOnSites(int32_t row, int32_t x, int32_t width) const
+    {
+        const ::refine::Model& model = m_built.model;
+        const auto begin = model.runs.begin() + static_cast<ptrdiff_t>(m_firstRun[static_cast<size_t>(row)]);
+        const auto end =
+            static_cast<size_t>(row) + 1 < m_firstRun.size()
+                ? model.runs.begin() + static_cast<ptrdiff_t>(m_firstRun[static_cast<size_t>(row) + 1])
+                : model.runs.end();
+        const auto next =
+            std::upper_bound(begin, end, x, [](int32_t at, const ::refine::Run& run) { return at < run.x; });
+        if (next == begin) {
+            return false;
+        }
+        const ::refine::Run& run = *std::prev(next);
+        return (x - run.x) % model.step == 0 && x + width <= run.x + run.sites * model.step;
+    }
+
+    /// Works out how far in metal matters, and what stays where it is.
+    void prepareSides()
+    {
+        int64_t overhang = 0;
+        int64_t widest = 0;
+        std::vector<bool> isUsed(m_design.cells.size(), false);
+        for (const placer::Component& comp : m_design.components) {
+            isUsed[static_cast<size_t>(comp.cell)] = true;
+        }
+        for (size_t i = 0; i < isUsed.size(); ++i) {
+            if (isUsed[i]) {
+                const design::Stencil stencil = design::stencilOf(m_design.cells[i], {}, m_scale);
+                const int64_t width = widthOf(static_cast<int32_t>(i));
+                overhang =
+                    std::max({overhang, -stencil.extent.xl, stencil.extent.xh - design::Scale::ofDbu(width)});
+                widest = std::max(widest, width);
+            }
+        }
+        if (!m_design.fixed.empty()) {
+            design::Matching all = m_matching;
+            design::addFixedColors(m_inputs.placed.fixedColors, all);
+            m_layout.emplace(m_design, all, m_scale);
+            for (const design::Band& band : m_layout->bands()) {
+                for (const design::Standing& standing : band.cells) {
+                    if (m_design.isFixed(standing.component) && !standing.masks.empty()) {
+                        const auto row =
+                            m_rowAt.find(static_cast<int32_t>(standing.y / design::Scale::ofDbu(1)));
+                        if (row != m_rowAt.end()) {
+                            m_obstacles.emplace_back(row->second, &standing);
+                            m_anyTurned |= model().rows[static_cast<size_t>(row->second)].turned;
+                            widest = std::max(widest, boundsOf(standing).second);
+                        }
+                    }
+                }
+            }
+        }
+        m_reach = m_least + overhang;
+        m_views.emplace(m_least, static_cast<int32_t>(-widest));
+    }
+
+    /// Left edge and width of what stays where it is, whole DBU around it.
+    static std::pair<int64_t, int64_t> boundsOf(const design::Standing& standing)
+    {
+        const int64_t unit = design::Scale::ofDbu(1);
+        const design::FineBox extent = standing.extent();
+        const int64_t left = geometry::floorDiv(extent.xl, unit);
+        return {left, -geometry::floorDiv(-extent.xh, unit) - left};
+    }
+
+    /// Width of a cell in sites, DBU.
+    int64_t widthOf(int32_t cell) const
+    {
+        placer::Component comp;
+        comp.cell = cell;
+        return int64_t{design::widthInSites(m_design, comp)} * m_step;
+    }
+
+    void addComponent(size_t index)
+    {
+        const placer::Component& comp = m_design.components[index];
+        const design::Turn turn = design::turnOf(comp.orient);
+        const int32_t row = m_rowAt.at(comp.y);
+        const bool upsideDown = turn.mirrorY != model().rows[static_cast<size_t>(row)].turned;
+        const bool isBare = isBareAt(static_cast<int32_t>(index)) && !cellOf(comp).solutions.empty();
+        const bool turns = isMirrorable(cellOf(comp)) && !isBare;
+        const KindKey key{.cell = comp.cell,
+                          .upsideDown = upsideDown,
+                          .turns = turns,
+                          .mirrored = !turns && turn.mirrorX,
+                          .bare = isBare};
+        const int32_t kind = kindOf(key);
+        const int32_t half = m_demands.rowsMeet && design::isPaired(cellOf(comp))
+                                 ? static_cast<int32_t>(cellOf(comp).solutions.size() / 2)
+                                 : 0;
+        const int32_t solution = isBare || cellOf(comp).solutions.empty() ? -1 : m_matching[index]->solution;
+        m_built.half.push_back(half);
+        m_built.stitches.push_back(solution >= 0 ? m_matching[index]->stitches : 0);
+        m_built.placed.push_back({.x = comp.x, .y = comp.y, .mirrored = turn.mirrorX, .solution = solution});
+        ::refine::Cell cell{.kind = kind, .row = row, .x = unitsOfDbu(comp.x)};
+        cell.state = rawStateOf(index, kind, firstSolution(index, row));
+        // One that lies otherwise than its row and the map say would be turned by a move.
+        const bool isKnown = !m_inputs.map || upsideDown == m_flipped.contains(comp.name);
+        const bool isStray = isBare || !isKnown || !isOnSites(row, cell.x, widthOfKind(kind));
+        if (isStray) {
+            m_built.strays.push_back(static_cast<int32_t>(index));
+        }
+        cell.fixed = isStray || m_demands.fixed.contains(comp.name);
+        model().cells.push_back(cell);
+    }
+
+    const placer::Cell& cellOf(const placer::Component& comp) const { return *m_design.cellOf(comp); }
+
+    bool isMirrorable(const placer::Cell& cell)
+    {
+        if (!m_inputs.map) {
+            return false;
+        }
+        if (m_mirrorable.empty()) {
+            m_mirrorable = {m_inputs.map->mirrorable.begin(), m_inputs.map->mirrorable.end()};
+        }
+        return m_mirrorable.contains(cell.name);
+    }
+
+    int32_t widthOfKind(int32_t kind) const { return m_built.model.kinds[static_cast<size_t>(kind)].width; }
+
+    /// The number of a component's solution among those of the first kind.
+    int32_t firstSolution(size_t index, int32_t row) const
+    {
+        const int32_t solution = m_built.placed[index].solution;
+        const int32_t half = m_built.half[index];
+        if (half == 0 || solution < 0) {
+            return solution;
+        }
+        const bool isOther = m_built.otherRow[static_cast<size_t>(row)];
+        if ((solution >= half) != isOther) {
+            throw Fault("the colors of " + design::placeText(m_design.components[index]) +
+                        " are not those of its row where rows meet");
+        }
+        return isOther ? solution - half : solution;
+    }
+
+    /// The number of a kind, which is made if there is none yet.
+    int32_t kindOf(const KindKey& key)
+    {
+        const auto [at, isNew] = m_kinds.try_emplace(key, static_cast<int32_t>(m_kindKeys.size()));
+        if (isNew) {
+            m_kindKeys.push_back(key);
+            m_rawStates.push_back(statesOf(key));
+            model().kinds.push_back({.width = unitsOfDbu(std::max<int64_t>(widthOf(key.cell), m_step))});
+        }
+        return at->second;
+    }
+
+    std::vector<RawState> statesOf(const KindKey& key)
+    {
+        const placer::Cell& cell = m_design.cells[static_cast<size_t>(key.cell)];
+        const bool isPaired = m_demands.rowsMeet && design::isPaired(cell);
+        const size_t count = cell.solutions.size() / (isPaired ? 2 : 1);
+        std::vector<RawState> states;
+        for (const bool mirrored : {false, true}) {
+            if (!key.turns && mirrored != key.mirrored) {
+                continue;
+            }
+            const design::Stencil straight = stencilOf(cell, mirrored, key.upsideDown);
+            const design::Stencil turned = stencilOf(cell, mirrored, !key.upsideDown);
+            if (key.bare || count == 0) {
+                const int32_t none = m_views->add({});
+                states.push_back({.left = none, .right = none, .mirrored = mirrored});
+                continue;
+            }
+            for (size_t s = 0; s < count; ++s) {
+                const placer::Solution& solution = cell.solutions[s];
+                const auto side = [&](bool onRight) {
+                    Side one;
+                    addEdges(one, 0, straight, widthOf(key.cell), solution.masks, onRight);
+                    if (m_anyTurned) {
+                        addEdges(one, design::MASKS, turned, widthOf(key.cell), solution.masks, onRight);
+                    }
+                    return m_views->add(one);
+                };
+                states.push_back({.left = side(false),
+                                  .right = side(true),
+                                  .stitches = solution.stitches,
+                                  .solution = static_cast<int32_t>(s),
+                                  .mirrored = mirrored});
+            }
+        }
+        return states;
+    }
+
+    design::Stencil stencilOf(const placer::Cell& cell, bool mirrored, bool upsideDown) const
+    {
+        return design::stencilOf(cell, {.mirrorX = mirrored, .mirrorY = upsideDown}, m_scale);
+    }
+
+    /// @param width  DBU
+    void addEdges(Side& side, size_t first, const design::Stencil& stencil, int64_t width,
+                  std::span<const int32_t> masks, bool onRight) const
+    {
+        auto edges = edgesOf(stencil, design::Scale::ofDbu(width), masks, m_reach, onRight);
+        for (size_t mask = 0; mask < edges.size(); ++mask) {
+            for (Edge& edge : edges[mask]) {
+                edge.stays = side.stays;
+            }
+            side.groups[first + mask] = std::move(edges[mask]);
+        }
+    }
+
+    /// Index of a component's state among the raw ones of its kind.
+    int32_t rawStateOf(size_t index, int32_t kind, int32_t solution) const
+    {
+        const std::vector<RawState>& states = m_rawStates[static_cast<size_t>(kind)];
+        const bool mirrored = m_built.placed[index].mirrored;
+        const auto at = std::ranges::find_if(states, [&](const RawState& state) {
+            return state.mirrored == mirrored && state.solution == solution;
+        });
+        return static_cast<int32_t>(at - states.begin());
+    }
+
+    /// What stays where it is and has masks.
+    void addObstacles()
+    {
+        std::map<std::tuple<int64_t, int32_t, int32_t>, int32_t> known; // kinds by width and sides
+        for (const auto& [row, standing] : m_obstacles) {
+            const bool turned = model().rows[static_cast<size_t>(row)].turned;
+            std::vector<int32_t> masks(standing->masks.begin(), standing->masks.end());
+            if (m_built.otherRow[static_cast<size_t>(row)]) {
+                design::exchangeMasks(masks);
+            }
+            const auto [x, width] = boundsOf(*standing);
+            design::Stencil stencil = *standing->stencil;
+            for (design::Piece& piece : stencil.pieces) {
+                piece.box = piece.box.shifted(standing->x - design::Scale::ofDbu(x), 0);
+            }
+            const auto side = [&, w = width](bool onRight) {
+                Side one{.stays = true};
+                addEdges(one, turned ? design::MASKS : 0, stencil, w, masks, onRight);
+                return m_views->add(one);
+            };
+            const int32_t left = side(false);
+            const int32_t right = side(true);
+            const auto [at, isNew] =
+                known.try_emplace({width, left, right}, static_cast<int32_t>(model().kinds.size()));
+            if (isNew) {
+                m_rawStates.push_back({{.left = left, .right = right}});
+                model().kinds.push_back({.width = unitsOfDbu(width)});
+            }
+            model().cells.push_back({.kind = at->second, .row = row, .x = unitsOfDbu(x), .fixed = true});
+        }
+    }
+
+    /// Gives the states their views, and leaves out those that others stand for.
+    void settleViews()
+    {
+        Views::Table table = m_views->table();
+        model().views = table.views;
+        model().gaps = std::move(table.gaps);
+        for (int32_t& gap : model().gaps) {
+            gap = unitsOfDbu(gap);
+        }
+        std::vector<std::vector<int32_t>> settled; // [kind][raw state] the state
+        for (size_t kind = 0; kind < m_rawStates.size(); ++kind) {
+            const std::vector<RawState>& raw = m_rawStates[kind];
+            model().kinds[kind].stateBegin = static_cast<int32_t>(model().states.size());
+            std::map<std::tuple<bool, int32_t, int32_t>, int32_t> known;
+            std::vector<int32_t>& states = settled.emplace_back();
+            for (const RawState& state : raw) {
+                const int32_t left = table.viewOf[static_cast<size_t>(state.left)];
+                const int32_t right = table.viewOf[static_cast<size_t>(state.right)];
+                const auto [at, isNew] =
+                    known.try_emplace({state.mirrored, left, right}, static_cast<int32_t>(known.size()));
+                states.push_back(at->second);
+                const ::refine::State candidate{left, right, state.stitches, state.solution, state.mirrored};
+                if (isNew) {
+                    model().states.push_back(candidate);
+                    continue;
+                }
+                ::refine::State& kept =
+                    model().states[static_cast<size_t>(model().kinds[kind].stateBegin + at->second)];
+                if (candidate.stitches < kept.stitches) {
+                    kept = candidate;
+                }
+            }
+        }
+        for (::refine::Cell& cell : model().cells) {
+            cell.state = settled[static_cast<size_t>(cell.kind)][static_cast<size_t>(cell.state)];
+        }
+        for (size_t i = 0; i < m_design.components.size(); ++i) {
+            m_built.start.push_back(model().cells[i].state);
+        }
+        model().kinds.push_back({.stateBegin = static_cast<int32_t>(model().states.size())});
+    }
+
+    /// Pins of kinds and nets: where the pins are if that is known, or else in the middle of the cells.
+    void addPins()
+    {
+        if (m_inputs.offsets) {
+            addMasterPins(*m_inputs.offsets);
+            const design::PinOffsets& offsets = *m_inputs.offsets;
+            for (size_t net = 0; net + 1 < offsets.netBegin.size(); ++net) {
+                beginNet();
+                for (size_t k = offsets.netBegin[net]; k < offsets.netBegin[net + 1]; ++k) {
+                    addMember(offsets, offsets.members[k]);
+                }
+                endNet(net);
+            }
+        } else {
+            addMiddlePins();
+            for (size_t net = 0; net < m_design.nets.size(); ++net) {
+                beginNet();
+                for (const placer::Member& member : m_design.nets[net].members) {
+                    if (member.component >= 0) {
+                        addPin(member.component, 0);
+                    } else if (member.pin >= 0) {
+                        const placer::Pin& pin = m_design.pins[static_cast<size_t>(member.pin)];
+                        addPoint(unitsOfDbu(pin.x), unitsOfDbu(pin.y));
+                    }
+                }
+                endNet(net);
+            }
+        }
+        model().nets.push_back({.pinBegin = static_cast<int32_t>(model().pins.size())});
+    }
+
+    void addMasterPins(const design::PinOffsets& offsets)
+    {
+        const placer::NameIndex masters = placer::indexNames(offsets.masters);
+        for (size_t kind = 0; kind + 1 < model().kinds.size(); ++kind) {
+            model().kinds[kind].pinBegin = static_cast<int32_t>(model().kindPins.size());
+            if (kind >= m_kindKeys.size()) {
+                continue; // stays where it is
+            }
+            const KindKey& key = m_kindKeys[kind];
+            const placer::Cell& cell = m_design.cells[static_cast<size_t>(key.cell)];
+            const int32_t index = placer::findName(masters, cell.name);
+            if (index < 0) {
+                throw Fault("the cell " + cell.name + " has no pins in the offsets of the placement");
+            }
+            const design::PinOffsets::Master& master = offsets.masters[static_cast<size_t>(index)];
+            for (const design::PinOffsets::Pin& pin : master.pins) {
+                ::refine::KindPin one{.x = units(pin.at.x),
+                                      .mirroredX = units(master.width - pin.at.x),
+                                      .y = units(pin.at.y),
+                                      .turnedY = units(master.height - pin.at.y)};
+                if (key.upsideDown) {
+                    std::swap(one.y, one.turnedY);
+                }
+                model().kindPins.push_back(one);
+            }
+        }
+        model().kinds.back().pinBegin = static_cast<int32_t>(model().kindPins.size());
+    }
+
+    /// A pin in the middle of each kind, rounded down to DBU as the placer counts.
+    void addMiddlePins()
+    {
+        for (size_t kind = 0; kind + 1 < model().kinds.size(); ++kind) {
+            model().kinds[kind].pinBegin = static_cast<int32_t>(model().kindPins.size());
+            if (kind < m_kindKeys.size()) {
+                const int32_t cell = m_kindKeys[kind].cell;
+                const int64_t height =
+                    int64_t{m_design.cells[static_cast<size_t>(cell)].height} * m_step / placer::LIBRARY_SITE;
+                const int32_t x = unitsOfDbu(widthOf(cell) / 2);
+                const int32_t y = unitsOfDbu(height / 2);
+                model().kindPins.push_back({x, x, y, y});
+            }
+        }
+        model().kinds.back().pinBegin = static_cast<int32_t>(model().kindPins.size());
+    }
+
+    void beginNet()
+    {
+        m_netPins = 0;
+        model().nets.push_back({.pinBegin = static_cast<int32_t>(model().pins.size())});
+    }
+
+    /// Takes a net back that is none.
+    void endNet(size_t net)
+    {
+        if (m_netPins < 2) {
+            model().pins.resize(static_cast<size_t>(model().nets.back().pinBegin));
+            model().nets.pop_back();
+        } else if (!m_demands.weights.empty()) {
+            model().nets.back().weight = m_demands.weights.at(net);
+        }
+    }
+
+    void addMember(const design::PinOffsets& offsets, const design::PinOffsets::Member& member)
+    {
+        const auto pin = static_cast<size_t>(member.pin);
+        if (member.component >= 0) {
+            addPin(member.component, member.pin);
+            return;
+        }
+        for (size_t at = offsets.pointBegin[pin]; at < offsets.pointBegin[pin + 1]; ++at) {
+            addPoint(units(offsets.points[at].x), units(offsets.points[at].y));
+        }
+    }
+
+    void addPoint(int32_t x, int32_t y)
+    {
+        ::refine::Net& net = model().nets.back();
+        net.xl = std::min(net.xl, x);
+        net.yl = std::min(net.yl, y);
+        net.xh = std::max(net.xh, x);
+        net.yh = std::max(net.yh, y);
+        ++m_netPins;
+    }
+
+    /// Adds a pin of a component; one that stays where it is is a point.
+    void addPin(int32_t component, int32_t kindPin)
+    {
+        const auto index = static_cast<size_t>(component);
+        if (index >= m_design.components.size()) {
+            throw Fault("the offsets are those of another placement");
+        }
+        const ::refine::Cell& cell = model().cells[index];
+        const auto kind = static_cast<size_t>(cell.kind);
+        const int32_t pin = model().kinds[kind].pinBegin + kindPin;
+        if (pin >= model().kinds[kind + 1].pinBegin) {
+            throw Fault("the offsets are those of another placement");
+        }
+        if (!cell.fixed) {
+            model().pins.push_back({component, kindPin});
+            ++m_netPins;
+            return;
+        }
+        const ::refine::KindPin& at = model().kindPins[static_cast<size_t>(pin)];
+        const ::refine::Row& row = model().rows[static_cast<size_t>(cell.row)];
+        addPoint(cell.x + (m_built.placed[index].mirrored ? at.mirroredX : at.x),
+                 row.y + (row.turned ? at.turnedY : at.y));
+    }
+
+    const Inputs& m_inputs;
+    const Demands& m_demands;
+    const placer::Design& m_design;
+    design::RowKinds m_rowKinds;
+    int64_t m_step = 0; ///< DBU
+    design::Scale m_scale;
+    int64_t m_least = 0; ///< distance that shapes of one mask need, fine units
+    int64_t m_reach = 0; ///< from a side, how far in metal matters, fine units
+    design::Matching m_matching;
+    std::set<std::string> m_flipped;
+    std::set<std::string> m_mirrorable;
+    std::map<int32_t, int32_t> m_rowAt; ///< row of the model by its bottom edge, DBU
+    std::vector<size_t> m_firstRun;     ///< [row]
+    std::optional<design::Layout> m_layout;
+    std::vector<std::pair<int32_t, const design::Standing*>> m_obstacles; ///< with their rows
+    bool m_anyTurned = false; ///< something stays where it is in a turned row
+    std::optional<Views> m_views;
+    std::map<KindKey, int32_t> m_kinds;
+    std::vector<KindKey> m_kindKeys;                ///< [kind] of components; the others come behind
+    std::vector<std::vector<RawState>> m_rawStates; ///< [kind]
+    int32_t m_netPins = 0;                          ///< of the net at hand
+    Built m_built;
+};
+
+} // namespace
+
+Inputs readInputs(const Paths& paths)
+{
+    const placer::Paths files{.base = paths.base, .cellDir = paths.cellDir};
+    const std::string colors = paths.colors.empty() ? paths.base + ".colors" : paths.colors;
+    Inputs inputs{.placed = design::readColoredPlacement({.placement = files.place(),
+                                                          .colors = colors,
+                                                          .cellDir = paths.cellDir,
+                                                          .cells = files.cells()})};
+    Findings findings = std::move(inputs.placed.faults);
+    placer::readPins(files.pins(), inputs.placed.design, findings);
+    placer::readNets(files.netlist(), inputs.placed.design, findings);
+    if (const std::string map = design::mapOf(files.place()); fs::exists(map)) {
+        inputs.map = design::readNameMap(map, findings);
+    }
+    if (const std::string offsets = design::offsetsOf(files.place()); fs::exists(offsets)) {
+        inputs.offsets = design::readPinOffsets(offsets, findings);
+        if (!hasErrors(findings)) {
+            inputs.placed.pinLength = design::pinLengthBeside(files.place(), inputs.placed.design, findings);
+        }
+    }
+    inputs.faults = errorsOf(findings);
+    return inputs;
+}
+
+Built buildModel(const Inputs& inputs, const Demands& demands)
+{
+    return Builder(inputs, demands).build();
+}
+
+std::vector<Placed> placedOf(const Built& built, const ::refine::Model& model)
+{
+    std::vector<Placed> all = built.placed;
+    for (size_t i = 0; i < all.size(); ++i) {
+        const ::refine::Cell& cell = model.cells[i];
+        if (cell.fixed) {
+            continue;
+        }
+        const auto row = static_cast<size_t>(cell.row);
+        const ::refine::State& state = model.states[static_cast<size_t>(
+            model.kinds[static_cast<size_t>(cell.kind)].stateBegin + cell.state)];
+        all[i].x = cell.x / UNITS;
+        all[i].y = model.rows[row].y / UNITS;
+        all[i].mirrored = state.mirrored;
+        // Of solutions that neighbours take for the same, one with as few stitches may stay.
+        const int32_t half = built.half[i];
+        const int32_t given = half > 0 ? all[i].solution % half : all[i].solution;
+        const bool stays = cell.state == built.start[i] && built.stitches[i] == state.stitches;
+        const int32_t solution = stays || state.solution < 0 ? given : state.solution;
+        all[i].solution = built.otherRow[row] && solution >= 0 ? solution + half : solution;
+    }
+    return all;
+}
+
+} // namespace kit::refine

@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// A placed and colored design as the model that shorter wires are searched in, and the way back.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "kit/design/coloredPlacement.h"
+#include "kit/design/distance.h"
+#include "kit/design/nameMap.h"
+#include "kit/design/pinOffsets.h"
+#include "kit/design/rowKinds.h"
+#include "refine/model.h"
+
+namespace kit::refine {
+
+/// The files of a result of `place`.
+struct Paths {
+    std::string base; ///< of BASE.place, .pins, .netlist, .cells and what an import adds, without extension
+    std::string colors{}; ///< empty for BASE.colors
+    std::string cellDir;  ///< folder of the color files
+};
+
+/// A result of `place` with all that shorter wires depend on.
+struct Inputs {
+    design::ColoredPlacement placed;             ///< with nets, and terminals
+    std::optional<design::NameMap> map{};        ///< of an imported design
+    std::optional<design::PinOffsets> offsets{}; ///< of an imported design
+    Findings faults{};                           ///< errors in the form of all these files
+};
+
+/// Reads them.
+///
+/// Errors: throws Fault if a file cannot be opened.
+Inputs readInputs(const Paths& paths);
+
+/// What is asked for.
+struct Demands {
+    int32_t minDist = design::Distance::USUAL; ///< that shapes of one mask need, library units
+    bool rowsMeet = false;                     ///< masks 1 and 2 have changed places in every second row
+    std::set<std::string> fixed{};             ///< components that stay where they are
+    std::vector<int32_t> weights{};            ///< [net] positive; empty for 1 each
+};
+
+/// Where a component stands, and how.
+struct Placed {
+    int32_t x = 0; ///< left edge, DBU
+    int32_t y = 0; ///< bottom edge, DBU
+    bool mirrored = false;
+    int32_t solution = -1; ///< index in its color file
+};
+
+/// A model, and what its numbers are in the design.
+struct Built {
+    ::refine::Model model;         ///< half DBU; the components first, in the order of the design
+    std::vector<int32_t> strays{}; ///< components that stay because they are in no row, off the sites or bare
+    std::vector<int32_t> start{};  ///< [component] state
+    std::vector<Placed> placed{};  ///< [component] as in the design
+    std::vector<int32_t> half{};   ///< [component] solutions of the first kind where rows meet, 0 for others
+    std::vector<int32_t> stitches{}; ///< [component] as in the design
+    std::vector<bool> otherRow{};    ///< [row of the model] has solutions of the second kind
+};
+
+/// The model of a design.
+///
+/// Errors: throws Fault if the design has none: without rows, too large, or with colors that are not those of
+/// its cells.
+Built buildModel(const Inputs& inputs, const Demands& demands);
+
+/// [component] where the components are in a model that was built, and changed since.
+///
+/// @param model  of the same cells
+std::vector<Placed> placedOf(const Built& built, const ::refine::Model& model);
+
+} // namespace kit::refine
