@@ -12,6 +12,7 @@ namespace importing { void addCommand(const Command& program); }
 namespace color { void addCommand(const Command& program); }
 namespace lint { void addCommand(const Command& program); }
 namespace place { void addCommand(const Command& program); }
+namespace refine { void addCommand(const Command& program); }
 namespace verify { void addCommand(const Command& program); }
 namespace exporter { void addCommand(const Command& program); }
 namespace view { void addCommand(const Command& program); }
@@ -23,9 +24,9 @@ namespace gen { void addCommand(const Command& program); }
 /// All of them, in the order of the help.
 inline std::vector<AddCommand> allCommands()
 {
-    return {flow::addCommand,    importing::addCommand, color::addCommand,    lint::addCommand,
-            place::addCommand,   verify::addCommand,    exporter::addCommand, view::addCommand,
-            compare::addCommand, sweep::addCommand,     gen::addCommand};
+    return {flow::addCommand,  importing::addCommand, color::addCommand,  lint::addCommand,
+            place::addCommand, refine::addCommand,    verify::addCommand, exporter::addCommand,
+            view::addCommand,  compare::addCommand,   sweep::addCommand,  gen::addCommand};
 }
 
 } // namespace kit

@@ -21,7 +21,7 @@ void addErrors(const Findings& from, Findings& to)
     to.insert(to.end(), errors.begin(), errors.end());
 }
 
-std::vector<std::string> pathsOf(const Options& options, const ResultFiles& files)
+std::vector<std::string> pathsOf(const Options& options, const design::ResultFiles& files)
 {
     std::vector<std::string> paths{files.json, files.place, files.colors, options.def};
     if (!files.map.empty()) {
@@ -166,7 +166,7 @@ bool needsColours(const Options& options)
 Inputs readInputs(const Options& options, Findings& findings)
 {
     Inputs inputs;
-    inputs.files = findResult(options.result, options.cellDir);
+    inputs.files = design::findResult(options.result, options.cellDir);
     checkOutputs(outputsOf(options), pathsOf(options, inputs.files), options.force);
     readResult(options, inputs, findings);
     readDef(options, inputs, findings);

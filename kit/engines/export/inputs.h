@@ -8,8 +8,8 @@
 #include "kit/base/finding.h"
 #include "kit/design/coloredPlacement.h"
 #include "kit/design/nameMap.h"
+#include "kit/design/placeResult.h"
 #include "kit/engines/export/options.h"
-#include "kit/engines/export/result.h"
 #include "kit/formats/lefdef/def.h"
 #include "kit/formats/lefdef/library.h"
 #include "kit/formats/placer/colors.h"
@@ -19,7 +19,7 @@ namespace kit::exporter {
 
 /// The files as they were read. Def has views into its source.
 struct Inputs {
-    ResultFiles files;
+    design::ResultFiles files;
     placer::Design design;                           ///< the placement; its cells if colours were asked for
     std::vector<placer::ColorRecord> records;        ///< of the colours file, if asked for
     std::vector<placer::ColorRecord> fixedRecords;   ///< of the cells that stay where they are

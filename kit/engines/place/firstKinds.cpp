@@ -4,6 +4,7 @@
 #include "kit/base/fault.h"
 #include "kit/base/files/outputFile.h"
 #include "kit/base/finding.h"
+#include "kit/design/designFiles.h"
 #include "kit/design/fixedCells.h"
 #include "kit/formats/placer/reader.h"
 #include "kit/formats/placer/writer.h"
@@ -24,7 +25,8 @@ std::unique_ptr<FirstKinds> FirstKinds::of(const Options& options)
             throw Fault(cell.path + " has no solutions for every second row: color with --rows-meet");
         }
     }
-    design::addFixed(design::readFixed(options.base + FIXED, findings), options.cellPath, design, findings);
+    design::addFixed(design::readFixed(options.base + design::FIXED, findings), options.cellPath, design,
+                     findings);
     std::unique_ptr<FirstKinds> library(new FirstKinds(design::RowKinds(design.rows)));
     for (placer::Cell& cell : design.cells) {
         if (design::isPaired(cell)) {

@@ -4,6 +4,7 @@
 #include "kit/base/files/folder.h"
 #include "kit/base/files/outputPaths.h"
 #include "kit/base/text/text.h"
+#include "kit/design/designFiles.h"
 #include "kit/formats/placer/reader.h"
 
 namespace kit::place {
@@ -44,23 +45,9 @@ std::vector<std::string> placerArguments(const Options& options)
 void checkOutputs(const Options& options)
 {
     std::vector<std::string> inputs = filesIn(options.cellPath);
-    for (const char* extension : {".place", ".pins", ".netlist", ".cells"}) {
-        inputs.push_back(options.base + extension);
-    }
-    std::vector<std::string> outputs;
-    for (const char* extension : WRITTEN) {
-        outputs.push_back(options.out + extension);
-    }
-    for (const char* extension : COPIED) {
-        outputs.push_back(options.out + extension);
-    }
-    for (const char* extension : COPIED_IF_THERE) {
-        inputs.push_back(options.base + extension);
-        outputs.push_back(options.out + extension);
-    }
-    inputs.push_back(options.base + FIXED);
-    outputs.push_back(options.out + FIXED);
-    kit::checkOutputs(outputs, inputs, options.force);
+    const std::vector<std::string> files = design::inputsOf(options.base);
+    inputs.insert(inputs.end(), files.begin(), files.end());
+    kit::checkOutputs(design::outputsOf(options.out), inputs, options.force);
 }
 
 } // namespace kit::place

@@ -31,18 +31,6 @@ struct Options {
 /// The placer's own arguments for these, its name first.
 std::vector<std::string> placerArguments(const Options& options);
 
-/// The result files: extensions ".place", ".colors" and ".json", and copies of the other inputs, so that OUT
-/// is a design of its own.
-inline constexpr const char* WRITTEN[] = {".place", ".colors", ".json"};
-inline constexpr const char* COPIED[] = {".cells", ".pins", ".netlist"};
-
-/// Extensions of what an imported design has besides, which is copied where it is there: its map, where its
-/// pins are.
-inline constexpr const char* COPIED_IF_THERE[] = {".map", ".offsets"};
-
-/// Extension of what stays where it is in an imported design. Its copy has the solutions that were chosen.
-inline constexpr const char* FIXED = ".fixed";
-
 /// Checks that the results may be written.
 ///
 /// Errors: throws Fault if a result would replace an input, or anything without `force`.

@@ -11,19 +11,20 @@
 #include "app/parameters.h"
 #include "db/design.h"
 #include "kit/base/files/outputFile.h"
+#include "kit/base/progressLine.h"
 #include "kit/base/text/escape.h"
 #include "kit/base/text/text.h"
+#include "kit/design/designFiles.h"
 #include "kit/design/fixedCells.h"
 #include "kit/design/nameMap.h"
 #include "kit/engines/place/firstKinds.h"
 #include "kit/engines/place/fixedSolutions.h"
-#include "kit/engines/place/judgement.h"
-#include "kit/engines/place/placementText.h"
 #include "kit/engines/place/placerCopy.h"
-#include "kit/engines/place/progressLine.h"
 #include "kit/engines/place/resultJson.h"
 #include "kit/engines/place/trueDesign.h"
+#include "kit/engines/verify/judgement.h"
 #include "kit/formats/placer/colors.h"
+#include "kit/formats/placer/placementText.h"
 
 namespace kit::place {
 
@@ -62,7 +63,7 @@ public:
             m_seen.cellPath = m_firstKinds->path();
             options.cellPath = m_seen.cellPath;
         }
-        if (m_options.trueOrientation || std::filesystem::exists(m_options.base + FIXED)) {
+        if (m_options.trueOrientation || std::filesystem::exists(m_options.base + design::FIXED)) {
             m_copy = PlacerCopy::of(m_seen, m_minDist);
         }
         if (m_copy) {
@@ -86,7 +87,12 @@ public:
             if (m_fixed.isObject()) {
                 result["fixed"] = std::move(m_fixed);
             }
-            const Judgement judgement = judge(m_options, m_minDist, m_files);
+            const verify::Judgement judgement = verify::judge({.base = m_options.base,
+                                                               .out = m_options.out,
+                                                               .cellPath = m_options.cellPath,
+                                                               .minDist = m_minDist,
+                                                               .rowsMeet = m_options.rowsMeet},
+                                                              m_files);
             m_clean = m_clean && judgement.errors == 0;
             result["judge"] = toJson(judgement);
             result["hpwl_pins"] = judgement.hpwlPins;
@@ -107,7 +113,7 @@ private:
         };
         hooks.onProgress = [this](const vireloce::Progress& progress, const vireloce::PlaceResult& result) {
             m_run.result.passes = result.passes;
-            m_line.show(progress);
+            showProgress(progress);
         };
         hooks.afterEvaluation = [this](Design& design, const vireloce::PlaceResult& /*result*/) {
             finish(design);
@@ -116,12 +122,21 @@ private:
         return hooks;
     }
 
+    void showProgress(const vireloce::Progress& progress)
+    {
+        m_line.show(progress.segmentsDone == progress.numSegments, [&progress] {
+            return "pass " + std::to_string(progress.pass) + ": " + std::to_string(progress.segmentsDone) +
+                   " of " + std::to_string(progress.numSegments) + " segments, " +
+                   std::to_string(progress.movedOut) + " cells moved out";
+        });
+    }
+
     /// Takes the placement from the design, which ends with the run.
     void finish(Design& design)
     {
         State state = measure(design, m_start);
         m_placement = toJson(design, state);
-        if (m_options.rescue || std::filesystem::exists(m_options.base + FIXED)) {
+        if (m_options.rescue || std::filesystem::exists(m_options.base + design::FIXED)) {
             improve(design, state);
         }
         // A rescue goes by the shapes as they lie, as the judge does; the placer's spacings take mirrored
@@ -136,16 +151,16 @@ private:
     void improve(Design& design, State& state)
     {
         Findings told; // by the judge
-        design::FixedParts parts = design::readFixed(m_options.base + FIXED, told);
+        design::FixedParts parts = design::readFixed(m_options.base + design::FIXED, told);
         TrueDesign truth = readTrueDesign(m_options.base, m_seen.cellPath, parts,
                                           m_copy ? m_copy->wider() : std::vector<WiderMacro>(), told);
         const std::vector<int32_t> stray = withoutPlace(state);
         const bool areKnown = !hasErrors(told) && truth.design.components.size() == design.components.size();
-        if (std::filesystem::exists(m_options.base + FIXED)) {
+        if (std::filesystem::exists(m_options.base + design::FIXED)) {
             if (areKnown) {
                 settleFixed(design, stray, parts, truth, state);
             } else {
-                m_files.addCopy(m_options.out + FIXED, m_options.base + FIXED);
+                m_files.addCopy(m_options.out + design::FIXED, m_options.base + design::FIXED);
             }
         }
         if (m_options.rescue) {
@@ -205,7 +220,7 @@ private:
             cell.solution =
                 m_firstKinds ? m_firstKinds->solutionAt(cell.master, cell.solution, cell.y) : cell.solution;
         }
-        m_files.add(m_options.out + FIXED, [&parts](OutputFile& out) { writeFixed(parts, out); });
+        m_files.add(m_options.out + design::FIXED, [&parts](OutputFile& out) { writeFixed(parts, out); });
         m_fixed = {{"cells", parts.cells.size()},
                    {"blocks", parts.blocks.size()},
                    {"wider_macros", m_copy ? m_copy->wider().size() : 0},
@@ -276,14 +291,14 @@ private:
 
     void writePlacement(const Design& design, OutputFile& out) const
     {
-        const auto changesOf = [&](size_t index, RecordChanges& changes) {
+        const auto changesOf = [&](size_t index, placer::RecordChanges& changes) {
             const Component& comp = *design.components[index];
-            changes = {.name = comp.name, .at = Point{comp.x, comp.y}};
+            changes = {.name = comp.name, .at = geometry::Point{comp.x, comp.y}};
             if (const auto turned = m_mirrored.find(index); turned != m_mirrored.end()) {
                 changes.orient = turned->second;
             }
         };
-        rewritePlacement(m_options.base + ".place", design.components.size(), changesOf, out);
+        placer::rewritePlacement(m_options.base + ".place", design.components.size(), changesOf, out);
     }
 
     void addFiles(const Design& design)
@@ -291,20 +306,7 @@ private:
         m_files.add(m_options.out + ".place", [&](OutputFile& out) { writePlacement(design, out); });
         m_files.add(m_options.out + ".colors",
                     [&](OutputFile& out) { placer::writeColors(finalColorsOf(design), out); });
-        for (const char* extension : COPIED) {
-            m_files.addCopy(m_options.out + extension, m_options.base + extension);
-        }
-        // Those of an earlier result would be the wrong ones.
-        for (const char* extension : COPIED_IF_THERE) {
-            if (std::filesystem::exists(m_options.base + extension)) {
-                m_files.addCopy(m_options.out + extension, m_options.base + extension);
-            } else {
-                m_files.remove(m_options.out + extension);
-            }
-        }
-        if (!std::filesystem::exists(m_options.base + FIXED)) {
-            m_files.remove(m_options.out + FIXED);
-        }
+        design::addCopies(m_options.base, m_options.out, m_files);
     }
 
     const Options& m_options;

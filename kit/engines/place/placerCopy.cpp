@@ -13,7 +13,7 @@
 #include "kit/design/nameMap.h"
 #include "kit/design/standing.h"
 #include "kit/design/stretches.h"
-#include "kit/engines/place/placementText.h"
+#include "kit/formats/placer/placementText.h"
 #include "kit/formats/placer/reader.h"
 #include "kit/formats/placer/writer.h"
 
@@ -93,7 +93,7 @@ public:
     }
 
     /// The place beside the macro that hides a component, none if it is in sight.
-    std::optional<Point> placeOf(const placer::Component& comp) const
+    std::optional<geometry::Point> placeOf(const placer::Component& comp) const
     {
         auto at = m_macros.upper_bound({comp.y, comp.x});
         if (at == m_macros.begin() || (--at)->first.first != comp.y) {
@@ -106,7 +106,7 @@ public:
             return {};
         }
         const bool isLeft = comp.x < m_design.macros[static_cast<size_t>(wider.macro)].x;
-        return Point{isLeft ? wider.x - width : end, comp.y};
+        return geometry::Point{isLeft ? wider.x - width : end, comp.y};
     }
 
 private:
@@ -144,16 +144,16 @@ void PlacerCopy::write(const placer::Design& design, const Options& options, boo
 {
     const placer::Paths from{.base = options.base, .cellDir = options.cellPath};
     const placer::Paths to{.base = base(), .cellDir = m_folder.path()};
-    MacroChanges macros;
+    placer::MacroChanges macros;
     for (const WiderMacro& macro : m_wider) {
         macros[design.macros[static_cast<size_t>(macro.macro)].line] = {macro.x, macro.width};
     }
     const Hidden hidden(design, m_wider);
     Masters masters(design);
     OutputFile place(to.place());
-    rewritePlacement(
+    placer::rewritePlacement(
         from.place(), design.components.size(),
-        [&](size_t index, RecordChanges& changes) {
+        [&](size_t index, placer::RecordChanges& changes) {
             const placer::Component& comp = design.components[index];
             changes = {.name = comp.name, .at = hidden.placeOf(comp)};
             if (turn) {

@@ -2,22 +2,19 @@
 #include "kit/engines/refine/model.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <map>
 #include <tuple>
 #include <unordered_map>
 
 #include "kit/base/fault.h"
+#include "kit/design/rowKinds.h"
 #include "kit/design/standing.h"
 #include "kit/design/stretches.h"
 #include "kit/engines/refine/views.h"
-#include "kit/formats/placer/reader.h"
 
 namespace kit::refine {
 
 namespace {
-
-namespace fs = std::filesystem;
 
 /// Units of the model in a DBU.
 constexpr int32_t UNITS = 2;
@@ -642,30 +639,6 @@ private:
 };
 
 } // namespace
-
-Inputs readInputs(const Paths& paths)
-{
-    const placer::Paths files{.base = paths.base, .cellDir = paths.cellDir};
-    const std::string colors = paths.colors.empty() ? paths.base + ".colors" : paths.colors;
-    Inputs inputs{.placed = design::readColoredPlacement({.placement = files.place(),
-                                                          .colors = colors,
-                                                          .cellDir = paths.cellDir,
-                                                          .cells = files.cells()})};
-    Findings findings = std::move(inputs.placed.faults);
-    placer::readPins(files.pins(), inputs.placed.design, findings);
-    placer::readNets(files.netlist(), inputs.placed.design, findings);
-    if (const std::string map = design::mapOf(files.place()); fs::exists(map)) {
-        inputs.map = design::readNameMap(map, findings);
-    }
-    if (const std::string offsets = design::offsetsOf(files.place()); fs::exists(offsets)) {
-        inputs.offsets = design::readPinOffsets(offsets, findings);
-        if (!hasErrors(findings)) {
-            inputs.placed.pinLength = design::pinLengthBeside(files.place(), inputs.placed.design, findings);
-        }
-    }
-    inputs.faults = errorsOf(findings);
-    return inputs;
-}
 
 Built buildModel(const Inputs& inputs, const Demands& demands)
 {

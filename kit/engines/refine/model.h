@@ -3,39 +3,15 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
-#include "kit/design/coloredPlacement.h"
 #include "kit/design/distance.h"
-#include "kit/design/nameMap.h"
-#include "kit/design/pinOffsets.h"
-#include "kit/design/rowKinds.h"
+#include "kit/engines/refine/inputs.h"
 #include "refine/model.h"
 
 namespace kit::refine {
-
-/// The files of a result of `place`.
-struct Paths {
-    std::string base; ///< of BASE.place, .pins, .netlist, .cells and what an import adds, without extension
-    std::string colors{}; ///< empty for BASE.colors
-    std::string cellDir;  ///< folder of the color files
-};
-
-/// A result of `place` with all that shorter wires depend on.
-struct Inputs {
-    design::ColoredPlacement placed;             ///< with nets, and terminals
-    std::optional<design::NameMap> map{};        ///< of an imported design
-    std::optional<design::PinOffsets> offsets{}; ///< of an imported design
-    Findings faults{};                           ///< errors in the form of all these files
-};
-
-/// Reads them.
-///
-/// Errors: throws Fault if a file cannot be opened.
-Inputs readInputs(const Paths& paths);
 
 /// What is asked for.
 struct Demands {

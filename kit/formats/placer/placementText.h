@@ -9,20 +9,20 @@
 #include <string>
 #include <string_view>
 
-#include "kit/engines/place/state.h"
+#include "kit/geometry/rect.h"
 
 namespace kit {
 class OutputFile;
 }
 
-namespace kit::place {
+namespace kit::placer {
 
 /// What a component's record gets in place of what stood there. What is empty stays.
 struct RecordChanges {
-    std::string_view name;     ///< that the record must have
-    std::string_view cell{};   ///< name of the cell
-    std::optional<Point> at{}; ///< lower left corner, DBU
-    std::string_view orient{}; ///< orientation
+    std::string_view name;               ///< that the record must have
+    std::string_view cell{};             ///< name of the cell
+    std::optional<geometry::Point> at{}; ///< lower left corner, DBU
+    std::string_view orient{};           ///< orientation
 };
 
 /// Gives the changes of a component's record, by its index.
@@ -48,4 +48,4 @@ using MacroChanges = std::map<int64_t, MacroChange>;
 void rewritePlacement(const std::string& path, size_t count, const ChangesOf& changesOf, OutputFile& out,
                       const MacroChanges& macros = {});
 
-} // namespace kit::place
+} // namespace kit::placer

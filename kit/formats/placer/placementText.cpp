@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "kit/engines/place/placementText.h"
+#include "kit/formats/placer/placementText.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -10,7 +10,7 @@
 #include "kit/base/fault.h"
 #include "kit/base/files/outputFile.h"
 
-namespace kit::place {
+namespace kit::placer {
 
 namespace {
 
@@ -183,4 +183,4 @@ void rewritePlacement(const std::string& path, size_t count, const ChangesOf& ch
     Rewriter(path, count, changesOf, out, macros).run();
 }
 
-} // namespace kit::place
+} // namespace kit::placer

@@ -1,14 +1,24 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// The judgement of a result that has not got its names yet.
 #pragma once
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 #include "kit/base/files/outputFile.h"
 #include "kit/base/text/json.h"
-#include "kit/engines/place/options.h"
 
-namespace kit::place {
+namespace kit::verify {
+
+/// A result to be judged.
+struct Result {
+    std::string base;      ///< path of the design that it was made from, without extension
+    std::string out;       ///< path of the result without extension
+    std::string cellPath;  ///< folder of the color files
+    int32_t minDist = 0;   ///< distance that shapes of one mask need, library coordinates
+    bool rowsMeet = false; ///< judge cells of different rows as well
+};
 
 /// What the strict judge of `verify` says of the result files.
 struct Judgement {
@@ -25,11 +35,10 @@ struct Judgement {
 /// follows its spacing rules, which take mirrored cells as unmirrored; this one is of the shapes as they lie,
 /// where rows meet across them as well.
 ///
-/// @param minDist  distance that shapes of one mask need, library coordinates
-/// @param files    has both
-Judgement judge(const Options& options, int32_t minDist, const OutputSet& files);
+/// @param files  has both
+Judgement judge(const Result& result, const OutputSet& files);
 
 /// For the result, its member "judge": null if there is no judgement.
 Json toJson(const Judgement& judgement);
 
-} // namespace kit::place
+} // namespace kit::verify

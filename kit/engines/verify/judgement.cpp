@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "kit/engines/place/judgement.h"
+#include "kit/engines/verify/judgement.h"
 
 #include <filesystem>
 
 #include "kit/base/fault.h"
+#include "kit/design/designFiles.h"
 #include "kit/design/nameMap.h"
 #include "kit/design/pinOffsets.h"
 #include "kit/engines/verify/verify.h"
 #include "kit/formats/placer/reader.h"
 
-namespace kit::place {
+namespace kit::verify {
 
 namespace {
 
@@ -35,30 +36,31 @@ Json hpwlPinsOf(const std::string& base, const placer::Design& after, Findings& 
 
 } // namespace
 
-Judgement judge(const Options& options, int32_t minDist, const OutputSet& files)
+Judgement judge(const Result& result, const OutputSet& files)
 {
     Judgement judgement;
     try {
-        const bool anyFixed = std::filesystem::exists(options.base + FIXED);
-        const std::string fixed = anyFixed ? files.partPath(options.out + FIXED) : options.base + FIXED;
+        const bool anyFixed = std::filesystem::exists(result.base + design::FIXED);
+        const std::string fixed =
+            anyFixed ? files.partPath(result.out + design::FIXED) : result.base + design::FIXED;
         design::ColoredPlacement input =
-            design::readColoredPlacement({.placement = files.partPath(options.out + ".place"),
-                                          .colors = files.partPath(options.out + ".colors"),
-                                          .mapOf = options.base + ".place",
+            design::readColoredPlacement({.placement = files.partPath(result.out + ".place"),
+                                          .colors = files.partPath(result.out + ".colors"),
+                                          .mapOf = result.base + ".place",
                                           .fixed = fixed,
-                                          .cellDir = options.cellPath,
-                                          .cells = options.base + ".cells"});
+                                          .cellDir = result.cellPath,
+                                          .cells = result.base + ".cells"});
         for (const design::Issue& issue :
-             verify::judge(input, {.minDist = minDist, .acrossRows = options.rowsMeet})) {
+             judge(input, {.minDist = result.minDist, .acrossRows = result.rowsMeet})) {
             const bool isError = severityOf(issue) == Severity::ERROR;
             judgement.errors += isError ? 1 : 0;
             judgement.notes += isError ? 0 : 1;
             judgement.conflicts += issue.kind == design::Kind::CONFLICT ? 1 : 0;
         }
-        judgement.hpwlPins = hpwlPinsOf(options.base + ".place", input.design, input.faults);
+        judgement.hpwlPins = hpwlPinsOf(result.base + ".place", input.design, input.faults);
         judgement.errors += static_cast<int64_t>(input.faults.size());
         if (const lefdef::Length site = design::siteLength(input.design); site > 0) {
-            judgement.minDist = design::Distance(minDist).micronsOn(site);
+            judgement.minDist = design::Distance(result.minDist).micronsOn(site);
         }
         judgement.possible = true;
     } catch (const Fault&) { // without rows there is nothing to judge
@@ -77,4 +79,4 @@ Json toJson(const Judgement& judgement)
             {"mindp_um", judgement.minDist ? Json(*judgement.minDist) : Json(nullptr)}};
 }
 
-} // namespace kit::place
+} // namespace kit::verify
