@@ -24,6 +24,7 @@ constexpr Source SOURCES[] = {
     {"HPWL after rescue, DBU", "/rescue/placement/hpwl"},
     {"HPWL by pins, um", "/hpwl_pins/after/um"},
     {"stitches", "/placement/stitches"},
+    {"stitches after refine", "/refine/stitches/after"},
     {"conflicts, as the placer counts", "/placement/conflicts"},
     {"conflicts, by geometry", "/judge/conflicts"},
     {"dropped cells", "/placement/dropped_cells"},
@@ -34,6 +35,7 @@ constexpr Source SOURCES[] = {
     {"largest displacement, sites", "/placement/displacement/largest"},
     {"passes", "/passes"},
     {"seconds", "/seconds"},
+    {"seconds of refine", "/refine/seconds"},
     {"peak memory, KiB", "/peak_memory_kib"},
 };
 
