@@ -34,6 +34,7 @@ public:
             timed(Move::ROW, [&] { rowPass(); });
             timed(Move::REORDER, [&] { reorderPass(); });
             timed(Move::INSERT, [&] { insertPass(); });
+            timed(Move::SWAP, [&] { swapPass(); });
             m_pass.wirelength = wirelength(m_model);
             result.passes.push_back(m_pass);
             if (last - m_pass.wirelength < last / 10000) {
@@ -167,6 +168,7 @@ private:
     void insertPass()
     {
         Limits limits;
+        if (const char* e = getenv("LIM")) sscanf(e, "%d,%d,%d,%d", &limits.rows, &limits.slots, &limits.beside, &limits.sites);
         const auto count = static_cast<int32_t>(m_model.cells.size());
         for (int32_t cell = 0; cell < count; ++cell) {
             if (m_at.cell(cell).fixed || !isDue(cell)) {
@@ -174,6 +176,21 @@ private:
             }
             wasTried(cell);
             m_mover.insert(cell, limits, m_proposal);
+            take(m_proposal);
+        }
+    }
+
+    void swapPass()
+    {
+        Limits limits;
+        if (const char* e = getenv("LIMS")) sscanf(e, "%d,%d,%d,%d", &limits.rows, &limits.slots, &limits.beside, &limits.sites);
+        const auto count = static_cast<int32_t>(m_model.cells.size());
+        for (int32_t cell = 0; cell < count; ++cell) {
+            if (m_at.cell(cell).fixed || !isDue(cell)) {
+                continue;
+            }
+            wasTried(cell);
+            m_mover.swap(cell, limits, m_proposal);
             take(m_proposal);
         }
     }

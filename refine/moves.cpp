@@ -80,15 +80,19 @@ void Mover::reorder(int32_t row, size_t first, size_t last, Proposal& result)
     }
 }
 
-void Mover::gather(int32_t index)
+void Mover::gather(int32_t index, int32_t without, Pulls& pulls)
 {
-    m_pulls.clear();
+    pulls.clear();
     for (const Term& term : m_at.terms(index)) {
-        Pull& pull = m_pulls.emplace_back();
+        Pull& pull = pulls.emplace_back();
         pull.outside = m_at.fixedBoxOf(term.net);
         pull.weight = m_at.weightOf(term.net);
         pull.reach = &m_at.reachOf(term);
         for (const Placement::PlacedPin& pin : m_at.pinsOf(term.net)) {
+            if (pin.cell == without) {
+                pulls.pop_back();
+                break;
+            }
             if (pin.cell != index) {
                 pull.outside.x.add(pin.x);
                 pull.outside.y.add(pin.y);
@@ -97,22 +101,22 @@ void Mover::gather(int32_t index)
     }
 }
 
-int64_t Mover::heightCost(int32_t row) const
+int64_t Mover::heightCost(const Pulls& pulls, int32_t row) const
 {
     const int32_t y = m_at.yOf(row);
     const int turned = m_at.isTurned(row) ? 1 : 0;
     int64_t cost = 0;
-    for (const Pull& pull : m_pulls) {
+    for (const Pull& pull : pulls) {
         const Range& reach = pull.reach->y[turned];
         cost += int64_t{pull.weight} * growth(pull.outside.y, y + reach.low, y + reach.high);
     }
     return cost;
 }
 
-int64_t Mover::lengthCost(int32_t x, bool mirrored) const
+int64_t Mover::lengthCost(const Pulls& pulls, int32_t x, bool mirrored) const
 {
     int64_t cost = 0;
-    for (const Pull& pull : m_pulls) {
+    for (const Pull& pull : pulls) {
         const Range& reach = pull.reach->x[mirrored ? 1 : 0];
         cost += int64_t{pull.weight} * growth(pull.outside.x, x + reach.low, x + reach.high);
     }
@@ -145,6 +149,31 @@ Range Mover::bestX(bool mirrored)
     return best;
 }
 
+/// The heights that cost least.
+Range Mover::bestY(int32_t row)
+{
+    m_bends.clear();
+    int64_t slope = 0;
+    for (const Pull& pull : m_pulls) {
+        if (!pull.outside.y.empty()) {
+            m_bends.emplace_back(pull.outside.y.low, pull.weight);
+            m_bends.emplace_back(pull.outside.y.high, pull.weight);
+            slope -= pull.weight;
+        }
+    }
+    std::ranges::sort(m_bends);
+    Range wanted{m_at.yOf(row), m_at.yOf(row)};
+    for (size_t i = 0; i < m_bends.size(); ++i) {
+        slope += m_bends[i].second;
+        if (slope >= 0) {
+            wanted.low = m_bends[i].first;
+            wanted.high = slope == 0 && i + 1 < m_bends.size() ? m_bends[i + 1].first : wanted.low;
+            break;
+        }
+    }
+    return wanted;
+}
+
 void Mover::insert(int32_t index, const Limits& limits, Proposal& result)
 {
     const Cell& cell = m_at.cell(index);
@@ -157,27 +186,7 @@ void Mover::insert(int32_t index, const Limits& limits, Proposal& result)
     if (now - least <= 0) {
         return;
     }
-    // The middle of what the nets want, upwards.
-    std::vector<std::pair<int32_t, int32_t>>& bends = m_bends;
-    bends.clear();
-    int64_t slope = 0;
-    for (const Pull& pull : m_pulls) {
-        if (!pull.outside.y.empty()) {
-            bends.emplace_back(pull.outside.y.low, pull.weight);
-            bends.emplace_back(pull.outside.y.high, pull.weight);
-            slope -= pull.weight;
-        }
-    }
-    std::ranges::sort(bends);
-    Range wanted{m_at.yOf(cell.row), m_at.yOf(cell.row)};
-    for (size_t i = 0; i < bends.size(); ++i) {
-        slope += bends[i].second;
-        if (slope >= 0) {
-            wanted.low = bends[i].first;
-            wanted.high = slope == 0 && i + 1 < bends.size() ? bends[i + 1].first : wanted.low;
-            break;
-        }
-    }
+    const Range wanted = bestY(cell.row);
     const std::vector<Row>& rows = m_at.model().rows;
     const int32_t target = std::clamp(m_at.yOf(cell.row), wanted.low, wanted.high);
     const auto above = static_cast<int32_t>(std::ranges::lower_bound(rows, target, {}, &Row::y) - rows.begin());
@@ -304,6 +313,136 @@ void Mover::tryPlace(int32_t index, int32_t row, size_t rank, int32_t target, co
         result.gain = gain;
         result.changes.clear();
         m_window.changes(result.changes);
+    }
+}
+
+void Mover::swap(int32_t index, const Limits& limits, Proposal& result)
+{
+    const Cell& cell = m_at.cell(index);
+    gather(index);
+    const bool mirrored = m_at.stateOf(cell).mirrored;
+    const int64_t now = heightCost(cell.row) + lengthCost(cell.x, mirrored);
+    const Range best = bestX(mirrored);
+    const int64_t least = lengthCost(best.low, mirrored);
+    const Range wanted = bestY(cell.row);
+    const std::vector<Row>& rows = m_at.model().rows;
+    const int32_t target = std::clamp(m_at.yOf(cell.row), wanted.low, wanted.high);
+    const auto above = static_cast<int32_t>(std::ranges::lower_bound(rows, target, {}, &Row::y) - rows.begin());
+    const auto count = static_cast<int32_t>(rows.size());
+    const int32_t x = std::clamp(cell.x, best.low, best.high);
+    const int32_t width = m_at.kindOf(cell).width;
+    std::vector<std::pair<int64_t, int32_t>> candidates;
+    for (int32_t k = 0; k < 2 * limits.rows; ++k) {
+        const int32_t row = k % 2 == 0 ? above + k / 2 : above - 1 - k / 2;
+        if (row < 0 || row >= count) {
+            continue;
+        }
+        const int64_t budget = now - heightCost(row);
+        if (budget - least <= 0) {
+            continue;
+        }
+        const std::vector<Item>& items = m_at.items(row);
+        const size_t rank = m_at.rankFrom(row, x);
+        const auto slots = static_cast<size_t>(limits.slots);
+        for (size_t i = rank - std::min(rank, slots); i < std::min(items.size(), rank + slots); ++i) {
+            const int32_t otherIndex = items[i].cell;
+            const Cell& other = m_at.cell(otherIndex);
+            if (otherIndex == index || other.fixed || other.fence != cell.fence) {
+                continue;
+            }
+            const int32_t shift = (m_at.kindOf(other).width - width) / 2;
+            const int64_t first = budget - lengthCost(other.x + shift, mirrored);
+            if (first <= 0) {
+                continue;
+            }
+            gather(otherIndex, index, m_otherPulls);
+            const bool otherMirrored = m_at.stateOf(other).mirrored;
+            const int64_t second = heightCost(m_otherPulls, other.row) +
+                                   lengthCost(m_otherPulls, other.x, otherMirrored) -
+                                   heightCost(m_otherPulls, cell.row) -
+                                   lengthCost(m_otherPulls, cell.x - shift, otherMirrored);
+            if (first + second > 0) {
+                candidates.emplace_back(-first - second, otherIndex);
+            }
+        }
+    }
+    std::ranges::sort(candidates);
+    for (size_t i = 0; i < std::min<size_t>(candidates.size(), 4); ++i) {
+        trySwap(index, candidates[i].second, limits, result);
+    }
+}
+
+/// Takes the cells around one, with another in its place.
+bool Mover::takeBeside(int32_t row, size_t rank, int32_t instead, const Limits& limits, WindowFrame& frame)
+{
+    const std::vector<Item>& items = m_at.items(row);
+    const Run* const run = m_at.runAt(row, items[rank].x);
+    if (run == nullptr) {
+        return false;
+    }
+    const int32_t runEnd = run->x + run->sites * m_at.model().step;
+    const auto mayMove = [&](size_t i) {
+        return !m_at.cell(items[i].cell).fixed && items[i].x >= run->x && items[i].x < runEnd;
+    };
+    size_t first = rank;
+    size_t last = rank + 1;
+    const auto beside = static_cast<size_t>(limits.beside);
+    for (; first > 0 && rank - first < beside && mayMove(first - 1); --first) {
+    }
+    for (; last < items.size() && last - rank <= beside && mayMove(last); ++last) {
+    }
+    m_cells.clear();
+    m_targets.clear();
+    m_order.clear();
+    for (size_t i = first; i < last; ++i) {
+        m_order.push_back(static_cast<int32_t>(m_cells.size()));
+        m_cells.push_back(i == rank ? instead : items[i].cell);
+        m_targets.push_back(items[i].x);
+    }
+    frame = frameOf(row, *run, first, last, -1);
+    return true;
+}
+
+void Mover::trySwap(int32_t index, int32_t otherIndex, const Limits& limits, Proposal& result)
+{
+    const Cell& cell = m_at.cell(index);
+    const Cell& other = m_at.cell(otherIndex);
+    const size_t rank = m_at.rankOf(index);
+    const size_t otherRank = m_at.rankOf(otherIndex);
+    const auto apart = static_cast<size_t>(2 * limits.beside + 1);
+    if (cell.row == other.row && (rank < otherRank ? otherRank - rank : rank - otherRank) <= apart) {
+        return;
+    }
+    const int32_t both[] = {index, otherIndex};
+    m_assumed = {{index, other.row, other.x, cell.state}, {otherIndex, cell.row, cell.x, other.state}};
+    m_window.assume(m_assumed);
+    int64_t gain = m_window.gainOf(both);
+    std::vector<Change> changes;
+    for (const bool isOther : {true, false}) {
+        WindowFrame frame;
+        if (!takeBeside(isOther ? other.row : cell.row, isOther ? otherRank : rank, isOther ? index : otherIndex,
+                        limits, frame)) {
+            m_window.assume({});
+            return;
+        }
+        m_window.take(m_cells, frame.row);
+        const int64_t more = m_window.solve(frame, m_order, m_targets, limits.sites);
+        if (more == WindowSolver::IMPOSSIBLE) {
+            m_window.assume({});
+            return;
+        }
+        gain += more;
+        m_window.changes(changes);
+        m_assumed = changes;
+        if (isOther) {
+            m_assumed.push_back({otherIndex, cell.row, cell.x, other.state});
+            m_window.assume(m_assumed);
+        }
+    }
+    m_window.assume({});
+    if (gain > result.gain) {
+        result.gain = gain;
+        result.changes = changes;
     }
 }
 

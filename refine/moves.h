@@ -39,16 +39,28 @@ public:
     /// A cell to where its nets want it, and its neighbours there make room.
     void insert(int32_t cell, const Limits& limits, Proposal& result);
 
+    /// A cell and one near where its nets want it change places; neighbours make room on both sides.
+    void swap(int32_t cell, const Limits& limits, Proposal& result);
+
 private:
     struct Pull {
         Box outside;
         int32_t weight;
         const Reach* reach;
     };
+    using Pulls = std::vector<Pull>;
     /// The nets of a cell without it.
-    void gather(int32_t cell);
-    int64_t heightCost(int32_t row) const;
-    int64_t lengthCost(int32_t x, bool mirrored) const;
+    ///
+    /// @param without  nets of this cell are left out, too; -1 for none
+    void gather(int32_t cell, int32_t without, Pulls& pulls);
+    void gather(int32_t cell) { gather(cell, -1, m_pulls); }
+    int64_t heightCost(const Pulls& pulls, int32_t row) const;
+    int64_t heightCost(int32_t row) const { return heightCost(m_pulls, row); }
+    int64_t lengthCost(const Pulls& pulls, int32_t x, bool mirrored) const;
+    int64_t lengthCost(int32_t x, bool mirrored) const { return lengthCost(m_pulls, x, mirrored); }
+    Range bestY(int32_t row);
+    void trySwap(int32_t cell, int32_t other, const Limits& limits, Proposal& result);
+    bool takeBeside(int32_t row, size_t rank, int32_t instead, const Limits& limits, WindowFrame& frame);
     /// The x that cost least.
     Range bestX(bool mirrored);
     void insertInRow(int32_t cell, int32_t row, int64_t budget, const Limits& limits, Proposal& result);
@@ -58,7 +70,9 @@ private:
 
     const Placement& m_at;
     WindowSolver m_window;
-    std::vector<Pull> m_pulls;
+    Pulls m_pulls;
+    Pulls m_otherPulls;
+    std::vector<Change> m_assumed;
     std::vector<std::pair<int32_t, int32_t>> m_bends;
     std::vector<int32_t> m_cells;
     std::vector<int32_t> m_order;

@@ -26,6 +26,70 @@ WindowSolver::WindowSolver(const Placement& placement, const Options& options)
 {
 }
 
+void WindowSolver::assume(std::span<const Change> changes)
+{
+    m_assumed.assign(changes.begin(), changes.end());
+}
+
+const State& WindowSolver::stateOf(int32_t index) const
+{
+    const auto at = std::ranges::find(m_assumed, index, &Change::cell);
+    const Cell& cell = m_at.cell(index);
+    return at == m_assumed.end() ? m_at.stateOf(cell)
+                                 : m_at.model().states[static_cast<size_t>(m_at.kindOf(cell).stateBegin + at->state)];
+}
+
+/// The box of a net where its cells are assumed to be.
+Box WindowSolver::boxOf(int32_t net, bool withTaken) const
+{
+    Box box = m_at.fixedBoxOf(net);
+    const std::span<const Placement::PlacedPin> pins = m_at.pinsOf(net);
+    const Model& model = m_at.model();
+    const Pin* const modelPins = model.pins.data() + model.nets[static_cast<size_t>(net)].pinBegin;
+    for (size_t i = 0; i < pins.size(); ++i) {
+        const Placement::PlacedPin& pin = pins[i];
+        if (!withTaken && m_cellMark[static_cast<size_t>(pin.cell)] == m_time) {
+            continue;
+        }
+        const auto at = std::ranges::find(m_assumed, pin.cell, &Change::cell);
+        if (at == m_assumed.end()) {
+            box.x.add(pin.x);
+            box.y.add(pin.y);
+            continue;
+        }
+        const Kind& kind = m_at.kindOf(m_at.cell(pin.cell));
+        const KindPin& offset = model.kindPins[static_cast<size_t>(kind.pinBegin + modelPins[i].kindPin)];
+        const bool mirrored = model.states[static_cast<size_t>(kind.stateBegin + at->state)].mirrored;
+        box.x.add(at->x + (mirrored ? offset.mirroredX : offset.x));
+        box.y.add(m_at.yOf(at->row) + (m_at.isTurned(at->row) ? offset.turnedY : offset.y));
+    }
+    return box;
+}
+
+int64_t WindowSolver::gainOf(std::span<const int32_t> cells)
+{
+    ++m_time;
+    int64_t gain = 0;
+    for (const int32_t cell : cells) {
+        gain += m_options.stitchPrice * (m_at.stateOf(m_at.cell(cell)).stitches - stateOf(cell).stitches);
+        for (const Term& term : m_at.terms(cell)) {
+            uint64_t& mark = m_netMark[static_cast<size_t>(term.net)];
+            if (mark >> 32 != m_time) {
+                mark = uint64_t{m_time} << 32;
+                Box now = m_at.fixedBoxOf(term.net);
+                for (const Placement::PlacedPin& pin : m_at.pinsOf(term.net)) {
+                    now.x.add(pin.x);
+                    now.y.add(pin.y);
+                }
+                const Box then = boxOf(term.net, true);
+                gain += int64_t{m_at.weightOf(term.net)} *
+                        (int64_t{now.x.length()} + now.y.length() - then.x.length() - then.y.length());
+            }
+        }
+    }
+    return gain;
+}
+
 void WindowSolver::take(std::span<const int32_t> cells, int32_t row)
 {
     ++m_time;
@@ -41,8 +105,7 @@ void WindowSolver::take(std::span<const int32_t> cells, int32_t row)
     }
     for (const int32_t index : cells) {
         m_termBegin.push_back(m_terms.size());
-        const Cell& cell = m_at.cell(index);
-        m_before += m_options.stitchPrice * m_at.stateOf(cell).stitches;
+        m_before += m_options.stitchPrice * stateOf(index).stitches;
         for (const Term& term : m_at.terms(index)) {
             uint64_t& mark = m_netMark[static_cast<size_t>(term.net)];
             if (mark >> 32 != m_time) {
@@ -50,15 +113,21 @@ void WindowSolver::take(std::span<const int32_t> cells, int32_t row)
                 NetUse& net = m_nets.emplace_back();
                 net.net = term.net;
                 net.weight = m_at.weightOf(term.net);
-                net.outside = m_at.fixedBoxOf(term.net);
-                Box all = net.outside;
-                for (const Placement::PlacedPin& pin : m_at.pinsOf(term.net)) {
-                    all.x.add(pin.x);
-                    all.y.add(pin.y);
-                    if (m_cellMark[static_cast<size_t>(pin.cell)] != m_time) {
-                        net.outside.x.add(pin.x);
-                        net.outside.y.add(pin.y);
+                Box all;
+                if (m_assumed.empty()) {
+                    net.outside = m_at.fixedBoxOf(term.net);
+                    all = net.outside;
+                    for (const Placement::PlacedPin& pin : m_at.pinsOf(term.net)) {
+                        all.x.add(pin.x);
+                        all.y.add(pin.y);
+                        if (m_cellMark[static_cast<size_t>(pin.cell)] != m_time) {
+                            net.outside.x.add(pin.x);
+                            net.outside.y.add(pin.y);
+                        }
                     }
+                } else {
+                    all = boxOf(term.net, /*withTaken=*/true);
+                    net.outside = boxOf(term.net, /*withTaken=*/false);
                 }
                 const int64_t now = int64_t{all.x.length()} - net.outside.x.length() + all.y.length();
                 m_before += net.weight * now;

@@ -28,6 +28,14 @@ class WindowSolver {
 public:
     WindowSolver(const Placement& placement, const Options& options);
 
+    /// Takes cells to be elsewhere than they are, until the next call.
+    void assume(std::span<const Change> changes);
+
+    /// What the objective falls by if cells go where they are assumed to be.
+    ///
+    /// @param cells  all that are assumed elsewhere
+    int64_t gainOf(std::span<const int32_t> cells);
+
     /// Takes the cells that may move; all but one of them stand in the row.
     ///
     /// @param row  that they are to stand in
@@ -60,12 +68,15 @@ private:
         int32_t net = 0; ///< in m_nets
         const Reach* reach = nullptr;
     };
+    Box boxOf(int32_t net, bool withTaken) const;
+    const State& stateOf(int32_t cell) const;
     void addOptions(const WindowFrame& frame, std::span<const int32_t> order);
     void addProfile(size_t rank, int32_t taken, bool mirrored, int32_t x, int32_t sites, int32_t reference);
     int32_t classesAt(const WindowFrame& frame, bool onLeft, int32_t cell);
 
     const Placement& m_at;
     const Options& m_options;
+    std::vector<Change> m_assumed;
     OrderedProgram m_program;
     std::vector<uint32_t> m_cellMark; ///< [cell] m_time if it was taken
     std::vector<uint64_t> m_netMark;  ///< [net] m_time and index in m_nets
