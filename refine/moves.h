@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The moves: each looks at the placement, and proposes changes that make the objective smaller.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "refine/improve.h"
+#include "refine/placement.h"
+#include "refine/window.h"
+
+namespace refine {
+
+/// Changes that belong together.
+struct Proposal {
+    int64_t gain = 0; ///< what the objective falls by; none is proposed if it is not positive
+    std::vector<Change> changes;
+};
+
+/// How far a search goes.
+struct Limits {
+    int32_t rows = 5;   ///< rows that a cell is tried in, on each side of its best ones
+    int32_t slots = 3;  ///< places in a row
+    int32_t beside = 3; ///< cells on each side of a place that make room
+    int32_t sites = 32; ///< of a cell's window
+};
+
+/// Searches for moves. One for each thread: it only reads the placement.
+class Mover {
+public:
+    Mover(const Placement& placement, const Options& options) : m_at(placement), m_window(placement, options) {}
+
+    /// Cells side by side in their order, by ranks in a row. All are in one run.
+    void arrange(int32_t row, size_t first, size_t last, int32_t sites, Proposal& result);
+
+    /// Some neighbours in the best of all orders.
+    void reorder(int32_t row, size_t first, size_t last, Proposal& result);
+
+    /// A cell to where its nets want it, and its neighbours there make room.
+    void insert(int32_t cell, const Limits& limits, Proposal& result);
+
+    /// A cell and one near where its nets want it change places; neighbours make room on both sides.
+    void swap(int32_t cell, const Limits& limits, Proposal& result);
+
+private:
+    struct Pull {
+        Box outside;
+        int32_t weight;
+        const Reach* reach;
+    };
+    using Pulls = std::vector<Pull>;
+    /// The nets of a cell without it.
+    ///
+    /// @param without  nets of this cell are left out, too; -1 for none
+    void gather(int32_t cell, int32_t without, Pulls& pulls);
+    void gather(int32_t cell) { gather(cell, -1, m_pulls); }
+    int64_t heightCost(const Pulls& pulls, int32_t row) const;
+    int64_t heightCost(int32_t row) const { return heightCost(m_pulls, row); }
+    int64_t lengthCost(const Pulls& pulls, int32_t x, bool mirrored) const;
+    int64_t lengthCost(int32_t x, bool mirrored) const { return lengthCost(m_pulls, x, mirrored); }
+    Range bestY(int32_t row);
+    void trySwap(int32_t cell, int32_t other, const Limits& limits, Proposal& result);
+    bool takeBeside(int32_t row, size_t rank, int32_t instead, const Limits& limits, WindowFrame& frame);
+    /// The x that cost least.
+    Range bestX(bool mirrored);
+    void insertInRow(int32_t cell, int32_t row, int64_t budget, const Limits& limits, Proposal& result);
+    void tryPlace(int32_t cell, int32_t row, size_t rank, int32_t target, const Limits& limits,
+                  Proposal& result);
+    WindowFrame frameOf(int32_t row, const Run& run, size_t first, size_t last, int32_t without) const;
+
+    const Placement& m_at;
+    WindowSolver m_window;
+    Pulls m_pulls;
+    Pulls m_otherPulls;
+    std::vector<Change> m_assumed;
+    std::vector<std::pair<int32_t, int32_t>> m_bends;
+    std::vector<int32_t> m_cells;
+    std::vector<int32_t> m_order;
+    std::vector<int32_t> m_targets;
+};
+
+} // namespace refine

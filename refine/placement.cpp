@@ -1,0 +1,189 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "refine/placement.h"
+
+#include <algorithm>
+#include <map>
+
+namespace refine {
+
+namespace {
+
+constexpr size_t NEAR = 4;       ///< ranks: cells that far away may be in one window
+constexpr size_t LARGE_NET = 32; ///< pins: a cell more or less changes little for the others
+
+} // namespace
+
+Placement::Placement(Model& model)
+    : m_model(model), m_pairs(model), m_runBegin(model.rows.size() + 1, 0), m_items(model.rows.size()),
+      m_pinBegin(model.cells.size() + 1, 0), m_pinsOfCell(model.pins.size()),
+      m_termBegin(model.cells.size() + 1, 0), m_touched(model.cells.size(), 1)
+{
+    for (const Run& run : model.runs) {
+        ++m_runBegin[static_cast<size_t>(run.row) + 1];
+    }
+    for (size_t i = 1; i < m_runBegin.size(); ++i) {
+        m_runBegin[i] += m_runBegin[i - 1];
+    }
+    for (size_t i = 0; i < model.cells.size(); ++i) {
+        const Cell& cell = model.cells[i];
+        m_items[static_cast<size_t>(cell.row)].push_back({cell.x, static_cast<int32_t>(i)});
+    }
+    for (std::vector<Item>& items : m_items) {
+        std::ranges::sort(items, {}, [](const Item& item) { return std::pair(item.x, item.cell); });
+    }
+    for (const Pin& pin : model.pins) {
+        m_pins.push_back({0, 0, pin.cell});
+        ++m_pinBegin[static_cast<size_t>(pin.cell) + 1];
+    }
+    for (size_t i = 1; i < m_pinBegin.size(); ++i) {
+        m_pinBegin[i] += m_pinBegin[i - 1];
+    }
+    std::vector<int32_t> next(m_pinBegin.begin(), m_pinBegin.end() - 1);
+    std::vector<int32_t> netOf(model.pins.size());
+    for (size_t net = 0; net + 1 < model.nets.size(); ++net) {
+        for (int32_t pin = model.nets[net].pinBegin; pin < model.nets[net + 1].pinBegin; ++pin) {
+            netOf[static_cast<size_t>(pin)] = static_cast<int32_t>(net);
+        }
+    }
+    for (size_t i = 0; i < model.pins.size(); ++i) {
+        m_pinsOfCell[static_cast<size_t>(next[static_cast<size_t>(model.pins[i].cell)]++)] =
+            static_cast<int32_t>(i);
+    }
+    for (const KindPin& pin : model.kindPins) {
+        m_reaches.push_back({{{pin.x, pin.x}, {pin.mirroredX, pin.mirroredX}},
+                             {{pin.y, pin.y}, {pin.turnedY, pin.turnedY}}});
+    }
+    std::map<std::vector<int32_t>, int32_t> known; // reaches of several pins
+    for (size_t i = 0; i < model.cells.size(); ++i) {
+        const Cell& cell = model.cells[i];
+        const int32_t kindPins = kindOf(cell).pinBegin;
+        movePins(static_cast<int32_t>(i));
+        // The pins of a cell are in the order of the nets.
+        for (int32_t k = m_pinBegin[i]; k < m_pinBegin[i + 1] && !cell.fixed;) {
+            const int32_t net = netOf[static_cast<size_t>(m_pinsOfCell[static_cast<size_t>(k)])];
+            std::vector<int32_t> several;
+            for (; k < m_pinBegin[i + 1]; ++k) {
+                const auto pin = static_cast<size_t>(m_pinsOfCell[static_cast<size_t>(k)]);
+                if (netOf[pin] != net) {
+                    break;
+                }
+                several.push_back(kindPins + model.pins[pin].kindPin);
+            }
+            const Net* const at = model.nets.data() + net;
+            const auto pins = static_cast<size_t>(at[1].pinBegin - at[0].pinBegin);
+            int32_t reach = several.front();
+            if (several.size() > 1) {
+                const auto [entry, isNew] =
+                    known.try_emplace(several, static_cast<int32_t>(m_reaches.size()));
+                if (isNew) {
+                    Reach all;
+                    for (const int32_t one : several) {
+                        const Reach& other = m_reaches[static_cast<size_t>(one)];
+                        for (int side = 0; side < 2; ++side) {
+                            all.x[side].add(other.x[side]);
+                            all.y[side].add(other.y[side]);
+                        }
+                    }
+                    m_reaches.push_back(all);
+                }
+                reach = entry->second;
+            }
+            if (pins > several.size() || at->xl <= at->xh) {
+                m_terms.push_back({net, reach});
+            }
+        }
+        m_termBegin[i + 1] = static_cast<int32_t>(m_terms.size());
+    }
+}
+
+size_t Placement::rankFrom(int32_t row, int32_t x) const
+{
+    const std::vector<Item>& all = items(row);
+    return static_cast<size_t>(std::ranges::lower_bound(all, x, {}, &Item::x) - all.begin());
+}
+
+size_t Placement::rankOf(int32_t index) const
+{
+    const Cell& at = cell(index);
+    const std::vector<Item>& all = items(at.row);
+    size_t rank = rankFrom(at.row, at.x);
+    while (all[rank].cell != index) {
+        ++rank;
+    }
+    return rank;
+}
+
+std::span<const Run> Placement::runs(int32_t row) const
+{
+    const int32_t* const at = m_runBegin.data() + row;
+    return {m_model.runs.data() + at[0], m_model.runs.data() + at[1]};
+}
+
+const Run* Placement::runAt(int32_t row, int32_t x) const
+{
+    const std::span<const Run> all = runs(row);
+    const auto next = std::ranges::upper_bound(all, x, {}, &Run::x);
+    if (next == all.begin()) {
+        return nullptr;
+    }
+    const Run& run = *std::prev(next);
+    return x < run.x + run.sites * m_model.step ? &run : nullptr;
+}
+
+void Placement::movePins(int32_t index)
+{
+    const Cell& at = cell(index);
+    const bool mirrored = stateOf(at).mirrored;
+    const bool turned = isTurned(at.row);
+    const int32_t y = yOf(at.row);
+    const KindPin* const kindPins = m_model.kindPins.data() + kindOf(at).pinBegin;
+    for (int32_t k = m_pinBegin[static_cast<size_t>(index)]; k < m_pinBegin[static_cast<size_t>(index) + 1]; ++k) {
+        const auto pin = static_cast<size_t>(m_pinsOfCell[static_cast<size_t>(k)]);
+        const KindPin& offset = kindPins[m_model.pins[pin].kindPin];
+        m_pins[pin].x = at.x + (mirrored ? offset.mirroredX : offset.x);
+        m_pins[pin].y = y + (turned ? offset.turnedY : offset.y);
+    }
+}
+
+void Placement::touchAround(int32_t row, int32_t x, uint32_t now)
+{
+    const std::vector<Item>& all = items(row);
+    const size_t rank = rankFrom(row, x);
+    for (size_t i = rank - std::min(rank, NEAR); i < std::min(all.size(), rank + NEAR); ++i) {
+        m_touched[static_cast<size_t>(all[i].cell)] = now;
+    }
+}
+
+void Placement::apply(std::span<const Change> changes, uint32_t now)
+{
+    // All leave before any comes, so that ranks can be found by x.
+    for (const Change& change : changes) {
+        const Cell& at = cell(change.cell);
+        std::vector<Item>& from = m_items[static_cast<size_t>(at.row)];
+        from.erase(from.begin() + static_cast<std::ptrdiff_t>(rankOf(change.cell)));
+        if (at.row != change.row) {
+            touchAround(at.row, at.x, now);
+        }
+    }
+    for (const Change& change : changes) {
+        Cell& at = m_model.cells[static_cast<size_t>(change.cell)];
+        at.row = change.row;
+        at.x = change.x;
+        at.state = change.state;
+        std::vector<Item>& to = m_items[static_cast<size_t>(change.row)];
+        to.insert(to.begin() + static_cast<std::ptrdiff_t>(rankFrom(change.row, change.x)),
+                  {change.x, change.cell});
+        movePins(change.cell);
+    }
+    for (const Change& change : changes) {
+        touchAround(change.row, change.x, now);
+        for (const Term& term : terms(change.cell)) {
+            const std::span<const PlacedPin> pins = pinsOf(term.net);
+            for (size_t i = 0; i < pins.size() && pins.size() <= LARGE_NET; ++i) {
+                m_touched[static_cast<size_t>(pins[i].cell)] = now;
+            }
+        }
+    }
+}
+
+} // namespace refine

@@ -1,0 +1,394 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "refine/window.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace refine {
+
+namespace {
+
+int32_t floorDiv(int32_t a, int32_t b)
+{
+    return a >= 0 ? a / b : -((-a + b - 1) / b);
+}
+
+int32_t ceilDiv(int32_t a, int32_t b)
+{
+    return -floorDiv(-a, b);
+}
+
+} // namespace
+
+WindowSolver::WindowSolver(const Placement& placement, const Options& options)
+    : m_at(placement), m_options(options), m_cellMark(placement.model().cells.size(), 0),
+      m_netMark(placement.model().nets.size(), 0)
+{
+}
+
+void WindowSolver::assume(std::span<const Change> changes)
+{
+    m_assumed.assign(changes.begin(), changes.end());
+}
+
+const State& WindowSolver::stateOf(int32_t index) const
+{
+    const auto at = std::ranges::find(m_assumed, index, &Change::cell);
+    const Cell& cell = m_at.cell(index);
+    return at == m_assumed.end() ? m_at.stateOf(cell)
+                                 : m_at.model().states[static_cast<size_t>(m_at.kindOf(cell).stateBegin + at->state)];
+}
+
+/// The box of a net where its cells are assumed to be.
+Box WindowSolver::boxOf(int32_t net, bool withTaken) const
+{
+    Box box = m_at.fixedBoxOf(net);
+    const std::span<const Placement::PlacedPin> pins = m_at.pinsOf(net);
+    const Model& model = m_at.model();
+    const Pin* const modelPins = model.pins.data() + model.nets[static_cast<size_t>(net)].pinBegin;
+    for (size_t i = 0; i < pins.size(); ++i) {
+        const Placement::PlacedPin& pin = pins[i];
+        if (!withTaken && m_cellMark[static_cast<size_t>(pin.cell)] == m_time) {
+            continue;
+        }
+        const auto at = std::ranges::find(m_assumed, pin.cell, &Change::cell);
+        if (at == m_assumed.end()) {
+            box.x.add(pin.x);
+            box.y.add(pin.y);
+            continue;
+        }
+        const Kind& kind = m_at.kindOf(m_at.cell(pin.cell));
+        const KindPin& offset = model.kindPins[static_cast<size_t>(kind.pinBegin + modelPins[i].kindPin)];
+        const bool mirrored = model.states[static_cast<size_t>(kind.stateBegin + at->state)].mirrored;
+        box.x.add(at->x + (mirrored ? offset.mirroredX : offset.x));
+        box.y.add(m_at.yOf(at->row) + (m_at.isTurned(at->row) ? offset.turnedY : offset.y));
+    }
+    return box;
+}
+
+int64_t WindowSolver::gainOf(std::span<const int32_t> cells)
+{
+    ++m_time;
+    int64_t gain = 0;
+    for (const int32_t cell : cells) {
+        gain += m_options.stitchPrice * (m_at.stateOf(m_at.cell(cell)).stitches - stateOf(cell).stitches);
+        for (const Term& term : m_at.terms(cell)) {
+            uint64_t& mark = m_netMark[static_cast<size_t>(term.net)];
+            if (mark >> 32 != m_time) {
+                mark = uint64_t{m_time} << 32;
+                Box now = m_at.fixedBoxOf(term.net);
+                for (const Placement::PlacedPin& pin : m_at.pinsOf(term.net)) {
+                    now.x.add(pin.x);
+                    now.y.add(pin.y);
+                }
+                const Box then = boxOf(term.net, true);
+                gain += int64_t{m_at.weightOf(term.net)} *
+                        (int64_t{now.x.length()} + now.y.length() - then.x.length() - then.y.length());
+            }
+        }
+    }
+    return gain;
+}
+
+void WindowSolver::take(std::span<const int32_t> cells, int32_t row)
+{
+    ++m_time;
+    m_cells.assign(cells.begin(), cells.end());
+    m_row = row;
+    m_nets.clear();
+    m_terms.clear();
+    m_termBegin.clear();
+    m_before = 0;
+    m_fixedAfter = 0;
+    for (const int32_t cell : cells) {
+        m_cellMark[static_cast<size_t>(cell)] = m_time;
+    }
+    for (const int32_t index : cells) {
+        m_termBegin.push_back(m_terms.size());
+        m_before += m_options.stitchPrice * stateOf(index).stitches;
+        for (const Term& term : m_at.terms(index)) {
+            uint64_t& mark = m_netMark[static_cast<size_t>(term.net)];
+            if (mark >> 32 != m_time) {
+                mark = uint64_t{m_time} << 32 | m_nets.size();
+                NetUse& net = m_nets.emplace_back();
+                net.net = term.net;
+                net.weight = m_at.weightOf(term.net);
+                Box all;
+                if (m_assumed.empty()) {
+                    net.outside = m_at.fixedBoxOf(term.net);
+                    all = net.outside;
+                    for (const Placement::PlacedPin& pin : m_at.pinsOf(term.net)) {
+                        all.x.add(pin.x);
+                        all.y.add(pin.y);
+                        if (m_cellMark[static_cast<size_t>(pin.cell)] != m_time) {
+                            net.outside.x.add(pin.x);
+                            net.outside.y.add(pin.y);
+                        }
+                    }
+                } else {
+                    all = boxOf(term.net, /*withTaken=*/true);
+                    net.outside = boxOf(term.net, /*withTaken=*/false);
+                }
+                const int64_t now = int64_t{all.x.length()} - net.outside.x.length() + all.y.length();
+                m_before += net.weight * now;
+            }
+            m_terms.push_back({static_cast<int32_t>(mark & 0xffffffffU), &m_at.reachOf(term)});
+        }
+    }
+    m_termBegin.push_back(m_terms.size());
+    // Heights are known: all stand in the row.
+    const bool turned = m_at.isTurned(row);
+    const int32_t y = m_at.yOf(row);
+    for (NetUse& net : m_nets) {
+        net.first = net.last = -1;
+    }
+    for (const TermUse& term : m_terms) {
+        NetUse& net = m_nets[static_cast<size_t>(term.net)];
+        const Range& reach = term.reach->y[turned ? 1 : 0];
+        net.outside.y.add({y + reach.low, y + reach.high});
+    }
+    for (const NetUse& net : m_nets) {
+        m_fixedAfter += int64_t{net.weight} * net.outside.y.length();
+    }
+}
+
+int32_t WindowSolver::classesAt(const WindowFrame& frame, bool onLeft, int32_t index)
+{
+    const Model& model = m_at.model();
+    const Cell& cell = m_at.cell(index);
+    const int32_t neighbour = onLeft ? frame.left : frame.right;
+    const int32_t width = m_at.kindOf(cell).width;
+    std::vector<uint16_t>& classOf = m_classes[onLeft ? 0 : 1];
+    std::vector<int32_t>& sites = onLeft ? m_program.earliest : m_program.latest;
+    const int32_t states = model.stateCount(cell.kind);
+    classOf.assign(static_cast<size_t>(states), 0);
+    sites.clear();
+    const int32_t last = frame.run->sites - ceilDiv(width, model.step);
+    for (int32_t s = 0; s < states; ++s) {
+        int32_t site = onLeft ? 0 : last;
+        if (neighbour >= 0) {
+            const Cell& beside = m_at.cell(neighbour);
+            if (onLeft) {
+                const int32_t gap = m_at.pairs().between(beside.kind, beside.state, cell.kind, s);
+                // Metal that stays may reach into free sites, but cells keep their side of it.
+                const int32_t x = std::max(beside.x + 1, beside.x + m_at.kindOf(beside).width + gap);
+                site = std::max(site, ceilDiv(x - frame.run->x, model.step));
+            } else {
+                const int32_t gap = m_at.pairs().between(cell.kind, s, beside.kind, beside.state);
+                const int32_t x = std::min(beside.x - 1, beside.x - gap - width);
+                site = std::min(site, floorDiv(x - frame.run->x, model.step));
+            }
+        }
+        const auto at = std::ranges::find(sites, site);
+        classOf[static_cast<size_t>(s)] = static_cast<uint16_t>(at - sites.begin());
+        if (at == sites.end()) {
+            sites.push_back(site);
+        }
+    }
+    return static_cast<int32_t>(sites.size());
+}
+
+void WindowSolver::addOptions(const WindowFrame& frame, std::span<const int32_t> order)
+{
+    const Model& model = m_at.model();
+    const PairTable& pairs = m_at.pairs();
+    PairTable::Pair before;
+    for (size_t rank = 0; rank < order.size(); ++rank) {
+        ProgramItem& item = m_program.items[rank];
+        const int32_t index = m_cells[static_cast<size_t>(order[rank])];
+        const Cell& cell = m_at.cell(index);
+        item.width = ceilDiv(m_at.kindOf(cell).width, model.step);
+        const uint16_t* leftClassOf = nullptr;
+        const uint16_t* rightClassOf = nullptr;
+        if (rank == 0) {
+            item.leftClasses = classesAt(frame, /*onLeft=*/true, index);
+            leftClassOf = m_classes[0].data();
+        } else {
+            item.leftClasses = before.rightClasses;
+            leftClassOf = before.rightClassOf;
+            item.gaps = before.gaps;
+        }
+        if (rank + 1 == order.size()) {
+            item.rightClasses = classesAt(frame, /*onLeft=*/false, index);
+            rightClassOf = m_classes[1].data();
+        } else {
+            const Cell& next = m_at.cell(m_cells[static_cast<size_t>(order[rank + 1])]);
+            before = pairs.of(cell.kind, next.kind);
+            item.rightClasses = before.leftClasses;
+            rightClassOf = before.leftClassOf;
+        }
+        const int32_t states = model.stateCount(cell.kind);
+        const State* const first = model.states.data() + m_at.kindOf(cell).stateBegin;
+        m_best.assign(static_cast<size_t>(2 * item.leftClasses * item.rightClasses), -1);
+        item.optionBegin = static_cast<int32_t>(m_program.options.size());
+        for (int32_t s = 0; s < states; ++s) {
+            const State& state = first[s];
+            const auto price = static_cast<int32_t>(m_options.stitchPrice * state.stitches);
+            int32_t& best = m_best[static_cast<size_t>(
+                2 * (leftClassOf[s] * item.rightClasses + rightClassOf[s]) + (state.mirrored ? 1 : 0))];
+            if (best < 0) {
+                best = static_cast<int32_t>(m_program.options.size());
+                m_program.options.push_back({leftClassOf[s], rightClassOf[s], s, price, state.mirrored});
+            } else if (ProgramOption& option = m_program.options[static_cast<size_t>(best)];
+                       price < option.price) {
+                option.price = price;
+                option.state = s;
+            }
+        }
+        item.optionEnd = static_cast<int32_t>(m_program.options.size());
+    }
+}
+
+void WindowSolver::addProfile(size_t rank, int32_t taken, bool mirrored, int32_t x, int32_t sites,
+                              int32_t reference)
+{
+    const int32_t step = m_at.model().step;
+    const auto ordinal = static_cast<int32_t>(rank);
+    const int32_t span = (sites - 1) * step;
+    int32_t* const bends = m_bends.data();
+    int64_t base = 0;
+    int32_t slope = 0;
+    bool bent = false;
+    const auto bendAt = [&](int32_t room, int32_t weight) {
+        const int32_t whole = room / step;
+        const int32_t rest = room - whole * step;
+        bends[whole + 1] += weight * (step - rest);
+        bends[whole + 2] += weight * rest;
+        bent = true;
+    };
+    for (size_t t = m_termBegin[static_cast<size_t>(taken)]; t < m_termBegin[static_cast<size_t>(taken) + 1]; ++t) {
+        const NetUse& net = m_nets[static_cast<size_t>(m_terms[t].net)];
+        const Range& reach = m_terms[t].reach->x[mirrored ? 1 : 0];
+        const Range& outside = net.outside.x;
+        const bool alone = outside.empty();
+        if (net.first == ordinal) {
+            const int32_t room = (alone ? reference : outside.low) - (x + reach.low);
+            if (alone || room > 0) {
+                base += int64_t{net.weight} * room;
+                slope -= net.weight * step;
+                if (!alone && room <= span) {
+                    bendAt(room, net.weight);
+                }
+            }
+        }
+        if (net.last == ordinal) {
+            const int32_t room = (alone ? reference : outside.high) - (x + reach.high);
+            if (alone || room <= 0) {
+                base -= int64_t{net.weight} * room;
+                slope += net.weight * step;
+            } else if (room <= span) {
+                bendAt(room, net.weight);
+            }
+        }
+    }
+    int32_t* const costs = m_program.costRoom(rank, mirrored);
+    int32_t cost = 0;
+    if (bent) {
+        for (int32_t p = 0; p < sites; ++p) {
+            costs[p] = cost;
+            slope += bends[p + 1];
+            bends[p + 1] = 0;
+            cost += slope;
+        }
+        bends[sites + 1] = 0;
+    } else {
+        for (int32_t p = 0; p < sites; ++p) {
+            costs[p] = cost;
+            cost += slope;
+        }
+    }
+    m_base[mirrored ? 1 : 0] = base;
+    m_program.items[rank].costs[mirrored ? 1 : 0] = costs;
+}
+
+int64_t WindowSolver::solve(const WindowFrame& frame, std::span<const int32_t> order,
+                            std::span<const int32_t> targets, int32_t sites)
+{
+    const int32_t step = m_at.model().step;
+    m_program.clear(order.size());
+    m_bends.resize(OrderedProgram::MOST_SITES + 3, 0);
+    m_order.assign(order.begin(), order.end());
+    m_run = frame.run;
+    addOptions(frame, order);
+    // From the left end of the room to its right end.
+    const int32_t begin = *std::ranges::min_element(m_program.earliest);
+    int32_t width = 0;
+    for (const ProgramItem& item : m_program.items) {
+        width += item.width;
+    }
+    const int32_t end = *std::ranges::max_element(m_program.latest) + m_program.items.back().width;
+    const int32_t slack = end - begin - width;
+    if (slack < 0) {
+        return IMPOSSIBLE;
+    }
+    const int32_t window = std::min(slack + 1, sites);
+    for (size_t rank = 0; rank < order.size(); ++rank) {
+        for (size_t t = m_termBegin[static_cast<size_t>(order[rank])];
+             t < m_termBegin[static_cast<size_t>(order[rank]) + 1]; ++t) {
+            m_nets[static_cast<size_t>(m_terms[t].net)].first = -1;
+        }
+    }
+    for (size_t rank = 0; rank < order.size(); ++rank) {
+        for (size_t t = m_termBegin[static_cast<size_t>(order[rank])];
+             t < m_termBegin[static_cast<size_t>(order[rank]) + 1]; ++t) {
+            NetUse& net = m_nets[static_cast<size_t>(m_terms[t].net)];
+            net.first = net.first < 0 ? static_cast<int32_t>(rank) : net.first;
+            net.last = static_cast<int32_t>(rank);
+        }
+    }
+    const int32_t reference = frame.run->x + begin * step;
+    int64_t after = m_fixedAfter;
+    int64_t largest = 0;
+    int32_t packed = begin;
+    for (size_t rank = 0; rank < order.size(); ++rank) {
+        ProgramItem& item = m_program.items[rank];
+        const int32_t target = floorDiv(targets[static_cast<size_t>(order[rank])] - frame.run->x, step);
+        item.low = std::clamp(target - window / 2, packed, packed + slack + 1 - window);
+        packed += item.width;
+        const int32_t x = frame.run->x + item.low * step;
+        bool has[2] = {false, false};
+        int64_t price = 0;
+        for (int32_t o = item.optionBegin; o < item.optionEnd; ++o) {
+            has[m_program.options[static_cast<size_t>(o)].mirrored ? 1 : 0] = true;
+            price = std::max<int64_t>(price, m_program.options[static_cast<size_t>(o)].price);
+        }
+        int64_t least = std::numeric_limits<int64_t>::max();
+        for (const bool mirrored : {false, true}) {
+            if (has[mirrored ? 1 : 0]) {
+                addProfile(rank, order[rank], mirrored, x, window, reference);
+                const int32_t* const costs = item.costs[mirrored ? 1 : 0];
+                least = std::min(least, m_base[mirrored ? 1 : 0] + *std::min_element(costs, costs + window));
+            }
+        }
+        after += least;
+        int32_t most = 0;
+        for (const bool mirrored : {false, true}) {
+            if (has[mirrored ? 1 : 0]) {
+                int32_t* const costs = m_program.costRoom(rank, mirrored);
+                const auto add = static_cast<int32_t>(m_base[mirrored ? 1 : 0] - least);
+                for (int32_t p = 0; p < window; ++p) {
+                    costs[p] += add;
+                    most = std::max(most, costs[p]);
+                }
+            }
+        }
+        largest += price + most;
+    }
+    if (largest >= OrderedProgram::NEVER) {
+        return IMPOSSIBLE;
+    }
+    const int32_t cost = m_program.solve(window);
+    return cost >= OrderedProgram::NEVER ? IMPOSSIBLE : m_before - after - cost;
+}
+
+void WindowSolver::changes(std::vector<Change>& result)
+{
+    m_program.trace(m_spots);
+    for (size_t rank = 0; rank < m_order.size(); ++rank) {
+        const int32_t cell = m_cells[static_cast<size_t>(m_order[rank])];
+        const int32_t x = m_run->x + m_spots[rank].site * m_at.model().step;
+        result.push_back({cell, m_row, x, m_spots[rank].state});
+    }
+}
+
+} // namespace refine

@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// A few cells of a run, solved together: places, mirroring and colourings at once, all others as they are.
+//
+// With a fixed order the wirelength of a row is a sum of costs of single cells: of the cells of a net only the
+// first and the last can stretch it.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "refine/improve.h"
+#include "refine/orderedProgram.h"
+#include "refine/placement.h"
+
+namespace refine {
+
+/// The cells of a window and what is beside it.
+struct WindowFrame {
+    int32_t row = 0;
+    const Run* run = nullptr;
+    int32_t left = -1;  ///< the cell on the left of the window, -1 for none
+    int32_t right = -1; ///< the cell on the right of it, -1 for none
+};
+
+/// Solves windows. One for each thread: it only reads the placement.
+class WindowSolver {
+public:
+    WindowSolver(const Placement& placement, const Options& options);
+
+    /// Takes cells to be elsewhere than they are, until the next call.
+    void assume(std::span<const Change> changes);
+
+    /// What the objective falls by if cells go where they are assumed to be.
+    ///
+    /// @param cells  all that are assumed elsewhere
+    int64_t gainOf(std::span<const int32_t> cells);
+
+    /// Takes the cells that may move; all but one of them stand in the row.
+    ///
+    /// @param row  that they are to stand in
+    void take(std::span<const int32_t> cells, int32_t row);
+
+    /// Finds the best arrangement of those that were taken.
+    ///
+    /// @param order    which are beside each other from the left, as indices of the cells that were taken
+    /// @param targets  [cell taken] x near which it is to be, units
+    /// @param sites    most sites of a cell's window
+    /// @return what the objective falls by; negative if it would grow, or if there is no arrangement
+    int64_t solve(const WindowFrame& frame, std::span<const int32_t> order, std::span<const int32_t> targets,
+                  int32_t sites);
+
+    /// The arrangement that the last solve() gave a gain for.
+    void changes(std::vector<Change>& result);
+
+    /// What solve() returns if there is no arrangement.
+    static constexpr int64_t IMPOSSIBLE = std::numeric_limits<int64_t>::min();
+
+private:
+    struct NetUse {
+        int32_t net = 0;
+        int32_t weight = 0;
+        Box outside;           ///< of the pins that do not move
+        int32_t first = -1;    ///< rank of the first cell on it
+        int32_t last = -1;     ///< rank of the last one
+    };
+    struct TermUse {
+        int32_t net = 0; ///< in m_nets
+        const Reach* reach = nullptr;
+    };
+    Box boxOf(int32_t net, bool withTaken) const;
+    const State& stateOf(int32_t cell) const;
+    void addOptions(const WindowFrame& frame, std::span<const int32_t> order);
+    void addProfile(size_t rank, int32_t taken, bool mirrored, int32_t x, int32_t sites, int32_t reference);
+    int32_t classesAt(const WindowFrame& frame, bool onLeft, int32_t cell);
+
+    const Placement& m_at;
+    const Options& m_options;
+    std::vector<Change> m_assumed;
+    OrderedProgram m_program;
+    std::vector<uint32_t> m_cellMark; ///< [cell] m_time if it was taken
+    std::vector<uint64_t> m_netMark;  ///< [net] m_time and index in m_nets
+    uint32_t m_time = 0;
+    std::vector<int32_t> m_cells;     ///< taken
+    int32_t m_row = 0;
+    std::vector<NetUse> m_nets;
+    std::vector<TermUse> m_terms;     ///< of all cells taken
+    std::vector<size_t> m_termBegin;  ///< [cell taken]
+    int64_t m_before = 0;             ///< cost of what may change
+    int64_t m_fixedAfter = 0;         ///< the part of it that is known before solve()
+    int64_t m_base[2] = {};           ///< of the profiles of a cell, by mirrored
+    std::vector<int32_t> m_bends;
+    std::vector<uint16_t> m_classes[2]; ///< [state] of a cell beside the frame
+    std::vector<int32_t> m_best;        ///< [left class, right class, mirrored] option
+    std::vector<ProgramSpot> m_spots;
+    std::vector<int32_t> m_order;
+    const Run* m_run = nullptr;
+    int32_t m_slope = 0;
+};
+
+} // namespace refine
