@@ -53,6 +53,8 @@ vireloce_test(kit SHARDS 8
     kit/engines/place/progressLine_test.cpp
     kit/engines/place/rescue_test.cpp
     kit/engines/place/rowsMeet_test.cpp
+    kit/engines/refine/command_test.cpp
+    kit/engines/refine/model_test.cpp
     kit/engines/verify/command_test.cpp
     kit/engines/verify/conflict_test.cpp
     kit/engines/verify/fixed_test.cpp

@@ -39,8 +39,8 @@ TEST(KitCompletion, OffersSubcommands)
 {
     EXPECT_EQ(offered("pl"), "place\n");
     const std::string all = " " + offered("\"\"");
-    for (const char* name : {"color", "compare", "export", "flow", "gen", "import", "lint", "place", "sweep",
-                             "verify", "view"}) {
+    for (const char* name : {"color", "compare", "export", "flow", "gen", "import", "lint", "place", "refine",
+                             "sweep", "verify", "view"}) {
         EXPECT_NE(all.find(" " + std::string(name) + " "), std::string::npos) << name << " in" << all;
     }
 }

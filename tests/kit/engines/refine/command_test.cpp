@@ -1,0 +1,210 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The subcommand refine.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "kit/engines/refine/refineCase.h"
+
+namespace {
+
+using kit::Json;
+using test::contentOf;
+using test::KitOutcome;
+using test::runKit;
+using test::Words;
+
+/// Two nets that cross over, each between two cells of a row that is far from full.
+class KitRefine : public test::RefineCase {
+protected:
+    void SetUp() override
+    {
+        RefineCase::SetUp();
+        color({{0, {1, 2}}, {0, {0, 2}}, {0, {2, 1}}});
+        import({"a BARS + PLACED ( 0 0 ) N", "b BARS + PLACED ( 760 0 ) N", "c BARS + PLACED ( 1520 0 ) N",
+                "d BARS + PLACED ( 2280 0 ) N"},
+               {"m ( a A ) ( c A )", "n ( b A ) ( d A )"}, 2, 16);
+        choose({0, 0, 0, 0});
+    }
+
+    Json verified() const
+    {
+        return Json::parse(runKit({"verify", out() + ".place", "--colors", out() + ".colors", "--cell-path",
+                                   lib(), "--json"})
+                               .output);
+    }
+};
+
+TEST_F(KitRefine, WritesACleanDesignWithShorterWires)
+{
+    const KitOutcome outcome = refine();
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_NE(outcome.output.find("wirelength from pin to pin 3.0 um -> "), std::string::npos)
+        << outcome.output;
+    const Json json = result();
+    EXPECT_EQ(json["judge"]["errors"], 0);
+    const Json& lengths = json["refine"]["wirelength"];
+    EXPECT_EQ(lengths["before"]["dbu"], 3040);
+    EXPECT_LT(lengths["after"]["dbu"].asNumber(), 3040);
+    EXPECT_EQ(json["hpwl_pins"]["before"], lengths["before"]);
+    EXPECT_EQ(json["hpwl_pins"]["after"], lengths["after"]) << "the judge measures the same";
+    EXPECT_EQ(verified()["clean"], true);
+    for (const char* extension : {".cells", ".pins", ".netlist", ".map", ".offsets"}) {
+        EXPECT_EQ(contentOf(out() + extension), contentOf(base() + extension)) << extension;
+    }
+}
+
+TEST_F(KitRefine, ItsPassesAddUpToWhatIsGained)
+{
+    EXPECT_EQ(refine({"--stitch-price", "0"}).status, 0);
+    const Json json = result();
+    double gain = 0;
+    for (const Json& pass : json["refine"]["passes"].items()) {
+        for (const Json& move : pass["moves"].items()) {
+            gain += move["gain"]["dbu"].asNumber();
+        }
+    }
+    const Json& lengths = json["refine"]["wirelength"];
+    EXPECT_EQ(gain, lengths["before"]["dbu"].asNumber() - lengths["after"]["dbu"].asNumber());
+    EXPECT_GT(gain, 0);
+}
+
+TEST_F(KitRefine, EffortOfNothingChangesNothing)
+{
+    EXPECT_EQ(refine({"--effort", "0"}).status, 0);
+    EXPECT_EQ(contentOf(out() + ".place"), contentOf(base() + ".place"));
+    EXPECT_EQ(contentOf(out() + ".colors"), contentOf(base() + ".colors"));
+    EXPECT_EQ(result()["refine"]["moved_cells"], 0);
+}
+
+TEST_F(KitRefine, ResultOfPlaceSaysWhereAndHowFar)
+{
+    ASSERT_EQ(runKit({"place", base(), "--cell-path", lib(), "-o", m_dir.path("p"), "--mindp", "150",
+                      "--rescue", "--true-orientation"})
+                  .status,
+              0);
+    ASSERT_EQ(runKit({"refine", m_dir.path("p.json"), "-o", out()}).status, 0);
+    const Json before = Json::parse(contentOf(m_dir.path("p.json")));
+    const Json after = result();
+    EXPECT_EQ(after["options"]["mindp"], 150);
+    EXPECT_EQ(after["judge"]["mindp_um"], before["judge"]["mindp_um"]);
+    EXPECT_EQ(after["placement"], before["placement"]) << "the placer's part stays";
+    EXPECT_EQ(after["hpwl_pins"]["before"], before["hpwl_pins"]["before"]);
+    EXPECT_LT(after["hpwl_pins"]["after"]["dbu"].asNumber(), before["hpwl_pins"]["after"]["dbu"].asNumber());
+    EXPECT_EQ(runKit({"refine", out() + ".json", "-o", m_dir.path("again")}).status, 0)
+        << "its result is one of the same kind";
+}
+
+TEST_F(KitRefine, ItsResultIsExportedAndCompared)
+{
+    ASSERT_EQ(refine().status, 0);
+    const KitOutcome outcome = runKit({"export", out() + ".json", "--def", m_dir.path("d.def"), "--lef",
+                                       m_dir.path("l.lef"), "-o", m_dir.path("new.def")});
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    const std::string table = runKit({"compare", out() + ".json"}).output;
+    EXPECT_NE(table.find("| stitches after refine | 0 |"), std::string::npos) << table;
+}
+
+TEST_F(KitRefine, NamedCellsStay)
+{
+    m_dir.write("names", "b\n\nd\n");
+    EXPECT_EQ(refine({"--fix", m_dir.path("names")}).status, 0);
+    const std::string place = contentOf(out() + ".place");
+    EXPECT_NE(place.find("- b BARS + PLACED ( 760 0 ) N"), std::string::npos) << place;
+    EXPECT_NE(place.find("- d BARS + PLACED ( 2280 0 ) N"), std::string::npos) << place;
+    EXPECT_LT(result()["refine"]["wirelength"]["after"]["dbu"].asNumber(), 3040);
+    m_dir.write("names", "b\nx\n");
+    const KitOutcome outcome = refine({"--fix", m_dir.path("names"), "--force"});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_NE(outcome.error.find("names:2: there is no component \"x\""), std::string::npos) << outcome.error;
+}
+
+struct BadWeights {
+    const char* name;
+    const char* text;
+};
+
+class KitRefineWeights : public KitRefine, public testing::WithParamInterface<BadWeights> {};
+
+TEST_P(KitRefineWeights, AreTold)
+{
+    m_dir.write("weights", std::string("0 3\n") + GetParam().text + "\n");
+    const KitOutcome outcome = refine({"--net-weights", m_dir.path("weights")});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_NE(outcome.error.find("weights:2: "), std::string::npos) << outcome.error;
+}
+
+INSTANTIATE_TEST_SUITE_P(Lines, KitRefineWeights,
+                         testing::Values(BadWeights{"NoWeight", "1"}, BadWeights{"Nothing", "1 0"},
+                                         BadWeights{"TooMuch", "1 1001"}, BadWeights{"OtherNet", "2 1"},
+                                         BadWeights{"NoNumber", "n 1"}, BadWeights{"More", "1 1 1"}),
+                         [](const auto& row) { return row.param.name; });
+
+TEST_F(KitRefine, WeightsCountInTheFiguresOfPasses)
+{
+    m_dir.write("weights", "1 1000\n");
+    EXPECT_EQ(refine({"--net-weights", m_dir.path("weights")}).status, 0);
+    const Json json = result();
+    const Json& lengths = json["refine"]["wirelength"];
+    EXPECT_EQ(lengths["before"]["dbu"], 3040) << "each net counts once";
+    const Json& passes = json["refine"]["passes"];
+    ASSERT_GT(passes.size(), 0U);
+    const int64_t more =
+        passes[passes.size() - 1]["wirelength"]["dbu"].asInteger() - lengths["after"]["dbu"].asInteger();
+    EXPECT_GT(more, 0);
+    EXPECT_EQ(more % 999, 0);
+}
+
+TEST_F(KitRefine, NeitherInputsNorOldResultsAreReplaced)
+{
+    const std::string before = contentOf(base() + ".place");
+    const KitOutcome onInput =
+        runKit({"refine", base() + ".place", "--cell-path", lib(), "-o", base(), "--force"});
+    EXPECT_EQ(onInput.status, 2);
+    EXPECT_NE(onInput.error.find("is an input"), std::string::npos) << onInput.error;
+    EXPECT_EQ(contentOf(base() + ".place"), before);
+    m_dir.write("out.colors", "old");
+    EXPECT_EQ(refine().status, 2);
+    EXPECT_EQ(contentOf(out() + ".colors"), "old");
+    EXPECT_FALSE(std::filesystem::exists(out() + ".place"));
+}
+
+TEST_F(KitRefine, PlacementNeedsTheFolderOfColorFiles)
+{
+    EXPECT_EQ(runKit({"refine", base() + ".place", "-o", out()}).error,
+              "vireloce-kit: where the color files are is not known: give --cell-path\n");
+    EXPECT_EQ(runKit({"refine", base(), "-o", out()}).error,
+              "vireloce-kit: " + base() + " ends neither in .json nor in .place\n");
+}
+
+TEST_F(KitRefine, UncleanInputStaysUncleanAndIsTold)
+{
+    color({{0, {1, 1}}});
+    import({"a BARS + PLACED ( 0 0 ) N", "b BARS + PLACED ( 190 0 ) N"}, {"m ( a A ) ( b A )"}, 2, 3);
+    choose({0, 0});
+    const KitOutcome outcome = refine();
+    EXPECT_EQ(outcome.status, 1) << outcome.error;
+    EXPECT_NE(outcome.output.find("; verify finds "), std::string::npos) << outcome.output;
+    EXPECT_GT(result()["judge"]["errors"].asInteger(), 0);
+}
+
+TEST_F(KitRefine, FaultyInputsAreTold)
+{
+    m_dir.write("d.offsets", "nothing");
+    const KitOutcome outcome = refine();
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_NE(outcome.error.find("d.offsets:1: error: "), std::string::npos) << outcome.error;
+    EXPECT_FALSE(std::filesystem::exists(out() + ".place"));
+}
+
+TEST_F(KitRefine, CellsThatStayAreNamed)
+{
+    choose({0, -1, 0, 0});
+    const KitOutcome outcome = refine();
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.error.find("will not be moved: b\n"), std::string::npos) << outcome.error;
+    EXPECT_EQ(result()["refine"]["stray_cells"], Json::parse("[\"b\"]"));
+}
+
+} // namespace
