@@ -6,6 +6,7 @@
 
 #include "kit/tools/flow/flow.h"
 #include "kit/tools/lengthOptions.h"
+#include "refine/improve.h"
 
 namespace kit::flow {
 
@@ -54,11 +55,14 @@ void addFiles(const Command& command, Options& options)
 void addNumbers(const Command& command, Options& options)
 {
     command.add("--max-solutions", options.maxSolutions, "most colour solutions of a cell");
-    command.add("--jobs", options.jobs, "threads for colouring").between(1, MOST_JOBS);
+    command.add("--jobs", options.jobs, "threads for colouring and for refine").between(1, MOST_JOBS);
     addDistanceOption(command, options.minDist);
     command.add("--algo", options.algo, "placement method, as of `place`");
     command.add("--weight", options.weight, "cost of a site of wirelength against a stitch");
     command.add("--move-range", options.moveRange, "farthest local shift, sites");
+    command.add("--effort", options.effort, "effort to make wires shorter, as of `refine`; 0 leaves it out")
+        .between(0, ::refine::Options::MOST_EFFORT)
+        .withDefault();
 }
 
 } // namespace

@@ -338,17 +338,24 @@ private:
             json["options"]["rows_meet"] = true;
         }
         json["judge"] = verify::toJson(judgement);
-        const Json before = json.atPointer("/hpwl_pins/before");
-        json["hpwl_pins"] = judgement.hpwlPins;
-        if (before.isObject() && judgement.hpwlPins.isObject()) {
-            json["hpwl_pins"]["before"] = before; // that of the design before it was placed
-        }
+        json["hpwl_pins"] = hpwlPinsOf(json["hpwl_pins"], judgement.hpwlPins);
         rusage usage{};
         getrusage(RUSAGE_SELF, &usage);
         json["peak_memory_kib"] = int64_t{usage.ru_maxrss};
         json["refine"] =
             refineJson(m_options, m_outcome, m_inputs.offsets.has_value(), design().dbuPerMicron);
         return json;
+    }
+
+    /// What the judge says, and what was known of the design before it was placed, and when it was.
+    static Json hpwlPinsOf(const Json& known, const Json& judged)
+    {
+        if (!known.isObject() || !judged.isObject()) {
+            return judged;
+        }
+        return {{"before", known["before"]},
+                {"placed", known.contains("placed") ? known["placed"] : known["after"]},
+                {"after", judged["after"]}};
     }
 
     Json emptyResult() const

@@ -124,6 +124,9 @@ private:
         if (!finish(lint) || !finish(place)) {
             return FAILED;
         }
+        if (m_options.effort > 0 && !runStep(refineStep(m_options, m_places))) {
+            return FAILED;
+        }
         Running verify = started(verifyStep(m_options, m_places));
         Running exporting = started(exportStep(m_options, m_places));
         Running view = started(viewStep(m_options, m_places));
@@ -170,10 +173,10 @@ private:
                 if (extension == ".json") {
                     continue;
                 }
-                if (extension == ".fixed" && !fs::exists(m_places.placed + extension)) {
+                if (extension == ".fixed" && !fs::exists(m_places.result + extension)) {
                     set.remove(m_options.out + extension); // that of an earlier run
                 } else {
-                    set.addCopy(m_options.out + extension, m_places.placed + extension);
+                    set.addCopy(m_options.out + extension, m_places.result + extension);
                 }
             }
             set.add(m_options.out + ".json", [this](OutputFile& file) { file << resultJson() << "\n"; });
@@ -206,11 +209,14 @@ private:
     /// The placement's, with the paths that hold when the files in between are gone.
     std::string resultJson() const
     {
-        Json json = Json::parse(readFile(m_places.placed + ".json"));
+        Json json = Json::parse(readFile(m_places.result + ".json"));
         Json& options = json["options"];
         options["base"] = nullptr;
         options["out"] = fs::absolute(m_options.out).lexically_normal().string();
         options["cell_path"] = fs::path(m_options.out).filename().string() + LIBRARY;
+        if (json.contains("refine")) {
+            json["refine"]["options"]["input"] = nullptr;
+        }
         json["flow"] = Json{{"status", m_status}, {"steps", m_steps}};
         return json.dump(1);
     }
@@ -293,8 +299,8 @@ private:
     /// Where a file is that a step has named: results have their own names by the time they are told of.
     std::string placeNow(std::string file) const
     {
-        if (m_status == NOT_CLEAN && file.starts_with(m_places.placed)) {
-            file.replace(0, m_places.placed.size(), m_options.out);
+        if (m_status == NOT_CLEAN && file.starts_with(m_places.result)) {
+            file.replace(0, m_places.result.size(), m_options.out);
         }
         return file;
     }

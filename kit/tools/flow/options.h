@@ -21,11 +21,12 @@ struct Options {
     std::string cellPath;                    ///< folder of colour files that are there already
     std::string cache;                       ///< folder that keeps colourings from run to run
     std::optional<int32_t> maxSolutions;     ///< colour solutions of a cell
-    std::optional<int32_t> jobs;             ///< threads for colouring
+    std::optional<int32_t> jobs;             ///< threads for colouring and for `refine`
     std::optional<design::Distance> minDist; ///< what shapes of one mask need
     std::optional<int32_t> algo;             ///< placement method
     std::optional<double> weight;            ///< cost of a site of wirelength against a stitch
     std::optional<int32_t> moveRange;        ///< of local shifts, sites
+    int32_t effort = 3;                      ///< of `refine`; 0 leaves it out
     bool asDrawn = false;                    ///< take turned cells as they are drawn, as the placer does
     bool legalize = false;                   ///< put cells without a legal place on free sites
     bool allowConflicts = false;             ///< take the least bad colouring of a cell that has no good one

@@ -7,6 +7,7 @@
 #include "kit/base/process/childProcess.h"
 #include "kit/base/text/text.h"
 #include "kit/design/pinOffsets.h"
+#include "kit/engines/refine/result.h"
 
 namespace kit::flow {
 
@@ -85,6 +86,16 @@ std::string placementSummary(const Json& result)
     return text.str();
 }
 
+/// What has become of the wires, in a few words.
+std::string refineSummary(const Json& result)
+{
+    std::string text = refine::summaryOf(result["refine"]);
+    if (const Json& pins = result["hpwl_pins"]; pins.isObject()) {
+        text += "; before it was placed " + design::micrometresText(pins["before"]);
+    }
+    return text;
+}
+
 } // namespace
 
 std::string summaryIn(const Json& result)
@@ -98,6 +109,8 @@ Places placesOf(const Options& options)
     return {.folder = folder,
             .base = folder + "/design",
             .placed = folder + "/placed",
+            .refined = folder + "/refined",
+            .result = folder + (options.effort > 0 ? "/refined" : "/placed"),
             .cellDir = options.cellPath,
             .colored = folder + "/colored.cells"};
 }
@@ -171,10 +184,24 @@ Step placeStep(const Options& options, const Places& places)
             .summary = placementSummary};
 }
 
+Step refineStep(const Options& options, const Places& places)
+{
+    Words words{"refine", places.placed + ".json", "--cell-path", places.cellDir,
+                "-o",     places.refined,          "--effort",    std::to_string(options.effort)};
+    addGiven(words, "--jobs", options.jobs);
+    return {.name = "refine",
+            .words = words,
+            .result = places.refined + ".json",
+            .needs = "refine",
+            .goodStatus = 1, // as of place
+            .advice = "see to what the messages say, or give --effort 0 to leave the step out",
+            .summary = refineSummary};
+}
+
 Step verifyStep(const Options& options, const Places& places)
 {
-    const std::string markers = places.folder + "/placed.lyrdb";
-    Words words{"verify",      places.placed + ".place", "--colors", places.placed + ".colors",
+    const std::string markers = places.result + ".lyrdb";
+    Words words{"verify",      places.result + ".place", "--colors", places.result + ".colors",
                 "--cell-path", places.cellDir,           "--lyrdb",  markers,
                 "--json"};
     if (options.rowsMeet) {
@@ -190,8 +217,8 @@ Step verifyStep(const Options& options, const Places& places)
 
 Step exportStep(const Options& options, const Places& places)
 {
-    Words words{"export", places.placed + ".json", "--def", options.def,
-                "-o",     places.placed + ".def",  "--gds", places.placed + ".gds"};
+    Words words{"export", places.result + ".json", "--def", options.def,
+                "-o",     places.result + ".def",  "--gds", places.result + ".gds"};
     addGiven(words, "--layer", options.layer);
     addLefs(words, options);
     // The fillers of the old placement would overlap cells of the new one.
@@ -208,8 +235,8 @@ Step exportStep(const Options& options, const Places& places)
 
 Step viewStep(const Options& options, const Places& places)
 {
-    Words words{"view",     places.placed + ".place",  "-o",          places.placed + ".html",
-                "--colors", places.placed + ".colors", "--cell-path", places.cellDir,
+    Words words{"view",     places.result + ".place",  "-o",          places.result + ".html",
+                "--colors", places.result + ".colors", "--cell-path", places.cellDir,
                 "--before", places.base + ".place",    "--force"};
     addDistance(words, options);
     return {.name = "view",

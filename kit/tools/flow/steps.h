@@ -30,7 +30,9 @@ struct Step {
 struct Places {
     std::string folder;  ///< of all of them
     std::string base;    ///< of the imported design, without extension
-    std::string placed;  ///< of the placed design, and of results until all are complete, without extension
+    std::string placed;  ///< of the placed design, without extension
+    std::string refined; ///< of that with shorter wires, without extension
+    std::string result;  ///< of the one of them that is exported, and of results until all are complete
     std::string cellDir; ///< of the colour files
     std::string colored; ///< list of the cells that are coloured
 };
@@ -53,6 +55,9 @@ Step lintStep(const Options& options, const Places& places);
 
 /// Places and colours the design.
 Step placeStep(const Options& options, const Places& places);
+
+/// Makes the wires of the placed design shorter.
+Step refineStep(const Options& options, const Places& places);
 
 /// Judges the placed design.
 Step verifyStep(const Options& options, const Places& places);

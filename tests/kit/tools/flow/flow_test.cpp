@@ -87,6 +87,27 @@ TEST_F(KitFlow, GoesFromLefAndDefToTheMasks)
     EXPECT_FALSE(exists(".flow")) << "what was in between goes";
 }
 
+TEST_F(KitFlow, MakesTheWiresOfThePlacementShorter)
+{
+    ASSERT_EQ(gcd({"--allow-conflicts"}), 0) << m_output << m_error;
+    EXPECT_TRUE(says("refine", "; before it was placed 2170.1 um")) << m_output;
+    const Json result = Json::parse(contentOf(out() + ".json"));
+    const Json& pins = result["hpwl_pins"];
+    EXPECT_EQ(pins["before"]["um"], 2170.125);
+    EXPECT_LT(pins["after"]["um"].asNumber(), pins["placed"]["um"].asNumber());
+    EXPECT_EQ(pins["placed"], result["refine"]["wirelength"]["before"]);
+    EXPECT_EQ(pins["after"], result["refine"]["wirelength"]["after"]);
+    EXPECT_TRUE(result["refine"]["options"]["input"].isNull()) << "it is gone";
+}
+
+TEST_F(KitFlow, EffortOfNothingLeavesThePlacementAsItIs)
+{
+    ASSERT_EQ(gcd({"--allow-conflicts", "--effort", "0", "--keep"}), 0) << m_output << m_error;
+    EXPECT_FALSE(says("refine", "")) << m_output;
+    EXPECT_EQ(contentOf(out() + ".place"), contentOf(out() + ".flow/placed.place"));
+    EXPECT_FALSE(Json::parse(contentOf(out() + ".json")).contains("refine"));
+}
+
 TEST_F(KitFlow, ItsResultIsExportedAgainFromAnyFolder)
 {
     namespace fs = std::filesystem;
@@ -122,7 +143,7 @@ TEST_F(KitFlow, ItsResultIsExportedAgainFromAnyFolder)
 
 TEST_F(KitFlow, FillsTheGapsUnlessItIsNotTo)
 {
-    ASSERT_EQ(gcd({"--allow-conflicts"}), 0) << m_error;
+    ASSERT_EQ(gcd({"--allow-conflicts", "--effort", "0"}), 0) << m_error;
     EXPECT_TRUE(says("export", ", 266 fillers left out, 267 put in")) << m_output;
     EXPECT_NE(contentOf(out() + ".def").find("- FILLER_1 FILLCELL_X"), std::string::npos);
     ASSERT_EQ(gcd({"--allow-conflicts", "--no-fill", "--force"}), 0) << m_error;
@@ -150,8 +171,8 @@ TEST_F(KitFlow, ReplacesTheColourFilesOfAnEarlierRunAndNoOthers)
 TEST_F(KitFlow, KeepsAllFilesIfWished)
 {
     ASSERT_EQ(gcd({"--allow-conflicts", "--keep"}), 0) << m_output;
-    for (const char* name :
-         {"/design.place", "/design.map", "/placed.place", "/placed.colors", "/placed.lyrdb"}) {
+    for (const char* name : {"/design.place", "/design.map", "/placed.place", "/placed.colors",
+                             "/refined.place", "/refined.lyrdb"}) {
         EXPECT_TRUE(exists(std::string(".flow") + name)) << name;
     }
 }
@@ -621,8 +642,8 @@ TEST_F(SmallFlow, WritesWhatItHasOfAPlacementThatIsNotClean)
         names += step["name"].asString() + " ";
         EXPECT_GE(step["seconds"].asNumber(), 0);
     }
-    EXPECT_EQ(names, "import color lint place verify export view ");
-    EXPECT_EQ(flow["steps"][4]["result"], Json("not clean, 1 error, 0 notes"));
+    EXPECT_EQ(names, "import color lint place refine verify export view ");
+    EXPECT_EQ(flow["steps"][5]["result"], Json("not clean, 1 error, 0 notes"));
 }
 
 TEST_F(SmallFlow, SaysWhatTheJudgeHasAgainstAPlacementAndWhatToDo)
