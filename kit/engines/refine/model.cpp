@@ -212,7 +212,7 @@ private:
         }
         for (size_t i = 0; i < isUsed.size(); ++i) {
             if (isUsed[i]) {
-                const design::Stencil stencil = design::stencilOf(m_design.cells[i], {}, m_scale);
+                const design::Stencil& stencil = stencilOf(static_cast<int32_t>(i), false, false);
                 const int64_t width = widthOf(static_cast<int32_t>(i));
                 overhang =
                     std::max({overhang, -stencil.extent.xl, stencil.extent.xh - design::Scale::ofDbu(width)});
@@ -344,8 +344,7 @@ private:
             if (!key.turns && mirrored != key.mirrored) {
                 continue;
             }
-            const design::Stencil straight = stencilOf(cell, mirrored, key.upsideDown);
-            const design::Stencil turned = stencilOf(cell, mirrored, !key.upsideDown);
+            const design::Stencil& straight = stencilOf(key.cell, mirrored, key.upsideDown);
             if (key.bare || count == 0) {
                 const int32_t none = m_views->add({});
                 states.push_back({.left = none, .right = none, .mirrored = mirrored});
@@ -357,7 +356,8 @@ private:
                     Side one;
                     addEdges(one, 0, straight, widthOf(key.cell), solution.masks, onRight);
                     if (m_anyTurned) {
-                        addEdges(one, design::MASKS, turned, widthOf(key.cell), solution.masks, onRight);
+                        addEdges(one, design::MASKS, stencilOf(key.cell, mirrored, !key.upsideDown),
+                                 widthOf(key.cell), solution.masks, onRight);
                     }
                     return m_views->add(one);
                 };
@@ -371,9 +371,14 @@ private:
         return states;
     }
 
-    design::Stencil stencilOf(const placer::Cell& cell, bool mirrored, bool upsideDown) const
+    const design::Stencil& stencilOf(int32_t cell, bool mirrored, bool upsideDown)
     {
-        return design::stencilOf(cell, {.mirrorX = mirrored, .mirrorY = upsideDown}, m_scale);
+        const auto [at, isNew] = m_stencils.try_emplace({cell, mirrored, upsideDown});
+        if (isNew) {
+            at->second = design::stencilOf(m_design.cells[static_cast<size_t>(cell)],
+                                           {.mirrorX = mirrored, .mirrorY = upsideDown}, m_scale);
+        }
+        return at->second;
     }
 
     /// @param width  DBU
@@ -439,7 +444,7 @@ private:
         model().views = table.views;
         model().gaps = std::move(table.gaps);
         for (int32_t& gap : model().gaps) {
-            gap = unitsOfDbu(gap);
+            gap *= UNITS;
         }
         std::vector<std::vector<int32_t>> settled; // [kind][raw state] the state
         for (size_t kind = 0; kind < m_rawStates.size(); ++kind) {
@@ -630,6 +635,7 @@ private:
     std::optional<design::Layout> m_layout;
     std::vector<std::pair<int32_t, const design::Standing*>> m_obstacles; ///< with their rows
     bool m_anyTurned = false; ///< something stays where it is in a turned row
+    std::map<std::tuple<int32_t, bool, bool>, design::Stencil> m_stencils; ///< by cell, mirrored, upside down
     std::optional<Views> m_views;
     std::map<KindKey, int32_t> m_kinds;
     std::vector<KindKey> m_kindKeys;                ///< [kind] of components; the others come behind

@@ -105,8 +105,11 @@ Views::Classes Views::classesOf(const std::vector<int32_t>& square, size_t size)
     return classes;
 }
 
-std::vector<int32_t> Views::condensed(const std::vector<int32_t>& square, size_t size, const Classes& classes)
+std::vector<int32_t> Views::condensed(std::vector<int32_t> square, size_t size, const Classes& classes)
 {
+    if (classes.first.size() == size) {
+        return square;
+    }
     std::vector<int32_t> small;
     small.reserve(classes.first.size() * classes.first.size());
     for (const size_t i : classes.first) {
@@ -118,19 +121,6 @@ std::vector<int32_t> Views::condensed(const std::vector<int32_t>& square, size_t
 }
 
 namespace {
-
-/// A table that is the same both ways.
-template <typename Of>
-std::vector<int32_t> squareOf(size_t size, const Of& of)
-{
-    std::vector<int32_t> square(size * size);
-    for (size_t i = 0; i < size; ++i) {
-        for (size_t j = 0; j <= i; ++j) {
-            square[i * size + j] = square[j * size + i] = of(i, j);
-        }
-    }
-    return square;
-}
 
 /// The numbers of a group's members by their classes, each once.
 std::vector<int32_t> renumbered(const std::vector<int32_t>& group, const std::vector<int32_t>& classOf)
@@ -144,72 +134,112 @@ std::vector<int32_t> renumbered(const std::vector<int32_t>& group, const std::ve
     return numbers;
 }
 
+/// Numbers by the classes of what they number.
+std::vector<int32_t> renumberedAll(std::vector<int32_t> numbers, const std::vector<int32_t>& classOf)
+{
+    for (int32_t& number : numbers) {
+        number = classOf[static_cast<size_t>(number)];
+    }
+    return numbers;
+}
+
 } // namespace
 
-Views::Table Views::table() const
+Views::Square Views::edgeSquare() const
 {
-    // From rectangles to groups of one mask to sides: each step has fewer that differ.
-    const std::vector<int32_t> ofEdges =
-        squareOf(m_edges.size(), [&](size_t i, size_t j) { return needOf(m_edges[i], m_edges[j]); });
-    const Classes edges = classesOf(ofEdges, m_edges.size());
-    const std::vector<int32_t> edgeNeeds = condensed(ofEdges, m_edges.size(), edges);
-
-    std::map<std::vector<int32_t>, int32_t> known;
-    std::vector<std::vector<int32_t>> groups;
-    std::vector<size_t> groupOf;
-    for (const std::vector<int32_t>& group : m_groups) {
-        std::vector<int32_t> numbers = renumbered(group, edges.classOf);
-        const auto [at, isNew] = known.try_emplace(numbers, static_cast<int32_t>(groups.size()));
-        groupOf.push_back(static_cast<size_t>(at->second));
-        if (isNew) {
-            groups.push_back(std::move(numbers));
+    const size_t size = m_edges.size();
+    std::vector<int32_t> needs(size * size);
+    for (size_t i = 0; i < size; ++i) {
+        for (size_t j = 0; j <= i; ++j) {
+            needs[i * size + j] = needs[j * size + i] = needOf(m_edges[i], m_edges[j]);
         }
     }
-    const std::vector<int32_t> ofGroups = squareOf(groups.size(), [&](size_t i, size_t j) {
-        int32_t need = NONE;
-        for (const int32_t a : groups[i]) {
-            for (const int32_t b : groups[j]) {
-                need = std::max(
-                    need, edgeNeeds[static_cast<size_t>(a) * edges.first.size() + static_cast<size_t>(b)]);
-            }
-        }
-        return need;
-    });
-    const Classes groupClasses = classesOf(ofGroups, groups.size());
-    const std::vector<int32_t> groupNeeds = condensed(ofGroups, groups.size(), groupClasses);
+    Classes classes = classesOf(needs, size);
+    needs = condensed(std::move(needs), size, classes);
+    return {std::move(classes), std::move(needs)};
+}
 
-    std::map<std::pair<Groups, bool>, int32_t> knownSides;
+Views::Square Views::groupSquare(const Square& edges) const
+{
+    std::map<std::vector<int32_t>, int32_t> known;
+    std::vector<const std::vector<int32_t>*> groups;
+    std::vector<int32_t> groupOf;
+    for (const std::vector<int32_t>& group : m_groups) {
+        const auto [at, isNew] =
+            known.try_emplace(renumbered(group, edges.classes.classOf), static_cast<int32_t>(groups.size()));
+        groupOf.push_back(at->second);
+        if (isNew) {
+            groups.push_back(&at->first);
+        }
+    }
+    const size_t size = groups.size();
+    const size_t edgeCount = edges.classes.first.size();
+    std::vector<int32_t> needs;
+    needs.reserve(size * size);
+    std::vector<int32_t> ofEdges; // [edge] what it asks for beside the group at hand
+    for (const std::vector<int32_t>* group : groups) {
+        ofEdges.assign(edgeCount, NONE);
+        for (const int32_t edge : *group) {
+            const int32_t* const row = edges.needs.data() + static_cast<size_t>(edge) * edgeCount;
+            std::transform(ofEdges.begin(), ofEdges.end(), row, ofEdges.begin(),
+                           [](int32_t a, int32_t b) { return std::max(a, b); });
+        }
+        for (const std::vector<int32_t>* other : groups) {
+            int32_t need = NONE;
+            for (const int32_t edge : *other) {
+                need = std::max(need, ofEdges[static_cast<size_t>(edge)]);
+            }
+            needs.push_back(need);
+        }
+    }
+    Classes classes = classesOf(needs, size);
+    needs = condensed(std::move(needs), size, classes);
+    classes.classOf = renumberedAll(groupOf, classes.classOf);
+    return {std::move(classes), std::move(needs)};
+}
+
+Views::Square Views::sideSquare(const Square& groups) const
+{
+    std::map<std::pair<Groups, bool>, int32_t> known;
     std::vector<std::pair<Groups, bool>> sides;
     std::vector<int32_t> sideOf;
     for (std::pair<Groups, bool> side : m_sides) {
         for (int32_t& group : side.first) {
-            group = groupClasses.classOf[groupOf[static_cast<size_t>(group)]];
+            group = groups.classes.classOf[static_cast<size_t>(group)];
         }
-        const auto [at, isNew] = knownSides.try_emplace(side, static_cast<int32_t>(sides.size()));
+        const auto [at, isNew] = known.try_emplace(side, static_cast<int32_t>(sides.size()));
         sideOf.push_back(at->second);
         if (isNew) {
             sides.push_back(side);
         }
     }
-    const size_t classes = groupClasses.first.size();
-    const std::vector<int32_t> ofSides = squareOf(sides.size(), [&](size_t i, size_t j) {
-        const auto& [a, aStays] = sides[i];
-        const auto& [b, bStays] = sides[j];
-        const bool anyStays = aStays || bStays;
-        int32_t need = anyStays ? m_floor : 0;
-        for (size_t k = 0; k < (anyStays ? Side::GROUPS : Side::GROUPS / 2); ++k) {
-            need =
-                std::max(need, groupNeeds[static_cast<size_t>(a[k]) * classes + static_cast<size_t>(b[k])]);
+    const size_t groupCount = groups.classes.first.size();
+    std::vector<int32_t> needs;
+    needs.reserve(sides.size() * sides.size());
+    for (const auto& [a, aStays] : sides) {
+        for (const auto& [b, bStays] : sides) {
+            const bool anyStays = aStays || bStays;
+            int32_t need = anyStays ? m_floor : 0;
+            for (size_t k = 0; k < (anyStays ? Side::GROUPS : Side::GROUPS / 2); ++k) {
+                need = std::max(
+                    need, groups.needs[static_cast<size_t>(a[k]) * groupCount + static_cast<size_t>(b[k])]);
+            }
+            needs.push_back(need);
         }
-        return need;
-    });
-    const Classes views = classesOf(ofSides, sides.size());
-    Table table{.views = static_cast<int32_t>(views.first.size()),
-                .gaps = condensed(ofSides, sides.size(), views)};
-    for (const int32_t side : sideOf) {
-        table.viewOf.push_back(views.classOf[static_cast<size_t>(side)]);
     }
-    return table;
+    Classes classes = classesOf(needs, sides.size());
+    needs = condensed(std::move(needs), sides.size(), classes);
+    classes.classOf = renumberedAll(sideOf, classes.classOf);
+    return {std::move(classes), std::move(needs)};
+}
+
+Views::Table Views::table() const
+{
+    // From rectangles to groups of one mask to sides: each step has fewer that differ.
+    Square sides = sideSquare(groupSquare(edgeSquare()));
+    return {.views = static_cast<int32_t>(sides.classes.first.size()),
+            .viewOf = std::move(sides.classes.classOf),
+            .gaps = std::move(sides.needs)};
 }
 
 } // namespace kit::refine

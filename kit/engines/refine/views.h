@@ -68,17 +68,25 @@ public:
 private:
     using Groups = std::array<int32_t, Side::GROUPS>;
 
-    /// A square table of distances with equal rows made one.
+    /// Numbers made fewer: those that ask for the same are one class.
     struct Classes {
         std::vector<int32_t> classOf;
         std::vector<size_t> first; ///< [class] a member
     };
 
+    /// What rectangles, groups of them on one mask, or sides ask for beside one another.
+    struct Square {
+        Classes classes;
+        std::vector<int32_t> needs; ///< [class * classes + class] DBU
+    };
+
     int32_t numberOf(std::vector<Edge> edges);
     int32_t needOf(const Edge& a, const Edge& b) const;
     static Classes classesOf(const std::vector<int32_t>& square, size_t size);
-    static std::vector<int32_t> condensed(const std::vector<int32_t>& square, size_t size,
-                                          const Classes& classes);
+    static std::vector<int32_t> condensed(std::vector<int32_t> square, size_t size, const Classes& classes);
+    Square edgeSquare() const;
+    Square groupSquare(const Square& edges) const;
+    Square sideSquare(const Square& groups) const;
 
     int64_t m_least;
     int32_t m_floor;
