@@ -10,40 +10,12 @@
 #include "kit/design/rowKinds.h"
 #include "kit/design/standing.h"
 #include "kit/design/stretches.h"
+#include "kit/engines/refine/parts.h"
 #include "kit/engines/refine/views.h"
 
 namespace kit::refine {
 
 namespace {
-
-/// Units of the model in a DBU.
-constexpr int32_t UNITS = 2;
-
-/// The model's number for a length. Errors: throws Fault if it has none.
-int32_t units(int64_t length)
-{
-    if (length < -::refine::FARTHEST || length > ::refine::FARTHEST) {
-        throw Fault("the design is too large: lengths go up to " +
-                    std::to_string(::refine::FARTHEST / UNITS) + " DBU");
-    }
-    return static_cast<int32_t>(length);
-}
-
-int32_t unitsOfDbu(int64_t dbu)
-{
-    return units(dbu * UNITS);
-}
-
-/// What makes cells of one kind.
-struct KindKey {
-    int32_t cell = 0;
-    bool upsideDown = false; ///< against its row
-    bool turns = false;      ///< may be mirrored
-    bool mirrored = false;   ///< is, if it may not be otherwise
-    bool bare = false;       ///< has no colors
-
-    auto operator<=>(const KindKey&) const = default;
-};
 
 /// A state before the views are known.
 struct RawState {
@@ -70,7 +42,6 @@ public:
         m_step = m_design.rows.front().step;
         m_scale = {m_step};
         m_least = m_scale.ofLibrary(m_demands.minDist);
-        model().step = unitsOfDbu(m_step);
         matchAll();
         addRows();
         prepareSides();
@@ -79,7 +50,7 @@ public:
         }
         addObstacles();
         settleViews();
-        addPins();
+        addNets(m_inputs, m_demands.weights, m_kindKeys, m_built);
         return std::move(m_built);
     }
 
@@ -117,88 +88,12 @@ private:
         return record == nullptr || (record->solution < 0 && record->masks.empty());
     }
 
-    /// Rows of all bottom edges, and their free sites.
     void addRows()
     {
-        std::map<int32_t, bool> turned; // by bottom edges
-        for (const placer::Row& row : m_design.rows) {
-            turned[row.y] |= m_inputs.map && design::turnOf(row.orient).mirrorY;
+        m_rows.emplace(m_inputs, model());
+        for (const ::refine::Row& row : model().rows) {
+            m_built.otherRow.push_back(m_demands.rowsMeet && m_rowKinds.isOther(row.y / UNITS));
         }
-        for (const placer::Component& comp : m_design.components) {
-            turned.try_emplace(comp.y, false);
-        }
-        for (const auto& [y, isTurned] : turned) {
-            m_rowAt.emplace(y, static_cast<int32_t>(model().rows.size()));
-            model().rows.push_back({unitsOfDbu(y), isTurned});
-            m_built.otherRow.push_back(m_demands.rowsMeet && m_rowKinds.isOther(y));
-        }
-        addRuns();
-    }
-
-    void addRuns()
-    {
-        std::vector<std::vector<::refine::Run>> runs(model().rows.size());
-        for (const design::Stretch& stretch : design::freeStretches(m_design)) {
-            const placer::Row& row = m_design.rows[static_cast<size_t>(stretch.row)];
-            const int32_t index = m_rowAt.at(row.y);
-            const bool isTurned = m_inputs.map && design::turnOf(row.orient).mirrorY;
-            if (row.step != m_step || isTurned != model().rows[static_cast<size_t>(index)].turned) {
-                continue;
-            }
-            const int64_t x = onSite(row, stretch.x);
-            const int64_t end = std::min(stretch.end, row.x + int64_t{row.numSites} * row.step);
-            if (end - x >= m_step) {
-                runs[static_cast<size_t>(index)].push_back(
-                    {.row = index, .x = unitsOfDbu(x), .sites = static_cast<int32_t>((end - x) / m_step)});
-            }
-        }
-        for (std::vector<::refine::Run>& ofRow : runs) {
-            addRow(ofRow);
-        }
-    }
-
-    /// The first site of a row from x on.
-    static int64_t onSite(const placer::Row& row, int64_t x)
-    {
-        return x + (row.step - (x - row.x) % row.step) % row.step;
-    }
-
-    /// Adds the runs of a row: where some overlap, one begins behind the one before.
-    void addRow(std::vector<::refine::Run>& runs)
-    {
-        const int32_t step = model().step;
-        std::ranges::stable_sort(runs, {}, &::refine::Run::x);
-        m_firstRun.push_back(model().runs.size());
-        for (::refine::Run& run : runs) {
-            if (model().runs.size() > m_firstRun.back()) {
-                const ::refine::Run& before = model().runs.back();
-                const int32_t over = before.x + before.sites * step - run.x;
-                const int32_t taken = over > 0 ? (over + step - 1) / step : 0;
-                run.x += taken * step;
-                run.sites -= taken;
-            }
-            if (run.sites > 0) {
-                model().runs.push_back(run);
-            }
-        }
-    }
-
-    /// Whether a component stands on free sites of its row.
-    bool isOnSites(int32_t row, int32_t x, int32_t width) const
-    {
-        const ::refine::Model& model = m_built.model;
-        const auto begin = model.runs.begin() + static_cast<ptrdiff_t>(m_firstRun[static_cast<size_t>(row)]);
-        const auto end =
-            static_cast<size_t>(row) + 1 < m_firstRun.size()
-                ? model.runs.begin() + static_cast<ptrdiff_t>(m_firstRun[static_cast<size_t>(row) + 1])
-                : model.runs.end();
-        const auto next =
-            std::upper_bound(begin, end, x, [](int32_t at, const ::refine::Run& run) { return at < run.x; });
-        if (next == begin) {
-            return false;
-        }
-        const ::refine::Run& run = *std::prev(next);
-        return (x - run.x) % model.step == 0 && x + width <= run.x + run.sites * model.step;
     }
 
     /// Works out how far in metal matters, and what stays where it is.
@@ -219,26 +114,32 @@ private:
                 widest = std::max(widest, width);
             }
         }
-        if (!m_design.fixed.empty()) {
-            design::Matching all = m_matching;
-            design::addFixedColors(m_inputs.placed.fixedColors, all);
-            m_layout.emplace(m_design, all, m_scale);
-            for (const design::Band& band : m_layout->bands()) {
-                for (const design::Standing& standing : band.cells) {
-                    if (m_design.isFixed(standing.component) && !standing.masks.empty()) {
-                        const auto row =
-                            m_rowAt.find(static_cast<int32_t>(standing.y / design::Scale::ofDbu(1)));
-                        if (row != m_rowAt.end()) {
-                            m_obstacles.emplace_back(row->second, &standing);
-                            m_anyTurned |= model().rows[static_cast<size_t>(row->second)].turned;
-                            widest = std::max(widest, boundsOf(standing).second);
-                        }
-                    }
-                }
-            }
+        findObstacles();
+        for (const auto& [row, standing] : m_obstacles) {
+            m_anyTurned |= model().rows[static_cast<size_t>(row)].turned;
+            widest = std::max(widest, boundsOf(*standing).second);
         }
         m_reach = m_least + overhang;
         m_views.emplace(m_least, static_cast<int32_t>(-widest));
+    }
+
+    /// Finds what stays where it is in the rows and has masks.
+    void findObstacles()
+    {
+        if (m_design.fixed.empty()) {
+            return;
+        }
+        design::Matching all = m_matching;
+        design::addFixedColors(m_inputs.placed.fixedColors, all);
+        m_layout.emplace(m_design, all, m_scale);
+        for (const design::Band& band : m_layout->bands()) {
+            const int32_t row = m_rows->at(band.y / design::Scale::ofDbu(1));
+            for (const design::Standing& standing : band.cells) {
+                if (row >= 0 && m_design.isFixed(standing.component) && !standing.masks.empty()) {
+                    m_obstacles.emplace_back(row, &standing);
+                }
+            }
+        }
     }
 
     /// Left edge and width of what stays where it is, whole DBU around it.
@@ -262,7 +163,7 @@ private:
     {
         const placer::Component& comp = m_design.components[index];
         const design::Turn turn = design::turnOf(comp.orient);
-        const int32_t row = m_rowAt.at(comp.y);
+        const int32_t row = m_rows->at(comp.y);
         const bool upsideDown = turn.mirrorY != model().rows[static_cast<size_t>(row)].turned;
         const bool isBare = isBareAt(static_cast<int32_t>(index)) && !cellOf(comp).solutions.empty();
         const bool turns = isMirrorable(cellOf(comp)) && !isBare;
@@ -283,7 +184,7 @@ private:
         cell.state = rawStateOf(index, kind, firstSolution(index, row));
         // One that lies otherwise than its row and the map say would be turned by a move.
         const bool isKnown = !m_inputs.map || upsideDown == m_flipped.contains(comp.name);
-        const bool isStray = isBare || !isKnown || !isOnSites(row, cell.x, widthOfKind(kind));
+        const bool isStray = isBare || !isKnown || !m_rows->isOnSites(row, cell.x, widthOfKind(kind));
         if (isStray) {
             m_built.strays.push_back(static_cast<int32_t>(index));
         }
@@ -479,146 +380,6 @@ private:
         model().kinds.push_back({.stateBegin = static_cast<int32_t>(model().states.size())});
     }
 
-    /// Pins of kinds and nets: where the pins are if that is known, or else in the middle of the cells.
-    void addPins()
-    {
-        if (m_inputs.offsets) {
-            addMasterPins(*m_inputs.offsets);
-            const design::PinOffsets& offsets = *m_inputs.offsets;
-            for (size_t net = 0; net + 1 < offsets.netBegin.size(); ++net) {
-                beginNet();
-                for (size_t k = offsets.netBegin[net]; k < offsets.netBegin[net + 1]; ++k) {
-                    addMember(offsets, offsets.members[k]);
-                }
-                endNet(net);
-            }
-        } else {
-            addMiddlePins();
-            for (size_t net = 0; net < m_design.nets.size(); ++net) {
-                beginNet();
-                for (const placer::Member& member : m_design.nets[net].members) {
-                    if (member.component >= 0) {
-                        addPin(member.component, 0);
-                    } else if (member.pin >= 0) {
-                        const placer::Pin& pin = m_design.pins[static_cast<size_t>(member.pin)];
-                        addPoint(unitsOfDbu(pin.x), unitsOfDbu(pin.y));
-                    }
-                }
-                endNet(net);
-            }
-        }
-        model().nets.push_back({.pinBegin = static_cast<int32_t>(model().pins.size())});
-    }
-
-    void addMasterPins(const design::PinOffsets& offsets)
-    {
-        const placer::NameIndex masters = placer::indexNames(offsets.masters);
-        for (size_t kind = 0; kind + 1 < model().kinds.size(); ++kind) {
-            model().kinds[kind].pinBegin = static_cast<int32_t>(model().kindPins.size());
-            if (kind >= m_kindKeys.size()) {
-                continue; // stays where it is
-            }
-            const KindKey& key = m_kindKeys[kind];
-            const placer::Cell& cell = m_design.cells[static_cast<size_t>(key.cell)];
-            const int32_t index = placer::findName(masters, cell.name);
-            if (index < 0) {
-                throw Fault("the cell " + cell.name + " has no pins in the offsets of the placement");
-            }
-            const design::PinOffsets::Master& master = offsets.masters[static_cast<size_t>(index)];
-            for (const design::PinOffsets::Pin& pin : master.pins) {
-                ::refine::KindPin one{.x = units(pin.at.x),
-                                      .mirroredX = units(master.width - pin.at.x),
-                                      .y = units(pin.at.y),
-                                      .turnedY = units(master.height - pin.at.y)};
-                if (key.upsideDown) {
-                    std::swap(one.y, one.turnedY);
-                }
-                model().kindPins.push_back(one);
-            }
-        }
-        model().kinds.back().pinBegin = static_cast<int32_t>(model().kindPins.size());
-    }
-
-    /// A pin in the middle of each kind, rounded down to DBU as the placer counts.
-    void addMiddlePins()
-    {
-        for (size_t kind = 0; kind + 1 < model().kinds.size(); ++kind) {
-            model().kinds[kind].pinBegin = static_cast<int32_t>(model().kindPins.size());
-            if (kind < m_kindKeys.size()) {
-                const int32_t cell = m_kindKeys[kind].cell;
-                const int64_t height =
-                    int64_t{m_design.cells[static_cast<size_t>(cell)].height} * m_step / placer::LIBRARY_SITE;
-                const int32_t x = unitsOfDbu(widthOf(cell) / 2);
-                const int32_t y = unitsOfDbu(height / 2);
-                model().kindPins.push_back({x, x, y, y});
-            }
-        }
-        model().kinds.back().pinBegin = static_cast<int32_t>(model().kindPins.size());
-    }
-
-    void beginNet()
-    {
-        m_netPins = 0;
-        model().nets.push_back({.pinBegin = static_cast<int32_t>(model().pins.size())});
-    }
-
-    /// Takes a net back that is none.
-    void endNet(size_t net)
-    {
-        if (m_netPins < 2) {
-            model().pins.resize(static_cast<size_t>(model().nets.back().pinBegin));
-            model().nets.pop_back();
-        } else if (!m_demands.weights.empty()) {
-            model().nets.back().weight = m_demands.weights.at(net);
-        }
-    }
-
-    void addMember(const design::PinOffsets& offsets, const design::PinOffsets::Member& member)
-    {
-        const auto pin = static_cast<size_t>(member.pin);
-        if (member.component >= 0) {
-            addPin(member.component, member.pin);
-            return;
-        }
-        for (size_t at = offsets.pointBegin[pin]; at < offsets.pointBegin[pin + 1]; ++at) {
-            addPoint(units(offsets.points[at].x), units(offsets.points[at].y));
-        }
-    }
-
-    void addPoint(int32_t x, int32_t y)
-    {
-        ::refine::Net& net = model().nets.back();
-        net.xl = std::min(net.xl, x);
-        net.yl = std::min(net.yl, y);
-        net.xh = std::max(net.xh, x);
-        net.yh = std::max(net.yh, y);
-        ++m_netPins;
-    }
-
-    /// Adds a pin of a component; one that stays where it is is a point.
-    void addPin(int32_t component, int32_t kindPin)
-    {
-        const auto index = static_cast<size_t>(component);
-        if (index >= m_design.components.size()) {
-            throw Fault("the offsets are those of another placement");
-        }
-        const ::refine::Cell& cell = model().cells[index];
-        const auto kind = static_cast<size_t>(cell.kind);
-        const int32_t pin = model().kinds[kind].pinBegin + kindPin;
-        if (pin >= model().kinds[kind + 1].pinBegin) {
-            throw Fault("the offsets are those of another placement");
-        }
-        if (!cell.fixed) {
-            model().pins.push_back({component, kindPin});
-            ++m_netPins;
-            return;
-        }
-        const ::refine::KindPin& at = model().kindPins[static_cast<size_t>(pin)];
-        const ::refine::Row& row = model().rows[static_cast<size_t>(cell.row)];
-        addPoint(cell.x + (m_built.placed[index].mirrored ? at.mirroredX : at.x),
-                 row.y + (row.turned ? at.turnedY : at.y));
-    }
-
     const Inputs& m_inputs;
     const Demands& m_demands;
     const placer::Design& m_design;
@@ -630,8 +391,7 @@ private:
     design::Matching m_matching;
     std::set<std::string> m_flipped;
     std::set<std::string> m_mirrorable;
-    std::map<int32_t, int32_t> m_rowAt; ///< row of the model by its bottom edge, DBU
-    std::vector<size_t> m_firstRun;     ///< [row]
+    std::optional<Rows> m_rows;
     std::optional<design::Layout> m_layout;
     std::vector<std::pair<int32_t, const design::Standing*>> m_obstacles; ///< with their rows
     bool m_anyTurned = false; ///< something stays where it is in a turned row
@@ -640,11 +400,19 @@ private:
     std::map<KindKey, int32_t> m_kinds;
     std::vector<KindKey> m_kindKeys;                ///< [kind] of components; the others come behind
     std::vector<std::vector<RawState>> m_rawStates; ///< [kind]
-    int32_t m_netPins = 0;                          ///< of the net at hand
     Built m_built;
 };
 
 } // namespace
+
+int32_t units(int64_t length)
+{
+    if (length < -::refine::FARTHEST || length > ::refine::FARTHEST) {
+        throw Fault("the design is too large: lengths go up to " +
+                    std::to_string(::refine::FARTHEST / UNITS) + " DBU");
+    }
+    return static_cast<int32_t>(length);
+}
 
 Built buildModel(const Inputs& inputs, const Demands& demands)
 {
