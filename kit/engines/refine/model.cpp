@@ -364,8 +364,8 @@ private:
                     model().states.push_back(candidate);
                     continue;
                 }
-                ::refine::State& kept =
-                    model().states[static_cast<size_t>(model().kinds[kind].stateBegin + at->second)];
+                const auto first = static_cast<size_t>(model().kinds[kind].stateBegin);
+                ::refine::State& kept = model().states[first + static_cast<size_t>(at->second)];
                 if (candidate.stitches < kept.stitches) {
                     kept = candidate;
                 }
@@ -428,8 +428,8 @@ std::vector<Placed> placedOf(const Built& built, const ::refine::Model& model)
             continue;
         }
         const auto row = static_cast<size_t>(cell.row);
-        const ::refine::State& state = model.states[static_cast<size_t>(
-            model.kinds[static_cast<size_t>(cell.kind)].stateBegin + cell.state)];
+        const auto first = static_cast<size_t>(model.kinds[static_cast<size_t>(cell.kind)].stateBegin);
+        const ::refine::State& state = model.states[first + static_cast<size_t>(cell.state)];
         all[i].x = cell.x / UNITS;
         all[i].y = model.rows[row].y / UNITS;
         all[i].mirrored = state.mirrored;

@@ -32,6 +32,7 @@ struct KindKey {
     bool mirrored = false;   ///< is, if it may not be otherwise
     bool bare = false;       ///< has no colors
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): the check takes the 0 behind <=> for a pointer
     auto operator<=>(const KindKey&) const = default;
 };
 

@@ -126,6 +126,7 @@ namespace {
 std::vector<int32_t> renumbered(const std::vector<int32_t>& group, const std::vector<int32_t>& classOf)
 {
     std::vector<int32_t> numbers;
+    numbers.reserve(group.size());
     for (const int32_t member : group) {
         numbers.push_back(classOf[static_cast<size_t>(member)]);
     }

@@ -22,13 +22,14 @@ struct Edge {
     int64_t yh = 0;     ///< from the bottom of the row
     bool stays = false; ///< of what stays where it is
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): the check takes the 0 behind <=> for a pointer
     auto operator<=>(const Edge&) const = default;
 };
 
 /// A side by its rectangles, [mask]: of a cell as it lies in rows that are not turned, and, where it is asked
 /// for, as it lies upside down against that. What stays where it is has those of its own row alone.
 struct Side {
-    static constexpr size_t GROUPS = 2 * design::MASKS;
+    static constexpr size_t GROUPS = 2 * size_t{design::MASKS};
 
     std::array<std::vector<Edge>, GROUPS> groups{};
     bool stays = false; ///< of what stays where it is
