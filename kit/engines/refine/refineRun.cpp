@@ -216,6 +216,9 @@ private:
         } catch (const std::invalid_argument& error) {
             throw Fault("the placement has no model: " + std::string(error.what()));
         }
+        if (!m_outcome.search.stopped) {
+            m_outcome.stopped.clear(); // it had come to its end
+        }
         m_outcome.seconds = seconds();
         m_outcome.lengthAfter = lengthOf(m_improved);
     }
