@@ -55,6 +55,7 @@ vireloce_test(kit SHARDS 8
     kit/engines/place/rowsMeet_test.cpp
     kit/engines/refine/command_test.cpp
     kit/engines/refine/model_test.cpp
+    kit/engines/refine/views_test.cpp
     kit/engines/verify/command_test.cpp
     kit/engines/verify/conflict_test.cpp
     kit/engines/verify/fixed_test.cpp

@@ -375,6 +375,41 @@ TEST_F(KitRefineModel, NetsOfOnePinAreLeftOutAndOthersHaveTheirWeights)
     EXPECT_EQ(refine::wirelength(model), 2 * 8 * 760);
 }
 
+/// The runs of a model, x and sites in DBU and row by row.
+std::vector<std::vector<int32_t>> runsOf(const Model& model)
+{
+    std::vector<std::vector<int32_t>> runs;
+    for (const refine::Run& run : model.runs) {
+        runs.push_back({run.row, run.x / 2, run.sites});
+    }
+    return runs;
+}
+
+TEST_F(KitRefineModel, RunsAreFreeSitesOfRowsSideBySide)
+{
+    color({{0, {1, 2}}});
+    import({"u BARS + PLACED ( 0 0 ) N"});
+    choose({0});
+    const std::string rows = "ROW r0 core 0 0 N DO 4 BY 1 STEP 190 0 ;\n"
+                             "ROW r1 core 665 0 N DO 4 BY 1 STEP 190 0 ;\n"
+                             "ROW r2 core 1900 0 N DO 1 BY 1 STEP 190 0 ;\n"
+                             "ROW r3 core 0 1400 FS DO 6 BY 1 STEP 190 0 ;\n"
+                             "ROW r4 core 1900 1400 N DO 6 BY 1 STEP 190 0 ;\n"
+                             "ROW r5 core 0 2800 N DO 6 BY 1 STEP 380 0 ;\n";
+    std::string place = test::contentOf(base() + ".place");
+    const size_t first = place.find("ROW ");
+    place.replace(first, place.find("COMPONENTS") - first, rows);
+    m_dir.write("d.place", place);
+    const Model model = build().model;
+    const std::vector<std::vector<int32_t>> expected{
+        {0, 0, 4},
+        {0, 855, 3}, // r1 begins inside of r0, on other sites
+        {0, 1900, 1},
+        {1, 0, 6}}; // r4 is not turned as r3 is, and r5 has other sites
+    EXPECT_EQ(runsOf(model), expected);
+    EXPECT_EQ(refine::faultOf(model), "");
+}
+
 TEST_F(KitRefineModel, ColorsOfOtherCellsAreAFault)
 {
     color({{0, {1, 2}}});
