@@ -31,13 +31,16 @@ public:
         int64_t last = result.wirelengthBefore;
         for (int32_t pass = 0; pass < passes; ++pass) {
             m_pass = {};
+            int32_t amp = 0;
+            if (const char* e = getenv("AMP")) { int a=0,n=1; sscanf(e, "%d,%d", &a, &n); amp = pass < n ? a * (n - pass) / n : 0; if (pass<=n) { m_tried.assign(m_tried.size(), 0);} if (pass <= n) m_passForced = true; else m_passForced=false; }
+            m_at.noise(amp, static_cast<uint32_t>(pass));
             timed(Move::ROW, [&] { rowPass(); });
             timed(Move::REORDER, [&] { reorderPass(); });
             timed(Move::INSERT, [&] { insertPass(); });
             timed(Move::SWAP, [&] { swapPass(); });
             m_pass.wirelength = wirelength(m_model);
             result.passes.push_back(m_pass);
-            if (last - m_pass.wirelength < last / 10000) {
+            if (!m_passForced && last - m_pass.wirelength < last / 10000) {
                 break;
             }
             last = m_pass.wirelength;
@@ -203,6 +206,7 @@ private:
     std::vector<uint32_t> m_tried; ///< [cell][move] when a move last tried the cell
     uint32_t m_now = 1;
     Pass m_pass;
+    bool m_passForced = false;
     MoveFigures* m_figures = nullptr;
     Move m_move = Move::ROW;
     Proposal m_proposal;

@@ -48,7 +48,7 @@ void Mover::arrange(int32_t row, size_t first, size_t last, int32_t sites, Propo
     }
     const Run* const run = m_at.runAt(row, items[first].x);
     m_window.take(m_cells, row);
-    const int64_t gain = m_window.solve(frameOf(row, *run, first, last, -1), m_order, m_targets, sites);
+    const int64_t gain = m_window.solve(frameOf(row, *run, first, last, -1), m_order, m_targets, sites, result.gain);
     if (gain > result.gain) {
         result.gain = gain;
         result.changes.clear();
@@ -71,7 +71,7 @@ void Mover::reorder(int32_t row, size_t first, size_t last, Proposal& result)
     const WindowFrame frame = frameOf(row, *run, first, last, -1);
     m_window.take(m_cells, row);
     while (std::ranges::next_permutation(m_order).found) {
-        const int64_t gain = m_window.solve(frame, m_order, m_targets, 32);
+        const int64_t gain = m_window.solve(frame, m_order, m_targets, 32, result.gain);
         if (gain > result.gain) {
             result.gain = gain;
             result.changes.clear();
@@ -308,7 +308,8 @@ void Mover::tryPlace(int32_t index, int32_t row, size_t rank, int32_t target, co
     }
     m_window.take(m_cells, row);
     const int64_t gain =
-        m_window.solve(frameOf(row, *run, first, last, index), m_order, m_targets, limits.sites);
+        m_window.solve(frameOf(row, *run, first, last, index), m_order, m_targets, limits.sites,
+                       result.gain);
     if (gain > result.gain) {
         result.gain = gain;
         result.changes.clear();
@@ -426,7 +427,9 @@ void Mover::trySwap(int32_t index, int32_t otherIndex, const Limits& limits, Pro
             return;
         }
         m_window.take(m_cells, frame.row);
-        const int64_t more = m_window.solve(frame, m_order, m_targets, limits.sites);
+        const int64_t more = m_window.solve(
+            frame, m_order, m_targets, limits.sites,
+            isOther ? std::numeric_limits<int64_t>::min() : result.gain - gain);
         if (more == WindowSolver::IMPOSSIBLE) {
             m_window.assume({});
             return;

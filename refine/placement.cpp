@@ -38,6 +38,7 @@ Placement::Placement(Model& model)
     for (size_t i = 1; i < m_pinBegin.size(); ++i) {
         m_pinBegin[i] += m_pinBegin[i - 1];
     }
+    noise(0, 0);
     std::vector<int32_t> next(m_pinBegin.begin(), m_pinBegin.end() - 1);
     std::vector<int32_t> netOf(model.pins.size());
     for (size_t net = 0; net + 1 < model.nets.size(); ++net) {
@@ -93,6 +94,17 @@ Placement::Placement(Model& model)
             }
         }
         m_termBegin[i + 1] = static_cast<int32_t>(m_terms.size());
+    }
+}
+
+void Placement::noise(int32_t amplitude, uint32_t seed)
+{
+    m_weights.resize(m_model.nets.size());
+    for (size_t i = 0; i < m_weights.size(); ++i) {
+        uint64_t h = (i + 1) * 0x9E3779B97F4A7C15ULL + seed * 0xD1B54A32D192ED03ULL;
+        h ^= h >> 29; h *= 0xBF58476D1CE4E5B9ULL; h ^= h >> 32;
+        const int32_t off = amplitude == 0 ? 0 : static_cast<int32_t>(h % static_cast<uint64_t>(2 * amplitude + 1)) - amplitude;
+        m_weights[i] = m_model.nets[i].weight * (32 + off);
     }
 }
 

@@ -117,7 +117,9 @@ public:
         const Net& at = m_model.nets[static_cast<size_t>(net)];
         return {{at.xl, at.xh}, {at.yl, at.yh}};
     }
-    int32_t weightOf(int32_t net) const { return m_model.nets[static_cast<size_t>(net)].weight; }
+    int32_t weightOf(int32_t net) const { return m_weights[static_cast<size_t>(net)]; }
+    std::vector<int32_t> m_weights;
+    void noise(int32_t amplitude, uint32_t seed);
 
     /// Moves cells.
     ///

@@ -46,14 +46,15 @@ public:
     /// @param order    which are beside each other from the left, as indices of the cells that were taken
     /// @param targets  [cell taken] x near which it is to be, units
     /// @param sites    most sites of a cell's window
-    /// @return what the objective falls by; negative if it would grow, or if there is no arrangement
+    /// @param worth    gains up to this one are of no use
+    /// @return what the objective falls by; IMPOSSIBLE if there is no arrangement, or if it is known early that
+    ///         the gain is of no use
     int64_t solve(const WindowFrame& frame, std::span<const int32_t> order, std::span<const int32_t> targets,
-                  int32_t sites);
+                  int32_t sites, int64_t worth);
 
     /// The arrangement that the last solve() gave a gain for.
     void changes(std::vector<Change>& result);
 
-    /// What solve() returns if there is no arrangement.
     static constexpr int64_t IMPOSSIBLE = std::numeric_limits<int64_t>::min();
 
 private:
@@ -70,9 +71,23 @@ private:
     };
     Box boxOf(int32_t net, bool withTaken) const;
     const State& stateOf(int32_t cell) const;
-    void addOptions(const WindowFrame& frame, std::span<const int32_t> order);
     void addProfile(size_t rank, int32_t taken, bool mirrored, int32_t x, int32_t sites, int32_t reference);
-    int32_t classesAt(const WindowFrame& frame, bool onLeft, int32_t cell);
+    /// What is beside the window on one side.
+    struct Side {
+        int32_t classes = 1;               ///< of the states of the cell at that end
+        int32_t kind = -1;                 ///< of the neighbour; -1 for none, or one that stays
+        const uint16_t* classOf = nullptr; ///< [state]
+    };
+    Side sideOf(const WindowFrame& frame, bool onLeft, int32_t cell);
+    /// Options of a kind between two others.
+    struct Known {
+        uint64_t key = 0; ///< of the three kinds
+        uint32_t begin = 0;
+        uint32_t end = 0;
+    };
+    void appendOptions(int32_t kind, const uint16_t* leftClassOf, int32_t leftClasses,
+                       const uint16_t* rightClassOf, int32_t rightClasses, std::vector<ProgramOption>& options);
+    void addOptions(std::span<const int32_t> order, const Side& left, const Side& right);
 
     const Placement& m_at;
     const Options& m_options;
@@ -90,12 +105,22 @@ private:
     int64_t m_fixedAfter = 0;         ///< the part of it that is known before solve()
     int64_t m_base[2] = {};           ///< of the profiles of a cell, by mirrored
     std::vector<int32_t> m_bends;
-    std::vector<uint16_t> m_classes[2]; ///< [state] of a cell beside the frame
+    std::vector<uint16_t> m_classes[2]; ///< [state] of a cell beside one that stays
+    std::vector<uint16_t> m_oneClass;   ///< [state] 0
+    struct KindFacts {
+        bool lies[2] = {false, false}; ///< [mirrored] whether it may lie so
+        int32_t leastPrice = 0;        ///< of its stitches
+        int32_t mostPrice = 0;
+        int32_t sites = 0; ///< width
+    };
+    std::vector<KindFacts> m_facts; ///< [kind]
+    std::vector<Known> m_known;     ///< by a hash of the key
+    std::vector<ProgramOption> m_knownOptions;
+    size_t m_knownCount = 0;
     std::vector<int32_t> m_best;        ///< [left class, right class, mirrored] option
     std::vector<ProgramSpot> m_spots;
     std::vector<int32_t> m_order;
     const Run* m_run = nullptr;
-    int32_t m_slope = 0;
 };
 
 } // namespace refine
