@@ -5,6 +5,7 @@
 #include <chrono>
 #include <stdexcept>
 
+#include "refine/crew.h"
 #include "refine/moves.h"
 #include "refine/placement.h"
 
@@ -14,42 +15,129 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+/// What a move is to be tried with: a cell, or ranks in a row.
+struct Task {
+    int32_t cell = 0; ///< the cell, or the first one of the ranks
+    int32_t row = 0;
+    size_t first = 0; ///< rank
+    size_t last = 0;  ///< behind the last rank
+};
+
 /// One run.
+///
+/// Tasks go in batches. All tasks of a batch look for a proposal in the placement as it is before the batch, side
+/// by side. Then the proposals are carried out one after the other, as far as those before have left them possible
+/// and good. So the result is the same for any number of threads.
 class Improver {
 public:
     Improver(Model& model, const Options& options, const Hooks& hooks)
-        : m_model(model), m_options(options), m_hooks(hooks), m_at(model), m_mover(m_at, options),
+        : m_model(model), m_options(options), m_hooks(hooks), m_at(model), m_crew(options.jobs),
           m_tried(model.cells.size() * MOVES, 0)
     {
+        for (int32_t i = 0; i < m_crew.size(); ++i) {
+            m_movers.emplace_back(m_at, options);
+        }
+        m_tasks.reserve(BATCH);
+        m_proposals.resize(2*BATCH);m_again.reserve(BATCH);
     }
 
     Result run()
     {
         Result result;
         result.wirelengthBefore = wirelength(m_model);
-        const int32_t passes = m_options.effort == 0 ? 0 : m_options.effort < 9 ? m_options.effort : 1000;
-        int64_t last = result.wirelengthBefore;
-        for (int32_t pass = 0; pass < passes; ++pass) {
+        result.stitchesBefore = stitches();
+        remember();
+        const Plan plan = planOf(m_options.effort, m_model.cells.size());
+        for (int32_t pass = 0; pass < plan.bent + plan.straight && !m_stopped; ++pass) {
+            const int64_t before = m_bestCost;
             m_pass = {};
-            int32_t amp = 0;
-            if (const char* e = getenv("AMP")) { int a=0,n=1; sscanf(e, "%d,%d", &a, &n); amp = pass < n ? a * (n - pass) / n : 0; if (pass<=n) { m_tried.assign(m_tried.size(), 0);} if (pass <= n) m_passForced = true; else m_passForced=false; }
-            m_at.noise(amp, static_cast<uint32_t>(pass));
-            timed(Move::ROW, [&] { rowPass(); });
-            timed(Move::REORDER, [&] { reorderPass(); });
-            timed(Move::INSERT, [&] { insertPass(); });
-            timed(Move::SWAP, [&] { swapPass(); });
+            m_passNumber = pass;
+            bend(pass, plan);
+            runPass();
             m_pass.wirelength = wirelength(m_model);
+            m_pass.stitches = stitches();
             result.passes.push_back(m_pass);
-            if (!m_passForced && last - m_pass.wirelength < last / 10000) {
+            remember();
+            if (pass >= plan.bent && before - m_bestCost < before / LEAST_SHARE) {
                 break;
             }
-            last = m_pass.wirelength;
+        }
+        if (cost() > m_bestCost) {
+            m_model.cells = m_best;
         }
         result.wirelengthAfter = wirelength(m_model);
+        result.stitchesAfter = stitches();
+        result.stopped = m_stopped;
         return result;
     }
 
 private:
+    size_t BATCH = getenv("BATCH") ? (size_t)atoi(getenv("BATCH")) : 128;
+    static constexpr int64_t LEAST_SHARE = 20'000; ///< a pass that gains less than this part is the last
+
+    /// How many passes there are.
+    struct Plan {
+        int32_t bent = 0;     ///< with bent weights
+        int32_t straight = 0; ///< at most, without
+    };
+
+    static Plan planOf(int32_t effort, size_t cells)
+    {
+        if (const char* e = getenv("AMP")) {
+            int b = 0, s = 0, a = 0;
+            sscanf(e, "%d,%d,%d", &b, &s, &a);
+            return {b, s};
+        }
+        if (effort < Options::MOST_EFFORT) {
+            return {effort / 3, effort};
+        }
+        return {std::clamp(static_cast<int32_t>(200'000 / std::max<size_t>(cells, 1)), 8, 60), 1000};
+    }
+
+    /// Bends the weights for a pass, less from pass to pass: what is better by other weights leads out of places
+    /// where nothing is better by the true ones (the noising method, Charon and Hudry, 1993).
+    void bend(int32_t pass, const Plan& plan)
+    {
+        int32_t MOST_BEND = Placement::WEIGHT / 2;
+        if (const char* e = getenv("AMP")) {
+            int b = 0, s = 0, a = 0;
+            sscanf(e, "%d,%d,%d", &b, &s, &a);
+            MOST_BEND = a;
+        }
+        if (pass <= plan.bent && plan.bent > 0) {
+            m_at.bendWeights(pass < plan.bent ? MOST_BEND * (plan.bent - pass) / plan.bent : 0,
+                             static_cast<uint64_t>(pass));
+            std::ranges::fill(m_tried, 0);
+        }
+    }
+
+    void runPass()
+    {
+        timed(Move::ROW, [&] { rowPass(); });
+        timed(Move::REORDER, [&] { reorderPass(); });
+        timed(Move::INSERT, [&] { cellPass(); });
+        timed(Move::SWAP, [&] { cellPass(); });
+    }
+
+    int64_t stitches() const
+    {
+        int64_t sum = 0;
+        for (const Cell& cell : m_model.cells) {
+            sum += m_at.stateOf(cell).stitches;
+        }
+        return sum;
+    }
+
+    int64_t cost() const { return wirelength(m_model) + m_options.stitchPrice * stitches(); }
+
+    void remember()
+    {
+        if (const int64_t now = cost(); m_best.empty() || now < m_bestCost) {
+            m_bestCost = now;
+            m_best = m_model.cells;
+        }
+    }
+
     template <typename Work>
     void timed(Move move, Work work)
     {
@@ -57,52 +145,83 @@ private:
         m_figures = &m_pass.moves[static_cast<int32_t>(move)];
         m_move = move;
         work();
+        while (!m_tasks.empty()) {
+            carryOut();
+        }
+        m_figures->gain /= Placement::WEIGHT;
         m_figures->seconds = std::chrono::duration<double>(Clock::now() - begin).count();
     }
 
+    uint32_t& triedOf(int32_t cell)
+    {
+        return m_tried[static_cast<size_t>(cell) * MOVES + static_cast<size_t>(m_move)];
+    }
+
     /// Whether a cell or what it depends on has changed since this move tried it.
-    bool isDue(int32_t cell)
-    {
-        return m_at.touched(cell) > m_tried[static_cast<size_t>(cell) * MOVES + static_cast<size_t>(m_move)];
-    }
+    bool isDue(int32_t cell) { return m_at.touched(cell) > triedOf(cell); }
 
-    void wasTried(int32_t cell)
+    void add(const Task& task)
     {
-        m_tried[static_cast<size_t>(cell) * MOVES + static_cast<size_t>(m_move)] = m_now;
-    }
-
-    void take(Proposal& proposal)
-    {
-        ++m_figures->tried;
-        if (proposal.gain > 0) {
-            ++m_figures->taken;
-            m_figures->gain += proposal.gain;
-#ifdef CHECK
-            std::string old;
-            { auto& items = m_at.items(proposal.changes[0].row);
-                for (auto& i : items) old += " [" + std::to_string(i.cell) + " " + std::to_string(i.x) + "]"; 
-                for (auto& r : m_at.runs(proposal.changes[0].row)) old += " run " + std::to_string(r.x) + " " + std::to_string(r.sites);
-                }
-#endif
-            m_at.apply(proposal.changes, ++m_now);
-#ifdef CHECK
-            static int64_t known = -1;
-            const int64_t now = wirelength(m_model);
-            Violations v = violationsOf(m_model);
-            if (v.sum() != 0 || (known >= 0 && m_options.stitchPrice == 0 && known - now != proposal.gain)) {
-                printf("move %d gain %ld true %ld viol %ld\n", (int)m_move, (long)proposal.gain, (long)(known-now), (long)v.sum());
-                for (auto& c : proposal.changes) {
-                    printf(" cell %d row %d x %d w %d state %d\n", c.cell, c.row, c.x, m_at.kindOf(m_at.cell(c.cell)).width, c.state);
-                }
-                auto& items = m_at.items(proposal.changes[0].row);
-                for (auto& i : items) printf(" [%d %d %d%s]", i.cell, i.x, i.x + m_at.kindOf(m_at.cell(i.cell)).width, m_at.cell(i.cell).fixed ? " F" : "");
-                puts(old.c_str()); exit(1);
-            }
-            known = now;
-#endif
+        m_tasks.push_back(task);
+        if (m_tasks.size() >= BATCH) {
+            carryOut();
         }
-        proposal.gain = 0;
-        proposal.changes.clear();
+    }
+
+    /// Does the tasks of a batch.
+    void carryOut()
+    {
+        const uint32_t since = m_now;
+        m_crew.run(m_tasks.size(), [&](size_t worker, size_t i) {
+            Proposal& proposal = m_proposals[i];
+            proposal.gain = 0;
+            propose(m_movers[worker], m_tasks[i], proposal);
+        });
+        for (size_t i = 0; i < m_tasks.size(); ++i) {
+            Proposal& proposal = m_proposals[i];
+            ++m_figures->tried;
+            for (size_t rank = m_tasks[i].first; rank < m_tasks[i].last; ++rank) {
+                triedOf(m_at.items(m_tasks[i].row)[rank].cell) = since;
+            }
+            triedOf(m_tasks[i].cell) = since;
+            if (proposal.gain <= 0) {
+                continue;
+            }
+            if (m_now != since) {
+                proposal.gain =
+                    m_movers.front().isPossible(proposal, since) ? m_movers.front().gainOf(proposal) : 0;
+            }
+            if (proposal.gain > 0) {
+                ++m_figures->taken;
+                m_figures->gain += proposal.gain;
+                m_at.apply(proposal.changes, ++m_now);
+            } else {
+                m_again.push_back(m_tasks[i]);
+            }
+        }
+        m_tasks.clear();
+        std::swap(m_tasks, m_again);
+    }
+
+    void propose(Mover& mover, const Task& task, Proposal& proposal) const
+    {
+        Limits limits;
+        switch (m_move) {
+        case Move::ROW:
+            mover.arrange(task.row, task.first, task.last, OrderedProgram::MOST_SITES, proposal);
+            break;
+        case Move::REORDER:
+            mover.reorder(task.row, task.first, task.last, proposal);
+            break;
+        case Move::INSERT:
+            mover.insert(task.cell, limits, proposal);
+            break;
+        case Move::SWAP:
+            mover.swap(task.cell, limits, proposal);
+            break;
+        case Move::SHIFT:
+            break;
+        }
     }
 
     /// Calls work(row, first, last) for what may move side by side.
@@ -128,73 +247,55 @@ private:
         }
     }
 
+    /// Adds the ranks from first to last as a task, unless none of the cells is due.
+    void addRanks(int32_t row, size_t first, size_t last)
+    {
+        const std::vector<Item>& items = m_at.items(row);
+        for (size_t i = first; i < last; ++i) {
+            if (isDue(items[i].cell)) {
+                add({items[first].cell, row, first, last});
+                return;
+            }
+        }
+    }
+
     void rowPass()
     {
         constexpr size_t CHUNK = 24;
-        forStretches([&](int32_t row, size_t begin, size_t end) {
-            for (size_t i = begin; i < end; i += CHUNK / 2) {
-                const size_t last = std::min(end, i + CHUNK);
-                const std::vector<Item>& items = m_at.items(row);
-                if (std::none_of(items.begin() + static_cast<std::ptrdiff_t>(i),
-                                 items.begin() + static_cast<std::ptrdiff_t>(last),
-                                 [&](const Item& item) { return isDue(item.cell); })) {
-                    continue;
+        for (const size_t offset : {size_t{0}, CHUNK / 2}) {
+            forStretches([&](int32_t row, size_t begin, size_t end) {
+                for (size_t i = begin + offset; i < end; i += CHUNK) {
+                    addRanks(row, i, std::min(end, i + CHUNK));
                 }
-                m_mover.arrange(row, i, last, OrderedProgram::MOST_SITES, m_proposal);
-                take(m_proposal);
-                for (size_t k = i; k < last; ++k) {
-                    wasTried(items[k].cell);
-                }
-                if (last == end) {
-                    break;
-                }
+            });
+            while (!m_tasks.empty()) {
+                carryOut();
             }
-        });
+        }
     }
 
     void reorderPass()
     {
         constexpr size_t CHUNK = 3;
-        forStretches([&](int32_t row, size_t begin, size_t end) {
-            for (size_t i = begin; i + CHUNK <= end; ++i) {
-                const std::vector<Item>& items = m_at.items(row);
-                if (!isDue(items[i].cell) && !isDue(items[i + 1].cell) && !isDue(items[i + 2].cell)) {
-                    continue;
+        for (size_t offset = 0; offset < CHUNK; ++offset) {
+            forStretches([&](int32_t row, size_t begin, size_t end) {
+                for (size_t i = begin + offset; i + CHUNK <= end; i += CHUNK) {
+                    addRanks(row, i, i + CHUNK);
                 }
-                m_mover.reorder(row, i, i + CHUNK, m_proposal);
-                wasTried(items[i].cell);
-                take(m_proposal);
+            });
+            while (!m_tasks.empty()) {
+                carryOut();
             }
-        });
-    }
-
-    void insertPass()
-    {
-        Limits limits;
-        if (const char* e = getenv("LIM")) sscanf(e, "%d,%d,%d,%d", &limits.rows, &limits.slots, &limits.beside, &limits.sites);
-        const auto count = static_cast<int32_t>(m_model.cells.size());
-        for (int32_t cell = 0; cell < count; ++cell) {
-            if (m_at.cell(cell).fixed || !isDue(cell)) {
-                continue;
-            }
-            wasTried(cell);
-            m_mover.insert(cell, limits, m_proposal);
-            take(m_proposal);
         }
     }
 
-    void swapPass()
+    void cellPass()
     {
-        Limits limits;
-        if (const char* e = getenv("LIMS")) sscanf(e, "%d,%d,%d,%d", &limits.rows, &limits.slots, &limits.beside, &limits.sites);
         const auto count = static_cast<int32_t>(m_model.cells.size());
-        for (int32_t cell = 0; cell < count; ++cell) {
-            if (m_at.cell(cell).fixed || !isDue(cell)) {
-                continue;
+        for (int32_t cell = 0; cell < count && !m_stopped; ++cell) {
+            if (!m_at.cell(cell).fixed && isDue(cell)) {
+                add({.cell = cell});
             }
-            wasTried(cell);
-            m_mover.swap(cell, limits, m_proposal);
-            take(m_proposal);
         }
     }
 
@@ -202,14 +303,20 @@ private:
     const Options& m_options;
     const Hooks& m_hooks;
     Placement m_at;
-    Mover m_mover;
+    Crew m_crew;
+    std::vector<Mover> m_movers;   ///< [worker]
     std::vector<uint32_t> m_tried; ///< [cell][move] when a move last tried the cell
     uint32_t m_now = 1;
+    std::vector<Task> m_tasks;
+    std::vector<Task> m_again;         ///< others of the batch were in their way
+    std::vector<Proposal> m_proposals; ///< [task]
+    std::vector<Cell> m_best;
+    int64_t m_bestCost = 0;
+    int32_t m_passNumber = 0;
     Pass m_pass;
-    bool m_passForced = false;
     MoveFigures* m_figures = nullptr;
     Move m_move = Move::ROW;
-    Proposal m_proposal;
+    bool m_stopped = false;
 };
 
 } // namespace

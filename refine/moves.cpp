@@ -35,6 +35,36 @@ WindowFrame Mover::frameOf(int32_t row, const Run& run, size_t first, size_t las
     return frame;
 }
 
+Stretch Mover::stretchOf(const WindowFrame& frame) const
+{
+    const size_t first = frame.left < 0 ? 0 : m_at.rankOf(frame.left) + 1;
+    const size_t last = frame.right < 0 ? m_at.items(frame.row).size() : m_at.rankOf(frame.right);
+    return {frame.row, frame.left, frame.right, last - first};
+}
+
+bool Mover::isPossible(const Proposal& proposal, uint32_t since) const
+{
+    const auto stands = [&](int32_t cell) { return cell < 0 || m_at.moved(cell) <= since; };
+    return std::ranges::all_of(proposal.changes, stands, &Change::cell) &&
+           std::ranges::all_of(proposal.stretches, [&](const Stretch& stretch) {
+               return stands(stretch.left) && stands(stretch.right) &&
+                      stretchOf({.row = stretch.row, .left = stretch.left, .right = stretch.right}).count ==
+                          stretch.count;
+           });
+}
+
+int64_t Mover::gainOf(const Proposal& proposal)
+{
+    m_window.assume(proposal.changes);
+    m_cells.clear();
+    for (const Change& change : proposal.changes) {
+        m_cells.push_back(change.cell);
+    }
+    const int64_t gain = m_window.gainOf(m_cells);
+    m_window.assume({});
+    return gain;
+}
+
 void Mover::arrange(int32_t row, size_t first, size_t last, int32_t sites, Proposal& result)
 {
     const std::vector<Item>& items = m_at.items(row);
@@ -48,11 +78,13 @@ void Mover::arrange(int32_t row, size_t first, size_t last, int32_t sites, Propo
     }
     const Run* const run = m_at.runAt(row, items[first].x);
     m_window.take(m_cells, row);
-    const int64_t gain = m_window.solve(frameOf(row, *run, first, last, -1), m_order, m_targets, sites, result.gain);
+    const WindowFrame frame = frameOf(row, *run, first, last, -1);
+    const int64_t gain = m_window.solve(frame, m_order, m_targets, sites, result.gain);
     if (gain > result.gain) {
         result.gain = gain;
         result.changes.clear();
         m_window.changes(result.changes);
+        result.stretches = {stretchOf(frame)};
     }
 }
 
@@ -76,6 +108,7 @@ void Mover::reorder(int32_t row, size_t first, size_t last, Proposal& result)
             result.gain = gain;
             result.changes.clear();
             m_window.changes(result.changes);
+            result.stretches = {stretchOf(frame)};
         }
     }
 }
@@ -307,13 +340,13 @@ void Mover::tryPlace(int32_t index, int32_t row, size_t rank, int32_t target, co
         m_targets.push_back(target);
     }
     m_window.take(m_cells, row);
-    const int64_t gain =
-        m_window.solve(frameOf(row, *run, first, last, index), m_order, m_targets, limits.sites,
-                       result.gain);
+    const WindowFrame frame = frameOf(row, *run, first, last, index);
+    const int64_t gain = m_window.solve(frame, m_order, m_targets, limits.sites, result.gain);
     if (gain > result.gain) {
         result.gain = gain;
         result.changes.clear();
         m_window.changes(result.changes);
+        result.stretches = {stretchOf(frame)};
     }
 }
 
@@ -419,6 +452,7 @@ void Mover::trySwap(int32_t index, int32_t otherIndex, const Limits& limits, Pro
     m_window.assume(m_assumed);
     int64_t gain = m_window.gainOf(both);
     std::vector<Change> changes;
+    std::vector<Stretch> stretches;
     for (const bool isOther : {true, false}) {
         WindowFrame frame;
         if (!takeBeside(isOther ? other.row : cell.row, isOther ? otherRank : rank, isOther ? index : otherIndex,
@@ -436,6 +470,7 @@ void Mover::trySwap(int32_t index, int32_t otherIndex, const Limits& limits, Pro
         }
         gain += more;
         m_window.changes(changes);
+        stretches.push_back(stretchOf(frame));
         m_assumed = changes;
         if (isOther) {
             m_assumed.push_back({otherIndex, cell.row, cell.x, other.state});
@@ -446,6 +481,7 @@ void Mover::trySwap(int32_t index, int32_t otherIndex, const Limits& limits, Pro
     if (gain > result.gain) {
         result.gain = gain;
         result.changes = changes;
+        result.stretches = stretches;
     }
 }
 

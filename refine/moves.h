@@ -11,10 +11,19 @@
 
 namespace refine {
 
+/// The cells of a row between two that stay.
+struct Stretch {
+    int32_t row = 0;
+    int32_t left = -1;  ///< cell, -1 for the end of the row
+    int32_t right = -1; ///< cell, -1 for the end of the row
+    size_t count = 0;   ///< cells between them
+};
+
 /// Changes that belong together.
 struct Proposal {
     int64_t gain = 0; ///< what the objective falls by; none is proposed if it is not positive
     std::vector<Change> changes;
+    std::vector<Stretch> stretches; ///< where the changed cells stand then
 };
 
 /// How far a search goes.
@@ -38,6 +47,14 @@ public:
 
     /// A cell to where its nets want it, and its neighbours there make room.
     void insert(int32_t cell, const Limits& limits, Proposal& result);
+
+    /// Whether a proposal that was made before other changes can be carried out still.
+    ///
+    /// @param since  when it was made
+    bool isPossible(const Proposal& proposal, uint32_t since) const;
+
+    /// What the objective falls by if a proposal is carried out now.
+    int64_t gainOf(const Proposal& proposal);
 
     /// A cell and one near where its nets want it change places; neighbours make room on both sides.
     void swap(int32_t cell, const Limits& limits, Proposal& result);
@@ -67,6 +84,7 @@ private:
     void tryPlace(int32_t cell, int32_t row, size_t rank, int32_t target, const Limits& limits,
                   Proposal& result);
     WindowFrame frameOf(int32_t row, const Run& run, size_t first, size_t last, int32_t without) const;
+    Stretch stretchOf(const WindowFrame& frame) const;
 
     const Placement& m_at;
     WindowSolver m_window;

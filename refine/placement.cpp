@@ -11,12 +11,22 @@ namespace {
 constexpr size_t NEAR = 4;       ///< ranks: cells that far away may be in one window
 constexpr size_t LARGE_NET = 32; ///< pins: a cell more or less changes little for the others
 
+/// A number that looks like chance, the same on every machine: the finalizer of SplitMix64 (Steele et al., 2014).
+uint64_t mixed(uint64_t value)
+{
+    value += 0x9E3779B97F4A7C15U;
+    value = (value ^ value >> 30) * 0xBF58476D1CE4E5B9U;
+    value = (value ^ value >> 27) * 0x94D049BB133111EBU;
+    return value ^ value >> 31;
+}
+
 } // namespace
 
 Placement::Placement(Model& model)
     : m_model(model), m_pairs(model), m_runBegin(model.rows.size() + 1, 0), m_items(model.rows.size()),
       m_pinBegin(model.cells.size() + 1, 0), m_pinsOfCell(model.pins.size()),
-      m_termBegin(model.cells.size() + 1, 0), m_touched(model.cells.size(), 1)
+      m_termBegin(model.cells.size() + 1, 0), m_weights(model.nets.size()), m_touched(model.cells.size(), 1),
+      m_moved(model.cells.size(), 0)
 {
     for (const Run& run : model.runs) {
         ++m_runBegin[static_cast<size_t>(run.row) + 1];
@@ -38,7 +48,7 @@ Placement::Placement(Model& model)
     for (size_t i = 1; i < m_pinBegin.size(); ++i) {
         m_pinBegin[i] += m_pinBegin[i - 1];
     }
-    noise(0, 0);
+    bendWeights(0, 0);
     std::vector<int32_t> next(m_pinBegin.begin(), m_pinBegin.end() - 1);
     std::vector<int32_t> netOf(model.pins.size());
     for (size_t net = 0; net + 1 < model.nets.size(); ++net) {
@@ -97,14 +107,12 @@ Placement::Placement(Model& model)
     }
 }
 
-void Placement::noise(int32_t amplitude, uint32_t seed)
+void Placement::bendWeights(int32_t most, uint64_t seed)
 {
-    m_weights.resize(m_model.nets.size());
-    for (size_t i = 0; i < m_weights.size(); ++i) {
-        uint64_t h = (i + 1) * 0x9E3779B97F4A7C15ULL + seed * 0xD1B54A32D192ED03ULL;
-        h ^= h >> 29; h *= 0xBF58476D1CE4E5B9ULL; h ^= h >> 32;
-        const int32_t off = amplitude == 0 ? 0 : static_cast<int32_t>(h % static_cast<uint64_t>(2 * amplitude + 1)) - amplitude;
-        m_weights[i] = m_model.nets[i].weight * (32 + off);
+    const auto choices = static_cast<uint64_t>(2 * most + 1);
+    for (size_t net = 0; net < m_weights.size(); ++net) {
+        const auto bend = static_cast<int32_t>(mixed(seed << 32 | net) % choices) - most;
+        m_weights[net] = m_model.nets[net].weight * (WEIGHT + bend);
     }
 }
 
@@ -182,6 +190,7 @@ void Placement::apply(std::span<const Change> changes, uint32_t now)
         at.row = change.row;
         at.x = change.x;
         at.state = change.state;
+        m_moved[static_cast<size_t>(change.cell)] = now;
         std::vector<Item>& to = m_items[static_cast<size_t>(change.row)];
         to.insert(to.begin() + static_cast<std::ptrdiff_t>(rankFrom(change.row, change.x)),
                   {change.x, change.cell});

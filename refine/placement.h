@@ -117,9 +117,14 @@ public:
         const Net& at = m_model.nets[static_cast<size_t>(net)];
         return {{at.xl, at.xh}, {at.yl, at.yh}};
     }
+    /// Weights and prices are counted in parts of 1 / WEIGHT, so that they can be bent a little.
+    static constexpr int32_t WEIGHT = 32;
     int32_t weightOf(int32_t net) const { return m_weights[static_cast<size_t>(net)]; }
-    std::vector<int32_t> m_weights;
-    void noise(int32_t amplitude, uint32_t seed);
+
+    /// Bends the weights of all nets at random, each by at most `most`; 0 sets them straight.
+    ///
+    /// @param seed  another one, other weights
+    void bendWeights(int32_t most, uint64_t seed);
 
     /// Moves cells.
     ///
@@ -128,6 +133,8 @@ public:
 
     /// When a cell or what it depends on was changed last.
     uint32_t touched(int32_t cell) const { return m_touched[static_cast<size_t>(cell)]; }
+    /// When a cell was moved last.
+    uint32_t moved(int32_t cell) const { return m_moved[static_cast<size_t>(cell)]; }
 
 private:
     void movePins(int32_t cell);
@@ -143,7 +150,9 @@ private:
     std::vector<int32_t> m_termBegin;    ///< [cell] in m_terms
     std::vector<Term> m_terms;
     std::vector<Reach> m_reaches;
+    std::vector<int32_t> m_weights;      ///< [net] in parts of 1 / WEIGHT
     std::vector<uint32_t> m_touched;     ///< [cell]
+    std::vector<uint32_t> m_moved;       ///< [cell]
 };
 
 } // namespace refine

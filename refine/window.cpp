@@ -21,7 +21,7 @@ int32_t ceilDiv(int32_t a, int32_t b)
 } // namespace
 
 WindowSolver::WindowSolver(const Placement& placement, const Options& options)
-    : m_at(placement), m_options(options), m_cellMark(placement.model().cells.size(), 0),
+    : m_at(placement), m_options(options), m_stitchPrice(options.stitchPrice * Placement::WEIGHT), m_cellMark(placement.model().cells.size(), 0),
       m_netMark(placement.model().nets.size(), 0)
 {
     const Model& model = placement.model();
@@ -32,7 +32,7 @@ WindowSolver::WindowSolver(const Placement& placement, const Options& options)
         const auto states = static_cast<size_t>(model.stateCount(static_cast<int32_t>(kind)));
         for (size_t s = 0; s < states; ++s) {
             const State& state = model.states[static_cast<size_t>(model.kinds[kind].stateBegin) + s];
-            const auto price = static_cast<int32_t>(options.stitchPrice * state.stitches);
+            const auto price = static_cast<int32_t>(m_stitchPrice * state.stitches);
             facts.lies[state.mirrored ? 1 : 0] = true;
             facts.leastPrice = std::min(facts.leastPrice, price);
             facts.mostPrice = std::max(facts.mostPrice, price);
@@ -86,7 +86,7 @@ int64_t WindowSolver::gainOf(std::span<const int32_t> cells)
     ++m_time;
     int64_t gain = 0;
     for (const int32_t cell : cells) {
-        gain += m_options.stitchPrice * (m_at.stateOf(m_at.cell(cell)).stitches - stateOf(cell).stitches);
+        gain += m_stitchPrice * (m_at.stateOf(m_at.cell(cell)).stitches - stateOf(cell).stitches);
         for (const Term& term : m_at.terms(cell)) {
             uint64_t& mark = m_netMark[static_cast<size_t>(term.net)];
             if (mark >> 32 != m_time) {
@@ -120,7 +120,7 @@ void WindowSolver::take(std::span<const int32_t> cells, int32_t row)
     }
     for (const int32_t index : cells) {
         m_termBegin.push_back(m_terms.size());
-        m_before += m_options.stitchPrice * stateOf(index).stitches;
+        m_before += m_stitchPrice * stateOf(index).stitches;
         for (const Term& term : m_at.terms(index)) {
             uint64_t& mark = m_netMark[static_cast<size_t>(term.net)];
             if (mark >> 32 != m_time) {
@@ -233,7 +233,7 @@ void WindowSolver::appendOptions(int32_t kind, const uint16_t* leftClassOf, int3
     m_best.assign(static_cast<size_t>(2 * leftClasses * rightClasses), -1);
     for (int32_t s = 0; s < states; ++s) {
         const State& state = first[s];
-        const auto price = static_cast<int32_t>(m_options.stitchPrice * state.stitches);
+        const auto price = static_cast<int32_t>(m_stitchPrice * state.stitches);
         int32_t& best = m_best[static_cast<size_t>(
             2 * (leftClassOf[s] * rightClasses + rightClassOf[s]) + (state.mirrored ? 1 : 0))];
         if (best < 0) {
