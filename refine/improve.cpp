@@ -34,6 +34,8 @@ public:
         : m_model(model), m_options(options), m_hooks(hooks), m_at(model), m_crew(options.jobs),
           m_tried(model.cells.size() * MOVES, 0)
     {
+        m_at.setDisplacementWeight(
+            static_cast<int32_t>(options.displacementPrice * Placement::WEIGHT / PRICE_PARTS));
         for (int32_t i = 0; i < m_crew.size(); ++i) {
             m_movers.emplace_back(m_at, options);
         }
@@ -73,6 +75,8 @@ public:
 
 private:
     size_t BATCH = getenv("BATCH") ? (size_t)atoi(getenv("BATCH")) : 128;
+    static constexpr auto TELL_EVERY = std::chrono::milliseconds(100);
+    static constexpr int64_t PRICE_PARTS = 1000;   ///< that prices of displacement are given in
     static constexpr int64_t LEAST_SHARE = 20'000; ///< a pass that gains less than this part is the last
 
     /// How many passes there are.
@@ -128,13 +132,25 @@ private:
         return sum;
     }
 
-    int64_t cost() const { return wirelength(m_model) + m_options.stitchPrice * stitches(); }
+    /// The objective by the true weights, in parts of 1 / WEIGHT.
+    int64_t cost() const
+    {
+        int64_t displacement = 0;
+        for (int32_t i = 0; i < static_cast<int32_t>(m_model.cells.size()); ++i) {
+            const Cell& cell = m_at.cell(i);
+            displacement += std::abs(int64_t{cell.x} - m_at.startX(i)) +
+                            std::abs(int64_t{m_at.yOf(cell.row)} - m_at.startY(i));
+        }
+        return Placement::WEIGHT * (wirelength(m_model) + m_options.stitchPrice * stitches()) +
+               m_at.displacementWeight() * displacement;
+    }
 
     void remember()
     {
         if (const int64_t now = cost(); m_best.empty() || now < m_bestCost) {
             m_bestCost = now;
             m_best = m_model.cells;
+            m_bestWirelength = wirelength(m_model);
         }
     }
 
@@ -168,9 +184,26 @@ private:
         }
     }
 
+    /// Calls the hook, if it is time to.
+    void tell()
+    {
+        const Clock::time_point now = Clock::now();
+        if (m_hooks.onProgress && now - m_told > TELL_EVERY) {
+            m_told = now;
+            const double done = static_cast<double>(m_figures->tried) / static_cast<double>(m_model.cells.size());
+            const double share = (static_cast<double>(m_move) + std::min(done, 1.0)) / MOVES;
+            m_stopped = m_stopped || !m_hooks.onProgress(m_passNumber, share, m_bestWirelength);
+        }
+    }
+
     /// Does the tasks of a batch.
     void carryOut()
     {
+        tell();
+        if (m_stopped) {
+            m_tasks.clear();
+            return;
+        }
         const uint32_t since = m_now;
         m_crew.run(m_tasks.size(), [&](size_t worker, size_t i) {
             Proposal& proposal = m_proposals[i];
@@ -312,6 +345,8 @@ private:
     std::vector<Proposal> m_proposals; ///< [task]
     std::vector<Cell> m_best;
     int64_t m_bestCost = 0;
+    int64_t m_bestWirelength = 0;
+    Clock::time_point m_told = Clock::now();
     int32_t m_passNumber = 0;
     Pass m_pass;
     MoveFigures* m_figures = nullptr;

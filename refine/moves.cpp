@@ -132,6 +132,12 @@ void Mover::gather(int32_t index, int32_t without, Pulls& pulls)
             }
         }
     }
+    if (m_at.displacementWeight() > 0) { // the way to its start is a net of its own
+        static constexpr Reach CORNER{};
+        const int32_t x = m_at.startX(index);
+        const int32_t y = m_at.startY(index);
+        pulls.push_back({{{x, x}, {y, y}}, m_at.displacementWeight(), &CORNER});
+    }
 }
 
 int64_t Mover::heightCost(const Pulls& pulls, int32_t row) const
@@ -213,9 +219,9 @@ void Mover::insert(int32_t index, const Limits& limits, Proposal& result)
     gather(index);
     const bool mirrored = m_at.stateOf(cell).mirrored;
     const int64_t now = heightCost(cell.row) + lengthCost(cell.x, mirrored);
-    const Range best = bestX(mirrored);
-    const Range other = bestX(!mirrored);
-    const int64_t least = std::min(lengthCost(best.low, mirrored), lengthCost(other.low, !mirrored));
+    m_best[0] = bestX(false);
+    m_best[1] = bestX(true);
+    const int64_t least = std::min(lengthCost(m_best[0].low, false), lengthCost(m_best[1].low, true));
     if (now - least <= 0) {
         return;
     }
@@ -240,8 +246,7 @@ void Mover::insertInRow(int32_t index, int32_t row, int64_t budget, const Limits
 {
     const Cell& cell = m_at.cell(index);
     const std::vector<Item>& items = m_at.items(row);
-    const bool mirrored = m_at.stateOf(cell).mirrored;
-    const Range best = bestX(mirrored);
+    const Range& best = m_best[m_at.stateOf(cell).mirrored ? 1 : 0];
     const int32_t width = m_at.kindOf(cell).width;
     const int32_t target = std::clamp(cell.x, best.low, best.high);
     // Places beside the target, the nearest first: rank is that of the cell on the right.
@@ -250,8 +255,7 @@ void Mover::insertInRow(int32_t index, int32_t row, int64_t budget, const Limits
     const auto boundOf = [&](size_t rank) {
         const int32_t low = rank > 0 ? items[rank - 1].x : std::numeric_limits<int32_t>::min() / 2;
         const int32_t high = rank < items.size() ? items[rank].x : std::numeric_limits<int32_t>::max() / 2;
-        const int32_t x = std::clamp(target, low, std::max(low, high));
-        return std::min(lengthCost(x, mirrored), lengthCost(x, !mirrored));
+        return leastBetween(low, std::max(low, high));
     };
     int32_t tried = 0;
     bool leftOpen = true;
@@ -277,12 +281,38 @@ void Mover::insertInRow(int32_t index, int32_t row, int64_t budget, const Limits
         const int32_t low = rank > 0 ? items[rank - 1].x + m_at.kindOf(m_at.cell(items[rank - 1].cell)).width
                                      : std::numeric_limits<int32_t>::min() / 2;
         const int32_t high = rank < items.size() ? items[rank].x - width : std::numeric_limits<int32_t>::max() / 2;
-        tryPlace(index, row, rank, low <= high ? std::clamp(target, low, high) : low, limits, result);
+        tryPlace(index, row, rank, low <= high ? std::clamp(target, low, high) : low, budget, limits,
+                 result);
     }
 }
 
-void Mover::tryPlace(int32_t index, int32_t row, size_t rank, int32_t target, const Limits& limits,
-                     Proposal& result)
+int64_t Mover::leastBetween(int32_t low, int32_t high) const
+{
+    int64_t least = std::numeric_limits<int64_t>::max();
+    for (const bool mirrored : {false, true}) {
+        const Range& best = m_best[mirrored ? 1 : 0];
+        const int32_t x = best.high < low ? low : best.low > high ? high : std::max(best.low, low);
+        least = std::min(least, lengthCost(x, mirrored));
+    }
+    return least;
+}
+
+Range Mover::roomOf(const WindowFrame& frame) const
+{
+    Range room{frame.run->x, frame.run->x + frame.run->sites * m_at.model().step};
+    if (frame.left >= 0) {
+        const Cell& cell = m_at.cell(frame.left);
+        room.low = std::max(room.low, cell.x + (cell.fixed ? 0 : m_at.kindOf(cell).width));
+    }
+    if (frame.right >= 0) {
+        const Cell& cell = m_at.cell(frame.right);
+        room.high = std::min(room.high, cell.x + (cell.fixed ? m_at.kindOf(cell).width : 0));
+    }
+    return room;
+}
+
+void Mover::tryPlace(int32_t index, int32_t row, size_t rank, int32_t target, int64_t budget,
+                     const Limits& limits, Proposal& result)
 {
     const std::vector<Item>& items = m_at.items(row);
     const Cell& cell = m_at.cell(index);
@@ -339,8 +369,23 @@ void Mover::tryPlace(int32_t index, int32_t row, size_t rank, int32_t target, co
         m_cells.push_back(index);
         m_targets.push_back(target);
     }
-    m_window.take(m_cells, row);
     const WindowFrame frame = frameOf(row, *run, first, last, index);
+    const Range room = roomOf(frame);
+    int32_t left = 0; // widths of those on the left of the cell
+    int32_t all = 0;
+    for (const int32_t other : m_cells) {
+        left = other == index ? all : left;
+        all += m_at.kindOf(m_at.cell(other)).width;
+    }
+    const int32_t slack = room.high - room.low - all;
+    if (slack < 0) {
+        return;
+    }
+    const int32_t low = room.low + left;
+    if (budget - leastBetween(low, low + slack) <= result.gain) {
+        return;
+    }
+    m_window.take(m_cells, row);
     const int64_t gain = m_window.solve(frame, m_order, m_targets, limits.sites, result.gain);
     if (gain > result.gain) {
         result.gain = gain;
@@ -457,6 +502,15 @@ void Mover::trySwap(int32_t index, int32_t otherIndex, const Limits& limits, Pro
         WindowFrame frame;
         if (!takeBeside(isOther ? other.row : cell.row, isOther ? otherRank : rank, isOther ? index : otherIndex,
                         limits, frame)) {
+            m_window.assume({});
+            return;
+        }
+        const Range room = roomOf(frame);
+        int32_t slack = room.high - room.low;
+        for (const int32_t one : m_cells) {
+            slack -= m_at.kindOf(m_at.cell(one)).width;
+        }
+        if (slack < 0) {
             m_window.assume({});
             return;
         }

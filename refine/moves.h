@@ -78,17 +78,22 @@ private:
     Range bestY(int32_t row);
     void trySwap(int32_t cell, int32_t other, const Limits& limits, Proposal& result);
     bool takeBeside(int32_t row, size_t rank, int32_t instead, const Limits& limits, WindowFrame& frame);
+    /// What a cell costs at least with its left edge from one x to another, in either way to lie.
+    int64_t leastBetween(int32_t low, int32_t high) const;
     /// The x that cost least.
     Range bestX(bool mirrored);
     void insertInRow(int32_t cell, int32_t row, int64_t budget, const Limits& limits, Proposal& result);
-    void tryPlace(int32_t cell, int32_t row, size_t rank, int32_t target, const Limits& limits,
+    void tryPlace(int32_t cell, int32_t row, size_t rank, int32_t target, int64_t budget, const Limits& limits,
                   Proposal& result);
+    /// Where the cells of a window may be at most, units.
+    Range roomOf(const WindowFrame& frame) const;
     WindowFrame frameOf(int32_t row, const Run& run, size_t first, size_t last, int32_t without) const;
     Stretch stretchOf(const WindowFrame& frame) const;
 
     const Placement& m_at;
     WindowSolver m_window;
     Pulls m_pulls;
+    Range m_best[2]; ///< [mirrored] x that cost least
     Pulls m_otherPulls;
     std::vector<Change> m_assumed;
     std::vector<std::pair<int32_t, int32_t>> m_bends;

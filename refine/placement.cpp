@@ -36,6 +36,8 @@ Placement::Placement(Model& model)
     }
     for (size_t i = 0; i < model.cells.size(); ++i) {
         const Cell& cell = model.cells[i];
+        m_start.push_back({model.startX.empty() ? cell.x : model.startX[i],
+                           model.startY.empty() ? yOf(cell.row) : model.startY[i]});
         m_items[static_cast<size_t>(cell.row)].push_back({cell.x, static_cast<int32_t>(i)});
     }
     for (std::vector<Item>& items : m_items) {

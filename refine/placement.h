@@ -121,6 +121,13 @@ public:
     static constexpr int32_t WEIGHT = 32;
     int32_t weightOf(int32_t net) const { return m_weights[static_cast<size_t>(net)]; }
 
+    /// What a unit that a cell is from its start costs, in the same parts.
+    int32_t displacementWeight() const { return m_displacementWeight; }
+    void setDisplacementWeight(int32_t weight) { m_displacementWeight = weight; }
+    /// Where a cell's displacement is measured from, units.
+    int32_t startX(int32_t cell) const { return m_start[static_cast<size_t>(cell)].x; }
+    int32_t startY(int32_t cell) const { return m_start[static_cast<size_t>(cell)].y; }
+
     /// Bends the weights of all nets at random, each by at most `most`; 0 sets them straight.
     ///
     /// @param seed  another one, other weights
@@ -150,6 +157,12 @@ private:
     std::vector<int32_t> m_termBegin;    ///< [cell] in m_terms
     std::vector<Term> m_terms;
     std::vector<Reach> m_reaches;
+    struct Point {
+        int32_t x;
+        int32_t y;
+    };
+    std::vector<Point> m_start; ///< [cell]
+    int32_t m_displacementWeight = 0;
     std::vector<int32_t> m_weights;      ///< [net] in parts of 1 / WEIGHT
     std::vector<uint32_t> m_touched;     ///< [cell]
     std::vector<uint32_t> m_moved;       ///< [cell]

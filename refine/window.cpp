@@ -46,14 +46,6 @@ void WindowSolver::assume(std::span<const Change> changes)
     m_assumed.assign(changes.begin(), changes.end());
 }
 
-const State& WindowSolver::stateOf(int32_t index) const
-{
-    const auto at = std::ranges::find(m_assumed, index, &Change::cell);
-    const Cell& cell = m_at.cell(index);
-    return at == m_assumed.end() ? m_at.stateOf(cell)
-                                 : m_at.model().states[static_cast<size_t>(m_at.kindOf(cell).stateBegin + at->state)];
-}
-
 /// The box of a net where its cells are assumed to be.
 Box WindowSolver::boxOf(int32_t net, bool withTaken) const
 {
@@ -86,19 +78,23 @@ int64_t WindowSolver::gainOf(std::span<const int32_t> cells)
     ++m_time;
     int64_t gain = 0;
     for (const int32_t cell : cells) {
-        gain += m_stitchPrice * (m_at.stateOf(m_at.cell(cell)).stitches - stateOf(cell).stitches);
+        const Cell& now = m_at.cell(cell);
+        const Change then = placeOf(cell);
+        gain += m_stitchPrice * (stitchesOf(now.kind, now.state) - stitchesOf(now.kind, then.state));
+        gain += m_at.displacementWeight() *
+                (displacementOf(cell, {cell, now.row, now.x, now.state}) - displacementOf(cell, then));
         for (const Term& term : m_at.terms(cell)) {
             uint64_t& mark = m_netMark[static_cast<size_t>(term.net)];
             if (mark >> 32 != m_time) {
                 mark = uint64_t{m_time} << 32;
-                Box now = m_at.fixedBoxOf(term.net);
+                Box box = m_at.fixedBoxOf(term.net);
                 for (const Placement::PlacedPin& pin : m_at.pinsOf(term.net)) {
-                    now.x.add(pin.x);
-                    now.y.add(pin.y);
+                    box.x.add(pin.x);
+                    box.y.add(pin.y);
                 }
-                const Box then = boxOf(term.net, true);
+                const Box other = boxOf(term.net, true);
                 gain += int64_t{m_at.weightOf(term.net)} *
-                        (int64_t{now.x.length()} + now.y.length() - then.x.length() - then.y.length());
+                        (int64_t{box.x.length()} + box.y.length() - other.x.length() - other.y.length());
             }
         }
     }
@@ -120,7 +116,7 @@ void WindowSolver::take(std::span<const int32_t> cells, int32_t row)
     }
     for (const int32_t index : cells) {
         m_termBegin.push_back(m_terms.size());
-        m_before += m_stitchPrice * stateOf(index).stitches;
+        m_before += m_stitchPrice * stitchesOf(m_at.cell(index).kind, placeOf(index).state);
         for (const Term& term : m_at.terms(index)) {
             uint64_t& mark = m_netMark[static_cast<size_t>(term.net)];
             if (mark >> 32 != m_time) {
@@ -149,6 +145,9 @@ void WindowSolver::take(std::span<const int32_t> cells, int32_t row)
             }
             m_terms.push_back({static_cast<int32_t>(mark & 0xffffffffU), &m_at.reachOf(term)});
         }
+        if (m_at.displacementWeight() > 0) {
+            addStart(index);
+        }
     }
     m_termBegin.push_back(m_terms.size());
     // Heights are known: all stand in the row.
@@ -165,6 +164,30 @@ void WindowSolver::take(std::span<const int32_t> cells, int32_t row)
     for (const NetUse& net : m_nets) {
         m_fixedAfter += int64_t{net.weight} * net.outside.y.length();
     }
+}
+
+/// The way to its start is a net of the cell's own.
+void WindowSolver::addStart(int32_t index)
+{
+    static constexpr Reach CORNER{};
+    const int32_t x = m_at.startX(index);
+    const int32_t y = m_at.startY(index);
+    m_terms.push_back({static_cast<int32_t>(m_nets.size()), &CORNER});
+    m_nets.push_back({.weight = m_at.displacementWeight(), .outside = {{x, x}, {y, y}}});
+    m_before += m_at.displacementWeight() * displacementOf(index, placeOf(index));
+}
+
+int64_t WindowSolver::displacementOf(int32_t index, const Change& place) const
+{
+    return std::abs(int64_t{place.x} - m_at.startX(index)) +
+           std::abs(int64_t{m_at.yOf(place.row)} - m_at.startY(index));
+}
+
+Change WindowSolver::placeOf(int32_t index) const
+{
+    const auto at = std::ranges::find(m_assumed, index, &Change::cell);
+    const Cell& cell = m_at.cell(index);
+    return at == m_assumed.end() ? Change{index, cell.row, cell.x, cell.state} : *at;
 }
 
 WindowSolver::Side WindowSolver::sideOf(const WindowFrame& frame, bool onLeft, int32_t index)
@@ -445,9 +468,42 @@ int64_t WindowSolver::solve(const WindowFrame& frame, std::span<const int32_t> o
     if (largest >= OrderedProgram::NEVER || m_before - after - leastPrice <= worth) {
         return IMPOSSIBLE;
     }
+    if (m_options.maxDisplacement < FARTHEST && !closeFarPlaces(order, window)) {
+        return IMPOSSIBLE;
+    }
     addOptions(order, left, right);
     const int32_t cost = m_program.solve(window);
     return cost >= OrderedProgram::NEVER ? IMPOSSIBLE : m_before - after - cost;
+}
+
+/// Places beyond the largest displacement cost NEVER. A cell that is beyond it stays as near as it is.
+///
+/// @return whether there is a place left for all
+bool WindowSolver::closeFarPlaces(std::span<const int32_t> order, int32_t window)
+{
+    const int32_t step = m_at.model().step;
+    for (size_t rank = 0; rank < order.size(); ++rank) {
+        const int32_t index = m_cells[static_cast<size_t>(order[rank])];
+        const ProgramItem& item = m_program.items[rank];
+        const Cell& cell = m_at.cell(index);
+        const int64_t up = std::abs(int64_t{m_at.yOf(m_row)} - m_at.startY(index));
+        const int64_t now = displacementOf(index, {index, cell.row, cell.x, cell.state});
+        const int64_t most = std::max<int64_t>(m_options.maxDisplacement, now) - up;
+        bool anyLeft = false;
+        for (int32_t p = 0; p < window; ++p) {
+            const int64_t x = int64_t{m_run->x} + int64_t{item.low + p} * step;
+            if (std::abs(x - m_at.startX(index)) > most) {
+                m_program.costRoom(rank, false)[p] = OrderedProgram::NEVER;
+                m_program.costRoom(rank, true)[p] = OrderedProgram::NEVER;
+            } else {
+                anyLeft = true;
+            }
+        }
+        if (!anyLeft) {
+            return false;
+        }
+    }
+    return true;
 }
 
 void WindowSolver::changes(std::vector<Change>& result)

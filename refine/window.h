@@ -70,7 +70,15 @@ private:
         const Reach* reach = nullptr;
     };
     Box boxOf(int32_t net, bool withTaken) const;
-    const State& stateOf(int32_t cell) const;
+    void addStart(int32_t cell);
+    int64_t displacementOf(int32_t cell, const Change& place) const;
+    Change placeOf(int32_t cell) const;
+    int32_t stitchesOf(int32_t kind, int32_t state) const
+    {
+        const Model& model = m_at.model();
+        return model.states[static_cast<size_t>(model.kinds[static_cast<size_t>(kind)].stateBegin + state)].stitches;
+    }
+    bool closeFarPlaces(std::span<const int32_t> order, int32_t window);
     void addProfile(size_t rank, int32_t taken, bool mirrored, int32_t x, int32_t sites, int32_t reference);
     /// What is beside the window on one side.
     struct Side {
