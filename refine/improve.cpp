@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
+#include <limits>
 #include <stdexcept>
 
 #include "refine/crew.h"
@@ -25,22 +27,24 @@ struct Task {
 
 /// One run.
 ///
-/// Tasks go in batches. All tasks of a batch look for a proposal in the placement as it is before the batch, side
-/// by side. Then the proposals are carried out one after the other, as far as those before have left them possible
-/// and good. So the result is the same for any number of threads.
+/// Tasks go in batches. All tasks of a batch look for a proposal in the placement as it is before the batch,
+/// side by side. Then the proposals are carried out one after the other, as far as those before have left
+/// them possible and good. So the result is the same for any number of threads.
 class Improver {
 public:
     Improver(Model& model, const Options& options, const Hooks& hooks)
         : m_model(model), m_options(options), m_hooks(hooks), m_at(model), m_crew(options.jobs),
-          m_tried(model.cells.size() * MOVES, 0)
+          m_tried(model.cells.size() * MOVES, 0),
+          m_batch(std::clamp<size_t>(model.cells.size() / 512, 8, 256))
     {
         m_at.setDisplacementWeight(
             static_cast<int32_t>(options.displacementPrice * Placement::WEIGHT / PRICE_PARTS));
         for (int32_t i = 0; i < m_crew.size(); ++i) {
             m_movers.emplace_back(m_at, options);
         }
-        m_tasks.reserve(BATCH);
-        m_proposals.resize(2*BATCH);m_again.reserve(BATCH);
+        m_tasks.reserve(m_batch);
+        m_proposals.resize(2 * m_batch);
+        m_again.reserve(m_batch);
     }
 
     Result run()
@@ -50,7 +54,7 @@ public:
         result.stitchesBefore = stitches();
         remember();
         const Plan plan = planOf(m_options.effort, m_model.cells.size());
-        for (int32_t pass = 0; pass < plan.bent + plan.straight && !m_stopped; ++pass) {
+        for (int32_t pass = 0; pass - plan.bent < plan.straight && !m_stopped; ++pass) {
             const int64_t before = m_bestCost;
             m_pass = {};
             m_passNumber = pass;
@@ -74,7 +78,6 @@ public:
     }
 
 private:
-    size_t BATCH = getenv("BATCH") ? (size_t)atoi(getenv("BATCH")) : 128;
     static constexpr auto TELL_EVERY = std::chrono::milliseconds(100);
     static constexpr int64_t PRICE_PARTS = 1000;   ///< that prices of displacement are given in
     static constexpr int64_t LEAST_SHARE = 20'000; ///< a pass that gains less than this part is the last
@@ -82,45 +85,41 @@ private:
     /// How many passes there are.
     struct Plan {
         int32_t bent = 0;     ///< with bent weights
-        int32_t straight = 0; ///< at most, without
+        int32_t straight = 1; ///< at most, without
     };
 
     static Plan planOf(int32_t effort, size_t cells)
     {
-        if (const char* e = getenv("AMP")) {
-            int b = 0, s = 0, a = 0;
-            sscanf(e, "%d,%d,%d", &b, &s, &a);
-            return {b, s};
-        }
+        static constexpr Plan PLANS[Options::MOST_EFFORT] = {{0, 0}, {0, 1}, {0, 1}, {0, 1}, {1, 1},
+                                                             {2, 2}, {3, 3}, {5, 5}, {8, 8}};
+        constexpr size_t BENT_CELLS = 150'000; // tries that bending is worth
+        constexpr int32_t MOST_BENT = 60;
         if (effort < Options::MOST_EFFORT) {
-            return {effort / 3, effort};
+            return PLANS[effort];
         }
-        return {std::clamp(static_cast<int32_t>(200'000 / std::max<size_t>(cells, 1)), 8, 60), 1000};
+        const size_t bent = BENT_CELLS / std::max<size_t>(cells, 1);
+        return {static_cast<int32_t>(std::min<size_t>(bent, MOST_BENT)), std::numeric_limits<int32_t>::max()};
     }
 
-    /// Bends the weights for a pass, less from pass to pass: what is better by other weights leads out of places
-    /// where nothing is better by the true ones (the noising method, Charon and Hudry, 1993).
+    /// Bends the weights for a pass, less from pass to pass: what is better by other weights leads out of
+    /// places where nothing is better by the true ones (the noising method, Charon and Hudry, 1993).
     void bend(int32_t pass, const Plan& plan)
     {
-        int32_t MOST_BEND = Placement::WEIGHT / 2;
-        if (const char* e = getenv("AMP")) {
-            int b = 0, s = 0, a = 0;
-            sscanf(e, "%d,%d,%d", &b, &s, &a);
-            MOST_BEND = a;
-        }
         if (pass <= plan.bent && plan.bent > 0) {
-            m_at.bendWeights(pass < plan.bent ? MOST_BEND * (plan.bent - pass) / plan.bent : 0,
-                             static_cast<uint64_t>(pass));
+            const int32_t most = Placement::WEIGHT / 2 * (plan.bent - pass) / plan.bent;
+            m_at.bendWeights(most, static_cast<uint64_t>(pass));
             std::ranges::fill(m_tried, 0);
         }
     }
 
     void runPass()
     {
+        timed(Move::INSERT, [&] { cellPass(); });
+        if (m_options.effort > 1) {
+            timed(Move::SWAP, [&] { cellPass(); });
+        }
         timed(Move::ROW, [&] { rowPass(); });
         timed(Move::REORDER, [&] { reorderPass(); });
-        timed(Move::INSERT, [&] { cellPass(); });
-        timed(Move::SWAP, [&] { cellPass(); });
     }
 
     int64_t stitches() const
@@ -179,7 +178,7 @@ private:
     void add(const Task& task)
     {
         m_tasks.push_back(task);
-        if (m_tasks.size() >= BATCH) {
+        if (m_tasks.size() >= m_batch) {
             carryOut();
         }
     }
@@ -190,7 +189,8 @@ private:
         const Clock::time_point now = Clock::now();
         if (m_hooks.onProgress && now - m_told > TELL_EVERY) {
             m_told = now;
-            const double done = static_cast<double>(m_figures->tried) / static_cast<double>(m_model.cells.size());
+            const double done =
+                static_cast<double>(m_figures->tried) / static_cast<double>(m_model.cells.size());
             const double share = (static_cast<double>(m_move) + std::min(done, 1.0)) / MOVES;
             m_stopped = m_stopped || !m_hooks.onProgress(m_passNumber, share, m_bestWirelength);
         }
@@ -239,6 +239,10 @@ private:
     void propose(Mover& mover, const Task& task, Proposal& proposal) const
     {
         Limits limits;
+        if (m_options.effort < 3) {
+            limits.rows = 2;
+            limits.slots = 2;
+        }
         switch (m_move) {
         case Move::ROW:
             mover.arrange(task.row, task.first, task.last, OrderedProgram::MOST_SITES, proposal);
@@ -251,8 +255,6 @@ private:
             break;
         case Move::SWAP:
             mover.swap(task.cell, limits, proposal);
-            break;
-        case Move::SHIFT:
             break;
         }
     }
@@ -339,6 +341,7 @@ private:
     Crew m_crew;
     std::vector<Mover> m_movers;   ///< [worker]
     std::vector<uint32_t> m_tried; ///< [cell][move] when a move last tried the cell
+    size_t m_batch;                ///< tasks: the larger the design, the less they are in each other's way
     uint32_t m_now = 1;
     std::vector<Task> m_tasks;
     std::vector<Task> m_again;         ///< others of the batch were in their way

@@ -228,7 +228,8 @@ void Mover::insert(int32_t index, const Limits& limits, Proposal& result)
     const Range wanted = bestY(cell.row);
     const std::vector<Row>& rows = m_at.model().rows;
     const int32_t target = std::clamp(m_at.yOf(cell.row), wanted.low, wanted.high);
-    const auto above = static_cast<int32_t>(std::ranges::lower_bound(rows, target, {}, &Row::y) - rows.begin());
+    const auto above =
+        static_cast<int32_t>(std::ranges::lower_bound(rows, target, {}, &Row::y) - rows.begin());
     const auto count = static_cast<int32_t>(rows.size());
     for (int32_t k = 0; k < 2 * limits.rows; ++k) {
         const int32_t row = k % 2 == 0 ? above + k / 2 : above - 1 - k / 2;
@@ -280,9 +281,9 @@ void Mover::insertInRow(int32_t index, int32_t row, int64_t budget, const Limits
         ++tried;
         const int32_t low = rank > 0 ? items[rank - 1].x + m_at.kindOf(m_at.cell(items[rank - 1].cell)).width
                                      : std::numeric_limits<int32_t>::min() / 2;
-        const int32_t high = rank < items.size() ? items[rank].x - width : std::numeric_limits<int32_t>::max() / 2;
-        tryPlace(index, row, rank, low <= high ? std::clamp(target, low, high) : low, budget, limits,
-                 result);
+        const int32_t high =
+            rank < items.size() ? items[rank].x - width : std::numeric_limits<int32_t>::max() / 2;
+        tryPlace(index, row, rank, low <= high ? std::clamp(target, low, high) : low, budget, limits, result);
     }
 }
 
@@ -406,7 +407,8 @@ void Mover::swap(int32_t index, const Limits& limits, Proposal& result)
     const Range wanted = bestY(cell.row);
     const std::vector<Row>& rows = m_at.model().rows;
     const int32_t target = std::clamp(m_at.yOf(cell.row), wanted.low, wanted.high);
-    const auto above = static_cast<int32_t>(std::ranges::lower_bound(rows, target, {}, &Row::y) - rows.begin());
+    const auto above =
+        static_cast<int32_t>(std::ranges::lower_bound(rows, target, {}, &Row::y) - rows.begin());
     const auto count = static_cast<int32_t>(rows.size());
     const int32_t x = std::clamp(cell.x, best.low, best.high);
     const int32_t width = m_at.kindOf(cell).width;
@@ -436,10 +438,9 @@ void Mover::swap(int32_t index, const Limits& limits, Proposal& result)
             }
             gather(otherIndex, index, m_otherPulls);
             const bool otherMirrored = m_at.stateOf(other).mirrored;
-            const int64_t second = heightCost(m_otherPulls, other.row) +
-                                   lengthCost(m_otherPulls, other.x, otherMirrored) -
-                                   heightCost(m_otherPulls, cell.row) -
-                                   lengthCost(m_otherPulls, cell.x - shift, otherMirrored);
+            const int64_t second =
+                heightCost(m_otherPulls, other.row) + lengthCost(m_otherPulls, other.x, otherMirrored) -
+                heightCost(m_otherPulls, cell.row) - lengthCost(m_otherPulls, cell.x - shift, otherMirrored);
             if (first + second > 0) {
                 candidates.emplace_back(-first - second, otherIndex);
             }
@@ -500,8 +501,8 @@ void Mover::trySwap(int32_t index, int32_t otherIndex, const Limits& limits, Pro
     std::vector<Stretch> stretches;
     for (const bool isOther : {true, false}) {
         WindowFrame frame;
-        if (!takeBeside(isOther ? other.row : cell.row, isOther ? otherRank : rank, isOther ? index : otherIndex,
-                        limits, frame)) {
+        if (!takeBeside(isOther ? other.row : cell.row, isOther ? otherRank : rank,
+                        isOther ? index : otherIndex, limits, frame)) {
             m_window.assume({});
             return;
         }
@@ -515,9 +516,9 @@ void Mover::trySwap(int32_t index, int32_t otherIndex, const Limits& limits, Pro
             return;
         }
         m_window.take(m_cells, frame.row);
-        const int64_t more = m_window.solve(
-            frame, m_order, m_targets, limits.sites,
-            isOther ? std::numeric_limits<int64_t>::min() : result.gain - gain);
+        const int64_t more =
+            m_window.solve(frame, m_order, m_targets, limits.sites,
+                           isOther ? std::numeric_limits<int64_t>::min() : result.gain - gain);
         if (more == WindowSolver::IMPOSSIBLE) {
             m_window.assume({});
             return;

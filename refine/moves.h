@@ -37,7 +37,9 @@ struct Limits {
 /// Searches for moves. One for each thread: it only reads the placement.
 class Mover {
 public:
-    Mover(const Placement& placement, const Options& options) : m_at(placement), m_window(placement, options) {}
+    Mover(const Placement& placement, const Options& options) : m_at(placement), m_window(placement, options)
+    {
+    }
 
     /// Cells side by side in their order, by ranks in a row. All are in one run.
     void arrange(int32_t row, size_t first, size_t last, int32_t sites, Proposal& result);
@@ -83,8 +85,8 @@ private:
     /// The x that cost least.
     Range bestX(bool mirrored);
     void insertInRow(int32_t cell, int32_t row, int64_t budget, const Limits& limits, Proposal& result);
-    void tryPlace(int32_t cell, int32_t row, size_t rank, int32_t target, int64_t budget, const Limits& limits,
-                  Proposal& result);
+    void tryPlace(int32_t cell, int32_t row, size_t rank, int32_t target, int64_t budget,
+                  const Limits& limits, Proposal& result);
     /// Where the cells of a window may be at most, units.
     Range roomOf(const WindowFrame& frame) const;
     WindowFrame frameOf(int32_t row, const Run& run, size_t first, size_t last, int32_t without) const;

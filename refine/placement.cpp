@@ -11,7 +11,8 @@ namespace {
 constexpr size_t NEAR = 4;       ///< ranks: cells that far away may be in one window
 constexpr size_t LARGE_NET = 32; ///< pins: a cell more or less changes little for the others
 
-/// A number that looks like chance, the same on every machine: the finalizer of SplitMix64 (Steele et al., 2014).
+/// A number that looks like chance, the same on every machine: the finalizer of SplitMix64 (Steele et al.,
+/// 2014).
 uint64_t mixed(uint64_t value)
 {
     value += 0x9E3779B97F4A7C15U;
@@ -63,8 +64,8 @@ Placement::Placement(Model& model)
             static_cast<int32_t>(i);
     }
     for (const KindPin& pin : model.kindPins) {
-        m_reaches.push_back({{{pin.x, pin.x}, {pin.mirroredX, pin.mirroredX}},
-                             {{pin.y, pin.y}, {pin.turnedY, pin.turnedY}}});
+        m_reaches.push_back(
+            {{{pin.x, pin.x}, {pin.mirroredX, pin.mirroredX}}, {{pin.y, pin.y}, {pin.turnedY, pin.turnedY}}});
     }
     std::map<std::vector<int32_t>, int32_t> known; // reaches of several pins
     for (size_t i = 0; i < model.cells.size(); ++i) {
@@ -159,7 +160,8 @@ void Placement::movePins(int32_t index)
     const bool turned = isTurned(at.row);
     const int32_t y = yOf(at.row);
     const KindPin* const kindPins = m_model.kindPins.data() + kindOf(at).pinBegin;
-    for (int32_t k = m_pinBegin[static_cast<size_t>(index)]; k < m_pinBegin[static_cast<size_t>(index) + 1]; ++k) {
+    for (int32_t k = m_pinBegin[static_cast<size_t>(index)]; k < m_pinBegin[static_cast<size_t>(index) + 1];
+         ++k) {
         const auto pin = static_cast<size_t>(m_pinsOfCell[static_cast<size_t>(k)]);
         const KindPin& offset = kindPins[m_model.pins[pin].kindPin];
         m_pins[pin].x = at.x + (mirrored ? offset.mirroredX : offset.x);

@@ -151,10 +151,10 @@ private:
     PairTable m_pairs;
     std::vector<int32_t> m_runBegin; ///< [row]
     std::vector<std::vector<Item>> m_items;
-    std::vector<PlacedPin> m_pins;       ///< as Model::pins
-    std::vector<int32_t> m_pinBegin;     ///< [cell] in m_pinsOfCell
-    std::vector<int32_t> m_pinsOfCell;   ///< in m_pins
-    std::vector<int32_t> m_termBegin;    ///< [cell] in m_terms
+    std::vector<PlacedPin> m_pins;     ///< as Model::pins
+    std::vector<int32_t> m_pinBegin;   ///< [cell] in m_pinsOfCell
+    std::vector<int32_t> m_pinsOfCell; ///< in m_pins
+    std::vector<int32_t> m_termBegin;  ///< [cell] in m_terms
     std::vector<Term> m_terms;
     std::vector<Reach> m_reaches;
     struct Point {
@@ -163,9 +163,9 @@ private:
     };
     std::vector<Point> m_start; ///< [cell]
     int32_t m_displacementWeight = 0;
-    std::vector<int32_t> m_weights;      ///< [net] in parts of 1 / WEIGHT
-    std::vector<uint32_t> m_touched;     ///< [cell]
-    std::vector<uint32_t> m_moved;       ///< [cell]
+    std::vector<int32_t> m_weights;  ///< [net] in parts of 1 / WEIGHT
+    std::vector<uint32_t> m_touched; ///< [cell]
+    std::vector<uint32_t> m_moved;   ///< [cell]
 };
 
 } // namespace refine

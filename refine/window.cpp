@@ -21,8 +21,8 @@ int32_t ceilDiv(int32_t a, int32_t b)
 } // namespace
 
 WindowSolver::WindowSolver(const Placement& placement, const Options& options)
-    : m_at(placement), m_options(options), m_stitchPrice(options.stitchPrice * Placement::WEIGHT), m_cellMark(placement.model().cells.size(), 0),
-      m_netMark(placement.model().nets.size(), 0)
+    : m_at(placement), m_options(options), m_stitchPrice(options.stitchPrice * Placement::WEIGHT),
+      m_cellMark(placement.model().cells.size(), 0), m_netMark(placement.model().nets.size(), 0)
 {
     const Model& model = placement.model();
     for (size_t kind = 0; kind + 1 < model.kinds.size(); ++kind) {
@@ -257,8 +257,8 @@ void WindowSolver::appendOptions(int32_t kind, const uint16_t* leftClassOf, int3
     for (int32_t s = 0; s < states; ++s) {
         const State& state = first[s];
         const auto price = static_cast<int32_t>(m_stitchPrice * state.stitches);
-        int32_t& best = m_best[static_cast<size_t>(
-            2 * (leftClassOf[s] * rightClasses + rightClassOf[s]) + (state.mirrored ? 1 : 0))];
+        int32_t& best = m_best[static_cast<size_t>(2 * (leftClassOf[s] * rightClasses + rightClassOf[s]) +
+                                                   (state.mirrored ? 1 : 0))];
         if (best < 0) {
             best = static_cast<int32_t>(options.size());
             options.push_back({leftClassOf[s], rightClassOf[s], s, price, state.mirrored});
@@ -299,11 +299,12 @@ void WindowSolver::addOptions(std::span<const int32_t> order, const Side& left, 
             const size_t begin = m_program.options.size();
             std::vector<ProgramOption> own;
             appendOptions(kind, leftClassOf, item.leftClasses, rightClassOf, item.rightClasses, own);
-            m_program.options.insert(m_program.options.begin() + static_cast<std::ptrdiff_t>(begin), own.begin(),
-                                     own.end());
+            m_program.options.insert(m_program.options.begin() + static_cast<std::ptrdiff_t>(begin),
+                                     own.begin(), own.end());
         } else {
             const uint64_t key = (static_cast<uint64_t>(leftKind + 1) << 42) |
-                                 (static_cast<uint64_t>(kind + 1) << 21) | static_cast<uint64_t>(rightKind + 1);
+                                 (static_cast<uint64_t>(kind + 1) << 21) |
+                                 static_cast<uint64_t>(rightKind + 1);
             if (m_known.empty() || m_knownCount > MOST_KNOWN) {
                 m_known.assign(4 * MOST_KNOWN, {});
                 m_knownOptions.clear();
@@ -318,7 +319,8 @@ void WindowSolver::addOptions(std::span<const int32_t> order, const Side& left, 
                 ++m_knownCount;
                 known.key = key;
                 known.begin = static_cast<uint32_t>(m_knownOptions.size());
-                appendOptions(kind, leftClassOf, item.leftClasses, rightClassOf, item.rightClasses, m_knownOptions);
+                appendOptions(kind, leftClassOf, item.leftClasses, rightClassOf, item.rightClasses,
+                              m_knownOptions);
                 known.end = static_cast<uint32_t>(m_knownOptions.size());
             }
             m_program.options.insert(m_program.options.end(), m_knownOptions.begin() + known.begin,
@@ -346,7 +348,8 @@ void WindowSolver::addProfile(size_t rank, int32_t taken, bool mirrored, int32_t
         bends[whole + 2] += weight * rest;
         bent = true;
     };
-    for (size_t t = m_termBegin[static_cast<size_t>(taken)]; t < m_termBegin[static_cast<size_t>(taken) + 1]; ++t) {
+    for (size_t t = m_termBegin[static_cast<size_t>(taken)]; t < m_termBegin[static_cast<size_t>(taken) + 1];
+         ++t) {
         const NetUse& net = m_nets[static_cast<size_t>(m_terms[t].net)];
         const Range& reach = m_terms[t].reach->x[mirrored ? 1 : 0];
         const Range& outside = net.outside.x;
