@@ -26,9 +26,10 @@ Anywhere& at(int32_t* to)
     return *reinterpret_cast<Anywhere*>(to);
 }
 
-void lower(Vector& value, const Vector& other)
+void lower(Vector& value, const Anywhere& other)
 {
-    value = other < value ? other : value;
+    const Vector compared = other;
+    value = compared < value ? compared : value;
 }
 
 template <int32_t WIDTH>
