@@ -3,8 +3,11 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
+#include <limits>
 #include <stdexcept>
 
+#include "refine/crew.h"
 #include "refine/moves.h"
 #include "refine/placement.h"
 
@@ -14,39 +17,142 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+/// What a move is to be tried with: a cell, or ranks in a row.
+struct Task {
+    int32_t cell = 0; ///< the cell, or the first one of the ranks
+    int32_t row = 0;
+    size_t first = 0; ///< rank
+    size_t last = 0;  ///< behind the last rank
+};
+
 /// One run.
+///
+/// Tasks go in batches. All tasks of a batch look for a proposal in the placement as it is before the batch,
+/// side by side. Then the proposals are carried out one after the other, as far as those before have left
+/// them possible and good. So the result is the same for any number of threads.
 class Improver {
 public:
     Improver(Model& model, const Options& options, const Hooks& hooks)
-        : m_model(model), m_options(options), m_hooks(hooks), m_at(model), m_mover(m_at, options),
-          m_tried(model.cells.size() * MOVES, 0)
+        : m_model(model), m_options(options), m_hooks(hooks), m_at(model), m_crew(options.jobs),
+          m_tried(model.cells.size() * MOVES, 0),
+          m_batch(std::clamp<size_t>(model.cells.size() / 512, 8, 256))
     {
+        m_at.setDisplacementWeight(
+            static_cast<int32_t>(options.displacementPrice * Placement::WEIGHT / PRICE_PARTS));
+        for (int32_t i = 0; i < m_crew.size(); ++i) {
+            m_movers.emplace_back(m_at, options);
+        }
+        m_tasks.reserve(m_batch);
+        m_proposals.resize(2 * m_batch);
+        m_again.reserve(m_batch);
     }
 
     Result run()
     {
         Result result;
         result.wirelengthBefore = wirelength(m_model);
-        const int32_t passes = m_options.effort == 0 ? 0 : m_options.effort < 9 ? m_options.effort : 1000;
-        int64_t last = result.wirelengthBefore;
-        for (int32_t pass = 0; pass < passes; ++pass) {
+        result.stitchesBefore = stitches();
+        remember();
+        const Plan plan = planOf(m_options.effort, m_model.cells.size());
+        for (int32_t pass = 0; pass - plan.bent < plan.straight && !m_stopped; ++pass) {
+            const int64_t before = m_bestCost;
             m_pass = {};
-            timed(Move::ROW, [&] { rowPass(); });
-            timed(Move::REORDER, [&] { reorderPass(); });
-            timed(Move::INSERT, [&] { insertPass(); });
-            timed(Move::SWAP, [&] { swapPass(); });
+            m_passNumber = pass;
+            bend(pass, plan);
+            runPass();
             m_pass.wirelength = wirelength(m_model);
+            m_pass.stitches = stitches();
             result.passes.push_back(m_pass);
-            if (last - m_pass.wirelength < last / 10000) {
+            remember();
+            if (pass >= plan.bent && before - m_bestCost < before / LEAST_SHARE) {
                 break;
             }
-            last = m_pass.wirelength;
+        }
+        if (cost() > m_bestCost) {
+            m_model.cells = m_best;
         }
         result.wirelengthAfter = wirelength(m_model);
+        result.stitchesAfter = stitches();
+        result.stopped = m_stopped;
         return result;
     }
 
 private:
+    static constexpr auto TELL_EVERY = std::chrono::milliseconds(100);
+    static constexpr int64_t PRICE_PARTS = 1000;   ///< that prices of displacement are given in
+    static constexpr int64_t LEAST_SHARE = 20'000; ///< a pass that gains less than this part is the last
+
+    /// How many passes there are.
+    struct Plan {
+        int32_t bent = 0;     ///< with bent weights
+        int32_t straight = 1; ///< at most, without
+    };
+
+    static Plan planOf(int32_t effort, size_t cells)
+    {
+        static constexpr Plan PLANS[Options::MOST_EFFORT] = {{0, 0}, {0, 1}, {0, 1}, {0, 1}, {1, 1},
+                                                             {2, 2}, {3, 3}, {5, 5}, {8, 8}};
+        constexpr size_t BENT_CELLS = 150'000; // tries that bending is worth
+        constexpr int32_t MOST_BENT = 60;
+        if (effort < Options::MOST_EFFORT) {
+            return PLANS[effort];
+        }
+        const size_t bent = BENT_CELLS / std::max<size_t>(cells, 1);
+        return {static_cast<int32_t>(std::min<size_t>(bent, MOST_BENT)), std::numeric_limits<int32_t>::max()};
+    }
+
+    /// Bends the weights for a pass, less from pass to pass: what is better by other weights leads out of
+    /// places where nothing is better by the true ones (the noising method, Charon and Hudry, 1993).
+    void bend(int32_t pass, const Plan& plan)
+    {
+        if (pass <= plan.bent && plan.bent > 0) {
+            const int32_t most = Placement::WEIGHT / 2 * (plan.bent - pass) / plan.bent;
+            m_at.bendWeights(most, static_cast<uint64_t>(pass));
+            std::ranges::fill(m_tried, 0);
+        }
+    }
+
+    void runPass()
+    {
+        timed(Move::INSERT, [&] { cellPass(); });
+        if (m_options.effort > 1) {
+            timed(Move::SWAP, [&] { cellPass(); });
+        }
+        timed(Move::ROW, [&] { rowPass(); });
+        timed(Move::REORDER, [&] { reorderPass(); });
+    }
+
+    int64_t stitches() const
+    {
+        int64_t sum = 0;
+        for (const Cell& cell : m_model.cells) {
+            sum += m_at.stateOf(cell).stitches;
+        }
+        return sum;
+    }
+
+    /// The objective by the true weights, in parts of 1 / WEIGHT.
+    int64_t cost() const
+    {
+        int64_t displacement = 0;
+        for (int32_t i = 0; i < static_cast<int32_t>(m_model.cells.size()); ++i) {
+            const Cell& cell = m_at.cell(i);
+            displacement += std::abs(int64_t{cell.x} - m_at.startX(i)) +
+                            std::abs(int64_t{m_at.yOf(cell.row)} - m_at.startY(i));
+        }
+        return Placement::WEIGHT * (wirelength(m_model) + m_options.stitchPrice * stitches()) +
+               m_at.displacementWeight() * displacement;
+    }
+
+    void remember()
+    {
+        if (const int64_t now = cost(); m_best.empty() || now < m_bestCost) {
+            m_bestCost = now;
+            m_best = m_model.cells;
+            m_bestWirelength = wirelength(m_model);
+        }
+    }
+
     template <typename Work>
     void timed(Move move, Work work)
     {
@@ -54,52 +160,103 @@ private:
         m_figures = &m_pass.moves[static_cast<int32_t>(move)];
         m_move = move;
         work();
+        while (!m_tasks.empty()) {
+            carryOut();
+        }
+        m_figures->gain /= Placement::WEIGHT;
         m_figures->seconds = std::chrono::duration<double>(Clock::now() - begin).count();
     }
 
+    uint32_t& triedOf(int32_t cell)
+    {
+        return m_tried[static_cast<size_t>(cell) * MOVES + static_cast<size_t>(m_move)];
+    }
+
     /// Whether a cell or what it depends on has changed since this move tried it.
-    bool isDue(int32_t cell)
-    {
-        return m_at.touched(cell) > m_tried[static_cast<size_t>(cell) * MOVES + static_cast<size_t>(m_move)];
-    }
+    bool isDue(int32_t cell) { return m_at.touched(cell) > triedOf(cell); }
 
-    void wasTried(int32_t cell)
+    void add(const Task& task)
     {
-        m_tried[static_cast<size_t>(cell) * MOVES + static_cast<size_t>(m_move)] = m_now;
-    }
-
-    void take(Proposal& proposal)
-    {
-        ++m_figures->tried;
-        if (proposal.gain > 0) {
-            ++m_figures->taken;
-            m_figures->gain += proposal.gain;
-#ifdef CHECK
-            std::string old;
-            { auto& items = m_at.items(proposal.changes[0].row);
-                for (auto& i : items) old += " [" + std::to_string(i.cell) + " " + std::to_string(i.x) + "]"; 
-                for (auto& r : m_at.runs(proposal.changes[0].row)) old += " run " + std::to_string(r.x) + " " + std::to_string(r.sites);
-                }
-#endif
-            m_at.apply(proposal.changes, ++m_now);
-#ifdef CHECK
-            static int64_t known = -1;
-            const int64_t now = wirelength(m_model);
-            Violations v = violationsOf(m_model);
-            if (v.sum() != 0 || (known >= 0 && m_options.stitchPrice == 0 && known - now != proposal.gain)) {
-                printf("move %d gain %ld true %ld viol %ld\n", (int)m_move, (long)proposal.gain, (long)(known-now), (long)v.sum());
-                for (auto& c : proposal.changes) {
-                    printf(" cell %d row %d x %d w %d state %d\n", c.cell, c.row, c.x, m_at.kindOf(m_at.cell(c.cell)).width, c.state);
-                }
-                auto& items = m_at.items(proposal.changes[0].row);
-                for (auto& i : items) printf(" [%d %d %d%s]", i.cell, i.x, i.x + m_at.kindOf(m_at.cell(i.cell)).width, m_at.cell(i.cell).fixed ? " F" : "");
-                puts(old.c_str()); exit(1);
-            }
-            known = now;
-#endif
+        m_tasks.push_back(task);
+        if (m_tasks.size() >= m_batch) {
+            carryOut();
         }
-        proposal.gain = 0;
-        proposal.changes.clear();
+    }
+
+    /// Calls the hook, if it is time to.
+    void tell()
+    {
+        const Clock::time_point now = Clock::now();
+        if (m_hooks.onProgress && now - m_told > TELL_EVERY) {
+            m_told = now;
+            const double done =
+                static_cast<double>(m_figures->tried) / static_cast<double>(m_model.cells.size());
+            const double share = (static_cast<double>(m_move) + std::min(done, 1.0)) / MOVES;
+            m_stopped = m_stopped || !m_hooks.onProgress(m_passNumber, share, m_bestWirelength);
+        }
+    }
+
+    /// Does the tasks of a batch.
+    void carryOut()
+    {
+        tell();
+        if (m_stopped) {
+            m_tasks.clear();
+            return;
+        }
+        const uint32_t since = m_now;
+        m_crew.run(m_tasks.size(), [&](size_t worker, size_t i) {
+            Proposal& proposal = m_proposals[i];
+            proposal.gain = 0;
+            propose(m_movers[worker], m_tasks[i], proposal);
+        });
+        for (size_t i = 0; i < m_tasks.size(); ++i) {
+            Proposal& proposal = m_proposals[i];
+            ++m_figures->tried;
+            for (size_t rank = m_tasks[i].first; rank < m_tasks[i].last; ++rank) {
+                triedOf(m_at.items(m_tasks[i].row)[rank].cell) = since;
+            }
+            triedOf(m_tasks[i].cell) = since;
+            if (proposal.gain <= 0) {
+                continue;
+            }
+            if (m_now != since) {
+                proposal.gain =
+                    m_movers.front().isPossible(proposal, since) ? m_movers.front().gainOf(proposal) : 0;
+            }
+            if (proposal.gain > 0) {
+                ++m_figures->taken;
+                m_figures->gain += proposal.gain;
+                m_at.apply(proposal.changes, ++m_now);
+            } else {
+                m_again.push_back(m_tasks[i]);
+            }
+        }
+        m_tasks.clear();
+        std::swap(m_tasks, m_again);
+    }
+
+    void propose(Mover& mover, const Task& task, Proposal& proposal) const
+    {
+        Limits limits;
+        if (m_options.effort < 3) {
+            limits.rows = 2;
+            limits.slots = 2;
+        }
+        switch (m_move) {
+        case Move::ROW:
+            mover.arrange(task.row, task.first, task.last, OrderedProgram::MOST_SITES, proposal);
+            break;
+        case Move::REORDER:
+            mover.reorder(task.row, task.first, task.last, proposal);
+            break;
+        case Move::INSERT:
+            mover.insert(task.cell, limits, proposal);
+            break;
+        case Move::SWAP:
+            mover.swap(task.cell, limits, proposal);
+            break;
+        }
     }
 
     /// Calls work(row, first, last) for what may move side by side.
@@ -125,73 +282,55 @@ private:
         }
     }
 
+    /// Adds the ranks from first to last as a task, unless none of the cells is due.
+    void addRanks(int32_t row, size_t first, size_t last)
+    {
+        const std::vector<Item>& items = m_at.items(row);
+        for (size_t i = first; i < last; ++i) {
+            if (isDue(items[i].cell)) {
+                add({items[first].cell, row, first, last});
+                return;
+            }
+        }
+    }
+
     void rowPass()
     {
         constexpr size_t CHUNK = 24;
-        forStretches([&](int32_t row, size_t begin, size_t end) {
-            for (size_t i = begin; i < end; i += CHUNK / 2) {
-                const size_t last = std::min(end, i + CHUNK);
-                const std::vector<Item>& items = m_at.items(row);
-                if (std::none_of(items.begin() + static_cast<std::ptrdiff_t>(i),
-                                 items.begin() + static_cast<std::ptrdiff_t>(last),
-                                 [&](const Item& item) { return isDue(item.cell); })) {
-                    continue;
+        for (const size_t offset : {size_t{0}, CHUNK / 2}) {
+            forStretches([&](int32_t row, size_t begin, size_t end) {
+                for (size_t i = begin + offset; i < end; i += CHUNK) {
+                    addRanks(row, i, std::min(end, i + CHUNK));
                 }
-                m_mover.arrange(row, i, last, OrderedProgram::MOST_SITES, m_proposal);
-                take(m_proposal);
-                for (size_t k = i; k < last; ++k) {
-                    wasTried(items[k].cell);
-                }
-                if (last == end) {
-                    break;
-                }
+            });
+            while (!m_tasks.empty()) {
+                carryOut();
             }
-        });
+        }
     }
 
     void reorderPass()
     {
         constexpr size_t CHUNK = 3;
-        forStretches([&](int32_t row, size_t begin, size_t end) {
-            for (size_t i = begin; i + CHUNK <= end; ++i) {
-                const std::vector<Item>& items = m_at.items(row);
-                if (!isDue(items[i].cell) && !isDue(items[i + 1].cell) && !isDue(items[i + 2].cell)) {
-                    continue;
+        for (size_t offset = 0; offset < CHUNK; ++offset) {
+            forStretches([&](int32_t row, size_t begin, size_t end) {
+                for (size_t i = begin + offset; i + CHUNK <= end; i += CHUNK) {
+                    addRanks(row, i, i + CHUNK);
                 }
-                m_mover.reorder(row, i, i + CHUNK, m_proposal);
-                wasTried(items[i].cell);
-                take(m_proposal);
+            });
+            while (!m_tasks.empty()) {
+                carryOut();
             }
-        });
-    }
-
-    void insertPass()
-    {
-        Limits limits;
-        if (const char* e = getenv("LIM")) sscanf(e, "%d,%d,%d,%d", &limits.rows, &limits.slots, &limits.beside, &limits.sites);
-        const auto count = static_cast<int32_t>(m_model.cells.size());
-        for (int32_t cell = 0; cell < count; ++cell) {
-            if (m_at.cell(cell).fixed || !isDue(cell)) {
-                continue;
-            }
-            wasTried(cell);
-            m_mover.insert(cell, limits, m_proposal);
-            take(m_proposal);
         }
     }
 
-    void swapPass()
+    void cellPass()
     {
-        Limits limits;
-        if (const char* e = getenv("LIMS")) sscanf(e, "%d,%d,%d,%d", &limits.rows, &limits.slots, &limits.beside, &limits.sites);
         const auto count = static_cast<int32_t>(m_model.cells.size());
-        for (int32_t cell = 0; cell < count; ++cell) {
-            if (m_at.cell(cell).fixed || !isDue(cell)) {
-                continue;
+        for (int32_t cell = 0; cell < count && !m_stopped; ++cell) {
+            if (!m_at.cell(cell).fixed && isDue(cell)) {
+                add({.cell = cell});
             }
-            wasTried(cell);
-            m_mover.swap(cell, limits, m_proposal);
-            take(m_proposal);
         }
     }
 
@@ -199,13 +338,23 @@ private:
     const Options& m_options;
     const Hooks& m_hooks;
     Placement m_at;
-    Mover m_mover;
+    Crew m_crew;
+    std::vector<Mover> m_movers;   ///< [worker]
     std::vector<uint32_t> m_tried; ///< [cell][move] when a move last tried the cell
+    size_t m_batch;                ///< tasks: the larger the design, the less they are in each other's way
     uint32_t m_now = 1;
+    std::vector<Task> m_tasks;
+    std::vector<Task> m_again;         ///< others of the batch were in their way
+    std::vector<Proposal> m_proposals; ///< [task]
+    std::vector<Cell> m_best;
+    int64_t m_bestCost = 0;
+    int64_t m_bestWirelength = 0;
+    Clock::time_point m_told = Clock::now();
+    int32_t m_passNumber = 0;
     Pass m_pass;
     MoveFigures* m_figures = nullptr;
     Move m_move = Move::ROW;
-    Proposal m_proposal;
+    bool m_stopped = false;
 };
 
 } // namespace

@@ -23,8 +23,8 @@ struct Options {
 };
 
 /// The moves, in the order of the report.
-enum class Move { ROW, REORDER, INSERT, SWAP, SHIFT };
-inline constexpr int32_t MOVES = 5;
+enum class Move { INSERT, SWAP, ROW, REORDER };
+inline constexpr int32_t MOVES = 4;
 
 /// What a move did in a pass.
 struct MoveFigures {

@@ -35,6 +35,36 @@ WindowFrame Mover::frameOf(int32_t row, const Run& run, size_t first, size_t las
     return frame;
 }
 
+Stretch Mover::stretchOf(const WindowFrame& frame) const
+{
+    const size_t first = frame.left < 0 ? 0 : m_at.rankOf(frame.left) + 1;
+    const size_t last = frame.right < 0 ? m_at.items(frame.row).size() : m_at.rankOf(frame.right);
+    return {frame.row, frame.left, frame.right, last - first};
+}
+
+bool Mover::isPossible(const Proposal& proposal, uint32_t since) const
+{
+    const auto stands = [&](int32_t cell) { return cell < 0 || m_at.moved(cell) <= since; };
+    return std::ranges::all_of(proposal.changes, stands, &Change::cell) &&
+           std::ranges::all_of(proposal.stretches, [&](const Stretch& stretch) {
+               return stands(stretch.left) && stands(stretch.right) &&
+                      stretchOf({.row = stretch.row, .left = stretch.left, .right = stretch.right}).count ==
+                          stretch.count;
+           });
+}
+
+int64_t Mover::gainOf(const Proposal& proposal)
+{
+    m_window.assume(proposal.changes);
+    m_cells.clear();
+    for (const Change& change : proposal.changes) {
+        m_cells.push_back(change.cell);
+    }
+    const int64_t gain = m_window.gainOf(m_cells);
+    m_window.assume({});
+    return gain;
+}
+
 void Mover::arrange(int32_t row, size_t first, size_t last, int32_t sites, Proposal& result)
 {
     const std::vector<Item>& items = m_at.items(row);
@@ -48,11 +78,13 @@ void Mover::arrange(int32_t row, size_t first, size_t last, int32_t sites, Propo
     }
     const Run* const run = m_at.runAt(row, items[first].x);
     m_window.take(m_cells, row);
-    const int64_t gain = m_window.solve(frameOf(row, *run, first, last, -1), m_order, m_targets, sites);
+    const WindowFrame frame = frameOf(row, *run, first, last, -1);
+    const int64_t gain = m_window.solve(frame, m_order, m_targets, sites, result.gain);
     if (gain > result.gain) {
         result.gain = gain;
         result.changes.clear();
         m_window.changes(result.changes);
+        result.stretches = {stretchOf(frame)};
     }
 }
 
@@ -71,11 +103,12 @@ void Mover::reorder(int32_t row, size_t first, size_t last, Proposal& result)
     const WindowFrame frame = frameOf(row, *run, first, last, -1);
     m_window.take(m_cells, row);
     while (std::ranges::next_permutation(m_order).found) {
-        const int64_t gain = m_window.solve(frame, m_order, m_targets, 32);
+        const int64_t gain = m_window.solve(frame, m_order, m_targets, 32, result.gain);
         if (gain > result.gain) {
             result.gain = gain;
             result.changes.clear();
             m_window.changes(result.changes);
+            result.stretches = {stretchOf(frame)};
         }
     }
 }
@@ -98,6 +131,12 @@ void Mover::gather(int32_t index, int32_t without, Pulls& pulls)
                 pull.outside.y.add(pin.y);
             }
         }
+    }
+    if (m_at.displacementWeight() > 0) { // the way to its start is a net of its own
+        static constexpr Reach CORNER{};
+        const int32_t x = m_at.startX(index);
+        const int32_t y = m_at.startY(index);
+        pulls.push_back({{{x, x}, {y, y}}, m_at.displacementWeight(), &CORNER});
     }
 }
 
@@ -180,16 +219,17 @@ void Mover::insert(int32_t index, const Limits& limits, Proposal& result)
     gather(index);
     const bool mirrored = m_at.stateOf(cell).mirrored;
     const int64_t now = heightCost(cell.row) + lengthCost(cell.x, mirrored);
-    const Range best = bestX(mirrored);
-    const Range other = bestX(!mirrored);
-    const int64_t least = std::min(lengthCost(best.low, mirrored), lengthCost(other.low, !mirrored));
+    m_best[0] = bestX(false);
+    m_best[1] = bestX(true);
+    const int64_t least = std::min(lengthCost(m_best[0].low, false), lengthCost(m_best[1].low, true));
     if (now - least <= 0) {
         return;
     }
     const Range wanted = bestY(cell.row);
     const std::vector<Row>& rows = m_at.model().rows;
     const int32_t target = std::clamp(m_at.yOf(cell.row), wanted.low, wanted.high);
-    const auto above = static_cast<int32_t>(std::ranges::lower_bound(rows, target, {}, &Row::y) - rows.begin());
+    const auto above =
+        static_cast<int32_t>(std::ranges::lower_bound(rows, target, {}, &Row::y) - rows.begin());
     const auto count = static_cast<int32_t>(rows.size());
     for (int32_t k = 0; k < 2 * limits.rows; ++k) {
         const int32_t row = k % 2 == 0 ? above + k / 2 : above - 1 - k / 2;
@@ -207,8 +247,7 @@ void Mover::insertInRow(int32_t index, int32_t row, int64_t budget, const Limits
 {
     const Cell& cell = m_at.cell(index);
     const std::vector<Item>& items = m_at.items(row);
-    const bool mirrored = m_at.stateOf(cell).mirrored;
-    const Range best = bestX(mirrored);
+    const Range& best = m_best[m_at.stateOf(cell).mirrored ? 1 : 0];
     const int32_t width = m_at.kindOf(cell).width;
     const int32_t target = std::clamp(cell.x, best.low, best.high);
     // Places beside the target, the nearest first: rank is that of the cell on the right.
@@ -217,8 +256,7 @@ void Mover::insertInRow(int32_t index, int32_t row, int64_t budget, const Limits
     const auto boundOf = [&](size_t rank) {
         const int32_t low = rank > 0 ? items[rank - 1].x : std::numeric_limits<int32_t>::min() / 2;
         const int32_t high = rank < items.size() ? items[rank].x : std::numeric_limits<int32_t>::max() / 2;
-        const int32_t x = std::clamp(target, low, std::max(low, high));
-        return std::min(lengthCost(x, mirrored), lengthCost(x, !mirrored));
+        return leastBetween(low, std::max(low, high));
     };
     int32_t tried = 0;
     bool leftOpen = true;
@@ -243,13 +281,39 @@ void Mover::insertInRow(int32_t index, int32_t row, int64_t budget, const Limits
         ++tried;
         const int32_t low = rank > 0 ? items[rank - 1].x + m_at.kindOf(m_at.cell(items[rank - 1].cell)).width
                                      : std::numeric_limits<int32_t>::min() / 2;
-        const int32_t high = rank < items.size() ? items[rank].x - width : std::numeric_limits<int32_t>::max() / 2;
-        tryPlace(index, row, rank, low <= high ? std::clamp(target, low, high) : low, limits, result);
+        const int32_t high =
+            rank < items.size() ? items[rank].x - width : std::numeric_limits<int32_t>::max() / 2;
+        tryPlace(index, row, rank, low <= high ? std::clamp(target, low, high) : low, budget, limits, result);
     }
 }
 
-void Mover::tryPlace(int32_t index, int32_t row, size_t rank, int32_t target, const Limits& limits,
-                     Proposal& result)
+int64_t Mover::leastBetween(int32_t low, int32_t high) const
+{
+    int64_t least = std::numeric_limits<int64_t>::max();
+    for (const bool mirrored : {false, true}) {
+        const Range& best = m_best[mirrored ? 1 : 0];
+        const int32_t x = best.high < low ? low : best.low > high ? high : std::max(best.low, low);
+        least = std::min(least, lengthCost(x, mirrored));
+    }
+    return least;
+}
+
+Range Mover::roomOf(const WindowFrame& frame) const
+{
+    Range room{frame.run->x, frame.run->x + frame.run->sites * m_at.model().step};
+    if (frame.left >= 0) {
+        const Cell& cell = m_at.cell(frame.left);
+        room.low = std::max(room.low, cell.x + (cell.fixed ? 0 : m_at.kindOf(cell).width));
+    }
+    if (frame.right >= 0) {
+        const Cell& cell = m_at.cell(frame.right);
+        room.high = std::min(room.high, cell.x + (cell.fixed ? m_at.kindOf(cell).width : 0));
+    }
+    return room;
+}
+
+void Mover::tryPlace(int32_t index, int32_t row, size_t rank, int32_t target, int64_t budget,
+                     const Limits& limits, Proposal& result)
 {
     const std::vector<Item>& items = m_at.items(row);
     const Cell& cell = m_at.cell(index);
@@ -306,13 +370,29 @@ void Mover::tryPlace(int32_t index, int32_t row, size_t rank, int32_t target, co
         m_cells.push_back(index);
         m_targets.push_back(target);
     }
+    const WindowFrame frame = frameOf(row, *run, first, last, index);
+    const Range room = roomOf(frame);
+    int32_t left = 0; // widths of those on the left of the cell
+    int32_t all = 0;
+    for (const int32_t other : m_cells) {
+        left = other == index ? all : left;
+        all += m_at.kindOf(m_at.cell(other)).width;
+    }
+    const int32_t slack = room.high - room.low - all;
+    if (slack < 0) {
+        return;
+    }
+    const int32_t low = room.low + left;
+    if (budget - leastBetween(low, low + slack) <= result.gain) {
+        return;
+    }
     m_window.take(m_cells, row);
-    const int64_t gain =
-        m_window.solve(frameOf(row, *run, first, last, index), m_order, m_targets, limits.sites);
+    const int64_t gain = m_window.solve(frame, m_order, m_targets, limits.sites, result.gain);
     if (gain > result.gain) {
         result.gain = gain;
         result.changes.clear();
         m_window.changes(result.changes);
+        result.stretches = {stretchOf(frame)};
     }
 }
 
@@ -327,7 +407,8 @@ void Mover::swap(int32_t index, const Limits& limits, Proposal& result)
     const Range wanted = bestY(cell.row);
     const std::vector<Row>& rows = m_at.model().rows;
     const int32_t target = std::clamp(m_at.yOf(cell.row), wanted.low, wanted.high);
-    const auto above = static_cast<int32_t>(std::ranges::lower_bound(rows, target, {}, &Row::y) - rows.begin());
+    const auto above =
+        static_cast<int32_t>(std::ranges::lower_bound(rows, target, {}, &Row::y) - rows.begin());
     const auto count = static_cast<int32_t>(rows.size());
     const int32_t x = std::clamp(cell.x, best.low, best.high);
     const int32_t width = m_at.kindOf(cell).width;
@@ -357,10 +438,9 @@ void Mover::swap(int32_t index, const Limits& limits, Proposal& result)
             }
             gather(otherIndex, index, m_otherPulls);
             const bool otherMirrored = m_at.stateOf(other).mirrored;
-            const int64_t second = heightCost(m_otherPulls, other.row) +
-                                   lengthCost(m_otherPulls, other.x, otherMirrored) -
-                                   heightCost(m_otherPulls, cell.row) -
-                                   lengthCost(m_otherPulls, cell.x - shift, otherMirrored);
+            const int64_t second =
+                heightCost(m_otherPulls, other.row) + lengthCost(m_otherPulls, other.x, otherMirrored) -
+                heightCost(m_otherPulls, cell.row) - lengthCost(m_otherPulls, cell.x - shift, otherMirrored);
             if (first + second > 0) {
                 candidates.emplace_back(-first - second, otherIndex);
             }
@@ -418,21 +498,34 @@ void Mover::trySwap(int32_t index, int32_t otherIndex, const Limits& limits, Pro
     m_window.assume(m_assumed);
     int64_t gain = m_window.gainOf(both);
     std::vector<Change> changes;
+    std::vector<Stretch> stretches;
     for (const bool isOther : {true, false}) {
         WindowFrame frame;
-        if (!takeBeside(isOther ? other.row : cell.row, isOther ? otherRank : rank, isOther ? index : otherIndex,
-                        limits, frame)) {
+        if (!takeBeside(isOther ? other.row : cell.row, isOther ? otherRank : rank,
+                        isOther ? index : otherIndex, limits, frame)) {
+            m_window.assume({});
+            return;
+        }
+        const Range room = roomOf(frame);
+        int32_t slack = room.high - room.low;
+        for (const int32_t one : m_cells) {
+            slack -= m_at.kindOf(m_at.cell(one)).width;
+        }
+        if (slack < 0) {
             m_window.assume({});
             return;
         }
         m_window.take(m_cells, frame.row);
-        const int64_t more = m_window.solve(frame, m_order, m_targets, limits.sites);
+        const int64_t more =
+            m_window.solve(frame, m_order, m_targets, limits.sites,
+                           isOther ? std::numeric_limits<int64_t>::min() : result.gain - gain);
         if (more == WindowSolver::IMPOSSIBLE) {
             m_window.assume({});
             return;
         }
         gain += more;
         m_window.changes(changes);
+        stretches.push_back(stretchOf(frame));
         m_assumed = changes;
         if (isOther) {
             m_assumed.push_back({otherIndex, cell.row, cell.x, other.state});
@@ -443,6 +536,7 @@ void Mover::trySwap(int32_t index, int32_t otherIndex, const Limits& limits, Pro
     if (gain > result.gain) {
         result.gain = gain;
         result.changes = changes;
+        result.stretches = stretches;
     }
 }
 

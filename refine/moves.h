@@ -11,10 +11,19 @@
 
 namespace refine {
 
+/// The cells of a row between two that stay.
+struct Stretch {
+    int32_t row = 0;
+    int32_t left = -1;  ///< cell, -1 for the end of the row
+    int32_t right = -1; ///< cell, -1 for the end of the row
+    size_t count = 0;   ///< cells between them
+};
+
 /// Changes that belong together.
 struct Proposal {
     int64_t gain = 0; ///< what the objective falls by; none is proposed if it is not positive
     std::vector<Change> changes;
+    std::vector<Stretch> stretches; ///< where the changed cells stand then
 };
 
 /// How far a search goes.
@@ -28,7 +37,9 @@ struct Limits {
 /// Searches for moves. One for each thread: it only reads the placement.
 class Mover {
 public:
-    Mover(const Placement& placement, const Options& options) : m_at(placement), m_window(placement, options) {}
+    Mover(const Placement& placement, const Options& options) : m_at(placement), m_window(placement, options)
+    {
+    }
 
     /// Cells side by side in their order, by ranks in a row. All are in one run.
     void arrange(int32_t row, size_t first, size_t last, int32_t sites, Proposal& result);
@@ -38,6 +49,14 @@ public:
 
     /// A cell to where its nets want it, and its neighbours there make room.
     void insert(int32_t cell, const Limits& limits, Proposal& result);
+
+    /// Whether a proposal that was made before other changes can be carried out still.
+    ///
+    /// @param since  when it was made
+    bool isPossible(const Proposal& proposal, uint32_t since) const;
+
+    /// What the objective falls by if a proposal is carried out now.
+    int64_t gainOf(const Proposal& proposal);
 
     /// A cell and one near where its nets want it change places; neighbours make room on both sides.
     void swap(int32_t cell, const Limits& limits, Proposal& result);
@@ -61,16 +80,22 @@ private:
     Range bestY(int32_t row);
     void trySwap(int32_t cell, int32_t other, const Limits& limits, Proposal& result);
     bool takeBeside(int32_t row, size_t rank, int32_t instead, const Limits& limits, WindowFrame& frame);
+    /// What a cell costs at least with its left edge from one x to another, in either way to lie.
+    int64_t leastBetween(int32_t low, int32_t high) const;
     /// The x that cost least.
     Range bestX(bool mirrored);
     void insertInRow(int32_t cell, int32_t row, int64_t budget, const Limits& limits, Proposal& result);
-    void tryPlace(int32_t cell, int32_t row, size_t rank, int32_t target, const Limits& limits,
-                  Proposal& result);
+    void tryPlace(int32_t cell, int32_t row, size_t rank, int32_t target, int64_t budget,
+                  const Limits& limits, Proposal& result);
+    /// Where the cells of a window may be at most, units.
+    Range roomOf(const WindowFrame& frame) const;
     WindowFrame frameOf(int32_t row, const Run& run, size_t first, size_t last, int32_t without) const;
+    Stretch stretchOf(const WindowFrame& frame) const;
 
     const Placement& m_at;
     WindowSolver m_window;
     Pulls m_pulls;
+    Range m_best[2]; ///< [mirrored] x that cost least
     Pulls m_otherPulls;
     std::vector<Change> m_assumed;
     std::vector<std::pair<int32_t, int32_t>> m_bends;

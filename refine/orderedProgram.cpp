@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cassert>
 
+#include "refine/programStep.h"
+
 namespace refine {
 
 void OrderedProgram::clear(size_t count)
@@ -18,64 +20,49 @@ void OrderedProgram::clear(size_t count)
     }
 }
 
-template <int32_t WIDTH>
-int32_t OrderedProgram::solveWidth(int32_t sites)
+OrderedProgram::OrderedProgram() : m_step(programStepsHere().back()) {}
+
+int32_t OrderedProgram::solve(int32_t sites)
 {
+    assert(sites > 0 && sites <= MOST_SITES);
+    m_sites = sites;
+    m_width = sites <= 8 ? 8 : sites <= 16 ? 16 : sites <= 32 ? 32 : MOST_SITES;
     size_t room = 0;
-    size_t mostClasses = 0;
+    int32_t mostClasses = 0;
     m_begin.clear();
     for (const ProgramItem& item : items) {
         m_begin.push_back(room);
-        room += static_cast<size_t>(item.rightClasses) * 3 * WIDTH;
-        mostClasses = std::max(mostClasses, static_cast<size_t>(item.leftClasses));
+        room += static_cast<size_t>(item.rightClasses * 3 * m_width);
+        mostClasses = std::max(mostClasses, item.leftClasses);
     }
-    if (m_profiles.size() < room) {
-        m_profiles.resize(room);
+    m_profiles.resize(std::max(m_profiles.size(), room));
+    m_arrivals.resize(std::max(m_arrivals.size(), static_cast<size_t>(mostClasses * m_width)));
+    for (int32_t c = 0; c < items.front().leftClasses; ++c) {
+        const int32_t first = earliest[static_cast<size_t>(c)] - items.front().low;
+        for (int32_t p = 0; p < m_width; ++p) {
+            m_arrivals[static_cast<size_t>(c * m_width + p)] = p < first ? NEVER : 0;
+        }
     }
-    if (m_arrivals.size() < mostClasses * WIDTH) {
-        m_arrivals.resize(mostClasses * WIDTH);
-    }
+    ProgramStep step{.width = m_width, .sites = sites, .arrivals = m_arrivals.data()};
     for (size_t i = 0; i < items.size(); ++i) {
         const ProgramItem& item = items[i];
-        for (int32_t c = 0; c < item.leftClasses; ++c) {
-            int32_t* const arrival = m_arrivals.data() + c * WIDTH;
-            if (i == 0) {
-                const int32_t first = earliest[static_cast<size_t>(c)] - item.low;
-                for (int32_t p = 0; p < WIDTH; ++p) {
-                    arrival[p] = p < first ? NEVER : 0;
-                }
-                continue;
+        step.leftClasses = item.leftClasses;
+        step.rightClasses = item.rightClasses;
+        if (i > 0) {
+            step.classesBefore = items[i - 1].rightClasses;
+            step.before = m_profiles.data() + m_begin[i - 1];
+            m_shifts.clear();
+            for (int32_t k = 0; k < step.classesBefore * item.leftClasses; ++k) {
+                m_shifts.push_back(shift(i, item.gaps[k]));
             }
-            std::fill_n(arrival, WIDTH, NEVER);
-            for (int32_t r = 0; r < items[i - 1].rightClasses; ++r) {
-                const int32_t* const before = profile(i - 1, r) + shift(i, item.gaps[r * item.leftClasses + c]);
-                for (int32_t p = 0; p < WIDTH; ++p) {
-                    arrival[p] = std::min(arrival[p], before[p]);
-                }
-            }
+            step.shifts = m_shifts.data();
         }
-        int32_t* const profiles = m_profiles.data() + m_begin[i];
-        for (int32_t r = 0; r < item.rightClasses; ++r) {
-            std::fill_n(profiles + r * 3 * WIDTH, 2 * WIDTH, NEVER);
-        }
-        for (int32_t o = item.optionBegin; o < item.optionEnd; ++o) {
-            const ProgramOption& option = options[static_cast<size_t>(o)];
-            const int32_t* const arrival = m_arrivals.data() + option.leftClass * WIDTH;
-            const int32_t* const costs = item.costs[option.mirrored ? 1 : 0];
-            int32_t* const profile = profiles + option.rightClass * 3 * WIDTH + WIDTH;
-            const int32_t price = option.price;
-            for (int32_t p = 0; p < WIDTH; ++p) {
-                profile[p] = std::min(profile[p], arrival[p] + costs[p] + price);
-            }
-        }
-        for (int32_t r = 0; r < item.rightClasses; ++r) {
-            int32_t* const profile = profiles + r * 3 * WIDTH + WIDTH;
-            int32_t least = NEVER;
-            for (int32_t p = 0; p < sites; ++p) {
-                profile[p] = least = std::min(least, profile[p]);
-            }
-            std::fill(profile + sites, profile + 2 * WIDTH, least);
-        }
+        step.options = options.data() + item.optionBegin;
+        step.optionCount = item.optionEnd - item.optionBegin;
+        step.costs[0] = item.costs[0];
+        step.costs[1] = item.costs[1];
+        step.profiles = m_profiles.data() + m_begin[i];
+        m_step(step);
     }
     int32_t best = NEVER;
     const ProgramItem& last = items.back();
@@ -86,17 +73,6 @@ int32_t OrderedProgram::solveWidth(int32_t sites)
         }
     }
     return best;
-}
-
-int32_t OrderedProgram::solve(int32_t sites)
-{
-    assert(sites > 0 && sites <= MOST_SITES);
-    m_sites = sites;
-    m_width = sites <= 8 ? 8 : sites <= 16 ? 16 : sites <= 32 ? 32 : 64;
-    return m_width == 8    ? solveWidth<8>(sites)
-           : m_width == 16 ? solveWidth<16>(sites)
-           : m_width == 32 ? solveWidth<32>(sites)
-                           : solveWidth<64>(sites);
 }
 
 void OrderedProgram::trace(std::vector<ProgramSpot>& spots) const
@@ -117,7 +93,8 @@ void OrderedProgram::trace(std::vector<ProgramSpot>& spots) const
     for (size_t i = items.size(); i-- > 0;) {
         const ProgramItem& item = items[i];
         const int32_t* const own = profile(i, rightClass);
-        const auto site = static_cast<int32_t>(std::lower_bound(own, own + limit + 1, cost, std::greater<>()) - own);
+        const auto site =
+            static_cast<int32_t>(std::lower_bound(own, own + limit + 1, cost, std::greater<>()) - own);
         spots[i].site = item.low + site;
         bool found = false;
         for (int32_t o = item.optionBegin; o < item.optionEnd && !found; ++o) {

@@ -10,19 +10,19 @@
 
 namespace refine {
 
-/// Gaps of all pairs of kinds that may move. For a given kind on its right, the states of a kind fall into a few
-/// classes of equal gaps, and so do those of a kind for one on its left.
+/// Gaps of all pairs of kinds that may move. For a given kind on its right, the states of a kind fall into a
+/// few classes of equal gaps, and so do those of a kind for one on its left.
 class PairTable {
 public:
     static constexpr int32_t NONE = 1 << 20; ///< sites: a gap that no run has
 
     /// Two kinds side by side.
     struct Pair {
-        int32_t leftClasses = 0;       ///< of states of the left kind
-        int32_t rightClasses = 0;      ///< of states of the right kind
+        int32_t leftClasses = 0;                ///< of states of the left kind
+        int32_t rightClasses = 0;               ///< of states of the right kind
         const uint16_t* leftClassOf = nullptr;  ///< [state of the left kind]
         const uint16_t* rightClassOf = nullptr; ///< [state of the right kind]
-        const int32_t* gaps = nullptr; ///< [left class * rightClasses + right class] sites
+        const int32_t* gaps = nullptr;          ///< [left class * rightClasses + right class] sites
     };
 
     /// @param model  must outlive this; kinds of its fixed cells are left out
@@ -32,8 +32,8 @@ public:
     Pair of(int32_t left, int32_t right) const;
 
     /// Units from the right edge of a cell to the left edge of the next one, at least. It is larger than
-    /// Model::gaps says where the right cell is so narrow that the cell behind it might be too close to the left
-    /// one.
+    /// Model::gaps says where the right cell is so narrow that the cell behind it might be too close to the
+    /// left one.
     int32_t between(int32_t leftKind, int32_t leftState, int32_t rightKind, int32_t rightState) const
     {
         const int32_t gap = m_gaps[viewOf(leftKind, leftState).right * m_views +

@@ -11,12 +11,23 @@ namespace {
 constexpr size_t NEAR = 4;       ///< ranks: cells that far away may be in one window
 constexpr size_t LARGE_NET = 32; ///< pins: a cell more or less changes little for the others
 
+/// A number that looks like chance, the same on every machine: the finalizer of SplitMix64 (Steele et al.,
+/// 2014).
+uint64_t mixed(uint64_t value)
+{
+    value += 0x9E3779B97F4A7C15U;
+    value = (value ^ value >> 30) * 0xBF58476D1CE4E5B9U;
+    value = (value ^ value >> 27) * 0x94D049BB133111EBU;
+    return value ^ value >> 31;
+}
+
 } // namespace
 
 Placement::Placement(Model& model)
     : m_model(model), m_pairs(model), m_runBegin(model.rows.size() + 1, 0), m_items(model.rows.size()),
       m_pinBegin(model.cells.size() + 1, 0), m_pinsOfCell(model.pins.size()),
-      m_termBegin(model.cells.size() + 1, 0), m_touched(model.cells.size(), 1)
+      m_termBegin(model.cells.size() + 1, 0), m_weights(model.nets.size()), m_touched(model.cells.size(), 1),
+      m_moved(model.cells.size(), 0)
 {
     for (const Run& run : model.runs) {
         ++m_runBegin[static_cast<size_t>(run.row) + 1];
@@ -26,6 +37,8 @@ Placement::Placement(Model& model)
     }
     for (size_t i = 0; i < model.cells.size(); ++i) {
         const Cell& cell = model.cells[i];
+        m_start.push_back({model.startX.empty() ? cell.x : model.startX[i],
+                           model.startY.empty() ? yOf(cell.row) : model.startY[i]});
         m_items[static_cast<size_t>(cell.row)].push_back({cell.x, static_cast<int32_t>(i)});
     }
     for (std::vector<Item>& items : m_items) {
@@ -38,6 +51,7 @@ Placement::Placement(Model& model)
     for (size_t i = 1; i < m_pinBegin.size(); ++i) {
         m_pinBegin[i] += m_pinBegin[i - 1];
     }
+    bendWeights(0, 0);
     std::vector<int32_t> next(m_pinBegin.begin(), m_pinBegin.end() - 1);
     std::vector<int32_t> netOf(model.pins.size());
     for (size_t net = 0; net + 1 < model.nets.size(); ++net) {
@@ -50,8 +64,8 @@ Placement::Placement(Model& model)
             static_cast<int32_t>(i);
     }
     for (const KindPin& pin : model.kindPins) {
-        m_reaches.push_back({{{pin.x, pin.x}, {pin.mirroredX, pin.mirroredX}},
-                             {{pin.y, pin.y}, {pin.turnedY, pin.turnedY}}});
+        m_reaches.push_back(
+            {{{pin.x, pin.x}, {pin.mirroredX, pin.mirroredX}}, {{pin.y, pin.y}, {pin.turnedY, pin.turnedY}}});
     }
     std::map<std::vector<int32_t>, int32_t> known; // reaches of several pins
     for (size_t i = 0; i < model.cells.size(); ++i) {
@@ -96,6 +110,15 @@ Placement::Placement(Model& model)
     }
 }
 
+void Placement::bendWeights(int32_t most, uint64_t seed)
+{
+    const auto choices = static_cast<uint64_t>(2 * most + 1);
+    for (size_t net = 0; net < m_weights.size(); ++net) {
+        const auto bend = static_cast<int32_t>(mixed(seed << 32 | net) % choices) - most;
+        m_weights[net] = m_model.nets[net].weight * (WEIGHT + bend);
+    }
+}
+
 size_t Placement::rankFrom(int32_t row, int32_t x) const
 {
     const std::vector<Item>& all = items(row);
@@ -137,7 +160,8 @@ void Placement::movePins(int32_t index)
     const bool turned = isTurned(at.row);
     const int32_t y = yOf(at.row);
     const KindPin* const kindPins = m_model.kindPins.data() + kindOf(at).pinBegin;
-    for (int32_t k = m_pinBegin[static_cast<size_t>(index)]; k < m_pinBegin[static_cast<size_t>(index) + 1]; ++k) {
+    for (int32_t k = m_pinBegin[static_cast<size_t>(index)]; k < m_pinBegin[static_cast<size_t>(index) + 1];
+         ++k) {
         const auto pin = static_cast<size_t>(m_pinsOfCell[static_cast<size_t>(k)]);
         const KindPin& offset = kindPins[m_model.pins[pin].kindPin];
         m_pins[pin].x = at.x + (mirrored ? offset.mirroredX : offset.x);
@@ -170,6 +194,7 @@ void Placement::apply(std::span<const Change> changes, uint32_t now)
         at.row = change.row;
         at.x = change.x;
         at.state = change.state;
+        m_moved[static_cast<size_t>(change.cell)] = now;
         std::vector<Item>& to = m_items[static_cast<size_t>(change.row)];
         to.insert(to.begin() + static_cast<std::ptrdiff_t>(rankFrom(change.row, change.x)),
                   {change.x, change.cell});

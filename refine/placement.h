@@ -117,7 +117,21 @@ public:
         const Net& at = m_model.nets[static_cast<size_t>(net)];
         return {{at.xl, at.xh}, {at.yl, at.yh}};
     }
-    int32_t weightOf(int32_t net) const { return m_model.nets[static_cast<size_t>(net)].weight; }
+    /// Weights and prices are counted in parts of 1 / WEIGHT, so that they can be bent a little.
+    static constexpr int32_t WEIGHT = 32;
+    int32_t weightOf(int32_t net) const { return m_weights[static_cast<size_t>(net)]; }
+
+    /// What a unit that a cell is from its start costs, in the same parts.
+    int32_t displacementWeight() const { return m_displacementWeight; }
+    void setDisplacementWeight(int32_t weight) { m_displacementWeight = weight; }
+    /// Where a cell's displacement is measured from, units.
+    int32_t startX(int32_t cell) const { return m_start[static_cast<size_t>(cell)].x; }
+    int32_t startY(int32_t cell) const { return m_start[static_cast<size_t>(cell)].y; }
+
+    /// Bends the weights of all nets at random, each by at most `most`; 0 sets them straight.
+    ///
+    /// @param seed  another one, other weights
+    void bendWeights(int32_t most, uint64_t seed);
 
     /// Moves cells.
     ///
@@ -126,6 +140,8 @@ public:
 
     /// When a cell or what it depends on was changed last.
     uint32_t touched(int32_t cell) const { return m_touched[static_cast<size_t>(cell)]; }
+    /// When a cell was moved last.
+    uint32_t moved(int32_t cell) const { return m_moved[static_cast<size_t>(cell)]; }
 
 private:
     void movePins(int32_t cell);
@@ -135,13 +151,21 @@ private:
     PairTable m_pairs;
     std::vector<int32_t> m_runBegin; ///< [row]
     std::vector<std::vector<Item>> m_items;
-    std::vector<PlacedPin> m_pins;       ///< as Model::pins
-    std::vector<int32_t> m_pinBegin;     ///< [cell] in m_pinsOfCell
-    std::vector<int32_t> m_pinsOfCell;   ///< in m_pins
-    std::vector<int32_t> m_termBegin;    ///< [cell] in m_terms
+    std::vector<PlacedPin> m_pins;     ///< as Model::pins
+    std::vector<int32_t> m_pinBegin;   ///< [cell] in m_pinsOfCell
+    std::vector<int32_t> m_pinsOfCell; ///< in m_pins
+    std::vector<int32_t> m_termBegin;  ///< [cell] in m_terms
     std::vector<Term> m_terms;
     std::vector<Reach> m_reaches;
-    std::vector<uint32_t> m_touched;     ///< [cell]
+    struct Point {
+        int32_t x;
+        int32_t y;
+    };
+    std::vector<Point> m_start; ///< [cell]
+    int32_t m_displacementWeight = 0;
+    std::vector<int32_t> m_weights;  ///< [net] in parts of 1 / WEIGHT
+    std::vector<uint32_t> m_touched; ///< [cell]
+    std::vector<uint32_t> m_moved;   ///< [cell]
 };
 
 } // namespace refine

@@ -21,22 +21,29 @@ int32_t ceilDiv(int32_t a, int32_t b)
 } // namespace
 
 WindowSolver::WindowSolver(const Placement& placement, const Options& options)
-    : m_at(placement), m_options(options), m_cellMark(placement.model().cells.size(), 0),
-      m_netMark(placement.model().nets.size(), 0)
+    : m_at(placement), m_options(options), m_stitchPrice(options.stitchPrice * Placement::WEIGHT),
+      m_cellMark(placement.model().cells.size(), 0), m_netMark(placement.model().nets.size(), 0)
 {
+    const Model& model = placement.model();
+    for (size_t kind = 0; kind + 1 < model.kinds.size(); ++kind) {
+        KindFacts& facts = m_facts.emplace_back();
+        facts.sites = ceilDiv(model.kinds[kind].width, model.step);
+        facts.leastPrice = std::numeric_limits<int32_t>::max();
+        const auto states = static_cast<size_t>(model.stateCount(static_cast<int32_t>(kind)));
+        for (size_t s = 0; s < states; ++s) {
+            const State& state = model.states[static_cast<size_t>(model.kinds[kind].stateBegin) + s];
+            const auto price = static_cast<int32_t>(m_stitchPrice * state.stitches);
+            facts.lies[state.mirrored ? 1 : 0] = true;
+            facts.leastPrice = std::min(facts.leastPrice, price);
+            facts.mostPrice = std::max(facts.mostPrice, price);
+        }
+        m_oneClass.resize(std::max(m_oneClass.size(), states), 0);
+    }
 }
 
 void WindowSolver::assume(std::span<const Change> changes)
 {
     m_assumed.assign(changes.begin(), changes.end());
-}
-
-const State& WindowSolver::stateOf(int32_t index) const
-{
-    const auto at = std::ranges::find(m_assumed, index, &Change::cell);
-    const Cell& cell = m_at.cell(index);
-    return at == m_assumed.end() ? m_at.stateOf(cell)
-                                 : m_at.model().states[static_cast<size_t>(m_at.kindOf(cell).stateBegin + at->state)];
 }
 
 /// The box of a net where its cells are assumed to be.
@@ -71,19 +78,23 @@ int64_t WindowSolver::gainOf(std::span<const int32_t> cells)
     ++m_time;
     int64_t gain = 0;
     for (const int32_t cell : cells) {
-        gain += m_options.stitchPrice * (m_at.stateOf(m_at.cell(cell)).stitches - stateOf(cell).stitches);
+        const Cell& now = m_at.cell(cell);
+        const Change then = placeOf(cell);
+        gain += m_stitchPrice * (stitchesOf(now.kind, now.state) - stitchesOf(now.kind, then.state));
+        gain += m_at.displacementWeight() *
+                (displacementOf(cell, {cell, now.row, now.x, now.state}) - displacementOf(cell, then));
         for (const Term& term : m_at.terms(cell)) {
             uint64_t& mark = m_netMark[static_cast<size_t>(term.net)];
             if (mark >> 32 != m_time) {
                 mark = uint64_t{m_time} << 32;
-                Box now = m_at.fixedBoxOf(term.net);
+                Box box = m_at.fixedBoxOf(term.net);
                 for (const Placement::PlacedPin& pin : m_at.pinsOf(term.net)) {
-                    now.x.add(pin.x);
-                    now.y.add(pin.y);
+                    box.x.add(pin.x);
+                    box.y.add(pin.y);
                 }
-                const Box then = boxOf(term.net, true);
+                const Box other = boxOf(term.net, true);
                 gain += int64_t{m_at.weightOf(term.net)} *
-                        (int64_t{now.x.length()} + now.y.length() - then.x.length() - then.y.length());
+                        (int64_t{box.x.length()} + box.y.length() - other.x.length() - other.y.length());
             }
         }
     }
@@ -105,7 +116,7 @@ void WindowSolver::take(std::span<const int32_t> cells, int32_t row)
     }
     for (const int32_t index : cells) {
         m_termBegin.push_back(m_terms.size());
-        m_before += m_options.stitchPrice * stateOf(index).stitches;
+        m_before += m_stitchPrice * stitchesOf(m_at.cell(index).kind, placeOf(index).state);
         for (const Term& term : m_at.terms(index)) {
             uint64_t& mark = m_netMark[static_cast<size_t>(term.net)];
             if (mark >> 32 != m_time) {
@@ -134,6 +145,9 @@ void WindowSolver::take(std::span<const int32_t> cells, int32_t row)
             }
             m_terms.push_back({static_cast<int32_t>(mark & 0xffffffffU), &m_at.reachOf(term)});
         }
+        if (m_at.displacementWeight() > 0) {
+            addStart(index);
+        }
     }
     m_termBegin.push_back(m_terms.size());
     // Heights are known: all stand in the row.
@@ -152,32 +166,76 @@ void WindowSolver::take(std::span<const int32_t> cells, int32_t row)
     }
 }
 
-int32_t WindowSolver::classesAt(const WindowFrame& frame, bool onLeft, int32_t index)
+/// The way to its start is a net of the cell's own.
+void WindowSolver::addStart(int32_t index)
+{
+    static constexpr Reach CORNER{};
+    const int32_t x = m_at.startX(index);
+    const int32_t y = m_at.startY(index);
+    m_terms.push_back({static_cast<int32_t>(m_nets.size()), &CORNER});
+    m_nets.push_back({.weight = m_at.displacementWeight(), .outside = {{x, x}, {y, y}}});
+    m_before += m_at.displacementWeight() * displacementOf(index, placeOf(index));
+}
+
+int64_t WindowSolver::displacementOf(int32_t index, const Change& place) const
+{
+    return std::abs(int64_t{place.x} - m_at.startX(index)) +
+           std::abs(int64_t{m_at.yOf(place.row)} - m_at.startY(index));
+}
+
+Change WindowSolver::placeOf(int32_t index) const
+{
+    const auto at = std::ranges::find(m_assumed, index, &Change::cell);
+    const Cell& cell = m_at.cell(index);
+    return at == m_assumed.end() ? Change{index, cell.row, cell.x, cell.state} : *at;
+}
+
+WindowSolver::Side WindowSolver::sideOf(const WindowFrame& frame, bool onLeft, int32_t index)
 {
     const Model& model = m_at.model();
     const Cell& cell = m_at.cell(index);
     const int32_t neighbour = onLeft ? frame.left : frame.right;
-    const int32_t width = m_at.kindOf(cell).width;
-    std::vector<uint16_t>& classOf = m_classes[onLeft ? 0 : 1];
     std::vector<int32_t>& sites = onLeft ? m_program.earliest : m_program.latest;
-    const int32_t states = model.stateCount(cell.kind);
-    classOf.assign(static_cast<size_t>(states), 0);
-    sites.clear();
-    const int32_t last = frame.run->sites - ceilDiv(width, model.step);
-    for (int32_t s = 0; s < states; ++s) {
-        int32_t site = onLeft ? 0 : last;
-        if (neighbour >= 0) {
-            const Cell& beside = m_at.cell(neighbour);
-            if (onLeft) {
-                const int32_t gap = m_at.pairs().between(beside.kind, beside.state, cell.kind, s);
-                // Metal that stays may reach into free sites, but cells keep their side of it.
-                const int32_t x = std::max(beside.x + 1, beside.x + m_at.kindOf(beside).width + gap);
-                site = std::max(site, ceilDiv(x - frame.run->x, model.step));
-            } else {
-                const int32_t gap = m_at.pairs().between(cell.kind, s, beside.kind, beside.state);
-                const int32_t x = std::min(beside.x - 1, beside.x - gap - width);
-                site = std::min(site, floorDiv(x - frame.run->x, model.step));
+    const int32_t width = m_at.kindOf(cell).width;
+    const int32_t last = frame.run->sites - m_facts[static_cast<size_t>(cell.kind)].sites;
+    if (neighbour < 0) {
+        sites.push_back(onLeft ? 0 : last);
+        return {1, -1, m_oneClass.data()};
+    }
+    const Cell& beside = m_at.cell(neighbour);
+    const int32_t besideWidth = m_at.kindOf(beside).width;
+    const int32_t apart = onLeft ? beside.x + besideWidth - frame.run->x : beside.x - width - frame.run->x;
+    if (!beside.fixed && apart % model.step == 0) {
+        const int32_t site = apart / model.step;
+        const PairTable::Pair pair =
+            onLeft ? m_at.pairs().of(beside.kind, cell.kind) : m_at.pairs().of(cell.kind, beside.kind);
+        if (onLeft) {
+            const int32_t* const gaps = pair.gaps + pair.leftClassOf[beside.state] * pair.rightClasses;
+            for (int32_t c = 0; c < pair.rightClasses; ++c) {
+                sites.push_back(std::max(0, site + gaps[c]));
             }
+            return {pair.rightClasses, beside.kind, pair.rightClassOf};
+        }
+        const int32_t* const gaps = pair.gaps + pair.rightClassOf[beside.state];
+        for (int32_t c = 0; c < pair.leftClasses; ++c) {
+            sites.push_back(std::min(last, site - gaps[c * pair.rightClasses]));
+        }
+        return {pair.leftClasses, beside.kind, pair.leftClassOf};
+    }
+    std::vector<uint16_t>& classOf = m_classes[onLeft ? 0 : 1];
+    const int32_t states = model.stateCount(cell.kind);
+    classOf.resize(static_cast<size_t>(states));
+    for (int32_t s = 0; s < states; ++s) {
+        int32_t site = 0;
+        // Metal that stays may reach into free sites, but cells keep their side of it.
+        if (onLeft) {
+            const int32_t gap = m_at.pairs().between(beside.kind, beside.state, cell.kind, s);
+            const int32_t x = std::max(beside.x + 1, beside.x + besideWidth + gap);
+            site = std::max(0, ceilDiv(x - frame.run->x, model.step));
+        } else {
+            const int32_t gap = m_at.pairs().between(cell.kind, s, beside.kind, beside.state);
+            const int32_t x = std::min(beside.x - 1, beside.x - gap - width);
+            site = std::min(last, floorDiv(x - frame.run->x, model.step));
         }
         const auto at = std::ranges::find(sites, site);
         classOf[static_cast<size_t>(s)] = static_cast<uint16_t>(at - sites.begin());
@@ -185,57 +243,91 @@ int32_t WindowSolver::classesAt(const WindowFrame& frame, bool onLeft, int32_t i
             sites.push_back(site);
         }
     }
-    return static_cast<int32_t>(sites.size());
+    return {static_cast<int32_t>(sites.size()), -2, classOf.data()};
 }
 
-void WindowSolver::addOptions(const WindowFrame& frame, std::span<const int32_t> order)
+void WindowSolver::appendOptions(int32_t kind, const uint16_t* leftClassOf, int32_t leftClasses,
+                                 const uint16_t* rightClassOf, int32_t rightClasses,
+                                 std::vector<ProgramOption>& options)
 {
     const Model& model = m_at.model();
+    const int32_t states = model.stateCount(kind);
+    const State* const first = model.states.data() + model.kinds[static_cast<size_t>(kind)].stateBegin;
+    m_best.assign(static_cast<size_t>(2 * leftClasses * rightClasses), -1);
+    for (int32_t s = 0; s < states; ++s) {
+        const State& state = first[s];
+        const auto price = static_cast<int32_t>(m_stitchPrice * state.stitches);
+        int32_t& best = m_best[static_cast<size_t>(2 * (leftClassOf[s] * rightClasses + rightClassOf[s]) +
+                                                   (state.mirrored ? 1 : 0))];
+        if (best < 0) {
+            best = static_cast<int32_t>(options.size());
+            options.push_back({leftClassOf[s], rightClassOf[s], s, price, state.mirrored});
+        } else if (ProgramOption& option = options[static_cast<size_t>(best)]; price < option.price) {
+            option.price = price;
+            option.state = s;
+        }
+    }
+}
+
+void WindowSolver::addOptions(std::span<const int32_t> order, const Side& left, const Side& right)
+{
+    constexpr size_t MOST_KNOWN = 1 << 16;
     const PairTable& pairs = m_at.pairs();
     PairTable::Pair before;
+    int32_t leftKind = left.kind;
     for (size_t rank = 0; rank < order.size(); ++rank) {
         ProgramItem& item = m_program.items[rank];
-        const int32_t index = m_cells[static_cast<size_t>(order[rank])];
-        const Cell& cell = m_at.cell(index);
-        item.width = ceilDiv(m_at.kindOf(cell).width, model.step);
-        const uint16_t* leftClassOf = nullptr;
-        const uint16_t* rightClassOf = nullptr;
-        if (rank == 0) {
-            item.leftClasses = classesAt(frame, /*onLeft=*/true, index);
-            leftClassOf = m_classes[0].data();
-        } else {
+        const int32_t kind = m_at.cell(m_cells[static_cast<size_t>(order[rank])]).kind;
+        const uint16_t* leftClassOf = left.classOf;
+        const uint16_t* rightClassOf = right.classOf;
+        item.leftClasses = left.classes;
+        item.rightClasses = right.classes;
+        int32_t rightKind = right.kind;
+        if (rank > 0) {
             item.leftClasses = before.rightClasses;
             leftClassOf = before.rightClassOf;
             item.gaps = before.gaps;
         }
-        if (rank + 1 == order.size()) {
-            item.rightClasses = classesAt(frame, /*onLeft=*/false, index);
-            rightClassOf = m_classes[1].data();
-        } else {
-            const Cell& next = m_at.cell(m_cells[static_cast<size_t>(order[rank + 1])]);
-            before = pairs.of(cell.kind, next.kind);
+        if (rank + 1 < order.size()) {
+            rightKind = m_at.cell(m_cells[static_cast<size_t>(order[rank + 1])]).kind;
+            before = pairs.of(kind, rightKind);
             item.rightClasses = before.leftClasses;
             rightClassOf = before.leftClassOf;
         }
-        const int32_t states = model.stateCount(cell.kind);
-        const State* const first = model.states.data() + m_at.kindOf(cell).stateBegin;
-        m_best.assign(static_cast<size_t>(2 * item.leftClasses * item.rightClasses), -1);
         item.optionBegin = static_cast<int32_t>(m_program.options.size());
-        for (int32_t s = 0; s < states; ++s) {
-            const State& state = first[s];
-            const auto price = static_cast<int32_t>(m_options.stitchPrice * state.stitches);
-            int32_t& best = m_best[static_cast<size_t>(
-                2 * (leftClassOf[s] * item.rightClasses + rightClassOf[s]) + (state.mirrored ? 1 : 0))];
-            if (best < 0) {
-                best = static_cast<int32_t>(m_program.options.size());
-                m_program.options.push_back({leftClassOf[s], rightClassOf[s], s, price, state.mirrored});
-            } else if (ProgramOption& option = m_program.options[static_cast<size_t>(best)];
-                       price < option.price) {
-                option.price = price;
-                option.state = s;
+        if (leftKind == -2 || rightKind == -2) {
+            const size_t begin = m_program.options.size();
+            std::vector<ProgramOption> own;
+            appendOptions(kind, leftClassOf, item.leftClasses, rightClassOf, item.rightClasses, own);
+            m_program.options.insert(m_program.options.begin() + static_cast<std::ptrdiff_t>(begin),
+                                     own.begin(), own.end());
+        } else {
+            const uint64_t key = (static_cast<uint64_t>(leftKind + 1) << 42) |
+                                 (static_cast<uint64_t>(kind + 1) << 21) |
+                                 static_cast<uint64_t>(rightKind + 1);
+            if (m_known.empty() || m_knownCount > MOST_KNOWN) {
+                m_known.assign(4 * MOST_KNOWN, {});
+                m_knownOptions.clear();
+                m_knownCount = 0;
             }
+            size_t slot = static_cast<size_t>(key * 0x9E3779B97F4A7C15U >> 46) & (m_known.size() - 1);
+            while (m_known[slot].key != key && m_known[slot].key != 0) {
+                slot = (slot + 1) & (m_known.size() - 1);
+            }
+            Known& known = m_known[slot];
+            if (known.key == 0) {
+                ++m_knownCount;
+                known.key = key;
+                known.begin = static_cast<uint32_t>(m_knownOptions.size());
+                appendOptions(kind, leftClassOf, item.leftClasses, rightClassOf, item.rightClasses,
+                              m_knownOptions);
+                known.end = static_cast<uint32_t>(m_knownOptions.size());
+            }
+            m_program.options.insert(m_program.options.end(), m_knownOptions.begin() + known.begin,
+                                     m_knownOptions.begin() + known.end);
         }
         item.optionEnd = static_cast<int32_t>(m_program.options.size());
+        leftKind = kind;
     }
 }
 
@@ -256,7 +348,8 @@ void WindowSolver::addProfile(size_t rank, int32_t taken, bool mirrored, int32_t
         bends[whole + 2] += weight * rest;
         bent = true;
     };
-    for (size_t t = m_termBegin[static_cast<size_t>(taken)]; t < m_termBegin[static_cast<size_t>(taken) + 1]; ++t) {
+    for (size_t t = m_termBegin[static_cast<size_t>(taken)]; t < m_termBegin[static_cast<size_t>(taken) + 1];
+         ++t) {
         const NetUse& net = m_nets[static_cast<size_t>(m_terms[t].net)];
         const Range& reach = m_terms[t].reach->x[mirrored ? 1 : 0];
         const Range& outside = net.outside.x;
@@ -302,20 +395,23 @@ void WindowSolver::addProfile(size_t rank, int32_t taken, bool mirrored, int32_t
 }
 
 int64_t WindowSolver::solve(const WindowFrame& frame, std::span<const int32_t> order,
-                            std::span<const int32_t> targets, int32_t sites)
+                            std::span<const int32_t> targets, int32_t sites, int64_t worth)
 {
     const int32_t step = m_at.model().step;
     m_program.clear(order.size());
     m_bends.resize(OrderedProgram::MOST_SITES + 3, 0);
     m_order.assign(order.begin(), order.end());
     m_run = frame.run;
-    addOptions(frame, order);
+    int32_t width = 0;
+    for (size_t rank = 0; rank < order.size(); ++rank) {
+        const Cell& cell = m_at.cell(m_cells[static_cast<size_t>(order[rank])]);
+        m_program.items[rank].width = m_facts[static_cast<size_t>(cell.kind)].sites;
+        width += m_program.items[rank].width;
+    }
+    const Side left = sideOf(frame, /*onLeft=*/true, m_cells[static_cast<size_t>(order.front())]);
+    const Side right = sideOf(frame, /*onLeft=*/false, m_cells[static_cast<size_t>(order.back())]);
     // From the left end of the room to its right end.
     const int32_t begin = *std::ranges::min_element(m_program.earliest);
-    int32_t width = 0;
-    for (const ProgramItem& item : m_program.items) {
-        width += item.width;
-    }
     const int32_t end = *std::ranges::max_element(m_program.latest) + m_program.items.back().width;
     const int32_t slack = end - begin - width;
     if (slack < 0) {
@@ -339,6 +435,7 @@ int64_t WindowSolver::solve(const WindowFrame& frame, std::span<const int32_t> o
     const int32_t reference = frame.run->x + begin * step;
     int64_t after = m_fixedAfter;
     int64_t largest = 0;
+    int64_t leastPrice = 0;
     int32_t packed = begin;
     for (size_t rank = 0; rank < order.size(); ++rank) {
         ProgramItem& item = m_program.items[rank];
@@ -346,15 +443,12 @@ int64_t WindowSolver::solve(const WindowFrame& frame, std::span<const int32_t> o
         item.low = std::clamp(target - window / 2, packed, packed + slack + 1 - window);
         packed += item.width;
         const int32_t x = frame.run->x + item.low * step;
-        bool has[2] = {false, false};
-        int64_t price = 0;
-        for (int32_t o = item.optionBegin; o < item.optionEnd; ++o) {
-            has[m_program.options[static_cast<size_t>(o)].mirrored ? 1 : 0] = true;
-            price = std::max<int64_t>(price, m_program.options[static_cast<size_t>(o)].price);
-        }
+        const KindFacts& facts =
+            m_facts[static_cast<size_t>(m_at.cell(m_cells[static_cast<size_t>(order[rank])]).kind)];
+        leastPrice += facts.leastPrice;
         int64_t least = std::numeric_limits<int64_t>::max();
         for (const bool mirrored : {false, true}) {
-            if (has[mirrored ? 1 : 0]) {
+            if (facts.lies[mirrored ? 1 : 0]) {
                 addProfile(rank, order[rank], mirrored, x, window, reference);
                 const int32_t* const costs = item.costs[mirrored ? 1 : 0];
                 least = std::min(least, m_base[mirrored ? 1 : 0] + *std::min_element(costs, costs + window));
@@ -363,7 +457,7 @@ int64_t WindowSolver::solve(const WindowFrame& frame, std::span<const int32_t> o
         after += least;
         int32_t most = 0;
         for (const bool mirrored : {false, true}) {
-            if (has[mirrored ? 1 : 0]) {
+            if (facts.lies[mirrored ? 1 : 0]) {
                 int32_t* const costs = m_program.costRoom(rank, mirrored);
                 const auto add = static_cast<int32_t>(m_base[mirrored ? 1 : 0] - least);
                 for (int32_t p = 0; p < window; ++p) {
@@ -372,13 +466,47 @@ int64_t WindowSolver::solve(const WindowFrame& frame, std::span<const int32_t> o
                 }
             }
         }
-        largest += price + most;
+        largest += facts.mostPrice + most;
     }
-    if (largest >= OrderedProgram::NEVER) {
+    if (largest >= OrderedProgram::NEVER || m_before - after - leastPrice <= worth) {
         return IMPOSSIBLE;
     }
+    if (m_options.maxDisplacement < FARTHEST && !closeFarPlaces(order, window)) {
+        return IMPOSSIBLE;
+    }
+    addOptions(order, left, right);
     const int32_t cost = m_program.solve(window);
     return cost >= OrderedProgram::NEVER ? IMPOSSIBLE : m_before - after - cost;
+}
+
+/// Places beyond the largest displacement cost NEVER. A cell that is beyond it stays as near as it is.
+///
+/// @return whether there is a place left for all
+bool WindowSolver::closeFarPlaces(std::span<const int32_t> order, int32_t window)
+{
+    const int32_t step = m_at.model().step;
+    for (size_t rank = 0; rank < order.size(); ++rank) {
+        const int32_t index = m_cells[static_cast<size_t>(order[rank])];
+        const ProgramItem& item = m_program.items[rank];
+        const Cell& cell = m_at.cell(index);
+        const int64_t up = std::abs(int64_t{m_at.yOf(m_row)} - m_at.startY(index));
+        const int64_t now = displacementOf(index, {index, cell.row, cell.x, cell.state});
+        const int64_t most = std::max<int64_t>(m_options.maxDisplacement, now) - up;
+        bool anyLeft = false;
+        for (int32_t p = 0; p < window; ++p) {
+            const int64_t x = int64_t{m_run->x} + int64_t{item.low + p} * step;
+            if (std::abs(x - m_at.startX(index)) > most) {
+                m_program.costRoom(rank, false)[p] = OrderedProgram::NEVER;
+                m_program.costRoom(rank, true)[p] = OrderedProgram::NEVER;
+            } else {
+                anyLeft = true;
+            }
+        }
+        if (!anyLeft) {
+            return false;
+        }
+    }
+    return true;
 }
 
 void WindowSolver::changes(std::vector<Change>& result)
