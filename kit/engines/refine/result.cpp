@@ -13,8 +13,20 @@ namespace kit::refine {
 
 namespace {
 
-/// The moves by their names, as ::refine::Move numbers them.
-constexpr const char* MOVE_NAMES[::refine::MOVES] = {"row", "reorder", "insert", "swap", "shift"};
+const char* nameOf(::refine::Move move)
+{
+    switch (move) {
+    case ::refine::Move::INSERT:
+        return "insert";
+    case ::refine::Move::SWAP:
+        return "swap";
+    case ::refine::Move::ROW:
+        return "row";
+    case ::refine::Move::REORDER:
+        return "reorder";
+    }
+    return "";
+}
 
 Json optionsJson(const Options& options, const Outcome& outcome, int32_t dbuPerMicron)
 {
@@ -39,9 +51,9 @@ Json passesJson(const std::vector<::refine::Pass>& passes, int32_t dbuPerMicron)
     Json json = Json::array();
     for (const ::refine::Pass& pass : passes) {
         Json moves = Json::array();
-        for (size_t i = 0; i < std::size(MOVE_NAMES); ++i) {
+        for (int32_t i = 0; i < ::refine::MOVES; ++i) {
             const ::refine::MoveFigures& figures = pass.moves[i];
-            moves.push_back({{"move", MOVE_NAMES[i]},
+            moves.push_back({{"move", nameOf(static_cast<::refine::Move>(i))},
                              {"tried", figures.tried},
                              {"taken", figures.taken},
                              {"gain", design::pinLengthJson(figures.gain, dbuPerMicron)},

@@ -2,6 +2,11 @@
 // The subcommand refine.
 #include <gtest/gtest.h>
 
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 
@@ -62,7 +67,7 @@ TEST_F(KitRefine, TellsWhatTheMovesOfEachPassDid)
     int64_t taken = 0;
     ASSERT_GT(json["refine"]["passes"].size(), 0U);
     for (const Json& pass : json["refine"]["passes"].items()) {
-        EXPECT_EQ(pass["moves"].size(), 5U);
+        EXPECT_EQ(pass["moves"].size(), 4U);
         for (const Json& move : pass["moves"].items()) {
             EXPECT_LE(move["taken"].asInteger(), move["tried"].asInteger());
             taken += move["taken"].asInteger();
@@ -119,6 +124,18 @@ TEST_F(KitRefine, NamedCellsStay)
     const KitOutcome outcome = refine({"--fix", m_dir.path("names"), "--force"});
     EXPECT_EQ(outcome.status, 2);
     EXPECT_NE(outcome.error.find("names:2: there is no component \"x\""), std::string::npos) << outcome.error;
+}
+
+TEST_F(KitRefine, NoCellMovesFartherThanItMay)
+{
+    EXPECT_EQ(refine({"--max-displacement", "0.19"}).status, 0);
+    kit::Findings findings;
+    const auto before = kit::placer::readDesign({.base = base(), .cellDir = lib()}, findings);
+    const auto after = kit::placer::readDesign({.base = out(), .cellDir = lib()}, findings);
+    for (size_t i = 0; i < 4; ++i) {
+        EXPECT_EQ(after.components[i].y, before.components[i].y);
+        EXPECT_LE(std::abs(after.components[i].x - before.components[i].x), 190);
+    }
 }
 
 struct BadWeights {
@@ -206,6 +223,69 @@ TEST_F(KitRefine, CellsThatStayAreNamed)
     EXPECT_EQ(outcome.status, 1);
     EXPECT_NE(outcome.error.find("will not be moved: b\n"), std::string::npos) << outcome.error;
     EXPECT_EQ(result()["refine"]["stray_cells"], Json::parse("[\"b\"]"));
+}
+
+/// A design that the search takes a while for.
+class KitRefineEnd : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_LE(runKit({"place", m_design.base(), "--cell-path", m_design.lib(), "-o", m_design.path("p"),
+                          "--algo", "2", "--rescue"})
+                      .status,
+                  1);
+    }
+
+    Json result() const
+    {
+        const Json json = Json::parse(contentOf(m_design.path("r.json")));
+        EXPECT_EQ(test::faultsOf(json, test::placeSchema()), Words{});
+        return json["refine"];
+    }
+
+    const test::GeneratedDesign m_design{{"--components", "20000", "--sites-per-row", "2000"}};
+};
+
+TEST_F(KitRefineEnd, EndOfTimeEndsTheSearch)
+{
+    const KitOutcome outcome = runKit(
+        {"refine", m_design.path("p.json"), "-o", m_design.path("r"), "--effort", "9", "--time", "0.3"});
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_EQ(result()["stopped"], "time");
+    EXPECT_LT(result()["seconds"].asNumber(), 10);
+    EXPECT_LT(result()["wirelength"]["after"]["dbu"].asNumber(),
+              result()["wirelength"]["before"]["dbu"].asNumber());
+}
+
+/// The program by itself, interrupted as soon as it searches.
+TEST_F(KitRefineEnd, InterruptEndsTheSearch)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        const std::string input = m_design.path("p.json");
+        const std::string out = m_design.path("r");
+        freopen(m_design.path("said").c_str(), "w", stdout);
+        execl(VIRELOCE_KIT_PROGRAM, VIRELOCE_KIT_PROGRAM, "refine", input.c_str(), "-o", out.c_str(),
+              "--effort", "9", nullptr);
+        _exit(127);
+    }
+    ASSERT_GT(child, 0);
+    // While it reads, an interrupt ends the program: it is sent once the program catches it.
+    const std::string status = "/proc/" + std::to_string(child) + "/status";
+    const auto catches = [&status] {
+        const std::string text = contentOf(status);
+        const size_t at = text.find("SigCgt:");
+        return at != std::string::npos && (std::stoull(text.substr(at + 7), nullptr, 16) & 2U) != 0;
+    };
+    for (int i = 0; i < 10'000 && !catches(); ++i) {
+        usleep(1000);
+    }
+    EXPECT_EQ(kill(child, SIGINT), 0);
+    int ending = 0;
+    ASSERT_EQ(waitpid(child, &ending, 0), child);
+    EXPECT_TRUE(WIFEXITED(ending)) << "it ends by itself";
+    EXPECT_EQ(result()["stopped"], "interrupt");
+    EXPECT_NE(contentOf(m_design.path("said")).find("; stopped by interrupt"), std::string::npos);
 }
 
 } // namespace
