@@ -244,7 +244,8 @@ private:
     /// Finds out what has become of the components.
     void measure()
     {
-        m_placed = placedOf(m_built, m_improved);
+        // Without effort not even a stitch goes.
+        m_placed = m_options.effort > 0 ? placedOf(m_built, m_improved) : m_built.placed;
         for (size_t i = 0; i < m_placed.size(); ++i) {
             const Placed& before = m_built.placed[i];
             const Placed& after = m_placed[i];

@@ -78,6 +78,8 @@ TEST_F(KitRefine, TellsWhatTheMovesOfEachPassDid)
 
 TEST_F(KitRefine, EffortOfNothingChangesNothing)
 {
+    color({{1, {1, 2}}, {0, {1, 2}}}); // neighbours take both for one
+    choose({0, 0, 1, 0});
     EXPECT_EQ(refine({"--effort", "0"}).status, 0);
     EXPECT_EQ(contentOf(out() + ".place"), contentOf(base() + ".place"));
     EXPECT_EQ(contentOf(out() + ".colors"), contentOf(base() + ".colors"));
