@@ -52,6 +52,7 @@ size_t netCountOf(const Inputs& inputs)
 std::set<std::string> readFixedNames(const std::string& path, const Inputs& inputs)
 {
     const placer::NameIndex known = placer::indexNames(inputs.placed.design.components);
+    const placer::NameIndex parts = placer::indexNames(inputs.placed.design.fixed);
     std::unordered_map<std::string_view, std::string_view> renamed; // by the names in the DEF file
     if (inputs.map) {
         for (const design::Renamed& name : inputs.map->names) {
@@ -63,7 +64,7 @@ std::set<std::string> readFixedNames(const std::string& path, const Inputs& inpu
     int64_t number = 0;
     for (std::string line; std::getline(lines, line);) {
         ++number;
-        if (line.empty()) {
+        if (line.empty() || placer::findName(parts, line) >= 0) {
             continue;
         }
         const auto at = renamed.find(line);

@@ -38,7 +38,7 @@ Inputs readInputs(const Paths& paths);
 size_t netCountOf(const Inputs& inputs);
 
 /// Reads names of components, one to a line, as in the placement or in the DEF file that it was imported
-/// from. Blank lines count for nothing.
+/// from. Blank lines, and names of what stays in any case, count for nothing.
 ///
 /// @return the names in the placement
 ///

@@ -128,6 +128,16 @@ TEST_F(KitRefine, NamedCellsStay)
     EXPECT_NE(outcome.error.find("names:2: there is no component \"x\""), std::string::npos) << outcome.error;
 }
 
+TEST_F(KitRefine, NamedCellsMayBeThoseThatStayInAnyCase)
+{
+    import({"a BARS + PLACED ( 0 0 ) N", "t TAP + FIXED ( 760 0 ) N"});
+    choose({0});
+    m_dir.write("names", "t\na\n");
+    const KitOutcome outcome = refine({"--fix", m_dir.path("names")});
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_EQ(result()["refine"]["moved_cells"], 0);
+}
+
 TEST_F(KitRefine, NoCellMovesFartherThanItMay)
 {
     EXPECT_EQ(refine({"--max-displacement", "0.19"}).status, 0);
