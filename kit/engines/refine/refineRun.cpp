@@ -51,7 +51,7 @@ public:
         s_came = 0;
         struct sigaction action {};
         action.sa_handler = [](int) { s_came = 1; };
-        action.sa_flags = SA_RESETHAND;
+        action.sa_flags = static_cast<int>(SA_RESETHAND);
         sigaction(SIGINT, &action, &m_before);
     }
     ~InterruptNote() { sigaction(SIGINT, &m_before, nullptr); }
