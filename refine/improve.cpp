@@ -324,12 +324,18 @@ private:
         }
     }
 
+    /// The cells of a batch come from all over the design: those with numbers side by side are often near each
+    /// other, and in each other's way.
     void cellPass()
     {
-        const auto count = static_cast<int32_t>(m_model.cells.size());
-        for (int32_t cell = 0; cell < count && !m_stopped; ++cell) {
-            if (!m_at.cell(cell).fixed && isDue(cell)) {
-                add({.cell = cell});
+        const size_t count = m_model.cells.size();
+        const size_t stride = (count + m_batch - 1) / m_batch;
+        for (size_t first = 0; first < stride; ++first) {
+            for (size_t i = first; i < count; i += stride) {
+                const auto cell = static_cast<int32_t>(i);
+                if (!m_at.cell(cell).fixed && isDue(cell)) {
+                    add({.cell = cell});
+                }
             }
         }
     }
