@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "refine/crew.h"
+#include "refine/legalize.h"
 #include "refine/moves.h"
 #include "refine/placement.h"
 
@@ -324,8 +325,8 @@ private:
         }
     }
 
-    /// The cells of a batch come from all over the design: those with numbers side by side are often near each
-    /// other, and in each other's way.
+    /// The cells of a batch come from all over the design: those with numbers side by side are often near
+    /// each other, and in each other's way.
     void cellPass()
     {
         const size_t count = m_model.cells.size();
@@ -370,7 +371,21 @@ Result improve(Model& model, const Options& options, const Hooks& hooks)
     if (const std::string fault = faultOf(model); !fault.empty()) {
         throw std::invalid_argument(fault);
     }
-    return Improver(model, options, hooks).run();
+    std::vector<Homeless> homeless;
+    int64_t legalized = 0;
+    if (options.effort > 0 && violationsOf(model).sum() > 0) {
+        const std::vector<Cell> before = model.cells;
+        homeless = legalize(model);
+        for (size_t i = 0; i < before.size(); ++i) {
+            const Cell& now = model.cells[i];
+            legalized +=
+                before[i].x != now.x || before[i].row != now.row || before[i].state != now.state ? 1 : 0;
+        }
+    }
+    Result result = Improver(model, options, hooks).run();
+    result.homeless = std::move(homeless);
+    result.legalized = legalized;
+    return result;
 }
 
 } // namespace refine

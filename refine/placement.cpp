@@ -27,7 +27,7 @@ Placement::Placement(Model& model)
     : m_model(model), m_pairs(model), m_runBegin(model.rows.size() + 1, 0), m_items(model.rows.size()),
       m_pinBegin(model.cells.size() + 1, 0), m_pinsOfCell(model.pins.size()),
       m_termBegin(model.cells.size() + 1, 0), m_weights(model.nets.size()), m_touched(model.cells.size(), 1),
-      m_moved(model.cells.size(), 0)
+      m_moved(model.cells.size(), 0), m_lifted(model.cells.size(), false)
 {
     for (const Run& run : model.runs) {
         ++m_runBegin[static_cast<size_t>(run.row) + 1];
@@ -178,11 +178,29 @@ void Placement::touchAround(int32_t row, int32_t x, uint32_t now)
     }
 }
 
+void Placement::startHere()
+{
+    for (size_t i = 0; i < m_start.size(); ++i) {
+        m_start[i] = {m_model.cells[i].x, yOf(m_model.cells[i].row)};
+    }
+}
+
+void Placement::lift(int32_t index)
+{
+    std::vector<Item>& from = m_items[static_cast<size_t>(cell(index).row)];
+    from.erase(from.begin() + static_cast<std::ptrdiff_t>(rankOf(index)));
+    m_lifted[static_cast<size_t>(index)] = true;
+}
+
 void Placement::apply(std::span<const Change> changes, uint32_t now)
 {
     // All leave before any comes, so that ranks can be found by x.
     for (const Change& change : changes) {
         const Cell& at = cell(change.cell);
+        if (m_lifted[static_cast<size_t>(change.cell)]) {
+            m_lifted[static_cast<size_t>(change.cell)] = false;
+            continue;
+        }
         std::vector<Item>& from = m_items[static_cast<size_t>(at.row)];
         from.erase(from.begin() + static_cast<std::ptrdiff_t>(rankOf(change.cell)));
         if (at.row != change.row) {

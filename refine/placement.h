@@ -42,6 +42,9 @@ struct Reach {
     Range y[2]; ///< [turned]
 };
 
+/// That of a pin in the corner.
+inline constexpr Reach CORNER{{{0, 0}, {0, 0}}, {{0, 0}, {0, 0}}};
+
 /// A net of a cell.
 struct Term {
     int32_t net = 0;
@@ -133,6 +136,14 @@ public:
     /// @param seed  another one, other weights
     void bendWeights(int32_t most, uint64_t seed);
 
+    bool isLifted(int32_t cell) const { return m_lifted[static_cast<size_t>(cell)]; }
+
+    /// Displacement is measured from where all cells are now.
+    void startHere();
+
+    /// Takes a cell out of its row; its pins stay where they are. apply() puts it back.
+    void lift(int32_t cell);
+
     /// Moves cells.
     ///
     /// @param now  a number that grows from call to call
@@ -166,6 +177,7 @@ private:
     std::vector<int32_t> m_weights;  ///< [net] in parts of 1 / WEIGHT
     std::vector<uint32_t> m_touched; ///< [cell]
     std::vector<uint32_t> m_moved;   ///< [cell]
+    std::vector<bool> m_lifted;      ///< [cell]
 };
 
 } // namespace refine

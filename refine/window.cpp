@@ -169,7 +169,6 @@ void WindowSolver::take(std::span<const int32_t> cells, int32_t row)
 /// The way to its start is a net of the cell's own.
 void WindowSolver::addStart(int32_t index)
 {
-    static constexpr Reach CORNER{};
     const int32_t x = m_at.startX(index);
     const int32_t y = m_at.startY(index);
     m_terms.push_back({static_cast<int32_t>(m_nets.size()), &CORNER});

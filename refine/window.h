@@ -131,9 +131,9 @@ private:
         int32_t mostPrice = 0;
         int32_t sites = 0; ///< width
     };
-    std::vector<KindFacts> m_facts; ///< [kind]
+    std::vector<KindFacts> m_facts;   ///< [kind]
     std::vector<Classes> m_classesOf; ///< [rank]
-    std::vector<Known> m_known;     ///< by a hash of the key
+    std::vector<Known> m_known;       ///< by a hash of the key
     std::vector<ProgramOption> m_knownOptions;
     size_t m_knownCount = 0;
     std::vector<int32_t> m_best; ///< [left class, right class, mirrored] option
