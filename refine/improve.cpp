@@ -65,7 +65,7 @@ public:
             m_pass.stitches = stitches();
             result.passes.push_back(m_pass);
             remember();
-            if (pass >= plan.bent && before - m_bestCost < before / LEAST_SHARE) {
+            if (pass >= plan.bent && before - m_bestCost <= before / LEAST_SHARE) {
                 break;
             }
         }
