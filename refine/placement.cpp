@@ -108,6 +108,7 @@ Placement::Placement(Model& model)
         }
         m_termBegin[i + 1] = static_cast<int32_t>(m_terms.size());
     }
+    findReach();
 }
 
 void Placement::bendWeights(int32_t most, uint64_t seed)
@@ -174,7 +175,38 @@ void Placement::touchAround(int32_t row, int32_t x, uint32_t now)
     const std::vector<Item>& all = items(row);
     const size_t rank = rankFrom(row, x);
     for (size_t i = rank - std::min(rank, NEAR); i < std::min(all.size(), rank + NEAR); ++i) {
-        m_touched[static_cast<size_t>(all[i].cell)] = now;
+        touch(all[i].cell, now);
+    }
+}
+
+void Placement::touchNets(int32_t index, uint32_t now)
+{
+    for (const Term& term : terms(index)) {
+        const std::span<const PlacedPin> pins = pinsOf(term.net);
+        for (size_t i = 0; i < pins.size() && pins.size() <= LARGE_NET; ++i) {
+            touch(pins[i].cell, now);
+        }
+    }
+}
+
+/// Those that changed, those on their nets and beside them.
+void Placement::findReach()
+{
+    m_isInReach.assign(m_model.cells.size(), true);
+    if (m_model.changed.empty()) {
+        return;
+    }
+    std::ranges::fill(m_touched, 0);
+    for (size_t i = 0; i < m_model.cells.size(); ++i) {
+        const Cell& at = m_model.cells[i];
+        if (m_model.changed[i] && !at.fixed) {
+            touch(static_cast<int32_t>(i), 1);
+            touchAround(at.row, at.x, 1);
+            touchNets(static_cast<int32_t>(i), 1);
+        }
+    }
+    for (size_t i = 0; i < m_model.cells.size(); ++i) {
+        m_isInReach[i] = m_touched[i] > 0;
     }
 }
 
@@ -220,12 +252,7 @@ void Placement::apply(std::span<const Change> changes, uint32_t now)
     }
     for (const Change& change : changes) {
         touchAround(change.row, change.x, now);
-        for (const Term& term : terms(change.cell)) {
-            const std::span<const PlacedPin> pins = pinsOf(term.net);
-            for (size_t i = 0; i < pins.size() && pins.size() <= LARGE_NET; ++i) {
-                m_touched[static_cast<size_t>(pins[i].cell)] = now;
-            }
-        }
+        touchNets(change.cell, now);
     }
 }
 

@@ -156,7 +156,15 @@ public:
 
 private:
     void movePins(int32_t cell);
+    void touch(int32_t cell, uint32_t now)
+    {
+        if (m_isInReach[static_cast<size_t>(cell)]) {
+            m_touched[static_cast<size_t>(cell)] = now;
+        }
+    }
     void touchAround(int32_t row, int32_t x, uint32_t now);
+    void touchNets(int32_t cell, uint32_t now);
+    void findReach();
 
     Model& m_model;
     PairTable m_pairs;
@@ -175,6 +183,7 @@ private:
     std::vector<Point> m_start; ///< [cell]
     int32_t m_displacementWeight = 0;
     std::vector<int32_t> m_weights;  ///< [net] in parts of 1 / WEIGHT
+    std::vector<bool> m_isInReach;   ///< [cell] whether it may be tried
     std::vector<uint32_t> m_touched; ///< [cell]
     std::vector<uint32_t> m_moved;   ///< [cell]
     std::vector<bool> m_lifted;      ///< [cell]
