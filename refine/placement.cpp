@@ -189,7 +189,7 @@ void Placement::touchNets(int32_t index, uint32_t now)
     }
 }
 
-/// Those that changed, those on their nets and beside them.
+/// Those that changed, and those beside them.
 void Placement::findReach()
 {
     m_isInReach.assign(m_model.cells.size(), true);
@@ -200,9 +200,11 @@ void Placement::findReach()
     for (size_t i = 0; i < m_model.cells.size(); ++i) {
         const Cell& at = m_model.cells[i];
         if (m_model.changed[i] && !at.fixed) {
-            touch(static_cast<int32_t>(i), 1);
-            touchAround(at.row, at.x, 1);
-            touchNets(static_cast<int32_t>(i), 1);
+            const std::vector<Item>& all = items(at.row);
+            const size_t rank = rankOf(static_cast<int32_t>(i));
+            for (size_t k = rank - std::min<size_t>(rank, 1); k < std::min(all.size(), rank + 2); ++k) {
+                touch(all[k].cell, 1);
+            }
         }
     }
     for (size_t i = 0; i < m_model.cells.size(); ++i) {
