@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "refine/crew.h"
+#include "refine/legalize.h"
 #include "refine/moves.h"
 #include "refine/placement.h"
 
@@ -64,7 +65,7 @@ public:
             m_pass.stitches = stitches();
             result.passes.push_back(m_pass);
             remember();
-            if (pass >= plan.bent && before - m_bestCost < before / LEAST_SHARE) {
+            if (pass >= plan.bent && before - m_bestCost <= before / LEAST_SHARE) {
                 break;
             }
         }
@@ -324,12 +325,18 @@ private:
         }
     }
 
+    /// The cells of a batch come from all over the design: those with numbers side by side are often near
+    /// each other, and in each other's way.
     void cellPass()
     {
-        const auto count = static_cast<int32_t>(m_model.cells.size());
-        for (int32_t cell = 0; cell < count && !m_stopped; ++cell) {
-            if (!m_at.cell(cell).fixed && isDue(cell)) {
-                add({.cell = cell});
+        const size_t count = m_model.cells.size();
+        const size_t stride = (count + m_batch - 1) / m_batch;
+        for (size_t first = 0; first < stride; ++first) {
+            for (size_t i = first; i < count; i += stride) {
+                const auto cell = static_cast<int32_t>(i);
+                if (!m_at.cell(cell).fixed && isDue(cell)) {
+                    add({.cell = cell});
+                }
             }
         }
     }
@@ -364,7 +371,21 @@ Result improve(Model& model, const Options& options, const Hooks& hooks)
     if (const std::string fault = faultOf(model); !fault.empty()) {
         throw std::invalid_argument(fault);
     }
-    return Improver(model, options, hooks).run();
+    std::vector<Homeless> homeless;
+    int64_t legalized = 0;
+    if (options.effort > 0 && violationsOf(model).sum() > 0) {
+        const std::vector<Cell> before = model.cells;
+        homeless = legalize(model);
+        for (size_t i = 0; i < before.size(); ++i) {
+            const Cell& now = model.cells[i];
+            legalized +=
+                before[i].x != now.x || before[i].row != now.row || before[i].state != now.state ? 1 : 0;
+        }
+    }
+    Result result = Improver(model, options, hooks).run();
+    result.homeless = std::move(homeless);
+    result.legalized = legalized;
+    return result;
 }
 
 } // namespace refine

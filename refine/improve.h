@@ -41,12 +41,20 @@ struct Pass {
     int64_t stitches = 0;   ///< after it
 };
 
+/// A cell without a legal place.
+struct Homeless {
+    int32_t cell = 0;
+    bool isProved = false; ///< no run has as many free sites as it takes, whoever moves inside of runs
+};
+
 /// What came out.
 struct Result {
     int64_t wirelengthBefore = 0;
     int64_t wirelengthAfter = 0;
     int64_t stitchesBefore = 0;
     int64_t stitchesAfter = 0;
+    int64_t legalized = 0; ///< cells that a start with violations had to be changed in first
+    std::vector<Homeless> homeless;
     std::vector<Pass> passes;
     bool stopped = false; ///< the hook ended the run
 };
@@ -58,8 +66,9 @@ struct Hooks {
     std::function<bool(int32_t pass, double share, int64_t wirelength)> onProgress;
 };
 
-/// Improves a placement; the objective is wirelength plus stitches and displacement by their prices. It never
-/// becomes worse, and what is legal stays legal.
+/// Improves a placement. If it has violations, it is made legal first, as legalize() does. The objective is
+/// wirelength plus stitches and displacement by their prices. It never becomes worse than that of the legal
+/// start, and what is legal stays legal.
 ///
 /// Errors: throws std::invalid_argument, with the text of faultOf(), for a model with faults.
 Result improve(Model& model, const Options& options, const Hooks& hooks);

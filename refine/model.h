@@ -99,6 +99,8 @@ struct Model {
     std::vector<int32_t> startX; ///< [cell] that displacement is measured from; empty for Cell::x
     std::vector<int32_t> startY; ///< [cell] the same, of the row's bottom edge
 
+    std::vector<bool> changed; ///< [cell] it and those within its reach are to be improved, no others; empty
+                               ///< for all
     /// States of a kind.
     int32_t stateCount(int32_t kind) const
     {

@@ -133,7 +133,6 @@ void Mover::gather(int32_t index, int32_t without, Pulls& pulls)
         }
     }
     if (m_at.displacementWeight() > 0) { // the way to its start is a net of its own
-        static constexpr Reach CORNER{};
         const int32_t x = m_at.startX(index);
         const int32_t y = m_at.startY(index);
         pulls.push_back({{{x, x}, {y, y}}, m_at.displacementWeight(), &CORNER});
@@ -284,6 +283,23 @@ void Mover::insertInRow(int32_t index, int32_t row, int64_t budget, const Limits
         const int32_t high =
             rank < items.size() ? items[rank].x - width : std::numeric_limits<int32_t>::max() / 2;
         tryPlace(index, row, rank, low <= high ? std::clamp(target, low, high) : low, budget, limits, result);
+    }
+}
+
+void Mover::settle(int32_t index, int32_t row, int32_t x, const Limits& limits, Proposal& result)
+{
+    constexpr int64_t ANY_COST = std::numeric_limits<int64_t>::max() / 4;
+    gather(index);
+    m_best[0] = m_best[1] = {x, x};
+    const size_t count = m_at.items(row).size();
+    const size_t rank = m_at.rankFrom(row, x);
+    for (size_t k = 0; k < static_cast<size_t>(limits.slots); ++k) {
+        if (k <= rank) {
+            tryPlace(index, row, rank - k, x, ANY_COST, limits, result);
+        }
+        if (k > 0 && rank + k <= count) {
+            tryPlace(index, row, rank + k, x, ANY_COST, limits, result);
+        }
     }
 }
 

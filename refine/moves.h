@@ -50,6 +50,9 @@ public:
     /// A cell to where its nets want it, and its neighbours there make room.
     void insert(int32_t cell, const Limits& limits, Proposal& result);
 
+    /// A cell that is in no row into one, near an x, whatever it costs.
+    void settle(int32_t cell, int32_t row, int32_t x, const Limits& limits, Proposal& result);
+
     /// Whether a proposal that was made before other changes can be carried out still.
     ///
     /// @param since  when it was made

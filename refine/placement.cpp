@@ -27,7 +27,7 @@ Placement::Placement(Model& model)
     : m_model(model), m_pairs(model), m_runBegin(model.rows.size() + 1, 0), m_items(model.rows.size()),
       m_pinBegin(model.cells.size() + 1, 0), m_pinsOfCell(model.pins.size()),
       m_termBegin(model.cells.size() + 1, 0), m_weights(model.nets.size()), m_touched(model.cells.size(), 1),
-      m_moved(model.cells.size(), 0)
+      m_moved(model.cells.size(), 0), m_lifted(model.cells.size(), false)
 {
     for (const Run& run : model.runs) {
         ++m_runBegin[static_cast<size_t>(run.row) + 1];
@@ -108,6 +108,7 @@ Placement::Placement(Model& model)
         }
         m_termBegin[i + 1] = static_cast<int32_t>(m_terms.size());
     }
+    findReach();
 }
 
 void Placement::bendWeights(int32_t most, uint64_t seed)
@@ -174,8 +175,55 @@ void Placement::touchAround(int32_t row, int32_t x, uint32_t now)
     const std::vector<Item>& all = items(row);
     const size_t rank = rankFrom(row, x);
     for (size_t i = rank - std::min(rank, NEAR); i < std::min(all.size(), rank + NEAR); ++i) {
-        m_touched[static_cast<size_t>(all[i].cell)] = now;
+        touch(all[i].cell, now);
     }
+}
+
+void Placement::touchNets(int32_t index, uint32_t now)
+{
+    for (const Term& term : terms(index)) {
+        const std::span<const PlacedPin> pins = pinsOf(term.net);
+        for (size_t i = 0; i < pins.size() && pins.size() <= LARGE_NET; ++i) {
+            touch(pins[i].cell, now);
+        }
+    }
+}
+
+/// Those that changed, and those beside them.
+void Placement::findReach()
+{
+    m_isInReach.assign(m_model.cells.size(), true);
+    if (m_model.changed.empty()) {
+        return;
+    }
+    std::ranges::fill(m_touched, 0);
+    for (size_t i = 0; i < m_model.cells.size(); ++i) {
+        const Cell& at = m_model.cells[i];
+        if (m_model.changed[i] && !at.fixed) {
+            const std::vector<Item>& all = items(at.row);
+            const size_t rank = rankOf(static_cast<int32_t>(i));
+            for (size_t k = rank - std::min<size_t>(rank, 1); k < std::min(all.size(), rank + 2); ++k) {
+                touch(all[k].cell, 1);
+            }
+        }
+    }
+    for (size_t i = 0; i < m_model.cells.size(); ++i) {
+        m_isInReach[i] = m_touched[i] > 0;
+    }
+}
+
+void Placement::startHere()
+{
+    for (size_t i = 0; i < m_start.size(); ++i) {
+        m_start[i] = {m_model.cells[i].x, yOf(m_model.cells[i].row)};
+    }
+}
+
+void Placement::lift(int32_t index)
+{
+    std::vector<Item>& from = m_items[static_cast<size_t>(cell(index).row)];
+    from.erase(from.begin() + static_cast<std::ptrdiff_t>(rankOf(index)));
+    m_lifted[static_cast<size_t>(index)] = true;
 }
 
 void Placement::apply(std::span<const Change> changes, uint32_t now)
@@ -183,6 +231,10 @@ void Placement::apply(std::span<const Change> changes, uint32_t now)
     // All leave before any comes, so that ranks can be found by x.
     for (const Change& change : changes) {
         const Cell& at = cell(change.cell);
+        if (m_lifted[static_cast<size_t>(change.cell)]) {
+            m_lifted[static_cast<size_t>(change.cell)] = false;
+            continue;
+        }
         std::vector<Item>& from = m_items[static_cast<size_t>(at.row)];
         from.erase(from.begin() + static_cast<std::ptrdiff_t>(rankOf(change.cell)));
         if (at.row != change.row) {
@@ -202,12 +254,7 @@ void Placement::apply(std::span<const Change> changes, uint32_t now)
     }
     for (const Change& change : changes) {
         touchAround(change.row, change.x, now);
-        for (const Term& term : terms(change.cell)) {
-            const std::span<const PlacedPin> pins = pinsOf(term.net);
-            for (size_t i = 0; i < pins.size() && pins.size() <= LARGE_NET; ++i) {
-                m_touched[static_cast<size_t>(pins[i].cell)] = now;
-            }
-        }
+        touchNets(change.cell, now);
     }
 }
 

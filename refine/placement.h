@@ -42,6 +42,9 @@ struct Reach {
     Range y[2]; ///< [turned]
 };
 
+/// That of a pin in the corner.
+inline constexpr Reach CORNER{{{0, 0}, {0, 0}}, {{0, 0}, {0, 0}}};
+
 /// A net of a cell.
 struct Term {
     int32_t net = 0;
@@ -133,6 +136,14 @@ public:
     /// @param seed  another one, other weights
     void bendWeights(int32_t most, uint64_t seed);
 
+    bool isLifted(int32_t cell) const { return m_lifted[static_cast<size_t>(cell)]; }
+
+    /// Displacement is measured from where all cells are now.
+    void startHere();
+
+    /// Takes a cell out of its row; its pins stay where they are. apply() puts it back.
+    void lift(int32_t cell);
+
     /// Moves cells.
     ///
     /// @param now  a number that grows from call to call
@@ -145,7 +156,15 @@ public:
 
 private:
     void movePins(int32_t cell);
+    void touch(int32_t cell, uint32_t now)
+    {
+        if (m_isInReach[static_cast<size_t>(cell)]) {
+            m_touched[static_cast<size_t>(cell)] = now;
+        }
+    }
     void touchAround(int32_t row, int32_t x, uint32_t now);
+    void touchNets(int32_t cell, uint32_t now);
+    void findReach();
 
     Model& m_model;
     PairTable m_pairs;
@@ -164,8 +183,10 @@ private:
     std::vector<Point> m_start; ///< [cell]
     int32_t m_displacementWeight = 0;
     std::vector<int32_t> m_weights;  ///< [net] in parts of 1 / WEIGHT
+    std::vector<bool> m_isInReach;   ///< [cell] whether it may be tried
     std::vector<uint32_t> m_touched; ///< [cell]
     std::vector<uint32_t> m_moved;   ///< [cell]
+    std::vector<bool> m_lifted;      ///< [cell]
 };
 
 } // namespace refine

@@ -169,7 +169,6 @@ void WindowSolver::take(std::span<const int32_t> cells, int32_t row)
 /// The way to its start is a net of the cell's own.
 void WindowSolver::addStart(int32_t index)
 {
-    static constexpr Reach CORNER{};
     const int32_t x = m_at.startX(index);
     const int32_t y = m_at.startY(index);
     m_terms.push_back({static_cast<int32_t>(m_nets.size()), &CORNER});
@@ -275,6 +274,7 @@ void WindowSolver::addOptions(std::span<const int32_t> order, const Side& left, 
     const PairTable& pairs = m_at.pairs();
     PairTable::Pair before;
     int32_t leftKind = left.kind;
+    m_classesOf.clear();
     for (size_t rank = 0; rank < order.size(); ++rank) {
         ProgramItem& item = m_program.items[rank];
         const int32_t kind = m_at.cell(m_cells[static_cast<size_t>(order[rank])]).kind;
@@ -294,6 +294,7 @@ void WindowSolver::addOptions(std::span<const int32_t> order, const Side& left, 
             item.rightClasses = before.leftClasses;
             rightClassOf = before.leftClassOf;
         }
+        m_classesOf.push_back({leftClassOf, rightClassOf});
         item.optionBegin = static_cast<int32_t>(m_program.options.size());
         if (leftKind == -2 || rightKind == -2) {
             const size_t begin = m_program.options.size();
@@ -509,13 +510,25 @@ bool WindowSolver::closeFarPlaces(std::span<const int32_t> order, int32_t window
     return true;
 }
 
+/// Of two states that are alike for both neighbours, the one that a cell has.
+int32_t WindowSolver::sameOr(int32_t state, int32_t index, const Classes& classes) const
+{
+    const Cell& cell = m_at.cell(index);
+    const State* const states = m_at.model().states.data() + m_at.kindOf(cell).stateBegin;
+    const bool alike = classes.left[state] == classes.left[cell.state] &&
+                       classes.right[state] == classes.right[cell.state] &&
+                       states[state].mirrored == states[cell.state].mirrored &&
+                       states[state].stitches == states[cell.state].stitches;
+    return alike ? cell.state : state;
+}
+
 void WindowSolver::changes(std::vector<Change>& result)
 {
     m_program.trace(m_spots);
     for (size_t rank = 0; rank < m_order.size(); ++rank) {
         const int32_t cell = m_cells[static_cast<size_t>(m_order[rank])];
         const int32_t x = m_run->x + m_spots[rank].site * m_at.model().step;
-        result.push_back({cell, m_row, x, m_spots[rank].state});
+        result.push_back({cell, m_row, x, sameOr(m_spots[rank].state, cell, m_classesOf[rank])});
     }
 }
 

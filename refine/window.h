@@ -89,6 +89,12 @@ private:
         const uint16_t* classOf = nullptr; ///< [state]
     };
     Side sideOf(const WindowFrame& frame, bool onLeft, int32_t cell);
+    /// Classes of the states of a cell for its neighbours.
+    struct Classes {
+        const uint16_t* left;
+        const uint16_t* right;
+    };
+    int32_t sameOr(int32_t state, int32_t cell, const Classes& classes) const;
     /// Options of a kind between two others.
     struct Known {
         uint64_t key = 0; ///< of the three kinds
@@ -125,8 +131,9 @@ private:
         int32_t mostPrice = 0;
         int32_t sites = 0; ///< width
     };
-    std::vector<KindFacts> m_facts; ///< [kind]
-    std::vector<Known> m_known;     ///< by a hash of the key
+    std::vector<KindFacts> m_facts;   ///< [kind]
+    std::vector<Classes> m_classesOf; ///< [rank]
+    std::vector<Known> m_known;       ///< by a hash of the key
     std::vector<ProgramOption> m_knownOptions;
     size_t m_knownCount = 0;
     std::vector<int32_t> m_best; ///< [left class, right class, mirrored] option
