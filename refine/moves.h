@@ -22,8 +22,8 @@ struct Stretch {
 /// Changes that belong together.
 struct Proposal {
     int64_t gain = 0; ///< what the objective falls by; none is proposed if it is not positive
-    std::vector<Change> changes;
-    std::vector<Stretch> stretches; ///< where the changed cells stand then
+    std::vector<Change> changes{};
+    std::vector<Stretch> stretches{}; ///< where the changed cells stand then
 };
 
 /// How far a search goes.
