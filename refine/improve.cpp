@@ -39,7 +39,7 @@ public:
           m_batch(std::clamp<size_t>(model.cells.size() / 512, 8, 256))
     {
         m_at.setDisplacementWeight(
-            static_cast<int32_t>(options.displacementPrice * Placement::WEIGHT / PRICE_PARTS));
+            static_cast<int32_t>(options.displacementPrice * m_at.parts() / PRICE_PARTS));
         for (int32_t i = 0; i < m_crew.size(); ++i) {
             m_movers.emplace_back(m_at, options);
         }
@@ -107,7 +107,7 @@ private:
     void bend(int32_t pass, const Plan& plan)
     {
         if (pass <= plan.bent && plan.bent > 0) {
-            const int32_t most = Placement::WEIGHT / 2 * (plan.bent - pass) / plan.bent;
+            const int32_t most = m_at.parts() / 2 * (plan.bent - pass) / plan.bent;
             m_at.bendWeights(most, static_cast<uint64_t>(pass));
             std::ranges::fill(m_tried, 0);
         }
@@ -132,7 +132,7 @@ private:
         return sum;
     }
 
-    /// The objective by the true weights, in parts of 1 / WEIGHT.
+    /// The objective by the true weights, in parts.
     int64_t cost() const
     {
         int64_t displacement = 0;
@@ -141,7 +141,8 @@ private:
             displacement += std::abs(int64_t{cell.x} - m_at.startX(i)) +
                             std::abs(int64_t{m_at.yOf(cell.row)} - m_at.startY(i));
         }
-        return Placement::WEIGHT * (wirelength(m_model) + m_options.stitchPrice * stitches()) +
+        return m_at.parts() * (wirelength(m_model) +
+                               std::min(m_options.stitchPrice, Options::MOST_STITCH_PRICE) * stitches()) +
                m_at.displacementWeight() * displacement;
     }
 
@@ -164,7 +165,7 @@ private:
         while (!m_tasks.empty()) {
             carryOut();
         }
-        m_figures->gain /= Placement::WEIGHT;
+        m_figures->gain /= m_at.parts();
         m_figures->seconds = std::chrono::duration<double>(Clock::now() - begin).count();
     }
 

@@ -14,6 +14,7 @@ namespace refine {
 /// What a run is to do.
 struct Options {
     static constexpr int32_t MOST_EFFORT = 9;
+    static constexpr int64_t MOST_STITCH_PRICE = 1 << 17; ///< units; a higher price is taken as this one
 
     int32_t effort = 3;                 ///< 0 (nothing) to MOST_EFFORT (until nothing helps any more)
     int32_t jobs = 1;                   ///< threads; the result is the same for any number

@@ -22,7 +22,7 @@ public:
     explicit Legalizer(Model& model) : m_model(model), m_at(model), m_mover(m_at, m_options)
     {
         m_at.startHere();
-        m_at.setDisplacementWeight(DISPLACEMENT * Placement::WEIGHT);
+        m_at.setDisplacementWeight(DISPLACEMENT * m_at.parts());
     }
 
     std::vector<Homeless> run()

@@ -2,6 +2,7 @@
 #include "refine/model.h"
 
 #include <algorithm>
+#include <span>
 
 namespace refine {
 
@@ -34,8 +35,120 @@ const Run* runOf(const Model& model, const Cell& cell)
 
 } // namespace
 
-std::string faultOf(const Model& /*model*/)
+namespace {
+
+/// Whether `begin` of the records goes from 0 upwards to a count.
+template <typename Record>
+bool isDivided(const std::vector<Record>& records, int32_t Record::*begin, size_t count)
 {
+    return !records.empty() && records.front().*begin == 0 && std::ranges::is_sorted(records, {}, begin) &&
+           static_cast<size_t>(records.back().*begin) == count;
+}
+
+bool isNear(int64_t value)
+{
+    return value >= -FARTHEST && value <= FARTHEST;
+}
+
+bool isIn(int64_t index, size_t count)
+{
+    return index >= 0 && static_cast<size_t>(index) < count;
+}
+
+bool isPossible(const Model& model, const Run& run)
+{
+    return isIn(run.row, model.rows.size()) && run.sites > 0 && isNear(run.x) &&
+           isNear(run.x + int64_t{run.sites} * model.step);
+}
+
+bool isPossible(const Model& model, const Cell& cell)
+{
+    return isIn(cell.kind, model.kinds.size() - 1) && isIn(cell.row, model.rows.size()) && isNear(cell.x) &&
+           isIn(cell.state, static_cast<size_t>(model.stateCount(cell.kind))) &&
+           (cell.fixed || (kindOf(model, cell).rows == 1 && kindOf(model, cell).width % model.step == 0));
+}
+
+bool isPossible(const Model& model, const Pin& pin)
+{
+    if (!isIn(pin.cell, model.cells.size())) {
+        return false;
+    }
+    const Kind* const kind = &kindOf(model, model.cells[static_cast<size_t>(pin.cell)]);
+    return isIn(pin.kindPin, static_cast<size_t>(kind[1].pinBegin - kind[0].pinBegin));
+}
+
+bool isPossible(const Model& model, const State& state)
+{
+    const auto views = static_cast<size_t>(model.views);
+    return isIn(state.left, views) && isIn(state.right, views) && state.stitches >= 0;
+}
+
+bool isPossible(const Net& net)
+{
+    const bool hasBox = net.xl <= net.xh && net.yl <= net.yh;
+    return net.weight >= 1 && net.weight <= MOST_WEIGHT &&
+           (!hasBox || (isNear(net.xl) && isNear(net.yl) && isNear(net.xh) && isNear(net.yh)));
+}
+
+/// The first record that is not possible, as a text.
+template <typename Records, typename Check>
+std::string firstFault(const char* what, const Records& records, Check check)
+{
+    const auto bad = std::ranges::find_if_not(records, check);
+    return bad == std::ranges::end(records)
+               ? ""
+               : std::string(what) + " " + std::to_string(bad - std::ranges::begin(records)) +
+                     " is not possible";
+}
+
+} // namespace
+
+std::string faultOf(const Model& model)
+{
+    const size_t cells = model.cells.size();
+    if (model.step <= 0 || model.step > FARTHEST || model.views < 0 ||
+        model.gaps.size() != static_cast<size_t>(model.views) * static_cast<size_t>(model.views) ||
+        !std::ranges::all_of(model.gaps, isNear)) {
+        return "the step or the gaps are not possible";
+    }
+    if (!isDivided(model.kinds, &Kind::stateBegin, model.states.size()) ||
+        !isDivided(model.kinds, &Kind::pinBegin, model.kindPins.size()) ||
+        !isDivided(model.nets, &Net::pinBegin, model.pins.size())) {
+        return "states, pins of kinds, or pins of nets are not divided among all";
+    }
+    if ((!model.startX.empty() && model.startX.size() != cells) ||
+        model.startX.size() != model.startY.size() ||
+        (!model.changed.empty() && model.changed.size() != cells)) {
+        return "starts or changes are not those of all cells";
+    }
+    if (!std::ranges::all_of(model.kindPins, [](const KindPin& pin) {
+            return isNear(pin.x) && isNear(pin.mirroredX) && isNear(pin.y) && isNear(pin.turnedY);
+        })) {
+        return "a pin of a kind is too far away";
+    }
+    const auto possible = [&model](const auto& record) { return isPossible(model, record); };
+    const std::string faults[] = {
+        firstFault("state", model.states, possible),
+        firstFault("kind", std::span(model.kinds).first(model.kinds.size() - 1),
+                   [](const Kind& kind) { return kind.width > 0 && kind.width <= FARTHEST; }),
+        firstFault("row", model.rows, [](const Row& row) { return isNear(row.y); }),
+        firstFault("run", model.runs, possible),
+        firstFault("cell", model.cells, possible),
+        firstFault("pin", model.pins, possible),
+        firstFault("net", model.nets, [](const Net& net) { return isPossible(net); }),
+    };
+    for (const std::string& fault : faults) {
+        if (!fault.empty()) {
+            return fault;
+        }
+    }
+    for (size_t i = 1; i < model.runs.size(); ++i) {
+        const Run& before = model.runs[i - 1];
+        const Run& run = model.runs[i];
+        if (run.row < before.row || (run.row == before.row && run.x < before.x + before.sites * model.step)) {
+            return "run " + std::to_string(i) + " is not on the right of the one before";
+        }
+    }
     return {};
 }
 

@@ -17,6 +17,9 @@ namespace refine {
 /// No x or y is further from 0, units: sums of a few fit into 32 bits.
 inline constexpr int32_t FARTHEST = 1 << 29;
 
+/// No net weighs more.
+inline constexpr int32_t MOST_WEIGHT = 1000;
+
 /// A way to lie and to be coloured.
 struct State {
     int32_t left = 0;     ///< what a neighbour on the left sees: a view, the column of Model::gaps

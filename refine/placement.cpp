@@ -51,6 +51,11 @@ Placement::Placement(Model& model)
     for (size_t i = 1; i < m_pinBegin.size(); ++i) {
         m_pinBegin[i] += m_pinBegin[i - 1];
     }
+    int32_t heaviest = 1;
+    for (const Net& net : model.nets) {
+        heaviest = std::max(heaviest, net.weight);
+    }
+    m_parts = std::clamp(MOST_WEIGHT / heaviest, 1, m_parts);
     bendWeights(0, 0);
     std::vector<int32_t> next(m_pinBegin.begin(), m_pinBegin.end() - 1);
     std::vector<int32_t> netOf(model.pins.size());
@@ -116,7 +121,7 @@ void Placement::bendWeights(int32_t most, uint64_t seed)
     const auto choices = static_cast<uint64_t>(2 * most + 1);
     for (size_t net = 0; net < m_weights.size(); ++net) {
         const auto bend = static_cast<int32_t>(mixed(seed << 32 | net) % choices) - most;
-        m_weights[net] = m_model.nets[net].weight * (WEIGHT + bend);
+        m_weights[net] = m_model.nets[net].weight * (m_parts + bend);
     }
 }
 

@@ -120,8 +120,9 @@ public:
         const Net& at = m_model.nets[static_cast<size_t>(net)];
         return {{at.xl, at.xh}, {at.yl, at.yh}};
     }
-    /// Weights and prices are counted in parts of 1 / WEIGHT, so that they can be bent a little.
-    static constexpr int32_t WEIGHT = 32;
+    /// Weights and prices are counted in so many parts of 1, so that they can be bent a little: in 32, or in
+    /// fewer where a net is so heavy that costs would not fit into 32 bits.
+    int32_t parts() const { return m_parts; }
     int32_t weightOf(int32_t net) const { return m_weights[static_cast<size_t>(net)]; }
 
     /// What a unit that a cell is from its start costs, in the same parts.
@@ -182,7 +183,8 @@ private:
     };
     std::vector<Point> m_start; ///< [cell]
     int32_t m_displacementWeight = 0;
-    std::vector<int32_t> m_weights;  ///< [net] in parts of 1 / WEIGHT
+    int32_t m_parts = 32;
+    std::vector<int32_t> m_weights;  ///< [net] in parts
     std::vector<bool> m_isInReach;   ///< [cell] whether it may be tried
     std::vector<uint32_t> m_touched; ///< [cell]
     std::vector<uint32_t> m_moved;   ///< [cell]

@@ -21,7 +21,8 @@ int32_t ceilDiv(int32_t a, int32_t b)
 } // namespace
 
 WindowSolver::WindowSolver(const Placement& placement, const Options& options)
-    : m_at(placement), m_options(options), m_stitchPrice(options.stitchPrice * Placement::WEIGHT),
+    : m_at(placement), m_options(options),
+      m_stitchPrice(std::min(options.stitchPrice, Options::MOST_STITCH_PRICE) * placement.parts()),
       m_cellMark(placement.model().cells.size(), 0), m_netMark(placement.model().nets.size(), 0)
 {
     const Model& model = placement.model();
@@ -418,7 +419,8 @@ int64_t WindowSolver::solve(const WindowFrame& frame, std::span<const int32_t> o
     if (slack < 0) {
         return IMPOSSIBLE;
     }
-    const int32_t window = std::min(slack + 1, sites);
+    int32_t window = std::min(slack + 1, sites);
+    int64_t heaviest = 0; // weight of the nets of a cell
     for (size_t rank = 0; rank < order.size(); ++rank) {
         for (size_t t = m_termBegin[static_cast<size_t>(order[rank])];
              t < m_termBegin[static_cast<size_t>(order[rank]) + 1]; ++t) {
@@ -426,12 +428,19 @@ int64_t WindowSolver::solve(const WindowFrame& frame, std::span<const int32_t> o
         }
     }
     for (size_t rank = 0; rank < order.size(); ++rank) {
+        int64_t weight = 0;
         for (size_t t = m_termBegin[static_cast<size_t>(order[rank])];
              t < m_termBegin[static_cast<size_t>(order[rank]) + 1]; ++t) {
             NetUse& net = m_nets[static_cast<size_t>(m_terms[t].net)];
+            weight += net.weight;
             net.first = net.first < 0 ? static_cast<int32_t>(rank) : net.first;
             net.last = static_cast<int32_t>(rank);
         }
+        heaviest = std::max(heaviest, weight);
+    }
+    // Costs of a cell fit into 32 bits.
+    while (window > 1 && 2 * heaviest * step * window >= OrderedProgram::NEVER) {
+        window /= 2;
     }
     const int32_t reference = frame.run->x + begin * step;
     int64_t after = m_fixedAfter;
@@ -469,7 +478,10 @@ int64_t WindowSolver::solve(const WindowFrame& frame, std::span<const int32_t> o
         }
         largest += facts.mostPrice + most;
     }
-    if (largest >= OrderedProgram::NEVER || m_before - after - leastPrice <= worth) {
+    if (largest >= OrderedProgram::NEVER) {
+        return window > 1 ? solve(frame, order, targets, window / 2, worth) : IMPOSSIBLE;
+    }
+    if (m_before - after - leastPrice <= worth) {
         return IMPOSSIBLE;
     }
     if (m_options.maxDisplacement < FARTHEST && !closeFarPlaces(order, window)) {

@@ -108,7 +108,7 @@ private:
 
     const Placement& m_at;
     const Options& m_options;
-    int64_t m_stitchPrice; ///< in parts of 1 / WEIGHT
+    int64_t m_stitchPrice; ///< in parts
     std::vector<Change> m_assumed;
     OrderedProgram m_program;
     std::vector<uint32_t> m_cellMark; ///< [cell] m_time if it was taken
