@@ -38,8 +38,9 @@ public:
           m_tried(model.cells.size() * MOVES, 0),
           m_batch(std::clamp<size_t>(model.cells.size() / 512, 8, 256))
     {
-        m_at.setDisplacementWeight(
-            static_cast<int32_t>(options.displacementPrice * m_at.parts() / PRICE_PARTS));
+        m_at.setDisplacementWeight(static_cast<int32_t>(
+            std::clamp<int64_t>(options.displacementPrice, 0, MOST_WEIGHT * PRICE_PARTS) * m_at.parts() /
+            PRICE_PARTS));
         for (int32_t i = 0; i < m_crew.size(); ++i) {
             m_movers.emplace_back(m_at, options);
         }
