@@ -1,13 +1,27 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "support/property.h"
 
-#include <rapidcheck/gtest.h>
+#include <rapidcheck.h>
+#include <rapidcheck/detail/Configuration.h>
+
+#include <sstream>
 
 namespace test {
 
-void tryCases(const std::function<void()>& property)
+void tryCases(const std::function<void()>& property, int times)
 {
-    rc::detail::checkGTest(property);
+    const ::testing::TestInfo& test = *::testing::UnitTest::GetInstance()->current_test_info();
+    rc::detail::TestMetadata metadata;
+    metadata.id = std::string(test.test_suite_name()) + "/" + test.name();
+    metadata.description = test.name();
+    rc::detail::TestParams params = rc::detail::configuration().testParams;
+    params.maxSuccess *= times;
+    const rc::detail::TestResult result = rc::detail::checkTestable(property, metadata, params);
+    if (!result.is<rc::detail::SuccessResult>()) {
+        std::ostringstream text;
+        rc::detail::printResultMessage(result, text);
+        FAIL() << text.str();
+    }
 }
 
 int64_t drawNumber(int64_t least, int64_t beyond)

@@ -17,11 +17,16 @@
 #include <type_traits>
 
 /// A test whose body is tried with random cases. It draws what it needs, and asserts with RC_ASSERT.
-#define PROPERTY(suite, name)                                                                                \
+#define PROPERTY(suite, name) PROPERTY_TIMES(suite, name, 1)
+
+/// The same with more cases, where they are tiny.
+///
+/// @param times  as many times as of others
+#define PROPERTY_TIMES(suite, name, times)                                                                   \
     static void property_##suite##_##name();                                                                 \
     TEST(suite, name)                                                                                        \
     {                                                                                                        \
-        test::tryCases(property_##suite##_##name);                                                           \
+        test::tryCases(property_##suite##_##name, times);                                                    \
     }                                                                                                        \
     static void property_##suite##_##name()
 
@@ -29,7 +34,9 @@ namespace test {
 
 /// Tries a property with random cases; the running test fails with the least case that fails. RC_PARAMS in
 /// the environment has RapidCheck's parameters.
-void tryCases(const std::function<void()>& property);
+///
+/// @param times  what the number of cases is multiplied by
+void tryCases(const std::function<void()>& property, int times = 1);
 
 /// A number from `least`, and below `beyond`; small at first, in the later cases from all of the range.
 int64_t drawNumber(int64_t least, int64_t beyond);
