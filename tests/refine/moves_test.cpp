@@ -122,8 +122,7 @@ public:
 private:
     static const refine::Placement& priced(refine::Placement& at, const refine::Options& options)
     {
-        at.setDisplacementWeight(
-            static_cast<int32_t>(options.displacementPrice * refine::Placement::WEIGHT / 1000));
+        at.setDisplacementWeight(static_cast<int32_t>(options.displacementPrice * at.parts() / 1000));
         return at;
     }
 

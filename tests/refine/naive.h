@@ -121,8 +121,8 @@ struct Objective {
 
     /// The one of a placement, in its parts. Its cells are still where they started.
     Objective(const refine::Placement& at, const refine::Options& options)
-        : stitchPrice(options.stitchPrice * refine::Placement::WEIGHT),
-          displacementPrice(at.displacementWeight()), starts(at.model())
+        : stitchPrice(options.stitchPrice * at.parts()), displacementPrice(at.displacementWeight()),
+          starts(at.model())
     {
         for (size_t net = 0; net + 1 < at.model().nets.size(); ++net) {
             weights.push_back(at.weightOf(static_cast<int32_t>(net)));

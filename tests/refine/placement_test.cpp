@@ -135,11 +135,11 @@ PROPERTY(RefinePlacement, BentWeightsAreNearTheTrueOnes)
 {
     refine::Model model = test::RandomModel({}).model;
     refine::Placement at(model);
-    const int32_t most = test::draw(0, refine::Placement::WEIGHT);
+    const int32_t most = test::draw(0, at.parts());
     at.bendWeights(most, static_cast<uint64_t>(test::draw(0, 100)));
     for (int32_t net = 0; net + 1 < static_cast<int32_t>(model.nets.size()); ++net) {
         const int32_t weight = model.nets[static_cast<size_t>(net)].weight;
-        const int32_t bend = at.weightOf(net) - weight * refine::Placement::WEIGHT;
+        const int32_t bend = at.weightOf(net) - weight * at.parts();
         RC_ASSERT(std::abs(bend) <= weight * most);
     }
 }
