@@ -38,9 +38,9 @@ public:
           m_tried(model.cells.size() * MOVES, 0),
           m_batch(std::clamp<size_t>(model.cells.size() / 512, 8, 256))
     {
-        m_at.setDisplacementWeight(static_cast<int32_t>(
-            std::clamp<int64_t>(options.displacementPrice, 0, MOST_WEIGHT * PRICE_PARTS) * m_at.parts() /
-            PRICE_PARTS));
+        const int64_t price = std::clamp<int64_t>(options.displacementPrice, 0, MOST_PRICE);
+        m_at.setDisplacementWeight(
+            static_cast<int32_t>((price * m_at.parts() + Options::PRICE_PARTS - 1) / Options::PRICE_PARTS));
         for (int32_t i = 0; i < m_crew.size(); ++i) {
             m_movers.emplace_back(m_at, options);
         }
@@ -80,8 +80,8 @@ public:
     }
 
 private:
+    static constexpr int64_t MOST_PRICE = int64_t{MOST_WEIGHT} * Options::PRICE_PARTS;
     static constexpr auto TELL_EVERY = std::chrono::milliseconds(100);
-    static constexpr int64_t PRICE_PARTS = 1000;   ///< that prices of displacement are given in
     static constexpr int64_t LEAST_SHARE = 20'000; ///< a pass that gains less than this part is the last
 
     /// How many passes there are.
@@ -226,6 +226,9 @@ private:
             if (m_now != since) {
                 proposal.gain =
                     m_movers.front().isPossible(proposal, since) ? m_movers.front().gainOf(proposal) : 0;
+            }
+            if (proposal.gain > 0 && !m_at.keepsDistance(proposal.changes)) {
+                continue; // it has looked at next neighbours only
             }
             if (proposal.gain > 0) {
                 ++m_figures->taken;
@@ -385,7 +388,9 @@ Result improve(Model& model, const Options& options, const Hooks& hooks)
         }
     }
     Result result = Improver(model, options, hooks).run();
-    result.homeless = std::move(homeless);
+    if (!homeless.empty() && violationsOf(model).sum() > 0) {
+        result.homeless = std::move(homeless);
+    }
     result.legalized = legalized;
     return result;
 }

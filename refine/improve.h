@@ -14,12 +14,13 @@ namespace refine {
 /// What a run is to do.
 struct Options {
     static constexpr int32_t MOST_EFFORT = 9;
+    static constexpr int64_t PRICE_PARTS = 32;
     static constexpr int64_t MOST_STITCH_PRICE = 1 << 17; ///< units; a higher price is taken as this one
 
-    int32_t effort = 3;                 ///< 0 (nothing) to MOST_EFFORT (until nothing helps any more)
-    int32_t jobs = 1;                   ///< threads; the result is the same for any number
-    int64_t stitchPrice = 0;            ///< of a stitch, in wirelength of weight 1, units
-    int64_t displacementPrice = 0;      ///< of a unit that a cell is from its start, in thousandths
+    int32_t effort = 3;            ///< 0 (nothing) to MOST_EFFORT (until nothing helps any more)
+    int32_t jobs = 1;              ///< threads; the result is the same for any number
+    int64_t stitchPrice = 0;       ///< of a stitch, in wirelength of weight 1, units
+    int64_t displacementPrice = 0; ///< of a unit that a cell is from its start, in parts of 1 / PRICE_PARTS
     int32_t maxDisplacement = FARTHEST; ///< |dx| + |dy| from its start, units
 };
 

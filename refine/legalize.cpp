@@ -45,7 +45,7 @@ public:
             if (const int32_t other = exchange(cell); other >= 0) {
                 waiting.push_front(other);
             } else {
-                homeless.push_back({cell, !hasRoom(widthOf(cell))});
+                homeless.push_back({cell, !hasRoom(cell)});
             }
         }
         return homeless;
@@ -128,7 +128,7 @@ private:
         }
         Proposal proposal{.gain = NOTHING};
         m_mover.arrange(row, first, last, OrderedProgram::MOST_SITES, proposal);
-        if (proposal.gain == NOTHING) {
+        if (proposal.gain == NOTHING || !m_at.keepsDistance(proposal.changes)) {
             return {};
         }
         m_at.apply(proposal.changes, ++m_now);
@@ -142,7 +142,7 @@ private:
         for (const int32_t beside : {3, 12, 48, std::numeric_limits<int32_t>::max()}) {
             const Limits limits{.slots = 4, .beside = beside, .sites = OrderedProgram::MOST_SITES};
             settleWithin(cell, limits, best);
-            if (best.gain != NOTHING) {
+            if (best.gain != NOTHING && m_at.keepsDistance(best.changes)) {
                 m_at.apply(best.changes, ++m_now);
                 return true;
             }
@@ -189,9 +189,11 @@ private:
         return room;
     }
 
-    bool hasRoom(int32_t width) const
+    bool hasRoom(int32_t cell) const
     {
-        return std::ranges::any_of(m_model.runs, [&](const Run& run) { return roomIn(run) >= width; });
+        return std::ranges::any_of(m_model.runs, [&](const Run& run) {
+            return run.fence == m_at.cell(cell).fence && roomIn(run) >= widthOf(cell);
+        });
     }
 
     /// Puts a cell where a narrower one leaves. @return who left, -1 if there is none
@@ -233,8 +235,9 @@ private:
             .slots = 4, .beside = std::numeric_limits<int32_t>::max(), .sites = OrderedProgram::MOST_SITES};
         m_mover.settle(cell, run.row, before.x, limits, best);
         const Change back{other, before.row, before.x, before.state};
-        m_at.apply(best.gain == NOTHING ? std::vector<Change>{back} : best.changes, ++m_now);
-        return best.gain == NOTHING ? -1 : other;
+        const bool isPossible = best.gain != NOTHING && m_at.keepsDistance(best.changes);
+        m_at.apply(isPossible ? best.changes : std::vector<Change>{back}, ++m_now);
+        return isPossible ? other : -1;
     }
 
     Model& m_model;

@@ -175,7 +175,7 @@ Range Mover::bestX(bool mirrored)
         slope -= pull.weight;
     }
     std::ranges::sort(m_bends);
-    Range best{m_at.model().runs.front().x, m_at.model().runs.front().x};
+    Range best{0, 0};
     for (size_t i = 0; i < m_bends.size(); ++i) {
         slope += m_bends[i].second;
         if (slope >= 0) {
@@ -292,13 +292,22 @@ void Mover::settle(int32_t index, int32_t row, int32_t x, const Limits& limits, 
     gather(index);
     m_best[0] = m_best[1] = {x, x};
     const size_t count = m_at.items(row).size();
-    const size_t rank = m_at.rankFrom(row, x);
-    for (size_t k = 0; k < static_cast<size_t>(limits.slots); ++k) {
-        if (k <= rank) {
-            tryPlace(index, row, rank - k, x, ANY_COST, limits, result);
+    const Cell& cell = m_at.cell(index);
+    for (const Run& run : m_at.runs(row)) {
+        const int32_t last = run.x + run.sites * m_at.model().step - m_at.kindOf(cell).width;
+        const int32_t target = std::clamp(x, run.x, std::max(run.x, last));
+        const int64_t way = std::abs(int64_t{target} - x) * m_at.displacementWeight();
+        if (run.fence != cell.fence || last < run.x || -way <= result.gain) {
+            continue;
         }
-        if (k > 0 && rank + k <= count) {
-            tryPlace(index, row, rank + k, x, ANY_COST, limits, result);
+        const size_t rank = m_at.rankFrom(row, target);
+        for (size_t k = 0; k < static_cast<size_t>(limits.slots); ++k) {
+            if (k <= rank) {
+                tryPlace(index, row, rank - k, target, ANY_COST, limits, result);
+            }
+            if (k > 0 && rank + k <= count) {
+                tryPlace(index, row, rank + k, target, ANY_COST, limits, result);
+            }
         }
     }
 }
@@ -328,28 +337,33 @@ Range Mover::roomOf(const WindowFrame& frame) const
     return room;
 }
 
+/// The run of a fence that is nearest to a place in a row, nullptr if there is none.
+const Run* Mover::runNear(int32_t row, int32_t x, int32_t fence) const
+{
+    const Run* nearest = m_at.runAt(row, x);
+    if (nearest != nullptr && nearest->fence == fence) {
+        return nearest;
+    }
+    nearest = nullptr;
+    int32_t least = std::numeric_limits<int32_t>::max();
+    for (const Run& run : m_at.runs(row)) {
+        const int32_t away = std::max(run.x - x, x - run.x - run.sites * m_at.model().step);
+        if (run.fence == fence && away < least) {
+            least = away;
+            nearest = &run;
+        }
+    }
+    return nearest;
+}
+
 void Mover::tryPlace(int32_t index, int32_t row, size_t rank, int32_t target, int64_t budget,
                      const Limits& limits, Proposal& result)
 {
     const std::vector<Item>& items = m_at.items(row);
     const Cell& cell = m_at.cell(index);
     const int32_t step = m_at.model().step;
-    // The run: that of the target, or of a neighbour.
-    const Run* run = m_at.runAt(row, target);
-    if (run == nullptr && rank > 0) {
-        run = m_at.runAt(row, items[rank - 1].x);
-    }
-    if (run == nullptr && rank < items.size()) {
-        run = m_at.runAt(row, items[rank].x);
-    }
+    const Run* const run = runNear(row, target, cell.fence);
     if (run == nullptr) {
-        const std::span<const Run> runs = m_at.runs(row);
-        if (runs.empty()) {
-            return;
-        }
-        run = target < runs.front().x ? &runs.front() : &runs.back();
-    }
-    if (run->fence != cell.fence) {
         return;
     }
     const int32_t runEnd = run->x + run->sites * step;

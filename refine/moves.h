@@ -90,6 +90,7 @@ private:
     void insertInRow(int32_t cell, int32_t row, int64_t budget, const Limits& limits, Proposal& result);
     void tryPlace(int32_t cell, int32_t row, size_t rank, int32_t target, int64_t budget,
                   const Limits& limits, Proposal& result);
+    const Run* runNear(int32_t row, int32_t x, int32_t fence) const;
     /// Where the cells of a window may be at most, units.
     Range roomOf(const WindowFrame& frame) const;
     WindowFrame frameOf(int32_t row, const Run& run, size_t first, size_t last, int32_t without) const;

@@ -41,6 +41,9 @@ public:
         return std::max(gap, m_leastBefore[static_cast<size_t>(rightKind)]);
     }
 
+    /// No two cells must be further apart by Model::gaps, units.
+    int32_t largest() const { return m_largest; }
+
 private:
     struct View {
         int32_t left;
@@ -65,6 +68,7 @@ private:
     const Model& m_model;
     size_t m_views;
     const int32_t* m_gaps;
+    int32_t m_largest = 0;
     std::vector<int32_t> m_leastBefore; ///< [kind] gap before such a cell at least, units
     std::vector<int32_t> m_number;      ///< [kind] among those that may move, -1 for others
     size_t m_count = 0;                 ///< of those

@@ -27,7 +27,8 @@ Placement::Placement(Model& model)
     : m_model(model), m_pairs(model), m_runBegin(model.rows.size() + 1, 0), m_items(model.rows.size()),
       m_pinBegin(model.cells.size() + 1, 0), m_pinsOfCell(model.pins.size()),
       m_termBegin(model.cells.size() + 1, 0), m_weights(model.nets.size()), m_touched(model.cells.size(), 1),
-      m_moved(model.cells.size(), 0), m_lifted(model.cells.size(), false)
+      m_moved(model.cells.size(), 0), m_lifted(model.cells.size(), false),
+      m_isChanged(model.cells.size(), false), m_farthest(model.rows.size(), 0)
 {
     for (const Run& run : model.runs) {
         ++m_runBegin[static_cast<size_t>(run.row) + 1];
@@ -114,6 +115,14 @@ Placement::Placement(Model& model)
         m_termBegin[i + 1] = static_cast<int32_t>(m_terms.size());
     }
     findReach();
+    int32_t widest = 0;
+    for (const Cell& cell : model.cells) {
+        int32_t& farthest = cell.fixed ? m_farthest[static_cast<size_t>(cell.row)] : widest;
+        farthest = std::max(farthest, kindOf(cell).width);
+    }
+    for (int32_t& farthest : m_farthest) {
+        farthest = std::max(farthest, widest) + m_pairs.largest();
+    }
 }
 
 void Placement::bendWeights(int32_t most, uint64_t seed)
@@ -222,6 +231,47 @@ void Placement::startHere()
     for (size_t i = 0; i < m_start.size(); ++i) {
         m_start[i] = {m_model.cells[i].x, yOf(m_model.cells[i].row)};
     }
+}
+
+bool Placement::keepsDistance(std::span<const Change> changes)
+{
+    const auto placed = [this](const Change& change) {
+        const Cell& at = cell(change.cell);
+        return Cell{at.kind, change.row, change.x, change.state, at.fence, at.fixed};
+    };
+    for (const Change& change : changes) {
+        m_isChanged[static_cast<size_t>(change.cell)] = true;
+    }
+    bool keeps = true;
+    for (size_t i = 0; i < changes.size(); ++i) {
+        const Cell own = placed(changes[i]);
+        const std::vector<Item>& all = items(own.row);
+        const int32_t end = own.x + kindOf(own).width + m_pairs.largest();
+        for (size_t k = rankFrom(own.row, own.x - m_farthest[static_cast<size_t>(own.row)]);
+             keeps && k < all.size() && all[k].x < end; ++k) {
+            const Cell& other = cell(all[k].cell);
+            keeps = m_isChanged[static_cast<size_t>(all[k].cell)] || areApart(own, other);
+        }
+        for (size_t k = 0; keeps && k < i; ++k) {
+            const Cell other = placed(changes[k]);
+            keeps = other.row != own.row || areApart(own, other);
+        }
+    }
+    for (const Change& change : changes) {
+        m_isChanged[static_cast<size_t>(change.cell)] = false;
+    }
+    return keeps;
+}
+
+bool Placement::areApart(const Cell& a, const Cell& b) const
+{
+    const Cell& left = a.x <= b.x ? a : b;
+    const Cell& right = a.x <= b.x ? b : a;
+    const int32_t gap =
+        m_model.gaps[static_cast<size_t>(stateOf(left).right) * static_cast<size_t>(m_model.views) +
+                     static_cast<size_t>(stateOf(right).left)];
+    const bool anyFixed = left.fixed || right.fixed;
+    return left.x + kindOf(left).width + (anyFixed ? gap : std::max(0, gap)) <= right.x;
 }
 
 void Placement::lift(int32_t index)

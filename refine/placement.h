@@ -142,6 +142,9 @@ public:
     /// Displacement is measured from where all cells are now.
     void startHere();
 
+    /// Whether cells would stand as far from all others as they must, not only from the next ones.
+    bool keepsDistance(std::span<const Change> changes);
+
     /// Takes a cell out of its row; its pins stay where they are. apply() puts it back.
     void lift(int32_t cell);
 
@@ -163,6 +166,7 @@ private:
             m_touched[static_cast<size_t>(cell)] = now;
         }
     }
+    bool areApart(const Cell& a, const Cell& b) const;
     void touchAround(int32_t row, int32_t x, uint32_t now);
     void touchNets(int32_t cell, uint32_t now);
     void findReach();
@@ -189,6 +193,8 @@ private:
     std::vector<uint32_t> m_touched; ///< [cell]
     std::vector<uint32_t> m_moved;   ///< [cell]
     std::vector<bool> m_lifted;      ///< [cell]
+    std::vector<bool> m_isChanged;   ///< [cell] false but in keepsDistance()
+    std::vector<int32_t> m_farthest; ///< [row] no cell reaches further to the right from its left edge, units
 };
 
 } // namespace refine
