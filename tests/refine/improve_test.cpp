@@ -160,7 +160,7 @@ PROPERTY_TIMES(Improve, NoCellGoesFartherThanTheLargestDisplacement, 5)
 PROPERTY_TIMES(Improve, ResultTellsWireAndStitchesBeforeAndAfter, 3)
 {
     refine::Model model = drawLegal();
-    const int64_t wirelength = test::Objective(model, {}).of(model) / 1000;
+    const int64_t wirelength = test::Objective(model, {}).of(model) / refine::Options::PRICE_PARTS;
     const int64_t stitches = test::stitchesOf(model);
     const refine::Result result = refine::improve(model, drawRun(), {});
     RC_ASSERT(result.wirelengthBefore == wirelength);
@@ -257,7 +257,7 @@ TEST(Improve, HookEndsTheRunWithTheBestPlacementSoFar)
     const refine::Model before = model;
     int32_t calls = 0;
     int64_t told = 0;
-    const refine::Options options{.effort = 9, .stitchPrice = 2, .displacementPrice = 125};
+    const refine::Options options{.effort = 9, .stitchPrice = 2, .displacementPrice = 4};
     const refine::Hooks hooks{[&](int32_t pass, double share, int64_t wirelength) {
         EXPECT_GE(pass, 0);
         EXPECT_GE(share, 0.0);

@@ -8,7 +8,8 @@
 PROPERTY_TIMES(RefineModel, WirelengthIsTheSumOfWeightedHalfPerimeters, 3)
 {
     const refine::Model model = test::scattered({});
-    RC_ASSERT(1000 * refine::wirelength(model) == test::Objective(model, {}).of(model));
+    RC_ASSERT(refine::Options::PRICE_PARTS * refine::wirelength(model) ==
+              test::Objective(model, {}).of(model));
 }
 
 PROPERTY_TIMES(RefineModel, LegalModelsHaveNoViolations, 3)

@@ -122,7 +122,8 @@ public:
 private:
     static const refine::Placement& priced(refine::Placement& at, const refine::Options& options)
     {
-        at.setDisplacementWeight(static_cast<int32_t>(options.displacementPrice * at.parts() / 1000));
+        at.setDisplacementWeight(
+            static_cast<int32_t>(options.displacementPrice * at.parts() / refine::Options::PRICE_PARTS));
         return at;
     }
 

@@ -112,10 +112,11 @@ struct Objective {
 
     /// The true one, in thousandths.
     Objective(const refine::Model& model, const refine::Options& options)
-        : stitchPrice(1000 * options.stitchPrice), displacementPrice(options.displacementPrice), starts(model)
+        : stitchPrice(refine::Options::PRICE_PARTS * options.stitchPrice),
+          displacementPrice(options.displacementPrice), starts(model)
     {
         for (size_t net = 0; net + 1 < model.nets.size(); ++net) {
-            weights.push_back(int64_t{1000} * model.nets[net].weight);
+            weights.push_back(refine::Options::PRICE_PARTS * model.nets[net].weight);
         }
     }
 

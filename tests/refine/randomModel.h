@@ -235,7 +235,7 @@ inline refine::Options drawOptions()
 {
     refine::Options options;
     options.stitchPrice = drawOne({0, 0, 1, 5, 40});
-    options.displacementPrice = drawOne({0, 0, 0, 125, 1000, 2500});
+    options.displacementPrice = drawOne({0, 0, 0, 4, 32, 80});
     options.maxDisplacement = drawOne({refine::FARTHEST, refine::FARTHEST, 0, 3, 10});
     return options;
 }
@@ -261,6 +261,9 @@ inline refine::Model scattered(const Variety& variety)
 {
     refine::Model model = RandomModel(variety).model;
     for (size_t i = 0; i < model.cells.size(); ++i) {
+        if (model.cells[i].fixed && variety.wideFixed) {
+            continue; // it would meet others
+        }
         change(model, std::vector{drawChange(model, static_cast<int32_t>(i), {})});
     }
     RC_LOG() << textOf(model);

@@ -139,7 +139,8 @@ private:
     static const refine::Placement& bent(refine::Placement& at, const refine::Options& options)
     {
         at.bendWeights(test::drawOne({0, 0, 16}), 1);
-        at.setDisplacementWeight(static_cast<int32_t>(options.displacementPrice * at.parts() / 1000));
+        at.setDisplacementWeight(
+            static_cast<int32_t>(options.displacementPrice * at.parts() / refine::Options::PRICE_PARTS));
         return at;
     }
 
