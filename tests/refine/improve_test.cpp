@@ -77,7 +77,87 @@ refine::Model scatteredNets(int32_t rows, int32_t cellsInRow)
     return model;
 }
 
+/// Cells that take 98 % of the sites, or more, each anywhere near the rows. Neighbours of some views must be
+/// a site apart; each kind has a state without them.
+refine::Model fullRows(uint32_t seed, int32_t rows, int32_t sites, int32_t share)
+{
+    std::mt19937 random(seed);
+    const auto below = [&](int32_t count) {
+        return static_cast<int32_t>(random() % static_cast<uint32_t>(count));
+    };
+    refine::Model model;
+    model.step = 2;
+    model.views = 3;
+    model.gaps = {0, 0, 0, 0, 2, 0, 0, 0, 2};
+    for (int32_t kind = 0; kind < 6; ++kind) {
+        model.kinds.push_back({2 * (kind + 1), 1, 4 * kind, kind});
+        model.states.push_back({0, 0, 1, 0, false});
+        for (int32_t state = 1; state < 4; ++state) {
+            model.states.push_back({below(3), below(3), 0, state, below(2) == 0});
+        }
+        model.kindPins.push_back({kind, kind + 2, 3, 3});
+    }
+    model.kinds.push_back({0, 1, 24, 6});
+    for (int32_t row = 0; row < rows; ++row) {
+        model.rows.push_back({row * 6, row % 2 == 1});
+        model.runs.push_back({row, row, sites, 0});
+    }
+    for (int32_t taken = 0; 1000 * taken < share * rows * sites;) {
+        const int32_t kind = below(6);
+        model.cells.push_back({kind, below(rows), below(2 * sites + 20) - 10, below(4)});
+        taken += kind + 1;
+    }
+    const auto cells = static_cast<int32_t>(model.cells.size());
+    for (int32_t net = 0; net < cells; ++net) {
+        model.nets.push_back({1, static_cast<int32_t>(model.pins.size())});
+        for (int32_t pin = 0; pin < 3; ++pin) {
+            model.pins.push_back({below(cells), 0});
+        }
+    }
+    model.nets.push_back({1, static_cast<int32_t>(model.pins.size())});
+    return model;
+}
+
+/// Free sites of the fullest run that a cell would fit into, counted from what truly stands there.
+bool hasRoomFor(const refine::Model& model, const refine::Cell& cell,
+                const std::vector<refine::Homeless>& homeless)
+{
+    return std::ranges::any_of(model.runs, [&](const refine::Run& run) {
+        int32_t room = run.sites * model.step;
+        for (size_t i = 0; i < model.cells.size(); ++i) {
+            const bool isAway = std::ranges::any_of(homeless, [i](const refine::Homeless& other) {
+                return static_cast<size_t>(other.cell) == i;
+            });
+            if (model.cells[i].row == run.row && !isAway) {
+                room -= model.kinds[static_cast<size_t>(model.cells[i].kind)].width;
+            }
+        }
+        return room >= model.kinds[static_cast<size_t>(cell.kind)].width;
+    });
+}
+
 } // namespace
+
+TEST(Improve, CellsOfAlmostFullRowsBecomeLegalOrAreProvedToHaveNoPlace)
+{
+    int32_t homeless = 0;
+    for (uint32_t seed = 1; seed <= 40; ++seed) {
+        refine::Model model = fullRows(seed, 12, 100, 980 + 5 * static_cast<int32_t>(seed % 6));
+        const std::vector<refine::Homeless> left = refine::legalize(model);
+        for (const refine::Homeless& cell : left) {
+            EXPECT_TRUE(cell.isProved) << seed;
+            EXPECT_FALSE(hasRoomFor(model, model.cells[static_cast<size_t>(cell.cell)], left)) << seed;
+        }
+        homeless += static_cast<int32_t>(left.size());
+        refine::Model others = model; // without those that have no place
+        for (const refine::Homeless& cell : left) {
+            others.cells[static_cast<size_t>(cell.cell)].fixed = true;
+            others.cells[static_cast<size_t>(cell.cell)].x = refine::FARTHEST / 2;
+        }
+        EXPECT_EQ(refine::violationsOf(others).sum(), 0) << seed;
+    }
+    EXPECT_GT(homeless, 0) << "some rows are too full";
+}
 
 PROPERTY_TIMES(Improve, ObjectiveNeverBecomesWorse, 5)
 {

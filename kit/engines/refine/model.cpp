@@ -51,6 +51,7 @@ public:
         addObstacles();
         settleViews();
         addNets(m_inputs, m_demands.weights, m_kindKeys, m_built);
+        addStarts();
         return std::move(m_built);
     }
 
@@ -88,9 +89,21 @@ private:
         return record == nullptr || (record->solution < 0 && record->masks.empty());
     }
 
+    /// Whether a component has no colors, and its cell has some.
+    bool isBare(int32_t component) const
+    {
+        return isBareAt(component) &&
+               !cellOf(m_design.components[static_cast<size_t>(component)]).solutions.empty();
+    }
+
     void addRows()
     {
-        m_rows.emplace(m_inputs, model());
+        std::vector<bool> stays;
+        for (size_t i = 0; i < m_design.components.size(); ++i) {
+            const bool isNamed = m_demands.fixed.contains(m_design.components[i].name);
+            stays.push_back(isNamed || isBare(static_cast<int32_t>(i)));
+        }
+        m_rows.emplace(m_inputs, stays, model());
         for (const ::refine::Row& row : model().rows) {
             m_built.otherRow.push_back(m_demands.rowsMeet && m_rowKinds.isOther(row.y / UNITS));
         }
@@ -163,9 +176,14 @@ private:
     {
         const placer::Component& comp = m_design.components[index];
         const design::Turn turn = design::turnOf(comp.orient);
-        const int32_t row = m_rows->at(comp.y);
-        const bool upsideDown = turn.mirrorY != model().rows[static_cast<size_t>(row)].turned;
-        const bool isBare = isBareAt(static_cast<int32_t>(index)) && !cellOf(comp).solutions.empty();
+        const bool isBare = this->isBare(static_cast<int32_t>(index));
+        const bool isStray = isBare || m_rows->isOnOtherSites(comp, widthOf(comp.cell));
+        const bool stays = isStray || m_demands.fixed.contains(comp.name);
+        const int32_t row = stays ? m_rows->at(comp.y) : m_rows->nearest(comp.y);
+        // What is in no row yet will lie there as the map says.
+        const bool upsideDown = stays || !m_inputs.map
+                                    ? turn.mirrorY != model().rows[static_cast<size_t>(row)].turned
+                                    : m_flipped.contains(comp.name);
         const bool turns = isMirrorable(cellOf(comp)) && !isBare;
         const KindKey key{.cell = comp.cell,
                           .upsideDown = upsideDown,
@@ -180,16 +198,31 @@ private:
         m_built.half.push_back(half);
         m_built.stitches.push_back(solution >= 0 ? m_matching[index]->stitches : 0);
         m_built.placed.push_back({.x = comp.x, .y = comp.y, .mirrored = turn.mirrorX, .solution = solution});
-        ::refine::Cell cell{.kind = kind, .row = row, .x = unitsOfDbu(comp.x)};
+        ::refine::Cell cell{.kind = kind, .row = row, .fixed = stays};
+        cell.x = stays ? unitsOfDbu(comp.x) : nearestUnits(comp.x);
         cell.state = rawStateOf(index, kind, firstSolution(index, row));
-        // One that lies otherwise than its row and the map say would be turned by a move.
-        const bool isKnown = !m_inputs.map || upsideDown == m_flipped.contains(comp.name);
-        const bool isStray = isBare || !isKnown || !m_rows->isOnSites(row, cell.x, widthOfKind(kind));
         if (isStray) {
             m_built.strays.push_back(static_cast<int32_t>(index));
         }
-        cell.fixed = isStray || m_demands.fixed.contains(comp.name);
         model().cells.push_back(cell);
+    }
+
+    /// Notes where the cells stand truly, if some are in no row.
+    void addStarts()
+    {
+        ::refine::Model& model = this->model();
+        bool anyElsewhere = false;
+        for (size_t i = 0; i < model.cells.size(); ++i) {
+            const int32_t bottom = model.rows[static_cast<size_t>(model.cells[i].row)].y;
+            const bool isComponent = i < m_design.components.size();
+            model.startX.push_back(model.cells[i].x);
+            model.startY.push_back(isComponent ? nearestUnits(m_design.components[i].y) : bottom);
+            anyElsewhere |= model.startY.back() != bottom;
+        }
+        if (!anyElsewhere) {
+            model.startX.clear();
+            model.startY.clear();
+        }
     }
 
     const placer::Cell& cellOf(const placer::Component& comp) const { return *m_design.cellOf(comp); }
@@ -205,8 +238,6 @@ private:
         return m_mirrorable.contains(cell.name);
     }
 
-    int32_t widthOfKind(int32_t kind) const { return m_built.model.kinds[static_cast<size_t>(kind)].width; }
-
     /// The number of a component's solution among those of the first kind.
     int32_t firstSolution(size_t index, int32_t row) const
     {
@@ -216,11 +247,11 @@ private:
             return solution;
         }
         const bool isOther = m_built.otherRow[static_cast<size_t>(row)];
-        if ((solution >= half) != isOther) {
+        if ((solution >= half) != isOther && m_rows->at(m_design.components[index].y) == row) {
             throw Fault("the colors of " + design::placeText(m_design.components[index]) +
                         " are not those of its row where rows meet");
         }
-        return isOther ? solution - half : solution;
+        return solution % half;
     }
 
     /// The number of a kind, which is made if there is none yet.
@@ -375,7 +406,7 @@ private:
             cell.state = settled[static_cast<size_t>(cell.kind)][static_cast<size_t>(cell.state)];
         }
         for (size_t i = 0; i < m_design.components.size(); ++i) {
-            m_built.start.push_back(model().cells[i].state);
+            m_built.start.push_back(model().cells[i]);
         }
         model().kinds.push_back({.stateBegin = static_cast<int32_t>(model().states.size())});
     }
@@ -430,13 +461,16 @@ std::vector<Placed> placedOf(const Built& built, const ::refine::Model& model)
         const auto row = static_cast<size_t>(cell.row);
         const auto first = static_cast<size_t>(model.kinds[static_cast<size_t>(cell.kind)].stateBegin);
         const ::refine::State& state = model.states[first + static_cast<size_t>(cell.state)];
-        all[i].x = cell.x / UNITS;
-        all[i].y = model.rows[row].y / UNITS;
+        const ::refine::Cell& start = built.start[i];
+        if (cell.row != start.row || cell.x != start.x) { // else it may stand where the model has no place
+            all[i].x = cell.x / UNITS;
+            all[i].y = model.rows[row].y / UNITS;
+        }
         all[i].mirrored = state.mirrored;
         // Of solutions that neighbours take for the same, one with as few stitches may stay.
         const int32_t half = built.half[i];
         const int32_t given = half > 0 ? all[i].solution % half : all[i].solution;
-        const bool stays = cell.state == built.start[i] && built.stitches[i] == state.stitches;
+        const bool stays = cell.state == start.state && built.stitches[i] == state.stitches;
         const int32_t solution = stays || state.solution < 0 ? given : state.solution;
         all[i].solution = built.otherRow[row] && solution >= 0 ? solution + half : solution;
     }

@@ -32,15 +32,16 @@ struct Placed {
 /// A model, and what its numbers are in the design.
 struct Built {
     ::refine::Model model;         ///< half DBU; the components first, in the order of the design
-    std::vector<int32_t> strays{}; ///< components that stay because they are in no row, off the sites or bare
-    std::vector<int32_t> start{};  ///< [component] state
-    std::vector<Placed> placed{};  ///< [component] as in the design
-    std::vector<int32_t> half{};   ///< [component] solutions of the first kind where rows meet, 0 for others
+    std::vector<int32_t> strays{}; ///< components that stay because they are bare or in rows with other sites
+    std::vector<::refine::Cell> start{}; ///< [component] as built
+    std::vector<Placed> placed{};        ///< [component] as in the design
+    std::vector<int32_t> half{}; ///< [component] solutions of the first kind where rows meet, 0 for others
     std::vector<int32_t> stitches{}; ///< [component] as in the design
     std::vector<bool> otherRow{};    ///< [row of the model] has solutions of the second kind
 };
 
-/// The model of a design.
+/// The model of a design. A component that is in no row gets the nearest one: where it stands truly, startX
+/// and startY say.
 ///
 /// Errors: throws Fault if the design has none: without rows, too large, or with colors that are not those of
 /// its cells.

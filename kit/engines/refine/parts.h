@@ -2,6 +2,7 @@
 // What the parts of a model are made by, one after the other.
 #pragma once
 
+#include <algorithm>
 #include <compare>
 #include <cstddef>
 #include <cstdint>
@@ -36,27 +37,40 @@ struct KindKey {
     auto operator<=>(const KindKey&) const = default;
 };
 
+/// The same, as near as the model has it.
+inline int32_t nearestUnits(int64_t dbu)
+{
+    return static_cast<int32_t>(std::clamp<int64_t>(dbu * UNITS, -::refine::FARTHEST, ::refine::FARTHEST));
+}
+
 /// The rows of a model: those of all bottom edges, with their free sites.
 class Rows {
 public:
+    /// @param stays  [component] stays where it is, in a row or not
     /// @param model  out: gets rows and runs; its step is that of the first row
-    Rows(const Inputs& inputs, ::refine::Model& model);
+    Rows(const Inputs& inputs, const std::vector<bool>& stays, ::refine::Model& model);
 
     /// The row at a bottom edge, DBU; -1 if there is none.
     int32_t at(int64_t y) const;
 
-    /// Whether a component stands on free sites of its row. @param x, width  units
-    bool isOnSites(int32_t row, int32_t x, int32_t width) const;
+    /// The row of the design whose bottom edge is nearest, DBU.
+    int32_t nearest(int64_t y) const;
+
+    /// Whether a component stands on sites that are none of the model: of a row with another step, or that
+    /// is turned otherwise than one beside it. @param width  DBU
+    bool isOnOtherSites(const placer::Component& comp, int64_t width) const;
 
 private:
+    bool isLikeOthers(const placer::Row& row) const;
     void addRuns();
     void addRow(std::vector<::refine::Run>& runs);
 
     const Inputs& m_inputs;
     const placer::Design& m_design;
     ::refine::Model& m_model;
-    std::map<int64_t, int32_t> m_rowAt; ///< by the bottom edge, DBU
-    std::vector<size_t> m_firstRun;     ///< [row]
+    std::map<int64_t, int32_t> m_rowAt;       ///< by the bottom edge, DBU
+    std::map<int64_t, int32_t> m_designRowAt; ///< the same, rows of the design alone
+    std::vector<const placer::Row*> m_others; ///< without runs
 };
 
 /// Adds pins of kinds and nets to a model that has all else: where the pins are if that is known, or else in

@@ -141,6 +141,7 @@ public:
         m_built = buildModel(m_inputs, demands);
         nameStrays();
         improve();
+        nameHomeless();
         measure();
         return write();
     }
@@ -161,9 +162,19 @@ private:
             names += (i > 0 ? ", " : " ") + printable(m_outcome.strays[i]);
         }
         std::cerr << "vireloce-kit: " << counted(static_cast<int64_t>(m_outcome.strays.size()), "cell")
-                  << " without colors or a place on free sites of a row, as left by the placer without "
-                     "--rescue, will not be moved:"
+                  << " without colors, as left by the placer without --rescue, or in rows with other sites, "
+                     "will not be moved:"
                   << names << (m_outcome.strays.size() > MOST_NAMED ? ", ..." : "") << '\n';
+    }
+
+    void nameHomeless()
+    {
+        for (const ::refine::Homeless& cell : m_outcome.search.homeless) {
+            const std::string& name = design().components[static_cast<size_t>(cell.cell)].name;
+            m_outcome.homeless.push_back({name, cell.isProved});
+            std::cerr << "vireloce-kit: no legal place for component " << printable(name)
+                      << (cell.isProved ? ": no row has as many free sites as it takes\n" : "\n");
+        }
     }
 
     /// A length in the model's units.
@@ -195,7 +206,7 @@ private:
 
     void improve()
     {
-        m_outcome.lengthBefore = lengthOf(m_built.model);
+        m_outcome.lengthBefore = lengthAtStart();
         m_improved = m_built.model;
         const auto begin = Clock::now();
         const auto seconds = [begin] { return std::chrono::duration<double>(Clock::now() - begin).count(); };
@@ -239,6 +250,24 @@ private:
             net.weight = 1;
         }
         return ::refine::wirelength(once);
+    }
+
+    /// The same of the placement as it was given.
+    int64_t lengthAtStart() const
+    {
+        if (m_built.model.startX.empty()) {
+            return lengthOf(m_built.model);
+        }
+        if (m_inputs.placed.pinLength) {
+            return *m_inputs.placed.pinLength;
+        }
+        ::refine::Model start = m_built.model;
+        for (size_t i = 0; i < start.cells.size(); ++i) {
+            const bool turned = start.rows[static_cast<size_t>(start.cells[i].row)].turned;
+            start.cells[i].row = static_cast<int32_t>(start.rows.size());
+            start.rows.push_back({start.startY[i], turned});
+        }
+        return lengthOf(start);
     }
 
     /// Finds out what has become of the components.

@@ -80,6 +80,10 @@ Json refineJson(const Options& options, const Outcome& outcome, bool byPins, int
     for (const std::string& name : outcome.strays) {
         strays.push_back(name);
     }
+    Json homeless = Json::array();
+    for (const Outcome::Homeless& cell : outcome.homeless) {
+        homeless.push_back({{"name", cell.name}, {"proved", cell.isProved}});
+    }
     return {{"options", optionsJson(options, outcome, dbuPerMicron)},
             {"by_pins", byPins},
             {"wirelength", change(design::pinLengthJson(outcome.lengthBefore, dbuPerMicron),
@@ -88,6 +92,8 @@ Json refineJson(const Options& options, const Outcome& outcome, bool byPins, int
             {"moved_cells", outcome.movedCells},
             {"mirrored_cells", outcome.mirroredCells},
             {"recolored_cells", outcome.recoloredCells},
+            {"legalized", outcome.search.legalized},
+            {"homeless", std::move(homeless)},
             {"stray_cells", std::move(strays)},
             {"passes", passesJson(outcome.search.passes, dbuPerMicron)},
             {"stopped", outcome.stopped.empty() ? Json() : Json(outcome.stopped)},
@@ -112,6 +118,13 @@ std::string summaryOf(const Json& refine)
     text << percent.data() << ", " << refine["stitches"]["before"] << " -> " << refine["stitches"]["after"]
          << " stitches; " << counted(refine["moved_cells"].asInteger(), "cell") << " moved, "
          << refine["mirrored_cells"] << " mirrored, " << refine["recolored_cells"] << " recolored";
+    if (refine["legalized"].asInteger() > 0) {
+        text << "; " << counted(refine["legalized"].asInteger(), "cell") << " changed to be legal";
+    }
+    if (!refine["homeless"].empty()) {
+        text << "; " << counted(static_cast<int64_t>(refine["homeless"].size()), "cell")
+             << " without a legal place";
+    }
     if (!refine["stopped"].isNull()) {
         text << "; stopped by " << refine["stopped"].asString();
     }

@@ -22,7 +22,13 @@ struct Outcome {
     int64_t movedCells = 0;
     int64_t mirroredCells = 0;
     int64_t recoloredCells = 0;
-    std::vector<std::string> strays{}; ///< names of the components that stay for want of a place in the rows
+    /// A component without a legal place.
+    struct Homeless {
+        std::string name;
+        bool isProved = false; ///< no row has as many free sites as it takes
+    };
+    std::vector<Homeless> homeless{};
+    std::vector<std::string> strays{}; ///< names of the components that stay for want of colors
     std::string stopped{};             ///< "time" or "interrupt"; empty if it came to its end
     double seconds = 0.0;              ///< wall time of the search
     double stitchPrice = 0.0;          ///< half DBU

@@ -17,7 +17,7 @@ int64_t onSite(const placer::Row& row, int64_t x)
 
 } // namespace
 
-Rows::Rows(const Inputs& inputs, ::refine::Model& model)
+Rows::Rows(const Inputs& inputs, const std::vector<bool>& stays, ::refine::Model& model)
     : m_inputs(inputs), m_design(inputs.placed.design), m_model(model)
 {
     m_model.step = unitsOfDbu(m_design.rows.front().step);
@@ -25,25 +25,39 @@ Rows::Rows(const Inputs& inputs, ::refine::Model& model)
     for (const placer::Row& row : m_design.rows) {
         turned[row.y] |= m_inputs.map && design::turnOf(row.orient).mirrorY;
     }
-    for (const placer::Component& comp : m_design.components) {
-        turned.try_emplace(comp.y, false);
+    for (size_t i = 0; i < stays.size(); ++i) {
+        if (stays[i]) {
+            turned.try_emplace(m_design.components[i].y, false);
+        }
     }
     for (const auto& [y, isTurned] : turned) {
         m_rowAt.emplace(y, static_cast<int32_t>(m_model.rows.size()));
         m_model.rows.push_back({unitsOfDbu(y), isTurned});
     }
+    for (const placer::Row& row : m_design.rows) {
+        m_designRowAt.emplace(row.y, m_rowAt.at(row.y));
+        if (!isLikeOthers(row)) {
+            m_others.push_back(&row);
+        }
+    }
     addRuns();
+}
+
+/// Whether a row has the sites of the first one, and is turned as all beside it are.
+bool Rows::isLikeOthers(const placer::Row& row) const
+{
+    const bool isTurned = m_inputs.map && design::turnOf(row.orient).mirrorY;
+    return row.step == m_design.rows.front().step &&
+           isTurned == m_model.rows[static_cast<size_t>(m_rowAt.at(row.y))].turned;
 }
 
 void Rows::addRuns()
 {
-    const placer::Row& first = m_design.rows.front();
     std::vector<std::vector<::refine::Run>> runs(m_model.rows.size());
     for (const design::Stretch& stretch : design::freeStretches(m_design)) {
         const placer::Row& row = m_design.rows[static_cast<size_t>(stretch.row)];
         const int32_t index = m_rowAt.at(row.y);
-        const bool isTurned = m_inputs.map && design::turnOf(row.orient).mirrorY;
-        if (row.step != first.step || isTurned != m_model.rows[static_cast<size_t>(index)].turned) {
+        if (!isLikeOthers(row)) {
             continue;
         }
         const int64_t x = onSite(row, stretch.x);
@@ -64,9 +78,9 @@ void Rows::addRow(std::vector<::refine::Run>& runs)
 {
     const int32_t step = m_model.step;
     std::ranges::stable_sort(runs, {}, &::refine::Run::x);
-    m_firstRun.push_back(m_model.runs.size());
+    const size_t first = m_model.runs.size();
     for (::refine::Run& run : runs) {
-        if (m_model.runs.size() > m_firstRun.back()) {
+        if (m_model.runs.size() > first) {
             const ::refine::Run& before = m_model.runs.back();
             const int32_t over = before.x + before.sites * step - run.x;
             const int32_t taken = over > 0 ? (over + step - 1) / step : 0;
@@ -85,20 +99,23 @@ int32_t Rows::at(int64_t y) const
     return row == m_rowAt.end() ? -1 : row->second;
 }
 
-bool Rows::isOnSites(int32_t row, int32_t x, int32_t width) const
+int32_t Rows::nearest(int64_t y) const
 {
-    const auto begin = m_model.runs.begin() + static_cast<ptrdiff_t>(m_firstRun[static_cast<size_t>(row)]);
-    const auto end =
-        static_cast<size_t>(row) + 1 < m_firstRun.size()
-            ? m_model.runs.begin() + static_cast<ptrdiff_t>(m_firstRun[static_cast<size_t>(row) + 1])
-            : m_model.runs.end();
-    const auto next =
-        std::upper_bound(begin, end, x, [](int32_t at, const ::refine::Run& run) { return at < run.x; });
-    if (next == begin) {
-        return false;
+    const auto above = m_designRowAt.lower_bound(y);
+    if (above == m_designRowAt.begin()) {
+        return above->second;
     }
-    const ::refine::Run& run = *std::prev(next);
-    return (x - run.x) % m_model.step == 0 && x + width <= run.x + run.sites * m_model.step;
+    const auto below = std::prev(above);
+    return above == m_designRowAt.end() || y - below->first <= above->first - y ? below->second
+                                                                                : above->second;
+}
+
+bool Rows::isOnOtherSites(const placer::Component& comp, int64_t width) const
+{
+    return std::ranges::any_of(m_others, [&](const placer::Row* row) {
+        return row->y == comp.y && comp.x >= row->x && (comp.x - row->x) % row->step == 0 &&
+               comp.x + width <= row->x + int64_t{row->numSites} * row->step;
+    });
 }
 
 } // namespace kit::refine

@@ -208,15 +208,71 @@ TEST_F(KitRefine, PlacementNeedsTheFolderOfColorFiles)
               "vireloce-kit: " + base() + " ends neither in .json nor in .place\n");
 }
 
-TEST_F(KitRefine, UncleanInputStaysUncleanAndIsTold)
+TEST_F(KitRefine, WhatIsOffTheSitesOverOthersOrTooCloseBecomesClean)
+{
+    color({{0, {1, 1}}, {0, {1, 2}}});
+    import({"a BARS + PLACED ( 0 0 ) N", "b BARS + PLACED ( 190 0 ) N", "c BARS + PLACED ( 760 0 ) N",
+            "d BARS + PLACED ( 1140 0 ) N", "e BARS + PLACED ( 0 1400 ) FS",
+            "f BARS + PLACED ( 760 1400 ) FS"},
+           {"m ( a A ) ( c A ) ( e A )", "n ( b A ) ( d A ) ( f A )"}, 2, 8);
+    placeAt({{"0 1400", "77 900"}, {"760 1400", "90000 -7000"}}); // a and b overlap, c and d are too close
+    choose({0, 0, 0, 0, 0, 0});
+    const KitOutcome outcome = refine();
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_EQ(verified()["clean"], true);
+    const Json json = result()["refine"];
+    EXPECT_GE(json["legalized"].asInteger(), 4);
+    EXPECT_NE(outcome.output.find("; " + json["legalized"].dump() + " cells changed to be legal"),
+              std::string::npos)
+        << outcome.output;
+    EXPECT_EQ(json["homeless"], Json::array());
+    EXPECT_EQ(json["stray_cells"], Json::array());
+    EXPECT_EQ(json["wirelength"]["before"], result()["hpwl_pins"]["before"]) << "of the input as it is";
+    EXPECT_EQ(json["wirelength"]["after"], result()["hpwl_pins"]["after"]);
+}
+
+TEST_F(KitRefine, CellOfARowThatIsTooFullIsNamedAndStays)
+{
+    color({{0, {1, 1}}});
+    import({"a BARS + PLACED ( 0 0 ) N", "b BARS + PLACED ( 190 0 ) N"}, {"m ( a A ) ( b A )"}, 1, 3);
+    choose({0, 0});
+    const KitOutcome outcome = refine();
+    EXPECT_EQ(outcome.status, 1);
+    const Json json = result();
+    ASSERT_EQ(json["refine"]["homeless"].size(), 1U);
+    const Json& homeless = json["refine"]["homeless"][0];
+    EXPECT_EQ(homeless["proved"], true);
+    const std::string name = homeless["name"].asString();
+    EXPECT_EQ(outcome.error, "vireloce-kit: no legal place for component " + name +
+                                 ": no row has as many free sites as it takes\n");
+    EXPECT_NE(outcome.output.find("; 1 cell without a legal place; verify finds "), std::string::npos)
+        << outcome.output;
+    EXPECT_GT(json["judge"]["errors"].asInteger(), 0);
+}
+
+TEST_F(KitRefine, UncleanInputStaysUncleanWithoutEffort)
 {
     color({{0, {1, 1}}});
     import({"a BARS + PLACED ( 0 0 ) N", "b BARS + PLACED ( 190 0 ) N"}, {"m ( a A ) ( b A )"}, 2, 3);
     choose({0, 0});
-    const KitOutcome outcome = refine();
-    EXPECT_EQ(outcome.status, 1) << outcome.error;
-    EXPECT_NE(outcome.output.find("; verify finds "), std::string::npos) << outcome.output;
-    EXPECT_GT(result()["judge"]["errors"].asInteger(), 0);
+    EXPECT_EQ(refine({"--effort", "0"}).status, 1);
+    EXPECT_EQ(contentOf(out() + ".place"), contentOf(base() + ".place"));
+    EXPECT_EQ(refine({"--force"}).status, 0) << "there is a second row";
+}
+
+TEST(KitRefineLegal, AlmostFullDesignThatPlaceLeavesUncleanBecomesClean)
+{
+    const test::GeneratedDesign design({"--utilization", "95", "--seed", "3"});
+    ASSERT_EQ(
+        runKit({"place", design.base(), "--cell-path", design.lib(), "-o", design.path("p"), "--algo", "0"})
+            .status,
+        1);
+    const KitOutcome outcome = runKit({"refine", design.path("p.json"), "-o", design.path("r")});
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    const Json json = Json::parse(contentOf(design.path("r.json")));
+    EXPECT_EQ(json["judge"]["errors"], 0);
+    EXPECT_GT(json["refine"]["legalized"].asInteger(), 0);
+    EXPECT_EQ(json["refine"]["homeless"], Json::array());
 }
 
 TEST_F(KitRefine, FaultyInputsAreTold)

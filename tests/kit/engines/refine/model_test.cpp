@@ -341,21 +341,63 @@ TEST_F(KitRefineModel, WhereRowsMeetSolutionsOfTheSecondKindComeBack)
     EXPECT_THROW(build({.rowsMeet = true}), kit::Fault) << "v has a solution of the first kind";
 }
 
-TEST_F(KitRefineModel, CellsOffTheSitesOrWithoutColorsStay)
+TEST_F(KitRefineModel, CellsWithoutColorsStay)
 {
     color({{0, {1, 2}}});
     import({"u BARS + PLACED ( 0 0 ) N", "v BARS + PLACED ( 760 0 ) N", "w BARS + PLACED ( 1520 0 ) N"},
            {"n ( u A ) ( v A ) ( w A )"});
-    std::string place = test::contentOf(base() + ".place");
-    m_dir.write("d.place", test::replaced(place, "PLACED \\( 760 0", "PLACED ( 770 0"));
+    placeAt({{"760 0", "770 0"}, {"1520 0", "1530 300"}});
     choose({0, 0, -1});
     const Built built = build();
-    EXPECT_EQ(built.strays, (std::vector<int32_t>{1, 2}));
+    EXPECT_EQ(built.strays, (std::vector<int32_t>{2}));
     EXPECT_FALSE(built.model.cells[0].fixed);
-    EXPECT_TRUE(built.model.cells[1].fixed);
+    EXPECT_FALSE(built.model.cells[1].fixed) << "it may be put on a site";
+    EXPECT_EQ(built.model.cells[1].x, 2 * 770);
     EXPECT_TRUE(built.model.cells[2].fixed);
-    EXPECT_EQ(built.model.pins.size(), 1U) << "those of the others are points";
+    EXPECT_EQ(built.model.pins.size(), 2U) << "that of the other is a point";
     EXPECT_EQ(refine::wirelength(built.model), *inputs().placed.pinLength);
+}
+
+TEST_F(KitRefineModel, CellsInNoRowGetTheNearestOne)
+{
+    color({{0, {1, 2}}});
+    import({"u BARS + PLACED ( 0 0 ) N", "v BARS + PLACED ( 190 0 ) N", "w BARS + PLACED ( 380 0 ) N",
+            "x BARS + PLACED ( 570 0 ) FN"});
+    placeAt(
+        {{"0 0", "0 -9000"}, {"190 0", "190 700"}, {"380 0", "400000000 701"}, {"570 0", "570 2147000000"}});
+    choose({0, 0, 0, 0});
+    Built built = build();
+    const Model& model = built.model;
+    EXPECT_EQ(refine::faultOf(model), "");
+    EXPECT_EQ(model.rows.size(), 2U);
+    const int32_t rows[] = {0, 0, 1, 1};
+    const int32_t starts[] = {-2 * 9000, 2 * 700, 2 * 701, refine::FARTHEST};
+    for (size_t i = 0; i < 4; ++i) {
+        EXPECT_EQ(model.cells[i].row, rows[i]);
+        EXPECT_EQ(model.startX.at(i), model.cells[i].x);
+        EXPECT_EQ(model.startY.at(i), starts[i]);
+        EXPECT_EQ(model.cells[i].kind, model.cells[0].kind) << "they lie as their rows do";
+    }
+    EXPECT_EQ(model.cells[2].x, refine::FARTHEST) << "as near as it can be";
+    EXPECT_TRUE(stateOf(built.model, built.model.cells[3]).mirrored);
+    const std::vector<Placed> placed = kit::refine::placedOf(built, built.model);
+    EXPECT_EQ(placed[2].x, 400000000) << "what is not moved comes back as it was";
+    EXPECT_EQ(placed[2].y, 701);
+}
+
+TEST_F(KitRefineModel, CellsInRowsWithOtherSitesStay)
+{
+    color({{0, {1, 2}}});
+    import({"u BARS + PLACED ( 0 0 ) N", "v BARS + PLACED ( 380 1400 ) N", "w BARS + PLACED ( 190 1400 ) N"});
+    choose({0, 0, 0});
+    std::string place = test::contentOf(base() + ".place");
+    place = test::replaced(place, "ROW r1 core 0 1400 FS DO 12 BY 1 STEP 190",
+                           "ROW r1 core 0 1400 N DO 6 BY 1 STEP 380");
+    m_dir.write("d.place", place);
+    const Built built = build();
+    EXPECT_EQ(built.strays, (std::vector<int32_t>{1}));
+    EXPECT_TRUE(built.model.cells[1].fixed);
+    EXPECT_FALSE(built.model.cells[2].fixed) << "it is on none of them";
 }
 
 TEST_F(KitRefineModel, NetsOfOnePinAreLeftOutAndOthersHaveTheirWeights)

@@ -64,6 +64,16 @@ protected:
         ASSERT_EQ(outcome.status, 0) << outcome.error;
     }
 
+    /// Moves components in the placement, from one place to another.
+    void placeAt(const std::vector<std::pair<std::string, std::string>>& moves) const
+    {
+        std::string place = contentOf(base() + ".place");
+        for (const auto& [from, to] : moves) {
+            place = replaced(place, "PLACED \\( " + from + " ", "PLACED ( " + to + " ");
+        }
+        m_dir.write("d.place", place);
+    }
+
     /// Gives each component a solution, beginning with the first.
     void choose(const std::vector<int32_t>& solutions) const
     {
