@@ -50,9 +50,10 @@ PairTable::PairTable(const Model& model)
         }
     }
     m_largest = model.gaps.empty() ? 0 : std::max(0, *std::ranges::max_element(model.gaps));
-    for (size_t kind = 0; kind + 1 < model.kinds.size(); ++kind) {
-        if (model.kinds[kind].width < m_largest) {
-            m_leastBefore[kind] = m_largest - model.kinds[kind].width;
+    for (const int32_t kind : movable) {
+        const int32_t width = model.kinds[static_cast<size_t>(kind)].width;
+        if (width < m_largest) {
+            m_leastBefore[static_cast<size_t>(kind)] = m_largest - width;
         }
     }
     m_count = movable.size();

@@ -6,5 +6,6 @@ vireloce_test(refine
     refine/orderedProgram_test.cpp
     refine/pairTable_test.cpp
     refine/placement_test.cpp
-    refine/window_test.cpp)
+    refine/window_test.cpp
+    SHARDS 4)
 target_link_libraries(test_refine PRIVATE vireloce_refine)

@@ -650,7 +650,9 @@ TEST_F(SmallFlow, SaysWhatTheJudgeHasAgainstAPlacementAndWhatToDo)
 {
     EXPECT_EQ(unclean(1, {"--layer", "metal1"}), 1) << m_output;
     EXPECT_EQ(m_error.substr(0, m_error.find("What to do: ")),
-              "vireloce-kit: no legal places for 1 pair of cells too close\n\n" + out() +
+              "vireloce-kit: no legal places for 1 pair of cells too close\n"
+              "vireloce-kit: no legal place for component v0\n\n" +
+                  out() +
                   ".place:17: error: u0 (C) at (1000, 0) and v0 (C) at (1400, 0) have shapes of mask "
                   "0 19.0 apart, 185 (0.194736 um) are needed; 1 pair of shapes too close [conflict]\n\n"
                   "Not clean:\n  1  conflict: pairs of cells in a row with metal of one mask too close\n");
