@@ -10,12 +10,12 @@ namespace {
 
 const Kind& kindOf(const Model& model, const Cell& cell)
 {
-    return model.kinds[static_cast<size_t>(cell.kind)];
+    return model.kind(cell.kind);
 }
 
 const State& stateOf(const Model& model, const Cell& cell)
 {
-    return model.states[static_cast<size_t>(kindOf(model, cell).stateBegin + cell.state)];
+    return model.state(cell.kind, cell.state);
 }
 
 /// The run that a cell stands in, on its sites; nullptr if there is none.
@@ -164,8 +164,7 @@ int64_t wirelength(const Model& model)
         for (int32_t i = at.pinBegin; i < model.nets[net + 1].pinBegin; ++i) {
             const Pin& pin = model.pins[static_cast<size_t>(i)];
             const Cell& cell = model.cells[static_cast<size_t>(pin.cell)];
-            const KindPin& offset =
-                model.kindPins[static_cast<size_t>(kindOf(model, cell).pinBegin + pin.kindPin)];
+            const KindPin& offset = model.kindPin(cell.kind, pin.kindPin);
             const Row& row = model.rows[static_cast<size_t>(cell.row)];
             const int32_t x = cell.x + (stateOf(model, cell).mirrored ? offset.mirroredX : offset.x);
             const int32_t y = row.y + (row.turned ? offset.turnedY : offset.y);

@@ -104,10 +104,23 @@ struct Model {
 
     std::vector<bool> changed; ///< [cell] it and those within its reach are to be improved, no others; empty
                                ///< for all
-    /// States of a kind.
-    int32_t stateCount(int32_t kind) const
+    /// Records by their numbers.
+    ///@{
+    const Kind& kind(int32_t index) const { return kinds[static_cast<size_t>(index)]; }
+    const State& state(int32_t kindIndex, int32_t index) const
     {
-        return kinds[static_cast<size_t>(kind) + 1].stateBegin - kinds[static_cast<size_t>(kind)].stateBegin;
+        return states[static_cast<size_t>(kind(kindIndex).stateBegin) + static_cast<size_t>(index)];
+    }
+    const KindPin& kindPin(int32_t kindIndex, int32_t index) const
+    {
+        return kindPins[static_cast<size_t>(kind(kindIndex).pinBegin) + static_cast<size_t>(index)];
+    }
+    ///@}
+
+    /// States of a kind.
+    int32_t stateCount(int32_t kindIndex) const
+    {
+        return kind(kindIndex + 1).stateBegin - kind(kindIndex).stateBegin;
     }
 };
 

@@ -519,7 +519,7 @@ void Mover::trySwap(int32_t index, int32_t otherIndex, const Limits& limits, Pro
     const Cell& other = m_at.cell(otherIndex);
     const size_t rank = m_at.rankOf(index);
     const size_t otherRank = m_at.rankOf(otherIndex);
-    const auto apart = static_cast<size_t>(2 * limits.beside + 1);
+    const size_t apart = 2 * static_cast<size_t>(limits.beside) + 1;
     if (cell.row == other.row && (rank < otherRank ? otherRank - rank : rank - otherRank) <= apart) {
         return;
     }

@@ -48,10 +48,10 @@ public:
     void reorder(int32_t row, size_t first, size_t last, Proposal& result);
 
     /// A cell to where its nets want it, and its neighbours there make room.
-    void insert(int32_t cell, const Limits& limits, Proposal& result);
+    void insert(int32_t index, const Limits& limits, Proposal& result);
 
     /// A cell that is in no row into one, near an x, whatever it costs.
-    void settle(int32_t cell, int32_t row, int32_t x, const Limits& limits, Proposal& result);
+    void settle(int32_t index, int32_t row, int32_t x, const Limits& limits, Proposal& result);
 
     /// Whether a proposal that was made before other changes can be carried out still.
     ///
@@ -62,7 +62,7 @@ public:
     int64_t gainOf(const Proposal& proposal);
 
     /// A cell and one near where its nets want it change places; neighbours make room on both sides.
-    void swap(int32_t cell, const Limits& limits, Proposal& result);
+    void swap(int32_t index, const Limits& limits, Proposal& result);
 
 private:
     struct Pull {
@@ -74,21 +74,21 @@ private:
     /// The nets of a cell without it.
     ///
     /// @param without  nets of this cell are left out, too; -1 for none
-    void gather(int32_t cell, int32_t without, Pulls& pulls);
-    void gather(int32_t cell) { gather(cell, -1, m_pulls); }
+    void gather(int32_t index, int32_t without, Pulls& pulls);
+    void gather(int32_t index) { gather(index, -1, m_pulls); }
     int64_t heightCost(const Pulls& pulls, int32_t row) const;
     int64_t heightCost(int32_t row) const { return heightCost(m_pulls, row); }
     int64_t lengthCost(const Pulls& pulls, int32_t x, bool mirrored) const;
     int64_t lengthCost(int32_t x, bool mirrored) const { return lengthCost(m_pulls, x, mirrored); }
     Range bestY(int32_t row);
-    void trySwap(int32_t cell, int32_t other, const Limits& limits, Proposal& result);
+    void trySwap(int32_t index, int32_t otherIndex, const Limits& limits, Proposal& result);
     bool takeBeside(int32_t row, size_t rank, int32_t instead, const Limits& limits, WindowFrame& frame);
     /// What a cell costs at least with its left edge from one x to another, in either way to lie.
     int64_t leastBetween(int32_t low, int32_t high) const;
     /// The x that cost least.
     Range bestX(bool mirrored);
-    void insertInRow(int32_t cell, int32_t row, int64_t budget, const Limits& limits, Proposal& result);
-    void tryPlace(int32_t cell, int32_t row, size_t rank, int32_t target, int64_t budget,
+    void insertInRow(int32_t index, int32_t row, int64_t budget, const Limits& limits, Proposal& result);
+    void tryPlace(int32_t index, int32_t row, size_t rank, int32_t target, int64_t budget,
                   const Limits& limits, Proposal& result);
     const Run* runNear(int32_t row, int32_t x, int32_t fence) const;
     /// Where the cells of a window may be at most, units.

@@ -32,15 +32,17 @@ int32_t OrderedProgram::solve(int32_t sites)
     m_begin.clear();
     for (const ProgramItem& item : items) {
         m_begin.push_back(room);
-        room += static_cast<size_t>(item.rightClasses * 3 * m_width);
+        room += 3 * static_cast<size_t>(item.rightClasses) * static_cast<size_t>(m_width);
         mostClasses = std::max(mostClasses, item.leftClasses);
     }
     m_profiles.resize(std::max(m_profiles.size(), room));
-    m_arrivals.resize(std::max(m_arrivals.size(), static_cast<size_t>(mostClasses * m_width)));
+    m_arrivals.resize(
+        std::max(m_arrivals.size(), static_cast<size_t>(mostClasses) * static_cast<size_t>(m_width)));
     for (int32_t c = 0; c < items.front().leftClasses; ++c) {
         const int32_t first = earliest[static_cast<size_t>(c)] - items.front().low;
         for (int32_t p = 0; p < m_width; ++p) {
-            m_arrivals[static_cast<size_t>(c * m_width + p)] = p < first ? NEVER : 0;
+            m_arrivals[static_cast<size_t>(c) * static_cast<size_t>(m_width) + static_cast<size_t>(p)] =
+                p < first ? NEVER : 0;
         }
     }
     ProgramStep step{.width = m_width, .sites = sites, .arrivals = m_arrivals.data()};

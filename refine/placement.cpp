@@ -2,7 +2,6 @@
 #include "refine/placement.h"
 
 #include <algorithm>
-#include <map>
 
 namespace refine {
 
@@ -30,104 +29,120 @@ Placement::Placement(Model& model)
       m_moved(model.cells.size(), 0), m_lifted(model.cells.size(), false),
       m_isChanged(model.cells.size(), false), m_farthest(model.rows.size(), 0)
 {
-    for (const Run& run : model.runs) {
-        ++m_runBegin[static_cast<size_t>(run.row) + 1];
-    }
-    for (size_t i = 1; i < m_runBegin.size(); ++i) {
-        m_runBegin[i] += m_runBegin[i - 1];
-    }
-    for (size_t i = 0; i < model.cells.size(); ++i) {
-        const Cell& cell = model.cells[i];
-        m_start.push_back({model.startX.empty() ? cell.x : model.startX[i],
-                           model.startY.empty() ? yOf(cell.row) : model.startY[i]});
-        m_items[static_cast<size_t>(cell.row)].push_back({cell.x, static_cast<int32_t>(i)});
-    }
-    for (std::vector<Item>& items : m_items) {
-        std::ranges::sort(items, {}, [](const Item& item) { return std::pair(item.x, item.cell); });
-    }
-    for (const Pin& pin : model.pins) {
-        m_pins.push_back({0, 0, pin.cell});
-        ++m_pinBegin[static_cast<size_t>(pin.cell) + 1];
-    }
-    for (size_t i = 1; i < m_pinBegin.size(); ++i) {
-        m_pinBegin[i] += m_pinBegin[i - 1];
-    }
     int32_t heaviest = 1;
     for (const Net& net : model.nets) {
         heaviest = std::max(heaviest, net.weight);
     }
     m_parts = std::clamp(MOST_WEIGHT / heaviest, 1, m_parts);
     bendWeights(0, 0);
-    std::vector<int32_t> next(m_pinBegin.begin(), m_pinBegin.end() - 1);
-    std::vector<int32_t> netOf(model.pins.size());
-    for (size_t net = 0; net + 1 < model.nets.size(); ++net) {
-        for (int32_t pin = model.nets[net].pinBegin; pin < model.nets[net + 1].pinBegin; ++pin) {
-            netOf[static_cast<size_t>(pin)] = static_cast<int32_t>(net);
-        }
-    }
-    for (size_t i = 0; i < model.pins.size(); ++i) {
-        m_pinsOfCell[static_cast<size_t>(next[static_cast<size_t>(model.pins[i].cell)]++)] =
-            static_cast<int32_t>(i);
-    }
-    for (const KindPin& pin : model.kindPins) {
-        m_reaches.push_back(
-            {{{pin.x, pin.x}, {pin.mirroredX, pin.mirroredX}}, {{pin.y, pin.y}, {pin.turnedY, pin.turnedY}}});
-    }
-    std::map<std::vector<int32_t>, int32_t> known; // reaches of several pins
-    for (size_t i = 0; i < model.cells.size(); ++i) {
-        const Cell& cell = model.cells[i];
-        const int32_t kindPins = kindOf(cell).pinBegin;
-        movePins(static_cast<int32_t>(i));
-        // The pins of a cell are in the order of the nets.
-        for (int32_t k = m_pinBegin[i]; k < m_pinBegin[i + 1] && !cell.fixed;) {
-            const int32_t net = netOf[static_cast<size_t>(m_pinsOfCell[static_cast<size_t>(k)])];
-            std::vector<int32_t> several;
-            for (; k < m_pinBegin[i + 1]; ++k) {
-                const auto pin = static_cast<size_t>(m_pinsOfCell[static_cast<size_t>(k)]);
-                if (netOf[pin] != net) {
-                    break;
-                }
-                several.push_back(kindPins + model.pins[pin].kindPin);
-            }
-            const Net* const at = model.nets.data() + net;
-            const auto pins = static_cast<size_t>(at[1].pinBegin - at[0].pinBegin);
-            int32_t reach = several.front();
-            if (several.size() > 1) {
-                const auto [entry, isNew] =
-                    known.try_emplace(several, static_cast<int32_t>(m_reaches.size()));
-                if (isNew) {
-                    Reach all;
-                    for (const int32_t one : several) {
-                        const Reach& other = m_reaches[static_cast<size_t>(one)];
-                        for (int side = 0; side < 2; ++side) {
-                            all.x[side].add(other.x[side]);
-                            all.y[side].add(other.y[side]);
-                        }
-                    }
-                    m_reaches.push_back(all);
-                }
-                reach = entry->second;
-            }
-            if (pins > several.size() || at->xl <= at->xh) {
-                m_terms.push_back({net, reach});
-            }
-        }
-        m_termBegin[i + 1] = static_cast<int32_t>(m_terms.size());
-    }
+    fillRows();
+    fillPins();
+    fillTerms();
     findReach();
+}
+
+void Placement::fillRows()
+{
+    for (const Run& run : m_model.runs) {
+        ++m_runBegin[static_cast<size_t>(run.row) + 1];
+    }
+    for (size_t i = 1; i < m_runBegin.size(); ++i) {
+        m_runBegin[i] += m_runBegin[i - 1];
+    }
     int32_t widest = 0;
-    for (const Cell& cell : model.cells) {
-        int32_t& farthest = cell.fixed ? m_farthest[static_cast<size_t>(cell.row)] : widest;
-        farthest = std::max(farthest, kindOf(cell).width);
+    for (size_t i = 0; i < m_model.cells.size(); ++i) {
+        const Cell& at = m_model.cells[i];
+        m_start.push_back({m_model.startX.empty() ? at.x : m_model.startX[i],
+                           m_model.startY.empty() ? yOf(at.row) : m_model.startY[i]});
+        m_items[static_cast<size_t>(at.row)].push_back({at.x, static_cast<int32_t>(i)});
+        int32_t& farthest = at.fixed ? m_farthest[static_cast<size_t>(at.row)] : widest;
+        farthest = std::max(farthest, kindOf(at).width);
+    }
+    for (std::vector<Item>& items : m_items) {
+        std::ranges::sort(items, {}, [](const Item& item) { return std::pair(item.x, item.cell); });
     }
     for (int32_t& farthest : m_farthest) {
         farthest = std::max(farthest, widest) + m_pairs.largest();
     }
 }
 
+void Placement::fillPins()
+{
+    for (const Pin& pin : m_model.pins) {
+        m_pins.push_back({0, 0, pin.cell});
+        ++m_pinBegin[static_cast<size_t>(pin.cell) + 1];
+    }
+    for (size_t i = 1; i < m_pinBegin.size(); ++i) {
+        m_pinBegin[i] += m_pinBegin[i - 1];
+    }
+    std::vector<int32_t> next(m_pinBegin.begin(), m_pinBegin.end() - 1);
+    for (size_t i = 0; i < m_model.pins.size(); ++i) {
+        int32_t& slot = next[static_cast<size_t>(m_model.pins[i].cell)];
+        m_pinsOfCell[static_cast<size_t>(slot++)] = static_cast<int32_t>(i);
+    }
+    for (size_t i = 0; i < m_model.cells.size(); ++i) {
+        movePins(static_cast<int32_t>(i));
+    }
+}
+
+/// The reach of several pins of a kind, by their numbers in Model::kindPins.
+int32_t Placement::reachOf(const std::vector<int32_t>& kindPins)
+{
+    if (kindPins.size() == 1) {
+        return kindPins.front();
+    }
+    const auto [entry, isNew] = m_known.try_emplace(kindPins, static_cast<int32_t>(m_reaches.size()));
+    if (isNew) {
+        Reach all;
+        for (const int32_t one : kindPins) {
+            const Reach& other = m_reaches[static_cast<size_t>(one)];
+            for (int side = 0; side < 2; ++side) {
+                all.x[side].add(other.x[side]);
+                all.y[side].add(other.y[side]);
+            }
+        }
+        m_reaches.push_back(all);
+    }
+    return entry->second;
+}
+
+void Placement::fillTerms()
+{
+    for (const KindPin& pin : m_model.kindPins) {
+        m_reaches.push_back(
+            {{{pin.x, pin.x}, {pin.mirroredX, pin.mirroredX}}, {{pin.y, pin.y}, {pin.turnedY, pin.turnedY}}});
+    }
+    std::vector<int32_t> netOf(m_model.pins.size());
+    for (size_t net = 0; net + 1 < m_model.nets.size(); ++net) {
+        for (int32_t pin = m_model.nets[net].pinBegin; pin < m_model.nets[net + 1].pinBegin; ++pin) {
+            netOf[static_cast<size_t>(pin)] = static_cast<int32_t>(net);
+        }
+    }
+    for (size_t i = 0; i < m_model.cells.size(); ++i) {
+        const Cell& at = m_model.cells[i];
+        // The pins of a cell are in the order of the nets.
+        for (int32_t k = m_pinBegin[i]; k < m_pinBegin[i + 1] && !at.fixed;) {
+            const int32_t net = netOf[static_cast<size_t>(m_pinsOfCell[static_cast<size_t>(k)])];
+            std::vector<int32_t> kindPins;
+            for (; k < m_pinBegin[i + 1]; ++k) {
+                const auto pin = static_cast<size_t>(m_pinsOfCell[static_cast<size_t>(k)]);
+                if (netOf[pin] != net) {
+                    break;
+                }
+                kindPins.push_back(kindOf(at).pinBegin + m_model.pins[pin].kindPin);
+            }
+            const Net& fixed = m_model.nets[static_cast<size_t>(net)];
+            if (pinsOf(net).size() > kindPins.size() || fixed.xl <= fixed.xh) {
+                m_terms.push_back({net, reachOf(kindPins)});
+            }
+        }
+        m_termBegin[i + 1] = static_cast<int32_t>(m_terms.size());
+    }
+}
+
 void Placement::bendWeights(int32_t most, uint64_t seed)
 {
-    const auto choices = static_cast<uint64_t>(2 * most + 1);
+    const uint64_t choices = 2 * static_cast<uint64_t>(most) + 1;
     for (size_t net = 0; net < m_weights.size(); ++net) {
         const auto bend = static_cast<int32_t>(mixed(seed << 32 | net) % choices) - most;
         m_weights[net] = m_model.nets[net].weight * (m_parts + bend);
@@ -174,11 +189,10 @@ void Placement::movePins(int32_t index)
     const bool mirrored = stateOf(at).mirrored;
     const bool turned = isTurned(at.row);
     const int32_t y = yOf(at.row);
-    const KindPin* const kindPins = m_model.kindPins.data() + kindOf(at).pinBegin;
     for (int32_t k = m_pinBegin[static_cast<size_t>(index)]; k < m_pinBegin[static_cast<size_t>(index) + 1];
          ++k) {
         const auto pin = static_cast<size_t>(m_pinsOfCell[static_cast<size_t>(k)]);
-        const KindPin& offset = kindPins[m_model.pins[pin].kindPin];
+        const KindPin& offset = m_model.kindPin(at.kind, m_model.pins[pin].kindPin);
         m_pins[pin].x = at.x + (mirrored ? offset.mirroredX : offset.x);
         m_pins[pin].y = y + (turned ? offset.turnedY : offset.y);
     }

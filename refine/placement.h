@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <span>
 #include <vector>
 
@@ -74,11 +75,8 @@ public:
     const Model& model() const { return m_model; }
     const PairTable& pairs() const { return m_pairs; }
     const Cell& cell(int32_t index) const { return m_model.cells[static_cast<size_t>(index)]; }
-    const Kind& kindOf(const Cell& cell) const { return m_model.kinds[static_cast<size_t>(cell.kind)]; }
-    const State& stateOf(const Cell& cell) const
-    {
-        return m_model.states[static_cast<size_t>(kindOf(cell).stateBegin + cell.state)];
-    }
+    const Kind& kindOf(const Cell& cell) const { return m_model.kind(cell.kind); }
+    const State& stateOf(const Cell& cell) const { return m_model.state(cell.kind, cell.state); }
     bool isTurned(int32_t row) const { return m_model.rows[static_cast<size_t>(row)].turned; }
     int32_t yOf(int32_t row) const { return m_model.rows[static_cast<size_t>(row)].y; }
 
@@ -87,7 +85,7 @@ public:
     /// Index of the first item of a row at x or right of it.
     size_t rankFrom(int32_t row, int32_t x) const;
     /// Index of a cell in its row.
-    size_t rankOf(int32_t cell) const;
+    size_t rankOf(int32_t index) const;
 
     /// The runs of a row.
     std::span<const Run> runs(int32_t row) const;
@@ -146,7 +144,7 @@ public:
     bool keepsDistance(std::span<const Change> changes);
 
     /// Takes a cell out of its row; its pins stay where they are. apply() puts it back.
-    void lift(int32_t cell);
+    void lift(int32_t index);
 
     /// Moves cells.
     ///
@@ -159,7 +157,7 @@ public:
     uint32_t moved(int32_t cell) const { return m_moved[static_cast<size_t>(cell)]; }
 
 private:
-    void movePins(int32_t cell);
+    void movePins(int32_t index);
     void touch(int32_t cell, uint32_t now)
     {
         if (m_isInReach[static_cast<size_t>(cell)]) {
@@ -168,8 +166,12 @@ private:
     }
     bool areApart(const Cell& a, const Cell& b) const;
     void touchAround(int32_t row, int32_t x, uint32_t now);
-    void touchNets(int32_t cell, uint32_t now);
+    void touchNets(int32_t index, uint32_t now);
     void findReach();
+    void fillRows();
+    void fillPins();
+    void fillTerms();
+    int32_t reachOf(const std::vector<int32_t>& kindPins);
 
     Model& m_model;
     PairTable m_pairs;
@@ -180,6 +182,7 @@ private:
     std::vector<int32_t> m_pinsOfCell; ///< in m_pins
     std::vector<int32_t> m_termBegin;  ///< [cell] in m_terms
     std::vector<Term> m_terms;
+    std::map<std::vector<int32_t>, int32_t> m_known; ///< reaches of several pins
     std::vector<Reach> m_reaches;
     struct Point {
         int32_t x;

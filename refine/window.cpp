@@ -65,9 +65,9 @@ Box WindowSolver::boxOf(int32_t net, bool withTaken) const
             box.y.add(pin.y);
             continue;
         }
-        const Kind& kind = m_at.kindOf(m_at.cell(pin.cell));
-        const KindPin& offset = model.kindPins[static_cast<size_t>(kind.pinBegin + modelPins[i].kindPin)];
-        const bool mirrored = model.states[static_cast<size_t>(kind.stateBegin + at->state)].mirrored;
+        const int32_t kind = m_at.cell(pin.cell).kind;
+        const KindPin& offset = model.kindPin(kind, modelPins[i].kindPin);
+        const bool mirrored = model.state(kind, at->state).mirrored;
         box.x.add(at->x + (mirrored ? offset.mirroredX : offset.x));
         box.y.add(m_at.yOf(at->row) + (m_at.isTurned(at->row) ? offset.turnedY : offset.y));
     }
@@ -210,7 +210,8 @@ WindowSolver::Side WindowSolver::sideOf(const WindowFrame& frame, bool onLeft, i
         const PairTable::Pair pair =
             onLeft ? m_at.pairs().of(beside.kind, cell.kind) : m_at.pairs().of(cell.kind, beside.kind);
         if (onLeft) {
-            const int32_t* const gaps = pair.gaps + pair.leftClassOf[beside.state] * pair.rightClasses;
+            const int32_t* const gaps =
+                pair.gaps + static_cast<ptrdiff_t>(pair.leftClassOf[beside.state]) * pair.rightClasses;
             for (int32_t c = 0; c < pair.rightClasses; ++c) {
                 sites.push_back(std::max(0, site + gaps[c]));
             }
@@ -218,7 +219,7 @@ WindowSolver::Side WindowSolver::sideOf(const WindowFrame& frame, bool onLeft, i
         }
         const int32_t* const gaps = pair.gaps + pair.rightClassOf[beside.state];
         for (int32_t c = 0; c < pair.leftClasses; ++c) {
-            sites.push_back(std::min(last, site - gaps[c * pair.rightClasses]));
+            sites.push_back(std::min(last, site - gaps[static_cast<ptrdiff_t>(c) * pair.rightClasses]));
         }
         return {pair.leftClasses, beside.kind, pair.leftClassOf};
     }
@@ -253,12 +254,12 @@ void WindowSolver::appendOptions(int32_t kind, const uint16_t* leftClassOf, int3
     const Model& model = m_at.model();
     const int32_t states = model.stateCount(kind);
     const State* const first = model.states.data() + model.kinds[static_cast<size_t>(kind)].stateBegin;
-    m_best.assign(static_cast<size_t>(2 * leftClasses * rightClasses), -1);
+    m_best.assign(2 * static_cast<size_t>(leftClasses) * static_cast<size_t>(rightClasses), -1);
     for (int32_t s = 0; s < states; ++s) {
         const State& state = first[s];
         const auto price = static_cast<int32_t>(m_stitchPrice * state.stitches);
-        int32_t& best = m_best[static_cast<size_t>(2 * (leftClassOf[s] * rightClasses + rightClassOf[s]) +
-                                                   (state.mirrored ? 1 : 0))];
+        const size_t pair = size_t{leftClassOf[s]} * static_cast<size_t>(rightClasses) + rightClassOf[s];
+        int32_t& best = m_best[2 * pair + (state.mirrored ? 1 : 0)];
         if (best < 0) {
             best = static_cast<int32_t>(options.size());
             options.push_back({leftClassOf[s], rightClassOf[s], s, price, state.mirrored});
@@ -333,8 +334,7 @@ void WindowSolver::addOptions(std::span<const int32_t> order, const Side& left, 
     }
 }
 
-void WindowSolver::addProfile(size_t rank, int32_t taken, bool mirrored, int32_t x, int32_t sites,
-                              int32_t reference)
+void WindowSolver::addProfile(size_t rank, bool mirrored, int32_t x, int32_t sites, int32_t reference)
 {
     const int32_t step = m_at.model().step;
     const auto ordinal = static_cast<int32_t>(rank);
@@ -350,10 +350,9 @@ void WindowSolver::addProfile(size_t rank, int32_t taken, bool mirrored, int32_t
         bends[whole + 2] += weight * rest;
         bent = true;
     };
-    for (size_t t = m_termBegin[static_cast<size_t>(taken)]; t < m_termBegin[static_cast<size_t>(taken) + 1];
-         ++t) {
-        const NetUse& net = m_nets[static_cast<size_t>(m_terms[t].net)];
-        const Range& reach = m_terms[t].reach->x[mirrored ? 1 : 0];
+    for (const TermUse& term : termsAt(rank)) {
+        const NetUse& net = m_nets[static_cast<size_t>(term.net)];
+        const Range& reach = term.reach->x[mirrored ? 1 : 0];
         const Range& outside = net.outside.x;
         const bool alone = outside.empty();
         if (net.first == ordinal) {
@@ -396,92 +395,101 @@ void WindowSolver::addProfile(size_t rank, int32_t taken, bool mirrored, int32_t
     m_program.items[rank].costs[mirrored ? 1 : 0] = costs;
 }
 
-int64_t WindowSolver::solve(const WindowFrame& frame, std::span<const int32_t> order,
-                            std::span<const int32_t> targets, int32_t sites, int64_t worth)
+/// Finds the first and the last cell of each net. @return the largest weight of the nets of a cell
+int64_t WindowSolver::rankNets()
 {
-    const int32_t step = m_at.model().step;
-    m_program.clear(order.size());
-    m_bends.resize(OrderedProgram::MOST_SITES + 3, 0);
-    m_order.assign(order.begin(), order.end());
-    m_run = frame.run;
-    int32_t width = 0;
-    for (size_t rank = 0; rank < order.size(); ++rank) {
-        const Cell& cell = m_at.cell(m_cells[static_cast<size_t>(order[rank])]);
-        m_program.items[rank].width = m_facts[static_cast<size_t>(cell.kind)].sites;
-        width += m_program.items[rank].width;
+    int64_t heaviest = 0;
+    for (NetUse& net : m_nets) {
+        net.first = -1;
     }
-    const Side left = sideOf(frame, /*onLeft=*/true, m_cells[static_cast<size_t>(order.front())]);
-    const Side right = sideOf(frame, /*onLeft=*/false, m_cells[static_cast<size_t>(order.back())]);
-    // From the left end of the room to its right end.
-    const int32_t begin = *std::ranges::min_element(m_program.earliest);
-    const int32_t end = *std::ranges::max_element(m_program.latest) + m_program.items.back().width;
-    const int32_t slack = end - begin - width;
-    if (slack < 0) {
-        return IMPOSSIBLE;
-    }
-    int32_t window = std::min(slack + 1, sites);
-    int64_t heaviest = 0; // weight of the nets of a cell
-    for (size_t rank = 0; rank < order.size(); ++rank) {
-        for (size_t t = m_termBegin[static_cast<size_t>(order[rank])];
-             t < m_termBegin[static_cast<size_t>(order[rank]) + 1]; ++t) {
-            m_nets[static_cast<size_t>(m_terms[t].net)].first = -1;
-        }
-    }
-    for (size_t rank = 0; rank < order.size(); ++rank) {
+    for (size_t rank = 0; rank < m_order.size(); ++rank) {
         int64_t weight = 0;
-        for (size_t t = m_termBegin[static_cast<size_t>(order[rank])];
-             t < m_termBegin[static_cast<size_t>(order[rank]) + 1]; ++t) {
-            NetUse& net = m_nets[static_cast<size_t>(m_terms[t].net)];
+        for (const TermUse& term : termsAt(rank)) {
+            NetUse& net = m_nets[static_cast<size_t>(term.net)];
             weight += net.weight;
             net.first = net.first < 0 ? static_cast<int32_t>(rank) : net.first;
             net.last = static_cast<int32_t>(rank);
         }
         heaviest = std::max(heaviest, weight);
     }
-    // Costs of a cell fit into 32 bits.
-    while (window > 1 && 2 * heaviest * step * window >= OrderedProgram::NEVER) {
-        window /= 2;
-    }
-    const int32_t reference = frame.run->x + begin * step;
-    int64_t after = m_fixedAfter;
-    int64_t largest = 0;
-    int64_t leastPrice = 0;
+    return heaviest;
+}
+
+/// @param begin   first site of the room
+/// @param slack   free sites of it
+/// @param window  sites of each cell's window
+WindowSolver::Costs WindowSolver::addCosts(std::span<const int32_t> targets, int32_t begin, int32_t slack,
+                                           int32_t window)
+{
+    const int32_t step = m_at.model().step;
+    const int32_t reference = m_run->x + begin * step;
+    Costs costs;
     int32_t packed = begin;
-    for (size_t rank = 0; rank < order.size(); ++rank) {
+    for (size_t rank = 0; rank < m_order.size(); ++rank) {
         ProgramItem& item = m_program.items[rank];
-        const int32_t target = floorDiv(targets[static_cast<size_t>(order[rank])] - frame.run->x, step);
+        const int32_t target = floorDiv(targets[static_cast<size_t>(m_order[rank])] - m_run->x, step);
         item.low = std::clamp(target - window / 2, packed, packed + slack + 1 - window);
         packed += item.width;
-        const int32_t x = frame.run->x + item.low * step;
-        const KindFacts& facts =
-            m_facts[static_cast<size_t>(m_at.cell(m_cells[static_cast<size_t>(order[rank])]).kind)];
-        leastPrice += facts.leastPrice;
+        const KindFacts& facts = m_facts[static_cast<size_t>(cellAt(rank).kind)];
         int64_t least = std::numeric_limits<int64_t>::max();
-        for (const bool mirrored : {false, true}) {
-            if (facts.lies[mirrored ? 1 : 0]) {
-                addProfile(rank, order[rank], mirrored, x, window, reference);
-                const int32_t* const costs = item.costs[mirrored ? 1 : 0];
-                least = std::min(least, m_base[mirrored ? 1 : 0] + *std::min_element(costs, costs + window));
+        for (const size_t mirrored : {0, 1}) {
+            if (facts.lies[mirrored]) {
+                addProfile(rank, mirrored == 1, m_run->x + item.low * step, window, reference);
+                const int32_t* const own = item.costs[mirrored];
+                least = std::min(least, m_base[mirrored] + *std::min_element(own, own + window));
             }
         }
-        after += least;
         int32_t most = 0;
-        for (const bool mirrored : {false, true}) {
-            if (facts.lies[mirrored ? 1 : 0]) {
-                int32_t* const costs = m_program.costRoom(rank, mirrored);
-                const auto add = static_cast<int32_t>(m_base[mirrored ? 1 : 0] - least);
+        for (const size_t mirrored : {0, 1}) {
+            if (facts.lies[mirrored]) {
+                int32_t* const own = m_program.costRoom(rank, mirrored == 1);
+                const auto add = static_cast<int32_t>(m_base[mirrored] - least);
                 for (int32_t p = 0; p < window; ++p) {
-                    costs[p] += add;
-                    most = std::max(most, costs[p]);
+                    own[p] += add;
+                    most = std::max(most, own[p]);
                 }
             }
         }
-        largest += facts.mostPrice + most;
+        costs.least += least;
+        costs.leastPrice += facts.leastPrice;
+        costs.largest += facts.mostPrice + most;
     }
-    if (largest >= OrderedProgram::NEVER) {
-        return window > 1 ? solve(frame, order, targets, window / 2, worth) : IMPOSSIBLE;
+    return costs;
+}
+
+int64_t WindowSolver::solve(const WindowFrame& frame, std::span<const int32_t> order,
+                            std::span<const int32_t> targets, int32_t sites, int64_t worth)
+{
+    m_program.clear(order.size());
+    m_bends.resize(OrderedProgram::MOST_SITES + 3, 0);
+    m_order.assign(order.begin(), order.end());
+    m_run = frame.run;
+    int32_t width = 0;
+    for (size_t rank = 0; rank < order.size(); ++rank) {
+        m_program.items[rank].width = m_facts[static_cast<size_t>(cellAt(rank).kind)].sites;
+        width += m_program.items[rank].width;
     }
-    if (m_before - after - leastPrice <= worth) {
+    const Side left = sideOf(frame, /*onLeft=*/true, m_cells[static_cast<size_t>(order.front())]);
+    const Side right = sideOf(frame, /*onLeft=*/false, m_cells[static_cast<size_t>(order.back())]);
+    const int32_t begin = *std::ranges::min_element(m_program.earliest);
+    const int32_t end = *std::ranges::max_element(m_program.latest) + m_program.items.back().width;
+    const int32_t slack = end - begin - width;
+    if (slack < 0) {
+        return IMPOSSIBLE;
+    }
+    // Costs of a cell fit into 32 bits, and so do those of all.
+    const int64_t steepest = 2 * rankNets() * m_at.model().step;
+    int32_t window = std::min(slack + 1, sites);
+    while (window > 1 && steepest * window >= OrderedProgram::NEVER) {
+        window /= 2;
+    }
+    Costs costs = addCosts(targets, begin, slack, window);
+    while (window > 1 && costs.largest >= OrderedProgram::NEVER) {
+        window /= 2;
+        costs = addCosts(targets, begin, slack, window);
+    }
+    const int64_t after = m_fixedAfter + costs.least;
+    if (costs.largest >= OrderedProgram::NEVER || m_before - after - costs.leastPrice <= worth) {
         return IMPOSSIBLE;
     }
     if (m_options.maxDisplacement < FARTHEST && !closeFarPlaces(order, window)) {

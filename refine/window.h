@@ -71,30 +71,39 @@ private:
         const Reach* reach = nullptr;
     };
     Box boxOf(int32_t net, bool withTaken) const;
-    void addStart(int32_t cell);
-    int64_t displacementOf(int32_t cell, const Change& place) const;
-    Change placeOf(int32_t cell) const;
-    int32_t stitchesOf(int32_t kind, int32_t state) const
-    {
-        const Model& model = m_at.model();
-        return model.states[static_cast<size_t>(model.kinds[static_cast<size_t>(kind)].stateBegin + state)]
-            .stitches;
-    }
+    void addStart(int32_t index);
+    int64_t displacementOf(int32_t index, const Change& place) const;
+    Change placeOf(int32_t index) const;
+    int32_t stitchesOf(int32_t kind, int32_t state) const { return m_at.model().state(kind, state).stitches; }
     bool closeFarPlaces(std::span<const int32_t> order, int32_t window);
-    void addProfile(size_t rank, int32_t taken, bool mirrored, int32_t x, int32_t sites, int32_t reference);
+    /// The windows of the cells, and what they cost.
+    struct Costs {
+        int64_t least = 0;      ///< of all cells, wherever they stand, in their windows
+        int64_t leastPrice = 0; ///< of their stitches
+        int64_t largest = 0;    ///< no arrangement costs more than the least and this
+    };
+    const Cell& cellAt(size_t rank) const { return m_at.cell(m_cells[static_cast<size_t>(m_order[rank])]); }
+    int64_t rankNets();
+    Costs addCosts(std::span<const int32_t> targets, int32_t begin, int32_t slack, int32_t window);
+    std::span<const TermUse> termsAt(size_t rank) const
+    {
+        const auto taken = static_cast<size_t>(m_order[rank]);
+        return {m_terms.data() + m_termBegin[taken], m_terms.data() + m_termBegin[taken + 1]};
+    }
+    void addProfile(size_t rank, bool mirrored, int32_t x, int32_t sites, int32_t reference);
     /// What is beside the window on one side.
     struct Side {
         int32_t classes = 1;               ///< of the states of the cell at that end
         int32_t kind = -1;                 ///< of the neighbour; -1 for none, or one that stays
         const uint16_t* classOf = nullptr; ///< [state]
     };
-    Side sideOf(const WindowFrame& frame, bool onLeft, int32_t cell);
+    Side sideOf(const WindowFrame& frame, bool onLeft, int32_t index);
     /// Classes of the states of a cell for its neighbours.
     struct Classes {
         const uint16_t* left;
         const uint16_t* right;
     };
-    int32_t sameOr(int32_t state, int32_t cell, const Classes& classes) const;
+    int32_t sameOr(int32_t state, int32_t index, const Classes& classes) const;
     /// Options of a kind between two others.
     struct Known {
         uint64_t key = 0; ///< of the three kinds
