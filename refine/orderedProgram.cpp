@@ -53,9 +53,12 @@ int32_t OrderedProgram::solve(int32_t sites)
         if (i > 0) {
             step.classesBefore = items[i - 1].rightClasses;
             step.before = m_profiles.data() + m_begin[i - 1];
-            m_shifts.clear();
-            for (int32_t k = 0; k < step.classesBefore * item.leftClasses; ++k) {
-                m_shifts.push_back(shift(i, item.gaps[k]));
+            const size_t pairs =
+                static_cast<size_t>(step.classesBefore) * static_cast<size_t>(item.leftClasses);
+            const int32_t apart = item.low - items[i - 1].low - items[i - 1].width;
+            m_shifts.resize(std::max(m_shifts.size(), pairs));
+            for (size_t k = 0; k < pairs; ++k) {
+                m_shifts[k] = std::clamp(apart - item.gaps[k], -m_width, m_width);
             }
             step.shifts = m_shifts.data();
         }
