@@ -108,6 +108,7 @@ void checkFiles(const Options& options, const Paths& paths)
     inputs.insert(inputs.end(), files.begin(), files.end());
     inputs.insert(inputs.end(), {options.input, paths.colors, options.fixedNames, options.netWeights});
     checkOutputs(design::outputsOf(options.out), inputs, options.force);
+    requireFolderFor(options.out + ".json");
 }
 
 /// A run of the search on the files of a design.
@@ -255,11 +256,11 @@ private:
     /// The same of the placement as it was given.
     int64_t lengthAtStart() const
     {
-        if (m_built.model.startX.empty()) {
-            return lengthOf(m_built.model);
-        }
         if (m_inputs.placed.pinLength) {
             return *m_inputs.placed.pinLength;
+        }
+        if (m_built.model.startX.empty()) {
+            return lengthOf(m_built.model);
         }
         ::refine::Model start = m_built.model;
         for (size_t i = 0; i < start.cells.size(); ++i) {

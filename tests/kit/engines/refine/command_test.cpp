@@ -200,6 +200,17 @@ TEST_F(KitRefine, NeitherInputsNorOldResultsAreReplaced)
     EXPECT_FALSE(std::filesystem::exists(out() + ".place"));
 }
 
+TEST_F(KitRefine, MissingFolderOfTheResultIsToldBeforeTheSearch)
+{
+    m_dir.write("d.place", "nothing"); // and so before anything is read
+    EXPECT_EQ(runKit({"refine", base() + ".place", "--cell-path", lib(), "-o", m_dir.path("none/out")}).error,
+              "vireloce-kit: cannot write " + m_dir.path("none/out.json") + ": there is no folder " +
+                  m_dir.path("none") + "\n");
+    EXPECT_EQ(runKit({"place", base(), "--cell-path", lib(), "-o", m_dir.path("none/out")}).error,
+              "vireloce-kit: cannot write " + m_dir.path("none/out.json") + ": there is no folder " +
+                  m_dir.path("none") + "\n");
+}
+
 TEST_F(KitRefine, PlacementNeedsTheFolderOfColorFiles)
 {
     EXPECT_EQ(runKit({"refine", base() + ".place", "-o", out()}).error,
