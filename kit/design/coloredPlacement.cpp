@@ -204,7 +204,9 @@ ColoredPlacement readColoredPlacement(const PlacementPaths& paths)
         placer::readLibrary(paths.cells, paths.cellDir, result.design, findings);
     }
     placer::findCells(result.design);
-    result.colors = placer::readColors(paths.colors, findings);
+    if (!paths.colors.empty()) {
+        result.colors = placer::readColors(paths.colors, findings);
+    }
     const std::string fixed = paths.fixed.empty() ? fixedOf(paths.placement) : paths.fixed;
     const FixedParts parts = readFixed(fixed, findings);
     addFixed(parts, paths.cellDir, result.design, findings);

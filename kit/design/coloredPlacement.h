@@ -37,7 +37,7 @@ void checkColors(const placer::Design& design, const Matching& matching, Issues&
 /// The files of a placement with its colors.
 struct PlacementPaths {
     std::string placement; ///< path of the placement file
-    std::string colors;    ///< path of the colors file
+    std::string colors;    ///< path of the colors file; empty if there is none
     std::string mapOf{};   ///< path of the placement file beside which the map lies; empty for this one
     std::string fixed{};   ///< path of what stays where it is; empty for that beside the placement
     std::string cellDir;   ///< folder of the colour files of the cells

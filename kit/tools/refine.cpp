@@ -22,7 +22,8 @@ end of --time ends the search, and what it has found is written.
 Exit status: 0 the result is clean; 1 verify finds errors in it; 2 bad usage or input.
 
 Example:
-  vireloce-kit refine out/gcd.json -o out/shorter)";
+  vireloce-kit refine out/gcd.json -o out/shorter
+  vireloce-kit refine changed.place --base out/shorter.json -o out/again)";
 
 void addFiles(const Command& command, Options& options)
 {
@@ -30,6 +31,10 @@ void addFiles(const Command& command, Options& options)
     command.add("--colors", options.colors,
                 "chosen colors of its components (default: those beside the placement)");
     command.add("--cell-path", options.cellPath, "folder of the color files (default: that in OUT.json)");
+    command.add("--base", options.base,
+                "OUT.json or placement of an earlier result, whose cells keep their places and colors");
+    command.flag("--anew", options.anew,
+                 "start from the placement that place was given, with any colors for cells that have none");
     command.add("-o,--output", options.out, "path of the result files without extension").required();
     command.add("--fix", options.fixedNames, "file of the names of cells that stay, one to a line");
     command.add("--net-weights", options.netWeights,

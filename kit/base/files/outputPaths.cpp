@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "kit/base/fault.h"
+#include "kit/base/files/folder.h"
 
 namespace kit {
 
@@ -100,6 +101,14 @@ void checkOutputs(const std::vector<std::string>& outputs, const std::vector<std
     Identities others;
     for (const std::string& output : outputs) {
         check(output, known, others, force);
+    }
+}
+
+void requireFolderFor(const std::string& output)
+{
+    std::error_code error;
+    if (!fs::is_directory(folderOf(output), error)) {
+        throw Fault("cannot write " + output + ": there is no folder " + folderOf(output));
     }
 }
 

@@ -53,4 +53,11 @@ OutputTarget targetOf(const std::string& path);
 void checkOutputs(const std::vector<std::string>& outputs, const std::vector<std::string>& inputs,
                   bool force);
 
+/// Checks that there is a folder for a result, for those who would find that out late.
+///
+/// Errors: throws Fault if there is none.
+///
+/// @param output  path of the result
+void requireFolderFor(const std::string& output);
+
 } // namespace kit

@@ -48,6 +48,7 @@ void checkOutputs(const Options& options)
     const std::vector<std::string> files = design::inputsOf(options.base);
     inputs.insert(inputs.end(), files.begin(), files.end());
     kit::checkOutputs(design::outputsOf(options.out), inputs, options.force);
+    requireFolderFor(options.out + ".json");
 }
 
 } // namespace kit::place

@@ -23,7 +23,10 @@ constexpr int32_t HEAVIEST = 1000;
 Inputs readInputs(const Paths& paths)
 {
     const placer::Paths files{.base = paths.base, .cellDir = paths.cellDir};
-    const std::string colors = paths.colors.empty() ? paths.base + ".colors" : paths.colors;
+    std::string colors = paths.colors.empty() ? paths.base + ".colors" : paths.colors;
+    if (paths.colors.empty() && paths.mayBeBare && !fs::is_regular_file(colors)) {
+        colors.clear();
+    }
     Inputs inputs{.placed = design::readColoredPlacement({.placement = files.place(),
                                                           .colors = colors,
                                                           .cellDir = paths.cellDir,
@@ -40,6 +43,8 @@ Inputs readInputs(const Paths& paths)
             inputs.placed.pinLength = design::pinLengthBeside(files.place(), inputs.placed.design, findings);
         }
     }
+    Findings told; // with the placement
+    inputs.fixed = design::readFixed(design::fixedOf(files.place()), told);
     inputs.faults = errorsOf(findings);
     return inputs;
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "kit/design/coloredPlacement.h"
+#include "kit/design/fixedCells.h"
 #include "kit/design/nameMap.h"
 #include "kit/design/pinOffsets.h"
 
@@ -17,8 +18,9 @@ namespace kit::refine {
 /// The files of a result of `place`.
 struct Paths {
     std::string base; ///< of BASE.place, .pins, .netlist, .cells and what an import adds, without extension
-    std::string colors{}; ///< empty for BASE.colors
-    std::string cellDir;  ///< folder of the color files
+    std::string colors{};   ///< empty for BASE.colors
+    bool mayBeBare = false; ///< BASE.colors need not be there
+    std::string cellDir;    ///< folder of the color files
 };
 
 /// A result of `place` with all that shorter wires depend on.
@@ -26,6 +28,7 @@ struct Inputs {
     design::ColoredPlacement placed;             ///< with nets, and terminals
     std::optional<design::NameMap> map{};        ///< of an imported design
     std::optional<design::PinOffsets> offsets{}; ///< of an imported design
+    design::FixedParts fixed{};                  ///< of an imported design
     Findings faults{};                           ///< errors in the form of all these files
 };
 

@@ -52,6 +52,10 @@ public:
         settleViews();
         addNets(m_inputs, m_demands.weights, m_kindKeys, m_built);
         addStarts();
+        if (!m_demands.changed.empty()) {
+            model().changed = m_demands.changed;
+            model().changed.resize(model().cells.size(), false);
+        }
         return std::move(m_built);
     }
 
@@ -470,7 +474,8 @@ std::vector<Placed> placedOf(const Built& built, const ::refine::Model& model)
         // Of solutions that neighbours take for the same, one with as few stitches may stay.
         const int32_t half = built.half[i];
         const int32_t given = half > 0 ? all[i].solution % half : all[i].solution;
-        const bool stays = cell.state == start.state && built.stitches[i] == state.stitches;
+        const bool isKept = !model.changed.empty() && !model.changed[i];
+        const bool stays = cell.state == start.state && (isKept || built.stitches[i] == state.stitches);
         const int32_t solution = stays || state.solution < 0 ? given : state.solution;
         all[i].solution = built.otherRow[row] && solution >= 0 ? solution + half : solution;
     }

@@ -19,6 +19,7 @@ struct Demands {
     bool rowsMeet = false;                     ///< masks 1 and 2 have changed places in every second row
     std::set<std::string> fixed{};             ///< components that stay where they are
     std::vector<int32_t> weights{};            ///< [net] positive; empty for 1 each
+    std::vector<bool> changed{};               ///< [component] to be improved; empty for all
 };
 
 /// Where a component stands, and how.

@@ -18,6 +18,8 @@ struct Options {
     std::string input;                       ///< OUT.json of `place`, or a placement file
     std::string colors;                      ///< color choices; empty for those beside the placement
     std::string cellPath;                    ///< folder of the color files; empty for that in OUT.json
+    std::string base;                        ///< earlier result to start from, as the input; empty for none
+    bool anew = false;                       ///< start where the cells were before they were placed
     std::string out;                         ///< path of the result files without extension
     int32_t effort = 3;                      ///< 0 to 9
     int32_t jobs = 1;                        ///< threads

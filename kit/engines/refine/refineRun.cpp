@@ -22,6 +22,7 @@
 #include "kit/engines/refine/inputs.h"
 #include "kit/engines/refine/model.h"
 #include "kit/engines/refine/result.h"
+#include "kit/engines/refine/start.h"
 #include "kit/engines/verify/judgement.h"
 #include "kit/formats/placer/placementText.h"
 
@@ -73,25 +74,45 @@ struct Source {
     Json result; ///< OUT.json; null if the placement was given
 };
 
+/// The path of a placement or a result without extension. Errors: throws Fault if it is neither.
+std::string baseOf(const std::string& path)
+{
+    for (const std::string_view extension : {RESULT, PLACEMENT}) {
+        if (path.ends_with(extension)) {
+            return path.substr(0, path.size() - extension.size());
+        }
+    }
+    throw Fault(path + " ends neither in .json nor in .place");
+}
+
+/// What a result says of itself.
+Source sourceOfResult(const std::string& path, const std::string& cellPath)
+{
+    const design::ResultFiles files = design::findResult(path, cellPath);
+    return {.paths = {.base = baseOf(path), .colors = files.colors, .cellDir = files.cellDir},
+            .minDist = files.minDist,
+            .rowsMeet = files.rowsMeet,
+            .result = design::readPlaceResult(path)};
+}
+
 Source sourceOf(const Options& options)
 {
     Source source;
     if (options.input.ends_with(RESULT)) {
-        const design::ResultFiles files = design::findResult(options.input, options.cellPath);
-        source = {.paths = {.base = options.input.substr(0, options.input.size() - RESULT.size()),
-                            .colors = files.colors,
-                            .cellDir = files.cellDir},
-                  .minDist = files.minDist,
-                  .rowsMeet = files.rowsMeet,
-                  .result = design::readPlaceResult(options.input)};
-    } else if (options.input.ends_with(PLACEMENT)) {
-        if (options.cellPath.empty()) {
-            throw Fault("where the color files are is not known: give --cell-path");
-        }
-        const std::string base = options.input.substr(0, options.input.size() - PLACEMENT.size());
-        source.paths = {.base = base, .colors = base + ".colors", .cellDir = options.cellPath};
+        source = sourceOfResult(options.input, options.cellPath);
     } else {
-        throw Fault(options.input + " ends neither in .json nor in .place");
+        const std::string base = baseOf(options.input);
+        if (options.base.ends_with(RESULT)) { // made by the same rules
+            source = sourceOfResult(options.base, options.cellPath);
+            source.result = nullptr;
+        } else if (options.cellPath.empty()) {
+            throw Fault("where the color files are is not known: give --cell-path");
+        } else {
+            source.paths.cellDir = options.cellPath;
+        }
+        source.paths.base = base;
+        source.paths.colors.clear();
+        source.paths.mayBeBare = !options.base.empty();
     }
     if (!options.colors.empty()) {
         source.paths.colors = options.colors;
@@ -100,14 +121,33 @@ Source sourceOf(const Options& options)
     return source;
 }
 
-/// Checks that the results may be written.
-void checkFiles(const Options& options, const Paths& paths)
+/// Where the cells were before they were placed. Errors: throws Fault if nothing tells.
+std::string placementBefore(const Json& result)
 {
+    if (!result.isObject() || !result["options"]["base"].isString()) {
+        throw Fault("--anew needs the OUT.json of place, which says what was placed");
+    }
+    return result["options"]["base"].asString() + std::string(PLACEMENT);
+}
+
+/// Checks that the results may be written.
+void checkFiles(const Options& options, const Source& source)
+{
+    const Paths& paths = source.paths;
     std::vector<std::string> inputs = filesIn(paths.cellDir);
     const std::vector<std::string> files = design::inputsOf(paths.base);
     inputs.insert(inputs.end(), files.begin(), files.end());
     inputs.insert(inputs.end(), {options.input, paths.colors, options.fixedNames, options.netWeights});
+    if (!options.base.empty()) {
+        const std::vector<std::string> earlier = design::inputsOf(baseOf(options.base));
+        inputs.insert(inputs.end(), earlier.begin(), earlier.end());
+        inputs.insert(inputs.end(), {options.base, baseOf(options.base) + ".colors"});
+    }
+    if (options.anew) {
+        inputs.push_back(placementBefore(source.result));
+    }
     checkOutputs(design::outputsOf(options.out), inputs, options.force);
+    requireFolderFor(options.out + ".json");
 }
 
 /// A run of the search on the files of a design.
@@ -116,7 +156,10 @@ public:
     explicit Run(const Options& options)
         : m_options(options), m_source(sourceOf(options)), m_line(options.quiet)
     {
-        checkFiles(options, m_source.paths);
+        if (options.anew && !options.base.empty()) {
+            throw Fault("--anew and --base are two places to start from: give one of them");
+        }
+        checkFiles(options, m_source);
     }
 
     int run()
@@ -132,6 +175,10 @@ public:
             m_source.minDist = m_options.minDist->unitsOn(design::siteLength(design()));
         }
         Demands demands{.minDist = m_source.minDist, .rowsMeet = m_source.rowsMeet};
+        if (startsElsewhere()) {
+            start();
+            demands.changed = m_outcome.base ? m_outcome.base->changed : demands.changed;
+        }
         if (!m_options.fixedNames.empty()) {
             demands.fixed = readFixedNames(m_options.fixedNames, m_inputs);
         }
@@ -148,6 +195,19 @@ public:
 
 private:
     const placer::Design& design() const { return m_inputs.placed.design; }
+
+    /// Whether it starts from another placement than that of the input.
+    bool startsElsewhere() const { return m_options.anew || !m_options.base.empty(); }
+
+    void start()
+    {
+        if (m_options.anew) {
+            startBefore(placementBefore(m_source.result), m_inputs);
+        } else {
+            m_outcome.base = startFrom(baseOf(m_options.base), m_inputs);
+        }
+        settleColors(m_source.rowsMeet, m_inputs);
+    }
 
     void nameStrays()
     {
@@ -255,11 +315,11 @@ private:
     /// The same of the placement as it was given.
     int64_t lengthAtStart() const
     {
-        if (m_built.model.startX.empty()) {
-            return lengthOf(m_built.model);
-        }
         if (m_inputs.placed.pinLength) {
             return *m_inputs.placed.pinLength;
+        }
+        if (m_built.model.startX.empty()) {
+            return lengthOf(m_built.model);
         }
         ::refine::Model start = m_built.model;
         for (size_t i = 0; i < start.cells.size(); ++i) {
@@ -306,7 +366,8 @@ private:
         files.add(m_options.out + ".colors", [&](OutputFile& out) { placer::writeColors(colors(), out); });
         design::addCopies(base, m_options.out, files);
         if (fs::exists(base + design::FIXED)) {
-            files.addCopy(m_options.out + design::FIXED, base + design::FIXED);
+            files.add(m_options.out + design::FIXED,
+                      [&](OutputFile& out) { design::writeFixed(m_inputs.fixed, out); });
         }
         const verify::Judgement judgement = verify::judge({.base = base,
                                                            .out = m_options.out,
@@ -331,8 +392,10 @@ private:
             const Placed& placed = m_placed[index];
             changes = {.name = design().components[index].name, .at = geometry::Point{placed.x, placed.y}};
             // The map says which cells are upside down; without it none is mirrored.
-            if (m_inputs.map && !m_improved.cells[index].fixed) {
+            if (m_inputs.map && (startsElsewhere() || !m_improved.cells[index].fixed)) {
                 changes.orient = placed.mirrored ? "FN" : "N";
+            } else if (startsElsewhere()) {
+                changes.orient = design().components[index].orient;
             }
         };
         placer::rewritePlacement(m_source.paths.base + ".place", m_placed.size(), changesOf, out);

@@ -37,6 +37,8 @@ Json optionsJson(const Options& options, const Outcome& outcome, int32_t dbuPerM
     const auto given = [](const std::optional<double>& value) { return value ? Json(*value) : Json(); };
     return {{"input", absolute(options.input)},
             {"colors", absolute(options.colors)},
+            {"base", absolute(options.base)},
+            {"anew", options.anew},
             {"effort", options.effort},
             {"jobs", options.jobs},
             {"time", given(options.seconds)},
@@ -84,7 +86,13 @@ Json refineJson(const Options& options, const Outcome& outcome, bool byPins, int
     for (const Outcome::Homeless& cell : outcome.homeless) {
         homeless.push_back({{"name", cell.name}, {"proved", cell.isProved}});
     }
+    Json base;
+    if (outcome.base) {
+        base = {
+            {"kept", outcome.base->kept}, {"changed", outcome.base->changes}, {"new", outcome.base->news}};
+    }
     return {{"options", optionsJson(options, outcome, dbuPerMicron)},
+            {"base", std::move(base)},
             {"by_pins", byPins},
             {"wirelength", change(design::pinLengthJson(outcome.lengthBefore, dbuPerMicron),
                                   design::pinLengthJson(outcome.lengthAfter, dbuPerMicron))},
@@ -118,6 +126,10 @@ std::string summaryOf(const Json& refine)
     text << percent.data() << ", " << refine["stitches"]["before"] << " -> " << refine["stitches"]["after"]
          << " stitches; " << counted(refine["moved_cells"].asInteger(), "cell") << " moved, "
          << refine["mirrored_cells"] << " mirrored, " << refine["recolored_cells"] << " recolored";
+    if (const Json& base = refine["base"]; base.isObject()) {
+        text << "; " << counted(base["kept"].asInteger(), "cell") << " as in the earlier result, "
+             << base["changed"] << " changed, " << base["new"] << " new";
+    }
     if (refine["legalized"].asInteger() > 0) {
         text << "; " << counted(refine["legalized"].asInteger(), "cell") << " changed to be legal";
     }

@@ -3,11 +3,13 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "kit/base/text/json.h"
 #include "kit/engines/refine/options.h"
+#include "kit/engines/refine/start.h"
 #include "refine/improve.h"
 
 namespace kit::refine {
@@ -19,6 +21,7 @@ struct Outcome {
     int64_t lengthAfter = 0;
     int64_t stitchesBefore = 0;
     int64_t stitchesAfter = 0;
+    std::optional<Comparison> base{}; ///< with the earlier result that it started from
     int64_t movedCells = 0;
     int64_t mirroredCells = 0;
     int64_t recoloredCells = 0;

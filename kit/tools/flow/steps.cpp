@@ -90,7 +90,9 @@ std::string placementSummary(const Json& result)
 std::string refineSummary(const Json& result)
 {
     std::string text = refine::summaryOf(result["refine"]);
-    if (const Json& pins = result["hpwl_pins"]; pins.isObject()) {
+    if (result["refine"]["options"]["anew"] == true) {
+        text += "; from the import, as place left errors";
+    } else if (const Json& pins = result["hpwl_pins"]; pins.isObject()) {
         text += "; before it was placed " + design::micrometresText(pins["before"]);
     }
     return text;
@@ -184,11 +186,14 @@ Step placeStep(const Options& options, const Places& places)
             .summary = placementSummary};
 }
 
-Step refineStep(const Options& options, const Places& places)
+Step refineStep(const Options& options, const Places& places, bool anew)
 {
     Words words{"refine", places.placed + ".json", "--cell-path", places.cellDir,
                 "-o",     places.refined,          "--effort",    std::to_string(options.effort)};
     addGiven(words, "--jobs", options.jobs);
+    if (anew) {
+        words.emplace_back("--anew");
+    }
     return {.name = "refine",
             .words = words,
             .result = places.refined + ".json",

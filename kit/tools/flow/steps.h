@@ -57,7 +57,9 @@ Step lintStep(const Options& options, const Places& places);
 Step placeStep(const Options& options, const Places& places);
 
 /// Makes the wires of the placed design shorter.
-Step refineStep(const Options& options, const Places& places);
+///
+/// @param anew  start from the imported design
+Step refineStep(const Options& options, const Places& places, bool anew);
 
 /// Judges the placed design.
 Step verifyStep(const Options& options, const Places& places);

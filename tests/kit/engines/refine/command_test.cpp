@@ -200,6 +200,76 @@ TEST_F(KitRefine, NeitherInputsNorOldResultsAreReplaced)
     EXPECT_FALSE(std::filesystem::exists(out() + ".place"));
 }
 
+TEST_F(KitRefine, MissingFolderOfTheResultIsToldBeforeTheSearch)
+{
+    m_dir.write("d.place", "nothing"); // and so before anything is read
+    EXPECT_EQ(runKit({"refine", base() + ".place", "--cell-path", lib(), "-o", m_dir.path("none/out")}).error,
+              "vireloce-kit: cannot write " + m_dir.path("none/out.json") + ": there is no folder " +
+                  m_dir.path("none") + "\n");
+    EXPECT_EQ(runKit({"place", base(), "--cell-path", lib(), "-o", m_dir.path("none/out")}).error,
+              "vireloce-kit: cannot write " + m_dir.path("none/out.json") + ": there is no folder " +
+                  m_dir.path("none") + "\n");
+}
+
+TEST_F(KitRefine, StartsWhereTheCellsWereBeforeTheyWerePlaced)
+{
+    ASSERT_EQ(
+        runKit({"place", base(), "--cell-path", lib(), "-o", m_dir.path("p"), "--true-orientation"}).status,
+        0);
+    ASSERT_EQ(runKit({"refine", m_dir.path("p.json"), "--anew", "-o", out(), "--effort", "0"}).status, 0);
+    EXPECT_EQ(contentOf(out() + ".place"), contentOf(base() + ".place"));
+    EXPECT_EQ(result()["refine"]["options"]["anew"], true);
+    EXPECT_EQ(result()["refine"]["wirelength"]["before"]["dbu"], 3040);
+    const Words more{"refine", m_dir.path("p.json"), "--anew", "-o", out(), "--force"};
+    EXPECT_EQ(runKit(more).status, 0);
+    EXPECT_EQ(verified()["clean"], true);
+    EXPECT_EQ(result()["placement"], Json::parse(contentOf(m_dir.path("p.json")))["placement"]);
+}
+
+TEST_F(KitRefine, CellsWithoutColorsGetAnyThatFitWhenItStartsAnew)
+{
+    color({{0, {1, 1}}, {0, {1, 2}}});
+    ASSERT_EQ(runKit({"place", base(), "--cell-path", lib(), "-o", m_dir.path("p")}).status, 0);
+    std::string colors = contentOf(m_dir.path("p.colors"));
+    m_dir.write("p.colors", test::replaced(colors, "b BARS [0-9].*", "b BARS -1 0"));
+    EXPECT_EQ(runKit({"refine", m_dir.path("p.json"), "-o", out()}).status, 1);
+    EXPECT_EQ(runKit({"refine", m_dir.path("p.json"), "--anew", "-o", out(), "--force"}).status, 0);
+    EXPECT_EQ(result()["refine"]["stray_cells"], Json::array());
+    EXPECT_EQ(verified()["clean"], true);
+}
+
+TEST_F(KitRefine, ItStartsFromOnePlacementThatIsKnown)
+{
+    const KitOutcome outcome = refine({"--anew"});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.error,
+              "vireloce-kit: --anew needs the OUT.json of place, which says what was placed\n");
+    EXPECT_EQ(refine({"--anew", "--base", base() + ".place"}).error,
+              "vireloce-kit: --anew and --base are two places to start from: give one of them\n");
+    EXPECT_EQ(runKit({"refine", base() + ".place", "--cell-path", lib(), "--base", out() + ".place", "-o",
+                      out(), "--force"})
+                  .error,
+              "vireloce-kit: " + out() + ".place is an input: choose another name for the result\n");
+}
+
+/// A design without an import: its placement alone says how cells lie.
+TEST(KitRefinePlain, EarlierResultIsKeptByTheNamesOfItsCells)
+{
+    const test::GeneratedDesign design({"--mirrored", "40"});
+    ASSERT_LE(
+        runKit({"place", design.base(), "--cell-path", design.lib(), "-o", design.path("p"), "--rescue"})
+            .status,
+        1);
+    ASSERT_EQ(runKit({"refine", design.path("p.json"), "-o", design.path("old")}).status, 0);
+    ASSERT_EQ(runKit({"refine", design.base() + ".place", "--base", design.path("old.json"), "-o",
+                      design.path("new")})
+                  .status,
+              0);
+    for (const char* extension : {".place", ".colors"}) {
+        EXPECT_EQ(contentOf(design.path("new") + extension), contentOf(design.path("old") + extension));
+    }
+}
+
 TEST_F(KitRefine, PlacementNeedsTheFolderOfColorFiles)
 {
     EXPECT_EQ(runKit({"refine", base() + ".place", "-o", out()}).error,
@@ -291,6 +361,121 @@ TEST_F(KitRefine, CellsThatStayAreNamed)
     EXPECT_EQ(outcome.status, 1);
     EXPECT_NE(outcome.error.find("will not be moved: b\n"), std::string::npos) << outcome.error;
     EXPECT_EQ(result()["refine"]["stray_cells"], Json::parse("[\"b\"]"));
+}
+
+/// The design of the examples, imported, placed and made shorter. It is imported anew as `new`, changed.
+class KitRefineBase : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        import(contentOf(RAW + "gcd_nangate45.def"), "d");
+        ASSERT_EQ(runKit({"place", m_dir.path("d"), "--cell-path", LIB, "-o", m_dir.path("p"), "--rescue",
+                          "--true-orientation"})
+                      .status,
+                  0);
+        ASSERT_EQ(runKit({"refine", m_dir.path("p.json"), "-o", m_dir.path("old")}).status, 0);
+    }
+
+    void import(const std::string& def, const std::string& name) const
+    {
+        const KitOutcome outcome = runKit({"import", "--lef", RAW + "Nangate45_stdcell.lef", "--def",
+                                           m_dir.write(name + ".def", def), "-o", m_dir.path(name)});
+        ASSERT_EQ(outcome.status, 0) << outcome.error;
+    }
+
+    /// Changes the DEF file, each text to another, and starts from the earlier result.
+    KitOutcome change(const std::vector<std::pair<std::string, std::string>>& changes, const Words& more = {})
+    {
+        std::string def = contentOf(RAW + "gcd_nangate45.def");
+        for (const auto& [from, to] : changes) {
+            const size_t at = def.find(from);
+            EXPECT_NE(at, std::string::npos) << from;
+            def.replace(at, from.size(), to);
+        }
+        import(def, "new");
+        Words words{"refine", m_dir.path("new.place"), "--base", m_dir.path("old.json"),
+                    "-o",     m_dir.path("out")};
+        words.insert(words.end(), more.begin(), more.end());
+        KitOutcome outcome = runKit(words);
+        const std::string json = contentOf(m_dir.path("out.json"));
+        if (!json.empty()) {
+            m_result = Json::parse(json);
+            EXPECT_EQ(test::faultsOf(m_result, test::placeSchema()), Words{});
+        }
+        return outcome;
+    }
+
+    kit::placer::Design placedAs(const std::string& name) const
+    {
+        kit::Findings findings;
+        return kit::placer::readDesign({.base = m_dir.path(name), .cellDir = LIB}, findings);
+    }
+
+    static inline const std::string RAW = VIRELOCE_KIT_EXAMPLES "/raw/";
+    static inline const std::string LIB = VIRELOCE_KIT_EXAMPLES "/nangate45_color";
+    test::TempDir m_dir;
+    Json m_result;
+};
+
+TEST_F(KitRefineBase, UnchangedDesignIsPlacedAsBefore)
+{
+    const KitOutcome outcome = change({});
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    for (const char* extension : {".place", ".colors"}) {
+        EXPECT_EQ(contentOf(m_dir.path("out") + extension), contentOf(m_dir.path("old") + extension));
+    }
+    EXPECT_EQ(m_result["refine"]["base"], Json::parse(R"({"kept": 426, "changed": 0, "new": 0})"));
+    EXPECT_EQ(m_result["refine"]["moved_cells"], 0);
+    EXPECT_NE(outcome.output.find("; 426 cells as in the earlier result, 0 changed, 0 new"),
+              std::string::npos)
+        << outcome.output;
+}
+
+TEST_F(KitRefineBase, ResultOfPlaceIsKeptAsItIsToo)
+{
+    import(contentOf(RAW + "gcd_nangate45.def"), "new");
+    EXPECT_EQ(runKit({"refine", m_dir.path("new.place"), "--base", m_dir.path("p.place"), "--cell-path", LIB,
+                      "-o", m_dir.path("out")})
+                  .status,
+              0);
+    for (const char* extension : {".place", ".colors"}) {
+        EXPECT_EQ(contentOf(m_dir.path("out") + extension), contentOf(m_dir.path("p") + extension));
+    }
+}
+
+TEST_F(KitRefineBase, FewChangesLeaveMostCellsWhereTheyWere)
+{
+    const KitOutcome outcome = change({{"- _348_ INV_X1 ", "- _348_ INV_X2 "},
+                                       {"- _174_ ( _505_ A1 ) ( _504_ A )", "- _174_ ( _505_ A1 )"},
+                                       {"- _177_ ( _506_ A )", "- _177_ ( _506_ A ) ( _504_ A )"},
+                                       {"- _176_ ( _504_ B1 )", "- _176_ ( _504_ B1 ) ( fresh A )"},
+                                       {"- FILLER_0_0_108 FILLCELL_X2 + SOURCE DIST", "- fresh INV_X1"}});
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    // The nets of _348_ are as they were; those that changed are on 5 other cells.
+    EXPECT_EQ(m_result["refine"]["base"], Json::parse(R"({"kept": 420, "changed": 6, "new": 1})"));
+    const kit::placer::Design before = placedAs("old");
+    const kit::placer::NameIndex known = kit::placer::indexNames(before.components);
+    int32_t moved = 0;
+    for (const kit::placer::Component& comp : placedAs("out").components) {
+        const int32_t at = kit::placer::findName(known, comp.name);
+        if (at >= 0) {
+            const kit::placer::Component& old = before.components[static_cast<size_t>(at)];
+            moved += old.x != comp.x || old.y != comp.y || old.orient != comp.orient ? 1 : 0;
+        }
+    }
+    EXPECT_LT(moved, 60) << "they, and those that make room for them";
+    EXPECT_GT(moved, 0);
+    EXPECT_EQ(contentOf(m_dir.path("out.fixed")), contentOf(m_dir.path("old.fixed")))
+        << "solutions of what stays where it is";
+}
+
+TEST_F(KitRefineBase, UnitsMustBeTheSame)
+{
+    m_dir.write("old.place",
+                test::replaced(contentOf(m_dir.path("old.place")), "MICRONS [0-9]+", "MICRONS 7"));
+    const KitOutcome outcome = change({});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_NE(outcome.error.find("old.place has other UNITS"), std::string::npos) << outcome.error;
 }
 
 /// A design that the search takes a while for.

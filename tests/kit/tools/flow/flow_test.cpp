@@ -319,7 +319,8 @@ protected:
 
     /// Rows that are full, each with one pair of cells that are too close whatever their order: they have
     /// metal low at one edge and high at the other, and one is mirrored; the placer takes both as unmirrored.
-    int unclean(int pairs, const Words& more = {})
+    int unclean(int pairs, const Words& more = {}, const std::string& moreRows = "",
+                const std::string& moreComponents = "")
     {
         std::string lef = LEF;
         lef.replace(lef.find("0.5 0.39 1.5 ;"), 14, "0.5 0.39 0.9 ; RECT 0.01 1.1 0.06 1.5 ;");
@@ -332,6 +333,8 @@ protected:
             components += "- u" + y + " C + PLACED ( 1000 " + y + " ) N ;\n";
             components += "- v" + y + " C + PLACED ( 1400 " + y + " ) FN ;\n";
         }
+        rows += moreRows;
+        components += moreComponents;
         Words words{"--max-solutions", "1", "--no-true-orientation"};
         words.insert(words.end(), more.begin(), more.end());
         return small(lef, rows, components, words);
@@ -644,6 +647,27 @@ TEST_F(SmallFlow, WritesWhatItHasOfAPlacementThatIsNotClean)
     }
     EXPECT_EQ(names, "import color lint place refine verify export view ");
     EXPECT_EQ(flow["steps"][5]["result"], Json("not clean, 1 error, 0 notes"));
+}
+
+TEST_F(SmallFlow, WhatPlaceLeavesUncleanIsMadeLegalFromTheImport)
+{
+    // A cell of the pair fits into the other row if the small one there goes to the row of one site.
+    m_dir.write("small.lef",
+                "MACRO S CLASS CORE ; SIZE 0.2 BY 2 ; SITE core ;\n  PIN A PORT LAYER metal1 ; RECT "
+                "0.08 1.75 0.12 1.85 ; END END A\nEND S\n");
+    const std::string row = "ROW other core 1000 4000 N DO 4 BY 1 STEP 200 0 ;\n";
+    const std::string cells = "- w C + PLACED ( 1000 4000 ) FN ;\n- s S + PLACED ( 1400 4000 ) N ;\n";
+    const std::string lef = m_dir.path("small.lef");
+    EXPECT_EQ(unclean(1, {"--lef", lef, "--effort", "0"}, row, cells), 1) << m_output;
+    EXPECT_EQ(unclean(1, {"--lef", lef, "--force"}, row, cells), 0) << m_output << m_error;
+    EXPECT_TRUE(says("place", "; verify finds 1 error")) << m_output;
+    EXPECT_TRUE(says("refine", "; from the import, as place left errors")) << m_output;
+    EXPECT_TRUE(says("verify", "clean, 0 errors, 0 notes")) << m_output;
+    const Json result = Json::parse(contentOf(out() + ".json"));
+    EXPECT_EQ(test::faultsOf(result, test::placeSchema()), Words{});
+    EXPECT_EQ(result["refine"]["options"]["anew"], true);
+    EXPECT_EQ(result["judge"]["errors"], 0);
+    EXPECT_FALSE(test::contentOf(out() + ".def").starts_with("# Not clean"));
 }
 
 TEST_F(SmallFlow, SaysWhatTheJudgeHasAgainstAPlacementAndWhatToDo)
