@@ -161,55 +161,50 @@ int64_t Mover::lengthCost(const Pulls& pulls, int32_t x, bool mirrored) const
     return cost;
 }
 
+/// Where the weighted sum of the distances to all bends is least.
+///
+/// @param none  what it is without bends
+Range Mover::middleOfBends(int32_t none)
+{
+    std::ranges::sort(m_bends);
+    int64_t slope = 0; // twice
+    for (const auto& [x, weight] : m_bends) {
+        slope -= weight;
+    }
+    for (size_t i = 0; i < m_bends.size(); ++i) {
+        slope += 2 * int64_t{m_bends[i].second};
+        if (slope >= 0) {
+            const bool isFlat = slope == 0 && i + 1 < m_bends.size();
+            return {m_bends[i].first, m_bends[i + (isFlat ? 1 : 0)].first};
+        }
+    }
+    return {none, none};
+}
+
 Range Mover::bestX(bool mirrored)
 {
     m_bends.clear();
-    int64_t slope = 0;
     for (const Pull& pull : m_pulls) {
-        if (pull.outside.x.empty()) {
-            continue;
-        }
-        const Range& reach = pull.reach->x[mirrored ? 1 : 0];
-        m_bends.emplace_back(pull.outside.x.low - reach.low, pull.weight);
-        m_bends.emplace_back(pull.outside.x.high - reach.high, pull.weight);
-        slope -= pull.weight;
-    }
-    std::ranges::sort(m_bends);
-    Range best{0, 0};
-    for (size_t i = 0; i < m_bends.size(); ++i) {
-        slope += m_bends[i].second;
-        if (slope >= 0) {
-            best.low = m_bends[i].first;
-            best.high = slope == 0 && i + 1 < m_bends.size() ? m_bends[i + 1].first : best.low;
-            break;
+        if (const Range& outside = pull.outside.x; !outside.empty()) {
+            const Range& reach = pull.reach->x[mirrored ? 1 : 0];
+            m_bends.emplace_back(outside.low - reach.low, pull.weight);
+            m_bends.emplace_back(outside.high - reach.high, pull.weight);
         }
     }
-    return best;
+    return middleOfBends(0);
 }
 
 /// The heights that cost least.
 Range Mover::bestY(int32_t row)
 {
     m_bends.clear();
-    int64_t slope = 0;
     for (const Pull& pull : m_pulls) {
-        if (!pull.outside.y.empty()) {
-            m_bends.emplace_back(pull.outside.y.low, pull.weight);
-            m_bends.emplace_back(pull.outside.y.high, pull.weight);
-            slope -= pull.weight;
+        if (const Range& outside = pull.outside.y; !outside.empty()) {
+            m_bends.emplace_back(outside.low, pull.weight);
+            m_bends.emplace_back(outside.high, pull.weight);
         }
     }
-    std::ranges::sort(m_bends);
-    Range wanted{m_at.yOf(row), m_at.yOf(row)};
-    for (size_t i = 0; i < m_bends.size(); ++i) {
-        slope += m_bends[i].second;
-        if (slope >= 0) {
-            wanted.low = m_bends[i].first;
-            wanted.high = slope == 0 && i + 1 < m_bends.size() ? m_bends[i + 1].first : wanted.low;
-            break;
-        }
-    }
-    return wanted;
+    return middleOfBends(m_at.yOf(row));
 }
 
 void Mover::insert(int32_t index, const Limits& limits, Proposal& result)

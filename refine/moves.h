@@ -81,6 +81,7 @@ private:
     int64_t lengthCost(const Pulls& pulls, int32_t x, bool mirrored) const;
     int64_t lengthCost(int32_t x, bool mirrored) const { return lengthCost(m_pulls, x, mirrored); }
     Range bestY(int32_t row);
+    Range middleOfBends(int32_t none);
     void trySwap(int32_t index, int32_t otherIndex, const Limits& limits, Proposal& result);
     bool takeBeside(int32_t row, size_t rank, int32_t instead, const Limits& limits, WindowFrame& frame);
     /// What a cell costs at least with its left edge from one x to another, in either way to lie.

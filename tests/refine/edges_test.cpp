@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Cells that are in each other's way further away than next neighbours, and other edges of what a model may be.
+// Cells that are in each other's way further away than next neighbours, and other edges of what a model may
+// be.
 #include "refine/improve.h"
 
 #include <rapidcheck/Log.h>
