@@ -11,26 +11,31 @@
 namespace refine {
 namespace { // not shared between the sources that include this
 
+#ifdef __AVX2__
 constexpr int32_t LANES = 8;
-using Vector [[gnu::vector_size(32)]] = int32_t;
-using Anywhere [[gnu::vector_size(32), gnu::aligned(4), gnu::may_alias]] = int32_t;
+#else
+constexpr int32_t LANES = 4;
+#endif
+using Vector [[gnu::vector_size(4 * LANES)]] = int32_t;
+using Anywhere [[gnu::vector_size(4 * LANES), gnu::aligned(4), gnu::may_alias]] = int32_t;
 
-/// Numbers that need not be aligned.
-const Anywhere& at(const int32_t* from)
+/// Numbers that need not be aligned, from and to memory; the lesser ones of two vectors.
+///@{
+Vector load(const int32_t* from)
 {
     return *reinterpret_cast<const Anywhere*>(from);
 }
 
-Anywhere& at(int32_t* to)
+void store(int32_t* to, Vector value)
 {
-    return *reinterpret_cast<Anywhere*>(to);
+    *reinterpret_cast<Anywhere*>(to) = value;
 }
 
-void lower(Vector& value, const Anywhere& other)
+Vector lesser(Vector a, Vector b)
 {
-    const Vector compared = other;
-    value = compared < value ? compared : value;
+    return a < b ? a : b;
 }
+///@}
 
 template <int32_t WIDTH>
 void stepOfWidth(const ProgramStep& step)
@@ -42,14 +47,14 @@ void stepOfWidth(const ProgramStep& step)
             Vector arrival = Vector{} + NEVER;
             for (int32_t r = 0; r < step.classesBefore; ++r) {
                 const int32_t shift = step.shifts[r * step.leftClasses + c];
-                lower(arrival, at(step.before + r * STRIDE + WIDTH + shift + p));
+                arrival = lesser(arrival, load(step.before + r * STRIDE + WIDTH + shift + p));
             }
-            at(step.arrivals + c * WIDTH + p) = arrival;
+            store(step.arrivals + c * WIDTH + p, arrival);
         }
     }
     for (int32_t r = 0; r < step.rightClasses; ++r) {
         for (int32_t p = 0; p < 2 * WIDTH; p += LANES) {
-            at(step.profiles + r * STRIDE + p) = Vector{} + NEVER;
+            store(step.profiles + r * STRIDE + p, Vector{} + NEVER);
         }
     }
     for (int32_t o = 0; o < step.optionCount; ++o) {
@@ -58,9 +63,8 @@ void stepOfWidth(const ProgramStep& step)
         const int32_t* const costs = step.costs[option.mirrored ? 1 : 0];
         int32_t* const profile = step.profiles + option.rightClass * STRIDE + WIDTH;
         for (int32_t p = 0; p < WIDTH; p += LANES) {
-            Vector least = at(profile + p);
-            lower(least, at(arrival + p) + at(costs + p) + option.price);
-            at(profile + p) = least;
+            const Vector cost = load(arrival + p) + load(costs + p) + option.price;
+            store(profile + p, lesser(load(profile + p), cost));
         }
     }
     for (int32_t r = 0; r < step.rightClasses; ++r) {
@@ -74,7 +78,7 @@ void stepOfWidth(const ProgramStep& step)
             profile[p] = least;
         }
         for (int32_t p = WIDTH; p < 2 * WIDTH; p += LANES) {
-            at(profile + p) = Vector{} + least;
+            store(profile + p, Vector{} + least);
         }
     }
 }
