@@ -3,6 +3,7 @@
 
 #include <optional>
 
+#include "refine/programStep.h"
 #include "support/property.h"
 
 namespace {
@@ -160,6 +161,27 @@ PROPERTY_TIMES(OrderedProgram, FindsTheLeastCostInWindowsOfAnyWidth, 4)
 PROPERTY_TIMES(OrderedProgram, FindsTheLeastCostInTheWidestWindows, 2)
 {
     compareOrdered(test::drawOne({32, 33, 64}));
+}
+
+PROPERTY_TIMES(OrderedProgram, InstructionSetsFindTheSame, 3)
+{
+    OrderedProblem problem(test::drawOne({7, 8, 16, 32, 64}));
+    std::vector<ProgramSpot> first;
+    const int32_t cost = problem.program.solve(problem.sites);
+    if (cost < OrderedProgram::NEVER) {
+        problem.program.trace(first);
+    }
+    for (const refine::ProgramStepFunction step : refine::programStepsHere()) {
+        problem.program.setStep(step);
+        RC_ASSERT(problem.program.solve(problem.sites) == cost);
+        std::vector<ProgramSpot> spots;
+        if (cost < OrderedProgram::NEVER) {
+            problem.program.trace(spots);
+        }
+        RC_ASSERT(std::ranges::equal(spots, first, [](const ProgramSpot& a, const ProgramSpot& b) {
+            return a.site == b.site && a.state == b.state;
+        }));
+    }
 }
 
 // A program that has solved something else before finds the same.
