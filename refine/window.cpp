@@ -432,7 +432,7 @@ WindowSolver::Costs WindowSolver::addCosts(std::span<const int32_t> targets, int
         packed += item.width;
         const KindFacts& facts = m_facts[static_cast<size_t>(cellAt(rank).kind)];
         int64_t least = std::numeric_limits<int64_t>::max();
-        for (const size_t mirrored : {0, 1}) {
+        for (const size_t mirrored : {size_t{0}, size_t{1}}) {
             if (facts.lies[mirrored]) {
                 addProfile(rank, mirrored == 1, m_run->x + item.low * step, window, reference);
                 const int32_t* const own = item.costs[mirrored];
@@ -440,7 +440,7 @@ WindowSolver::Costs WindowSolver::addCosts(std::span<const int32_t> targets, int
             }
         }
         int32_t most = 0;
-        for (const size_t mirrored : {0, 1}) {
+        for (const size_t mirrored : {size_t{0}, size_t{1}}) {
             if (facts.lies[mirrored]) {
                 int32_t* const own = m_program.costRoom(rank, mirrored == 1);
                 const auto add = static_cast<int32_t>(m_base[mirrored] - least);
