@@ -65,7 +65,8 @@ int64_t Mover::gainOf(const Proposal& proposal)
     return gain;
 }
 
-void Mover::arrange(int32_t row, size_t first, size_t last, int32_t sites, Proposal& result)
+/// Takes neighbours, in the order in which they are.
+WindowFrame Mover::takeRanks(int32_t row, size_t first, size_t last)
 {
     const std::vector<Item>& items = m_at.items(row);
     m_cells.clear();
@@ -76,9 +77,13 @@ void Mover::arrange(int32_t row, size_t first, size_t last, int32_t sites, Propo
         m_cells.push_back(items[i].cell);
         m_targets.push_back(items[i].x);
     }
-    const Run* const run = m_at.runAt(row, items[first].x);
     m_window.take(m_cells, row);
-    const WindowFrame frame = frameOf(row, *run, first, last, -1);
+    return frameOf(row, *m_at.runAt(row, items[first].x), first, last, -1);
+}
+
+/// Solves what was taken, and proposes it if it is better than what is proposed so far.
+void Mover::solve(const WindowFrame& frame, int32_t sites, Proposal& result)
+{
     const int64_t gain = m_window.solve(frame, m_order, m_targets, sites, result.gain);
     if (gain > result.gain) {
         result.gain = gain;
@@ -88,28 +93,18 @@ void Mover::arrange(int32_t row, size_t first, size_t last, int32_t sites, Propo
     }
 }
 
+void Mover::arrange(int32_t row, size_t first, size_t last, int32_t sites, Proposal& result)
+{
+    const WindowFrame frame = takeRanks(row, first, last);
+    solve(frame, sites, result);
+}
+
 void Mover::reorder(int32_t row, size_t first, size_t last, Proposal& result)
 {
-    const std::vector<Item>& items = m_at.items(row);
-    m_cells.clear();
-    m_order.clear();
-    m_targets.clear();
-    for (size_t i = first; i < last; ++i) {
-        m_order.push_back(static_cast<int32_t>(m_cells.size()));
-        m_cells.push_back(items[i].cell);
-        m_targets.push_back((items[first].x + items[last - 1].x) / 2);
-    }
-    const Run* const run = m_at.runAt(row, items[first].x);
-    const WindowFrame frame = frameOf(row, *run, first, last, -1);
-    m_window.take(m_cells, row);
+    const WindowFrame frame = takeRanks(row, first, last);
+    std::ranges::fill(m_targets, (m_targets.front() + m_targets.back()) / 2);
     while (std::ranges::next_permutation(m_order).found) {
-        const int64_t gain = m_window.solve(frame, m_order, m_targets, 32, result.gain);
-        if (gain > result.gain) {
-            result.gain = gain;
-            result.changes.clear();
-            m_window.changes(result.changes);
-            result.stretches = {stretchOf(frame)};
-        }
+        solve(frame, Limits().sites, result);
     }
 }
 
@@ -412,13 +407,7 @@ void Mover::tryPlace(int32_t index, int32_t row, size_t rank, int32_t target, in
         return;
     }
     m_window.take(m_cells, row);
-    const int64_t gain = m_window.solve(frame, m_order, m_targets, limits.sites, result.gain);
-    if (gain > result.gain) {
-        result.gain = gain;
-        result.changes.clear();
-        m_window.changes(result.changes);
-        result.stretches = {stretchOf(frame)};
-    }
+    solve(frame, limits.sites, result);
 }
 
 void Mover::swap(int32_t index, const Limits& limits, Proposal& result)

@@ -80,6 +80,8 @@ private:
     int64_t heightCost(int32_t row) const { return heightCost(m_pulls, row); }
     int64_t lengthCost(const Pulls& pulls, int32_t x, bool mirrored) const;
     int64_t lengthCost(int32_t x, bool mirrored) const { return lengthCost(m_pulls, x, mirrored); }
+    WindowFrame takeRanks(int32_t row, size_t first, size_t last);
+    void solve(const WindowFrame& frame, int32_t sites, Proposal& result);
     Range bestY(int32_t row);
     Range middleOfBends(int32_t none);
     void trySwap(int32_t index, int32_t otherIndex, const Limits& limits, Proposal& result);
