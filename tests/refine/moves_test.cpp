@@ -32,9 +32,27 @@ public:
         RC_ASSERT((proposal.gain > 0) == !proposal.changes.empty());
         RC_ASSERT(mover.isPossible(proposal, m_now));
         RC_ASSERT(mover.gainOf(proposal) == proposal.gain);
+        if (!keepsDistance(proposal)) {
+            return;
+        }
         at.apply(proposal.changes, ++m_now);
         RC_ASSERT(before - cost() == proposal.gain);
         assertLegal();
+    }
+
+    /// A move looks at next neighbours: what it proposes may be too close further away, and is left then.
+    bool keepsDistance(const Proposal& proposal)
+    {
+        const bool keeps = at.keepsDistance(proposal.changes);
+        refine::Model then = model;
+        for (const refine::Change& change : proposal.changes) {
+            refine::Cell& cell = then.cells[static_cast<size_t>(change.cell)];
+            cell.row = change.row;
+            cell.x = change.x;
+            cell.state = change.state;
+        }
+        RC_ASSERT(keeps == (refine::violationsOf(then).sum() == 0));
+        return keeps;
     }
 
     /// Makes changes that were proposed for the placement as it is, as far as each is possible after the
@@ -43,7 +61,7 @@ public:
     {
         const uint32_t since = m_now;
         for (Proposal& proposal : proposals) {
-            if (mover.isPossible(proposal, since)) {
+            if (mover.isPossible(proposal, since) && keepsDistance(proposal)) {
                 proposal.gain = mover.gainOf(proposal);
                 const int64_t before = cost();
                 at.apply(proposal.changes, ++m_now);
